@@ -1,0 +1,38 @@
+# tesseret_ofx_bundle(target): turns a MODULE library into Tesseret.ofx.bundle in the build folder.
+function(tesseret_ofx_bundle target)
+  if(WIN32)
+    if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+      set(arch Win64)
+    else()
+      set(arch Win32)
+    endif()
+  elseif(APPLE)
+    set(arch MacOS)
+  elseif(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(arch Linux-x86-64)
+  else()
+    set(arch Linux-x86)
+  endif()
+  set(contents "${PROJECT_BINARY_DIR}/Tesseret.ofx.bundle/Contents")
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/Info.plist.in" "${contents}/Info.plist" @ONLY)
+  file(MAKE_DIRECTORY "${contents}/Resources")
+  configure_file("${PROJECT_SOURCE_DIR}/LICENSE" "${contents}/Resources/LICENSE" COPYONLY)
+  set_target_properties(
+    ${target} PROPERTIES OUTPUT_NAME Tesseret PREFIX "" SUFFIX ".ofx"
+                         LIBRARY_OUTPUT_DIRECTORY "${contents}/${arch}"
+                         RUNTIME_OUTPUT_DIRECTORY "${contents}/${arch}"
+                         LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/exports.map")
+  # Static runtimes: a host brings its own C++ library, possibly an older one.
+  if(NOT MSVC)
+    target_link_options(${target} PRIVATE -static-libgcc -static-libstdc++)
+  endif()
+  if(NOT WIN32 AND NOT APPLE)
+    target_link_options(${target} PRIVATE
+                        "LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map"
+                        "LINKER:--exclude-libs,ALL" "LINKER:-z,now")
+    # A sanitizer's runtime comes from the program that loads the plug-in.
+    if(NOT TESSERET_SANITIZE)
+      target_link_options(${target} PRIVATE "LINKER:--no-undefined")
+    endif()
+  endif()
+endfunction()

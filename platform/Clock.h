@@ -1,0 +1,13 @@
+#pragma once
+
+namespace Orvane {
+
+/// A moment in UTC, fields as people write them: month and day count from 1.
+struct UtcTime {
+    int year, month, day, hour, minute, second;
+};
+
+/// The system clock now.
+UtcTime utcNow();
+
+}  // namespace Orvane
