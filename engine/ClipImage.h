@@ -5,7 +5,8 @@
 
 namespace Orvane::Engine {
 
-/// A borrowed host image. Destroying it releases the image, so views of its map must be gone by then.
+/// A borrowed host image. Destroying it releases the image, so views of its map must be gone by
+/// then.
 class ClipImage {
 public:
     virtual ~ClipImage() = default;

@@ -1,7 +1,8 @@
 #pragma once
 
-/// The pixel kinds of the engine. Channels are interleaved R, G, B, A and keep the host's range: 0 to
-/// 255, 0 to 65535, nominally 0 to 1. No kind is ever converted to another unless a stage says so.
+/// The pixel kinds of the engine. Channels are interleaved R, G, B, A and keep the host's range: 0
+/// to 255, 0 to 65535, nominally 0 to 1. No kind is ever converted to another unless a stage says
+/// so.
 
 #include <cstdint>
 

@@ -17,8 +17,8 @@ struct Window {
     int x1, y1, x2, y2;
 };
 
-/// Everything one render may ask of its host: when, where, at which scale, values by name, images by
-/// clip name. Nothing here fails; what the host does not have answers zero, false or null.
+/// Everything one render may ask of its host: when, where, at which scale, values by name, images
+/// by clip name. Nothing here fails; what the host does not have answers zero, false or null.
 class RenderContext {
 public:
     virtual ~RenderContext() = default;

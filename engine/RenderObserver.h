@@ -9,8 +9,8 @@ struct LaidBlock {
     int textureIndex;
 };
 
-/// Told what happens inside a render, on the render thread only. Most hosts want none: the engine then
-/// holds a null pointer and spends nothing.
+/// Told what happens inside a render, on the render thread only. Most hosts want none: the engine
+/// then holds a null pointer and spends nothing.
 class RenderObserver {
 public:
     virtual ~RenderObserver() = default;

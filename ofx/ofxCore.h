@@ -4,7 +4,8 @@
 /// actions and properties that every plug-in kind shares. Declared by hand, names as published; one
 /// set of declarations serves the releases 1.0 to 1.5, since no member ever moved.
 ///
-/// Everything that crosses the interface is plain C: no exception may leave a function declared here.
+/// Everything that crosses the interface is plain C: no exception may leave a function declared
+/// here.
 
 #include <cstddef>
 

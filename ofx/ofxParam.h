@@ -1,8 +1,9 @@
 #pragma once
 
-/// "OfxParameterSuite" version 1 and the names of parameter types and properties. The ellipsis stands
-/// for pointers to the value's components when reading and for the components when setting; it must
-/// stay in the declarations, since variadic calls pass floating-point arguments differently.
+/// "OfxParameterSuite" version 1 and the names of parameter types and properties. The ellipsis
+/// stands for pointers to the value's components when reading and for the components when setting;
+/// it must stay in the declarations, since variadic calls pass floating-point arguments
+/// differently.
 
 #include "ofx/ofxCore.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-/// "OfxPropertySuite" version 1: typed values by name and index. Strings are copied by the host when
-/// set; a string that is read belongs to the host and is copied at once.
+/// "OfxPropertySuite" version 1: typed values by name and index. Strings are copied by the host
+/// when set; a string that is read belongs to the host and is copied at once.
 
 #include "ofx/ofxCore.h"
 

@@ -1,11 +1,12 @@
 #pragma once
 
-/// "TesseretObserverSuite" version 1: the one optional suite of our own. A host that offers it is told
-/// what happens inside a render; the embedded host does, so that the command line can show stage times,
-/// blocks and notes. A plug-in that finds no such suite tells nobody and spends nothing.
+/// "TesseretObserverSuite" version 1: the one optional suite of our own. A host that offers it is
+/// told what happens inside a render; the embedded host does, so that the command line can show
+/// stage times, blocks and notes. A plug-in that finds no such suite tells nobody and spends
+/// nothing.
 ///
-/// Every call comes on the thread that runs the render action, never from a worker. All pointers are
-/// valid during the call only. Any member may be null.
+/// Every call comes on the thread that runs the render action, never from a worker. All pointers
+/// are valid during the call only. Any member may be null.
 
 #include "ofx/ofxImageEffect.h"
 
@@ -22,7 +23,8 @@ struct TesseretBlockV1 {
 };
 
 struct TesseretObserverSuiteV1 {
-    /// Stages nest; each `stageBegan` has its `stageEnded`, also when the render fails or is aborted.
+    /// Stages nest; each `stageBegan` has its `stageEnded`, also when the render fails or is
+    /// aborted.
     void (*stageBegan)(OfxImageEffectHandle effect, const char* stage);
     void (*stageEnded)(OfxImageEffectHandle effect, const char* stage);
     /// How much of the current stage is done, 0 to 1, never decreasing within one stage.

@@ -22,8 +22,8 @@ public:
     virtual unsigned int threadIndex() = 0;
     /// Whether the calling thread is one that the host made for `run`.
     virtual bool isSpawnedThread() = 0;
-    /// Calls function on up to numThreads threads and returns when all calls have. A host that cannot
-    /// makes no call.
+    /// Calls function on up to numThreads threads and returns when all calls have. A host that
+    /// cannot makes no call.
     virtual void run(HostThreadFunction* function, unsigned int numThreads, void* argument) = 0;
 };
 

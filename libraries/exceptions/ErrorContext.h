@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+
+namespace Orvane::Exceptions {
+
+/// The function name of every raise and catch site; the report leaves such names out.
+inline constexpr const char* kUnknownFunction = "unknown()";
+
+/// Where an exception was raised or last caught. All texts are static.
+struct ErrorContext {
+    std::int32_t id = 0;
+    const char* function = nullptr;  ///< may be null
+    const char* file = nullptr;      ///< from the last backslash of the path on; may be null
+    std::int32_t line = 0;           ///< 0 means no line
+    const char* typeName = nullptr;  ///< filled by the catch site, as is familyName
+    const char* familyName = nullptr;
+
+    /// Moves the context to another place in the source.
+    void moveTo(const char* newFunction, const char* path, std::int32_t newLine);
+};
+
+/// `path` from its last backslash on, that included; the whole of it when it has none.
+const char* fileOfPath(const char* path);
+
+/// The contexts one thread has pushed, by sequence number: 0 is the oldest.
+using ErrorStack = std::map<std::uint32_t, ErrorContext>;
+/// The stacks by host thread index.
+using ErrorStacks = std::map<unsigned int, ErrorStack>;
+
+/// Appends a copy of the context, as it is, to the calling thread's stack, and only then moves the
+/// context itself to the catch site: a stored context says where its exception came from. Threads
+/// that fail together may push at the same moment.
+void pushErrorContext(ErrorContext& context, const char* function, const char* file,
+                      std::int32_t line);
+
+/// Removes every thread's stack.
+void clearErrorContexts();
+
+/// A copy of all stacks.
+ErrorStacks errorContexts();
+
+}  // namespace Orvane::Exceptions
