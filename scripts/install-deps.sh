@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Installs what building and testing needs from Debian 12's packages, and nothing that is there already.
+# Runs as root or through sudo. Prints nothing when there is nothing to do.
+set -euo pipefail
+
+packages=(
+    ccache clang-format cmake g++ graphicsmagick libbenchmark-dev libcli11-dev libgmock-dev libgtest-dev
+    libopenimageio-dev ninja-build nlohmann-json3-dev pkgconf zlib1g-dev
+)
+
+installed() {
+    dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null | grep -qx installed
+}
+
+missing=()
+for package in "${packages[@]}"; do
+    installed "$package" || missing+=("$package")
+done
+[[ ${#missing[@]} -eq 0 ]] && exit 0
+
+root=()
+if [[ $(id -u) -ne 0 ]]; then
+    command -v sudo >/dev/null || { echo "install-deps: run as root to install: ${missing[*]}" >&2; exit 1; }
+    root=(sudo)
+fi
+
+echo "Installing ${missing[*]}"
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+apt() {
+    "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 "$@" >"$log" 2>&1 ||
+        { cat "$log" >&2; echo "install-deps: apt-get $1 failed" >&2; exit 1; }
+}
+apt update
+apt install --yes --no-install-recommends "${missing[@]}"
