@@ -1,0 +1,25 @@
+#pragma once
+
+#include "ofx/ofxImageEffect.h"
+#include "ofx/ofxParam.h"
+#include "products/OFX/Support/ovOfxParam.h"
+
+namespace Orvane {
+
+class OvOfxEffect;
+
+/// Defines the parameters and pages of the context that the effect is bound to. Each defined
+/// parameter is appended to the effect's parameter list. Answers the host's status, kOfxStatFailed
+/// for an unknown context.
+[[nodiscard]] OfxStatus defineParameters(OvOfxEffect& effect, OfxImageEffectHandle handle);
+
+/// Defines one parameter, or a group and its children. `parent` is the name of the group it is in,
+/// empty at the top level. Excluded objects and clips are skipped with 0; kOfxStatFailed for an
+/// object that no host can define.
+[[nodiscard]] OfxStatus defineParameter(OvOfxEffect& effect, OvOfxParam& param,
+                                        OfxParamSetHandle paramSet, const char* parent);
+
+/// Writes what parameters, buttons, groups and pages have in common.
+void writeCommonProperties(const OvOfxParam& param, const OvOfxPropertySet& properties);
+
+}  // namespace Orvane
