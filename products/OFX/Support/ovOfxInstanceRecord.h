@@ -19,6 +19,10 @@ struct OvOfxChangeRecord {
 /// The record that in-args of a change action hold. Without `withTime` the time is 0.
 [[nodiscard]] OvOfxChangeRecord readChangeRecord(const OvOfxPropertySet& inArgs, bool withTime);
 
+/// The properties of an effect, descriptor or instance. Answers the host's status, or
+/// kOfxStatErrBadHandle when that is 0 and there are none all the same.
+[[nodiscard]] OfxStatus effectProperties(OfxImageEffectHandle effect, OvOfxPropertySet& properties);
+
 /// The actions whose hooks answer through a frame.
 enum class OvActionKind { ClipPreferences = 2, TimeDomain = 10 };
 

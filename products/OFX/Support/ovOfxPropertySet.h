@@ -29,8 +29,8 @@ public:
     OfxStatus setInt(const char* name, int value, int index = 0) const;
     OfxStatus setDoubles(const char* name, std::span<const double> values) const;
 
-    // The getters touch `value` only when the host did, and never with half a result: on failure it
-    // keeps what the caller put there. A pointer is null on failure unless the host filled it.
+    // On failure a value is what it was before the call, or what the host left in it. A pointer
+    // starts as null, so that the pointer itself can be asked whether there is one.
     [[nodiscard]] OfxStatus getPointer(const char* name, void*& value, int index = 0) const;
     /// Copies the text; a null text is an empty string.
     [[nodiscard]] OfxStatus getString(const char* name, std::string& value, int index = 0) const;
