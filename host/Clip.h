@@ -1,0 +1,77 @@
+#pragma once
+
+/// A clip of a descriptor or of an instance. An instance's input clip gets its pictures from a
+/// ClipSource; the output clip gets the picture that is being rendered.
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "host/ClipSource.h"
+#include "host/HandleRegistry.h"
+#include "host/PropertySet.h"
+
+namespace Tesseret::Host {
+
+class EffectObject;
+class Image;
+
+class Clip {
+public:
+    Clip(EffectObject& owner, std::string name);
+    /// An instance's clip, with the properties described.
+    Clip(EffectObject& owner, const Clip& described);
+    ~Clip();
+    Clip(const Clip&) = delete;
+    Clip& operator=(const Clip&) = delete;
+
+    OfxImageClipHandle handle() const { return handle_.as<OfxImageClipHandle>(); }
+    EffectObject& owner() const { return owner_; }
+    const std::string& name() const { return name_; }
+    bool isOutput() const;
+    bool isOptional() const;
+    PropertySet& properties() { return properties_; }
+    const PropertySet& properties() const { return properties_; }
+
+    bool isConnected() const { return source_ != nullptr || output_ != nullptr; }
+    const std::shared_ptr<ClipSource>& source() const { return source_; }
+    void connect(std::shared_ptr<ClipSource> source) { source_ = std::move(source); }
+    /// The picture being rendered, not owned; null when none is.
+    void setOutput(Picture* picture) { output_ = picture; }
+    /// The depth and components in which pictures reach the plug-in, and the properties that say
+    /// so.
+    void setFormat(const ClipFormat& format);
+    const ClipFormat& format() const { return format_; }
+    /// The properties of an instance's clip, from its source, format and the quirks.
+    void updateProperties();
+    /// The region asked for this render, in canonical units.
+    void setRegionOfInterest(std::optional<OfxRectD> region) { regionOfInterest_ = region; }
+
+    // The suite's side; each answers the standard's statuses.
+    OfxStatus fetch(OfxTime time, const OfxRectD* region, OfxPropertySetHandle& image);
+    OfxStatus regionOfDefinition(OfxTime time, OfxRectD& region);
+    /// Gives an image of this clip back. False when it holds no such image.
+    bool release(const PropertySet& image);
+    /// Lets go of what was fetched and not released; returns how many there were.
+    std::size_t releaseAll();
+
+private:
+    std::shared_ptr<const Picture> inputPicture(OfxTime time, OfxPointD renderScale,
+                                                const OfxRectD* region);
+    void defineDescriptor();
+
+    EffectObject& owner_;
+    std::string name_;
+    Handle handle_;
+    PropertySet properties_;
+    ClipFormat format_;
+    std::shared_ptr<ClipSource> source_;
+    Picture* output_ = nullptr;
+    std::optional<OfxRectD> regionOfInterest_;
+    std::map<const PropertySet*, std::unique_ptr<Image>> images_;
+    std::unique_ptr<Image> sharedImage_;  ///< under the quirk of one property set for every fetch
+    std::size_t sharedFetches_ = 0;
+};
+
+}  // namespace Tesseret::Host

@@ -1,0 +1,73 @@
+#pragma once
+
+/// One plug-in at work in one host: set up, loaded, described in contexts, unloaded at the end. For
+/// most uses `start`, `describeInContext` and `createInstance` are enough; the single steps are for
+/// tests.
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "host/Descriptor.h"
+#include "host/EmbeddedHost.h"
+#include "host/Instance.h"
+#include "host/Plugin.h"
+
+namespace Tesseret::Host {
+
+class Effect {
+public:
+    /// Gives the plug-in the host's record. The host outlives the effect; the library is kept
+    /// loaded.
+    Effect(EmbeddedHost& host, std::shared_ptr<PluginLibrary> library, OfxPlugin& plugin);
+    /// Sends Unload when the plug-in was loaded. All instances must be gone.
+    ~Effect();
+    Effect(const Effect&) = delete;
+    Effect& operator=(const Effect&) = delete;
+
+    /// Load and describe as the host's quirks have it; throws HostError when the plug-in refuses.
+    void start();
+    /// What the plug-in said of itself; after `start`.
+    EffectDescription description() const;
+    /// Describes in a context unless that was done, and tells what was said. Throws HostError when
+    /// the plug-in does not support the context or fails.
+    const ContextDescription& describeInContext(std::string_view context);
+    /// Makes an instance; describes in the context first when that was not done. Throws HostError
+    /// with the plug-in's status when it refuses.
+    std::unique_ptr<Instance> createInstance(std::string_view context);
+
+    // Single steps; each sends one action and returns its status.
+    OfxStatus sendLoad();
+    OfxStatus sendUnload();
+    OfxStatus sendDescribe();
+    OfxStatus sendDescribeInContext(std::string_view context);
+
+    /// Sends anything to the plug-in's main entry, with this host the current one. An exception
+    /// that leaves the plug-in is reported and answered as 2.
+    OfxStatus send(const char* action, const void* handle, OfxPropertySetHandle inArgs,
+                   OfxPropertySetHandle outArgs);
+
+    EmbeddedHost& host() const { return host_; }
+    OfxPlugin& plugin() const { return plugin_; }
+    Descriptor& descriptor() { return *descriptor_; }
+    /// Null when the context was not described.
+    Descriptor* contextDescriptor(std::string_view context) const;
+
+private:
+    void loadAndDescribe();
+
+    struct Described {
+        std::unique_ptr<Descriptor> descriptor;
+        ContextDescription description;
+    };
+
+    EmbeddedHost& host_;
+    std::shared_ptr<PluginLibrary> library_;
+    OfxPlugin& plugin_;
+    bool loaded_ = false;
+    std::unique_ptr<Descriptor> descriptor_;
+    std::map<std::string, Described, std::less<>> contexts_;
+};
+
+}  // namespace Tesseret::Host

@@ -1,0 +1,49 @@
+#pragma once
+
+/// Where the host tells what happens: its reports on wrong calls, the plug-in's messages, and what
+/// a plug-in tells of its render. The host serialises reports and messages; they may come from any
+/// thread.
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "ofx/tesseretObserver.h"
+
+namespace Tesseret::Host {
+
+class Instance;
+
+/// One line, no line end.
+struct Report {
+    enum class Kind {
+        Note,     ///< allowed, but worth knowing: an unknown property, a fault that was asked for
+        BadCall,  ///< the plug-in did what the standard forbids, and was answered with a status
+    };
+    Kind kind = Kind::Note;
+    std::string text;
+};
+using ReportSink = std::function<void(const Report&)>;
+
+/// A message of the plug-in. `text` is formatted; type and id are empty when the plug-in gave null.
+struct Message {
+    std::string type;
+    std::string id;
+    std::string text;
+    Instance* instance = nullptr;  ///< null when the plug-in named none
+};
+/// Answers 0, 12, 13 or 14. Without a sink the host answers 0, and 14 to a question.
+using MessageSink = std::function<OfxStatus(const Message&)>;
+
+/// Listens to "TesseretObserverSuite". Calls come on the thread that renders the instance.
+class RenderListener {
+public:
+    virtual ~RenderListener() = default;
+    virtual void stageBegan(Instance& /*instance*/, std::string_view /*stage*/) {}
+    virtual void stageEnded(Instance& /*instance*/, std::string_view /*stage*/) {}
+    virtual void progress(Instance& /*instance*/, double /*fraction*/) {}
+    virtual void blockLaid(Instance& /*instance*/, const TesseretBlockV1& /*block*/) {}
+    virtual void note(Instance& /*instance*/, std::string_view /*text*/) {}
+};
+
+}  // namespace Tesseret::Host
