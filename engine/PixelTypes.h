@@ -32,6 +32,22 @@ struct PixelVec2f {
 static_assert(sizeof(PixelRGBA8) == 4 && sizeof(PixelRGBA16) == 8 && sizeof(PixelRGBAf) == 16);
 static_assert(sizeof(PixelVec2f) == 8);
 
+/// What interpolating between pixels of a kind yields: the same channels as floats.
+template <typename Pixel>
+struct Interpolated {
+    using Type = float;
+};
+template <typename Channel>
+struct Interpolated<RGBA<Channel>> {
+    using Type = PixelRGBAf;
+};
+template <>
+struct Interpolated<PixelVec2f> {
+    using Type = PixelVec2f;
+};
+template <typename Pixel>
+using SampleOf = typename Interpolated<Pixel>::Type;
+
 /// The kinds that a host image can have; the six that clips deliver.
 enum class PixelKind { None, RGBA8, RGBA16, RGBAf, Alpha8, Alpha16, Alphaf };
 

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+
+namespace Orvane::Engine {
+
+/// Arithmetic whose result must not depend on the machine, and conversions that are defined for
+/// every value a host may hand over.
+
+/// Whole numbers made from a host's values stay within this, so that the difference of two fits an
+/// int.
+inline constexpr int kNumberLimit = 1'000'000'000;
+
+/// `value` without its fraction, cut to +-kNumberLimit; 0 for NaN.
+template <typename Float>
+constexpr int truncateToInt(Float value)
+{
+    if (!(value == value)) return 0;
+    if (value >= static_cast<Float>(kNumberLimit)) return kNumberLimit;
+    if (value <= -static_cast<Float>(kNumberLimit)) return -kNumberLimit;
+    return static_cast<int>(value);
+}
+
+/// The largest whole number that is not above `value`, cut like truncateToInt.
+template <typename Float>
+int floorToInt(Float value)
+{
+    return truncateToInt(std::floor(value));
+}
+
+/// A 64-bit whole number cut to +-kNumberLimit.
+constexpr int limitToInt(std::int64_t value)
+{
+    if (value > kNumberLimit) return kNumberLimit;
+    if (value < -kNumberLimit) return -kNumberLimit;
+    return static_cast<int>(value);
+}
+
+}  // namespace Orvane::Engine
