@@ -28,15 +28,17 @@ struct OvProject {
 
 /// A value of one of the types NormalisedX to NormalisedYAbsolute in canonical units and back;
 /// other types stay as they are.
-[[nodiscard]] double toCanonical(double value, OvDoubleType type, const OvProject& project);
-[[nodiscard]] double toNormalised(double value, OvDoubleType type, const OvProject& project);
+[[nodiscard]] double normalisedToCanonical(double value, OvDoubleType type,
+                                           const OvProject& project);
+[[nodiscard]] double canonicalToNormalised(double value, OvDoubleType type,
+                                           const OvProject& project);
 
 /// A position of one of the types NormalisedXY and NormalisedXYAbsolute in pixels and back; other
 /// types stay as they are. `scale` is pixels per canonical unit.
-[[nodiscard]] OvPoint toPixels(OvPoint value, OvDoubleType type, const OvProject& project,
-                               OvPoint scale);
-[[nodiscard]] OvPoint toNormalised(OvPoint pixels, OvDoubleType type, const OvProject& project,
-                                   OvPoint scale);
+[[nodiscard]] OvPoint normalisedToPixels(OvPoint value, OvDoubleType type, const OvProject& project,
+                                         OvPoint scale);
+[[nodiscard]] OvPoint pixelsToNormalised(OvPoint pixels, OvDoubleType type,
+                                         const OvProject& project, OvPoint scale);
 
 /// A rectangle in pixels in canonical units: x * aspect / scale x, y / scale y.
 [[nodiscard]] OvRect pixelsToCanonical(const OvRect& pixels, OvPoint renderScale, double aspect);

@@ -31,6 +31,8 @@ public:
 
     /// Forgets what happened to the object: its change time and its exclusion.
     void reset();
+    /// The handle object when the host has the parameter, else null: then defaults answer.
+    [[nodiscard]] const OvOfxParamHandle* knownHandle() const;
 
     std::unique_ptr<OvOfxParamHandle> handle;  ///< null until bound
     bool excluded = false;                     ///< skipped by definition, binding and page layout
