@@ -31,6 +31,10 @@ struct OvOfxContextContainer {
 /// One container per context, with the named clips and the parameters that the contexts ask for.
 [[nodiscard]] std::vector<OvOfxContextContainer> makeContainers(OvOfxEffect& effect);
 
+/// The clips that hosts see in a context besides the output, in the order of their definition: the
+/// named ones, then the effect's own, of which only General shows those that are not optional.
+[[nodiscard]] std::vector<OvNamedClip> clipsOf(const OvOfxContextContainer& container);
+
 /// Defines the output clip, then the clips of the context that the effect is bound to. Answers the
 /// first status that is not 0, kOfxStatFailed for an unknown context.
 [[nodiscard]] OfxStatus defineClips(OvOfxEffect& effect, OfxImageEffectHandle handle);
