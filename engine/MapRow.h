@@ -26,6 +26,14 @@ public:
 
     Pixel operator[](int x) const { return x >= first_ && x < end_ ? row_[x - base_] : outside(x); }
 
+    /// The pixel that x reads, or null where there is none.
+    const Pixel* find(int x) const
+    {
+        if (row_ == nullptr) return nullptr;
+        const std::optional<int> column = map_->xAxis().resolve(x);
+        return column ? row_ + *column : nullptr;
+    }
+
     /// The pixels [x, x + count) as they lie in memory, or null when some need edge handling.
     const Pixel* span(int x, int count) const
     {
@@ -35,9 +43,8 @@ public:
 private:
     Pixel outside(int x) const
     {
-        if (row_ == nullptr) return map_->fillValue();
-        const std::optional<int> column = map_->xAxis().resolve(x);
-        return column ? row_[*column] : map_->fillValue();
+        const Pixel* pixel = find(x);
+        return pixel != nullptr ? *pixel : map_->fillValue();
     }
 
     const Map<Pixel>* map_;

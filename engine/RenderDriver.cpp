@@ -1,0 +1,203 @@
+#include "engine/RenderDriver.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <utility>
+
+#include "engine/ExactMath.h"
+#include "engine/SynthesisNode.h"
+
+namespace Orvane::Engine {
+namespace {
+
+constexpr int kEntireImage = 0;  ///< the choice of "fillRegion" that needs no mask
+constexpr int kSeamStep = 2;
+constexpr const char* kMaskIgnored =
+    "this version cannot fill a masked region yet, so the whole picture is filled";
+
+/// A host image and the engine's own view of it. The view goes first, then the image.
+template <typename Pixel>
+struct FetchedMap {
+    std::unique_ptr<ClipImage> image;
+    Map<Pixel> map;
+
+    /// Whether there is an image of this kind.
+    bool fetch(RenderContext& context, const char* clip, double time)
+    {
+        return adopt(context.clipImage(clip, time));
+    }
+    bool adopt(std::unique_ptr<ClipImage> fetched)
+    {
+        Map<Pixel>* view = fetched != nullptr ? fetched->as<Pixel>() : nullptr;
+        if (view == nullptr) return false;
+        image = std::move(fetched);
+        map.assign(*view);
+        return true;
+    }
+};
+
+/// Keeps a state valid only when the fresh render that fills it comes to its end: blocks of a
+/// render that was aborted or failed are never laid again.
+class FreshRender {
+public:
+    explicit FreshRender(TemporalState& state) : state_(state) {}
+    FreshRender(const FreshRender&) = delete;
+    FreshRender& operator=(const FreshRender&) = delete;
+    ~FreshRender()
+    {
+        if (!finished_) state_.valid = false;
+    }
+    void finish() { finished_ = true; }
+
+private:
+    TemporalState& state_;
+    bool finished_ = false;
+};
+
+/// One render at one depth.
+template <typename Pixel>
+class DepthRender {
+public:
+    DepthRender(RenderContext& context, TemporalState& state)
+        : context_(context), state_(state), time_(context.time())
+    {}
+
+    void render(std::unique_ptr<ClipImage> output)
+    {
+        FetchedMap<Pixel> target;
+        FetchedMap<Pixel> source;
+        const bool hasOutput = target.adopt(std::move(output));
+        const Window window = context_.renderWindow();
+        const bool hasSource = source.fetch(context_, "Source", time_);
+        if (!hasOutput || !hasSource || window.x2 <= window.x1 || window.y2 <= window.y1) return;
+
+        SynthesisSettings<Pixel> settings;
+        settings.useStoredBlocks = decideReplay();
+        FreshRender fresh(state_);
+        if (settings.useStoredBlocks) fresh.finish();
+        readFillRegion();
+        readSettings(settings);
+        std::array<FetchedMap<Pixel>, 3> textures;
+        fetchTextures(textures, source.map, settings);
+
+        SynthesisNode<Pixel> node(settings, state_, context_.observer());
+        node.setRegion({window.x1, window.y1, window.x2, window.y2});
+        node.setStatusRecord(&context_.renderStatus());
+        node.process(source.map, target.map);
+        if (context_.renderStatus().aborted == 0) fresh.finish();
+    }
+
+private:
+    /// Starts the state anew at frame 0 and when there is nothing to lay again.
+    bool decideReplay()
+    {
+        const bool firstFrame = floorToInt(time_ + 0.5) == 0;
+        bool replays = true;
+        if (firstFrame || !state_.valid) {
+            state_.discard();
+            state_.valid = true;
+            replays = false;
+        }
+        if (!context_.boolAt("temporalConsistancy", time_)) {
+            replays = false;
+            state_.valid = false;  // the next render starts anew
+        }
+        return replays;
+    }
+
+    void readFillRegion()
+    {
+        RenderObserver* observer = context_.observer();
+        if (observer != nullptr && context_.intAt("fillRegion", time_) != kEntireImage) {
+            observer->note(kMaskIgnored);
+        }
+    }
+
+    void readSettings(SynthesisSettings<Pixel>& settings)
+    {
+        settings.sampleBox = readSampleBox();
+        settings.seed = context_.intAt("seed", time_);
+        settings.blocks.blockW = settings.blocks.blockH = scaledInt("blockSize");
+        settings.blocks.overlapW = settings.blocks.overlapH = scaledInt("overlap");
+        const int blend = scaledInt("blendSize");
+        settings.blocks.blendW = floorToInt(blend / context_.pixelAspectRatio() + 0.5);
+        settings.blocks.blendH = blend;
+        settings.blocks.numSamples = context_.intAt("numSamples", time_);
+        settings.blocks.seamStep = kSeamStep;
+        settings.avoidFillRegion = context_.boolAt("avoidFillRegion", time_);
+    }
+
+    /// A length in pixels at full size, as pixels of this render; the horizontal scale serves both
+    /// axes.
+    int scaledInt(const char* name)
+    {
+        const auto pixels = static_cast<float>(context_.intAt(name, time_));
+        return truncateToInt(pixels * context_.renderScale().x);
+    }
+
+    /// The corners arrive in pixels, in any order.
+    Region readSampleBox()
+    {
+        const Vec2 a = context_.double2DAt("sampleCorner1", time_);
+        const Vec2 b = context_.double2DAt("sampleCorner2", time_);
+        const auto [xMin, xMax] = std::minmax({truncateToInt(a.x), truncateToInt(b.x)});
+        const auto [yMin, yMax] = std::minmax({truncateToInt(a.y), truncateToInt(b.y)});
+        return {xMin, yMin, xMax, yMax};
+    }
+
+    /// Textures that are connected, switched on and deliver an image; the source when there is
+    /// none.
+    void fetchTextures(std::array<FetchedMap<Pixel>, 3>& textures, Map<Pixel>& source,
+                       SynthesisSettings<Pixel>& settings)
+    {
+        struct TextureClip {
+            const char* clip;
+            const char* toggle;
+        };
+        constexpr std::array<TextureClip, 3> kClips{{{"Texture1", "useTexture1"},
+                                                     {"Texture2", "useTexture2"},
+                                                     {"Texture3", "useTexture3"}}};
+        bool any = false;
+        for (std::size_t i = 0; i < kClips.size(); ++i) {
+            const auto& [clip, toggle] = kClips[i];
+            if (!context_.hasParam(toggle) || !context_.isClipConnected(clip)) continue;
+            if (!context_.boolAt(toggle, time_)) continue;
+            if (!textures[i].fetch(context_, clip, time_)) continue;
+            settings.textures[i] = &textures[i].map;
+            any = true;
+        }
+        if (any) return;
+        textures[0].map.assign(source);
+        settings.textures[0] = &textures[0].map;
+    }
+
+    RenderContext& context_;
+    TemporalState& state_;
+    double time_;
+};
+
+template <typename Pixel>
+void renderDepth(RenderContext& context, TemporalState& state, std::unique_ptr<ClipImage> output)
+{
+    DepthRender<Pixel>(context, state).render(std::move(output));
+}
+
+}  // namespace
+
+void renderFrame(RenderContext& context, TemporalState& state, PixelKind depth)
+{
+    std::unique_ptr<ClipImage> output = context.clipImage("Output", context.time());
+    switch (output != nullptr ? output->kind() : depth) {
+        case PixelKind::RGBA8:
+            return renderDepth<PixelRGBA8>(context, state, std::move(output));
+        case PixelKind::RGBA16:
+            return renderDepth<PixelRGBA16>(context, state, std::move(output));
+        case PixelKind::RGBAf:
+            return renderDepth<PixelRGBAf>(context, state, std::move(output));
+        default:
+            break;
+    }
+}
+
+}  // namespace Orvane::Engine

@@ -1,0 +1,234 @@
+#include "engine/SynthesisNode.h"
+
+#include <algorithm>
+
+#include "engine/ConstantFill.h"
+#include "engine/ExactMath.h"
+#include "engine/MapRow.h"
+#include "engine/PixelTraits.h"
+#include "engine/RowCopy.h"
+
+namespace Orvane::Engine {
+namespace {
+
+/// `value` cut to [0, limit]; NaN becomes 0.
+float cutTo(float value, float limit)
+{
+    return value > 0.0f ? std::min(value, limit) : 0.0f;
+}
+
+/// R, G and B times the gain, cut to [0, M].
+template <typename Pixel>
+Pixel gained(const Pixel& p, float gain)
+{
+    using Traits = PixelTraits<Pixel>;
+    const auto scale = [gain](auto channel) {
+        return Traits::stored(cutTo(static_cast<float>(channel) * gain, Traits::kMax));
+    };
+    return {scale(p.r), scale(p.g), scale(p.b), p.a};
+}
+
+/// The texture's share of a pixel, 0 to 1, from a mask value of 0 to M.
+template <typename Pixel>
+float textureShare(float maskValue)
+{
+    return cutTo(maskValue * PixelTraits<Pixel>::kInverseMax, 1.0f);
+}
+
+template <typename Pixel>
+Pixel composited(const Pixel& texture, const Pixel& source, float share)
+{
+    // exact: float source + (texture - source) * share, stored toward zero; alpha stays.
+    const auto mix = [share](auto from, auto to) {
+        const auto a = static_cast<float>(from);
+        const auto b = static_cast<float>(to);
+        return PixelTraits<Pixel>::stored(a + (b - a) * share);
+    };
+    return {mix(source.r, texture.r), mix(source.g, texture.g), mix(source.b, texture.b),
+            texture.a};
+}
+
+}  // namespace
+
+template <typename Pixel>
+SynthesisNode<Pixel>::SynthesisNode(const SynthesisSettings<Pixel>& settings, TemporalState& state,
+                                    RenderObserver* observer)
+    : settings_(settings), state_(&state), observer_(observer)
+{}
+
+template <typename Pixel>
+void SynthesisNode<Pixel>::begin()
+{
+    collectTextures();
+    const Region fillRect = decideFillRect();
+    if (settings_.useStoredBlocks) {
+        const ObservedStage stage(observer_, "replay");
+        replay(fillRect);
+        return;
+    }
+    if (this->pollAbort()) return;
+    takeTextureEverywhere();
+    quilt(this->region());
+}
+
+template <typename Pixel>
+void SynthesisNode<Pixel>::collectTextures()
+{
+    textures_.clear();
+    for (Map<Pixel>* texture : settings_.textures) {
+        if (texture == nullptr) continue;
+        texture->setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
+        textures_.push_back(texture);
+    }
+    this->other().setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
+}
+
+/// A replay covers what the recorded render covered, anything else the node's region.
+template <typename Pixel>
+Region SynthesisNode<Pixel>::decideFillRect()
+{
+    FillBounds& bounds = state_->fillBounds;
+    if (!settings_.useStoredBlocks) {
+        const Region& region = this->region();
+        bounds = {region.x0, region.y0, region.x1, region.y1};
+    }
+    return {bounds.x0, bounds.y0, bounds.x1, bounds.y1};
+}
+
+/// Lays the recorded blocks again, each cut against the block before it and the row below it in one
+/// step.
+template <typename Pixel>
+void SynthesisNode<Pixel>::replay(const Region& fillRect)
+{
+    Map<Pixel> fillBuffer;
+    fillBuffer.setSize(fillRect.x1 - fillRect.x0, fillRect.y1 - fillRect.y0);
+    fillBuffer.placeAt(fillRect.x0, fillRect.y0);
+    fillBuffer.allocate();
+    // What no record covers, as when the window has shrunk, is black and transparent.
+    ConstantFill<Pixel> clear{Pixel{}};
+    clear.setStatusRecord(this->statusRecord());
+    clear.process(&fillBuffer);
+
+    const Blend blend{settings_.blocks.blendW, settings_.blocks.blendH};
+    const bool blends = blend.width != 0 || blend.height != 0;
+    // Blending reaches pixels that no earlier record has written: at the border, and where the
+    // bands are wider than half the overlap. Laying everything along hard cuts first gives them the
+    // texture they will have anyway, so that no dark fringe appears.
+    if (blends && !layRecords(fillBuffer, {})) return;
+    if (!layRecords(fillBuffer, blend)) return;
+
+    RowCopy<Pixel> copy;
+    copy.setStatusRecord(this->statusRecord());
+    copy.setRegion(fillRect);
+    copy.process(&fillBuffer, &this->target());
+}
+
+/// Whether all records were laid before an abort.
+template <typename Pixel>
+bool SynthesisNode<Pixel>::layRecords(Map<Pixel>& fillBuffer, const Blend& blend)
+{
+    BlockPaste<Pixel> paste;
+    paste.setStatusRecord(this->statusRecord());
+    for (const BlockRecord& record : state_->blockList) {
+        if (this->pollAbort()) return false;
+        layRecord(record, blend, paste, fillBuffer);
+    }
+    return !this->pollAbort();
+}
+
+template <typename Pixel>
+void SynthesisNode<Pixel>::layRecord(const BlockRecord& record, const Blend& blend,
+                                     BlockPaste<Pixel>& paste, Map<Pixel>& fillBuffer)
+{
+    // A texture may have been switched off since the blocks were recorded.
+    const auto texture = static_cast<std::size_t>(record.textureIndex);
+    if (texture >= textures_.size()) return;
+    const Region& window = this->region();
+    const int x0 = truncateToInt(record.x);
+    const int y0 = truncateToInt(record.y);
+    // The record's seams are as long as the block was when it was laid; a window that has grown
+    // since does not make it longer.
+    const int blockW = truncateToInt(state_->savedBlockSize.width);
+    const int rows = static_cast<int>(record.seamV.size());
+    const int columns = record.seamH.empty() ? blockW : static_cast<int>(record.seamH.size());
+    const int x1 = std::min({x0 + blockW, x0 + columns, window.x1});
+    const int y1 =
+        std::min({y0 + truncateToInt(state_->savedBlockSize.height), y0 + rows, window.y1});
+    if (x1 <= x0 || y1 <= y0) return;
+    zeroSeam_.resize(static_cast<std::size_t>(columns), {0.0f, 0.0f});
+
+    paste.setSourcePosition(truncateToInt(record.srcX), truncateToInt(record.srcY));
+    paste.setSeams(
+        {.horizontal = record.seamH.empty() ? zeroSeam_ : record.seamH, .vertical = record.seamV});
+    paste.setBlend(blend);
+    paste.setRegion({x0, y0, x1, y1});
+    paste.process(*textures_[texture], fillBuffer);
+    if (observer_ != nullptr) {
+        observer_->blockLaid({x0, y0, x1 - x0, y1 - y0, truncateToInt(record.srcX),
+                              truncateToInt(record.srcY), record.textureIndex});
+    }
+}
+
+/// Without a mask nothing of the source is kept, inside the composite mask and outside of it.
+template <typename Pixel>
+void SynthesisNode<Pixel>::takeTextureEverywhere()
+{
+    constexpr float kMax = PixelTraits<Pixel>::kMax;
+    Map<Pixel32f>& mask = state_->compositeMask;
+    mask.copyGeometry(this->other());
+    mask.setEdgeMode(EdgeMode::EdgeNone, EdgeMode::EdgeNone);
+    mask.setFillValue(kMax);
+    mask.allocate();
+    ConstantFill<Pixel32f> fill(kMax);
+    fill.setStatusRecord(this->statusRecord());
+    fill.process(&mask);
+}
+
+template <typename Pixel>
+void SynthesisNode<Pixel>::quilt(const Region& fillRect)
+{
+    const ObservedStage stage(observer_, "quilt");
+    QuiltInputs<Pixel> inputs;
+    inputs.fillRect = fillRect;
+    inputs.sampleBox = settings_.sampleBox;
+    inputs.textures = textures_;
+    inputs.source = &this->other();
+    inputs.target = &this->target();
+    inputs.fillMask = settings_.fillMask;
+    inputs.fillAll = settings_.fillAll;
+    inputs.avoidFillRegion = &settings_.avoidFillRegion;
+    inputs.seed = settings_.seed;
+    inputs.blocks = &settings_.blocks;
+    inputs.blockList = &state_->blockList;
+    inputs.savedBlockSize = &state_->savedBlockSize;
+    inputs.statusRecord = this->statusRecord();
+    inputs.observer = observer_;
+    Quilt<Pixel>(inputs).run();
+}
+
+/// The final composite, on the rows of one worker.
+template <typename Pixel>
+void SynthesisNode<Pixel>::processPass()
+{
+    const Region& region = this->region();
+    const bool hasGain = state_->luminanceGain.isUsable();
+    const auto [yBegin, yEnd] = this->threadRows();
+    for (int y = yBegin; y < yEnd; ++y) {
+        const RowReader source(this->other(), y);
+        const RowReader gain(state_->luminanceGain, y);
+        const RowReader mask(state_->compositeMask, y);
+        RowWriter out(this->target(), y);
+        for (int x = region.x0; x < region.x1; ++x) {
+            Pixel texture = out[x];
+            const Pixel32f* factor = hasGain ? gain.find(x) : nullptr;
+            if (factor != nullptr) texture = gained(texture, *factor);
+            out[x] = composited(texture, source[x], textureShare<Pixel>(mask[x]));
+        }
+    }
+}
+
+template class SynthesisNode<PixelRGBA8>;
+template class SynthesisNode<PixelRGBA16>;
+template class SynthesisNode<PixelRGBAf>;
+
+}  // namespace Orvane::Engine

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "engine/BlockPaste.h"
+#include "engine/MapProcessor.h"
+#include "engine/Quilt.h"
+#include "engine/RenderObserver.h"
+#include "engine/TemporalState.h"
+
+namespace Orvane::Engine {
+
+/// What the driver sets before it runs the node. Maps are borrowed; null stands for none.
+template <typename Pixel>
+struct SynthesisSettings {
+    std::array<Map<Pixel>*, 3> textures{};
+    const Map<Pixel32f>* fillMask =
+        nullptr;                   ///< blocks may have to keep clear of its nonzero pixels
+    Region sampleBox;              ///< pixels
+    bool fillAll = true;           ///< nothing of the source is kept
+    bool avoidFillRegion = false;  ///< cleared when avoiding proves impossible
+    int seed = 0;
+    BlockSettings blocks;
+    bool useStoredBlocks = false;  ///< lay the blocks of the state again instead of new ones
+};
+
+/// Turns one render's inputs into the output image: `process(source, output)` over the render
+/// window. The synthesis happens in `begin`, stage by stage on the render thread: it decides the
+/// fill rectangle, then quilts it anew or lays the recorded blocks again. The node's one pass
+/// composites texture and source through the composite mask and the luminance gain.
+///
+/// After an abort the output keeps what was written so far: nothing, unless quilting had finished.
+template <typename Pixel>
+class SynthesisNode final : public TwoMapProcessor<Map<Pixel>, Map<Pixel>> {
+public:
+    SynthesisNode(const SynthesisSettings<Pixel>& settings, TemporalState& state,
+                  RenderObserver* observer);
+
+    void begin() override;
+    void processPass() override;
+
+private:
+    void collectTextures();
+    Region decideFillRect();
+    void replay(const Region& fillRect);
+    bool layRecords(Map<Pixel>& fillBuffer, const Blend& blend);
+    void layRecord(const BlockRecord& record, const Blend& blend, BlockPaste<Pixel>& paste,
+                   Map<Pixel>& fillBuffer);
+    void takeTextureEverywhere();
+    void quilt(const Region& fillRect);
+
+    SynthesisSettings<Pixel> settings_;
+    TemporalState* state_;
+    RenderObserver* observer_;
+    std::vector<Map<Pixel>*> textures_;
+    std::vector<PixelVec2f> zeroSeam_;  ///< for records of a row that was never finished
+};
+
+}  // namespace Orvane::Engine
