@@ -54,11 +54,11 @@ void writeFlag(const OvOfxPropertySet& properties, const char* property, bool va
     properties.setInt(property, value ? 1 : 0);
 }
 
-void markInUse(OvOfxParam& param)
+void setInUse(OvOfxParam& param, bool inUse)
 {
-    param.inUse = true;
+    param.inUse = inUse;
     if (auto* group = paramCast<OvOfxGroup>(&param)) {
-        for (OvOfxParam* child : group->children) markInUse(*child);
+        for (OvOfxParam* child : group->children) setInUse(*child, inUse);
     }
 }
 
@@ -136,7 +136,7 @@ void OvOfxEffect::bind(OvContext context, std::unique_ptr<OvOfxInstanceRecord> r
 {
     context_ = context;
     record_ = std::move(record);
-    for (const auto& object : objects_) object->inUse = false;
+    for (const auto& object : objects_) setInUse(*object, false);
     outputClip_->inUse = true;
 
     std::vector<OvNamedClip> clips = {{kOfxImageEffectOutputClipName, outputClip_}};
@@ -147,7 +147,7 @@ void OvOfxEffect::bind(OvContext context, std::unique_ptr<OvOfxInstanceRecord> r
         for (OvOfxPage* page : used->pages) page->inUse = true;
     }
     for (const OvNamedClip& named : clips) named.clip->inUse = true;
-    for (OvOfxParam* param : params) markInUse(*param);
+    for (OvOfxParam* param : params) setInUse(*param, true);
     if (record_ == nullptr) return;
 
     for (const auto& [name, clip] : clips) bindClip(*clip, name);

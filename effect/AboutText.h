@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+#include "products/OFX/Support/ovOfxEffect.h"
+
+namespace Tesseret {
+
+/// What the help button shows: label, grouping and versions, description. At most 1023 characters.
+[[nodiscard]] std::string makeAboutText(const Orvane::OvEffectDescriptor& descriptor);
+
+}  // namespace Tesseret

@@ -1,0 +1,94 @@
+#pragma once
+
+/// Everything a host gets to see of the effect, as data: names, labels, hints, values, pages.
+/// Projects are saved by these names, so they keep their spelling for ever, odd ones included.
+
+#include <array>
+#include <span>
+#include <variant>
+
+namespace Tesseret {
+
+inline constexpr const char* kIdentifier = "com.orvane.brisant.tesseret";
+inline constexpr unsigned int kVersionMajor = 2;
+inline constexpr unsigned int kVersionMinor = 1030000;
+
+inline constexpr const char* kLabel = "Tesseret";
+inline constexpr const char* kGrouping = "Brisant";
+extern const char* const kDescription;
+
+inline constexpr std::array kContexts = {"Filter", "General"};
+inline constexpr std::array kPixelDepths = {"byte", "short", "float"};
+
+/// The names that code refers to.
+inline constexpr const char* kTemporalConsistency = "temporalConsistancy";
+inline constexpr const char* kAbout = "about";
+inline constexpr const char* kSampleRegion = "sampleRegion";
+/// The clips whose whole region of definition every render needs.
+inline constexpr std::array kPictureClips = {"Source", "Texture1", "Texture2", "Texture3"};
+
+/// In which contexts something exists.
+enum class In { Both, FilterOnly, GeneralOnly };
+
+struct ClipRow {
+    const char* name;
+    const char* label;
+    const char* components;  ///< "RGBA" or "alpha"
+    bool optional = false;
+    bool isMask = false;
+    bool temporalAccess = false;
+    In contexts = In::Both;
+};
+
+// The kinds of parameter, each with what it has beyond its names. `initial` is the default.
+struct Integer {
+    int initial, min, max, displayMin, displayMax;
+};
+struct Real {
+    float initial, min, max, displayMin, displayMax, increment;
+};
+struct Boolean {
+    bool initial;
+};
+/// A boolean that only the overlay looks at.
+struct InterfaceToggle {};
+struct Choice {
+    const char* initial;  ///< an option; hosts choose when it is none of them
+    std::span<const char* const> options;
+};
+/// A corner of the sample region, in parts of the project's size.
+struct Corner {
+    int number;  ///< 1 or 2
+    float initialX, initialY;
+};
+struct Button {};
+
+using ParamValue = std::variant<Integer, Real, Boolean, InterfaceToggle, Choice, Corner, Button>;
+
+struct ParamRow {
+    const char* name;
+    const char* scriptName = nullptr;  ///< null: the name
+    const char* label;
+    const char* hint = "";
+    ParamValue value;
+    bool animates = false;
+    In contexts = In::Both;
+};
+
+/// One row of a page: names of parameters, kEmptyCell where a cell stays empty, null at the end.
+/// Those of parameters that a context lacks are left out.
+using PageLine = std::array<const char*, 5>;
+inline constexpr const char* kEmptyCell = "";
+
+struct PageRow {
+    const char* name;
+    const char* scriptName;
+    std::span<const PageLine> lines;
+};
+
+/// The tables, in the order of definition.
+std::span<const ClipRow> clipRows();
+std::span<const ParamRow> paramRows();
+std::span<const PageRow> pageRows();
+
+}  // namespace Tesseret

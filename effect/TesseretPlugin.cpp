@@ -1,0 +1,26 @@
+#include <memory>
+
+#include "effect/EffectTable.h"
+#include "effect/TesseretEffect.h"
+#include "products/OFX/Support/ovOfxPlugin.h"
+
+namespace Orvane {
+
+const PluginHooks& pluginHooks()
+{
+    static const PluginHooks hooks = {
+        .makeEffect = []() -> std::unique_ptr<OvOfxEffect> {
+            return std::make_unique<Tesseret::TesseretEffect>();
+        },
+        .identity =
+            [] {
+                return PluginIdentity{.identifier = Tesseret::kIdentifier,
+                                      .versionMajor = Tesseret::kVersionMajor,
+                                      .versionMinor = Tesseret::kVersionMinor};
+            },
+        .unload = nullptr,
+    };
+    return hooks;
+}
+
+}  // namespace Orvane
