@@ -1,0 +1,11 @@
+#pragma once
+
+#include <filesystem>
+
+namespace Tesseret::Files {
+
+/// Whether a PNG file is whole: its chunks follow one another up to the end mark with right
+/// checksums. Tells a damaged file before libpng does, which would print a line of its own.
+bool isWholePng(const std::filesystem::path& file);
+
+}  // namespace Tesseret::Files
