@@ -29,7 +29,7 @@ function(tesseret_ofx_bundle target)
   if(NOT WIN32 AND NOT APPLE)
     target_link_options(${target} PRIVATE
                         "LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map"
-                        "LINKER:--exclude-libs,ALL" "LINKER:-z,now")
+                        "LINKER:-z,now")
     # A sanitizer's runtime comes from the program that loads the plug-in.
     if(NOT TESSERET_SANITIZE)
       target_link_options(${target} PRIVATE "LINKER:--no-undefined")
