@@ -67,7 +67,7 @@ public:
     {
         FetchedMap<Pixel> target;
         FetchedMap<Pixel> source;
-        const bool hasOutput = target.adopt(std::move(output));
+        const bool hasOutput = target.adopt(std::move(output)) && target.map.isUsable();
         const Window window = context_.renderWindow();
         const bool hasSource = source.fetch(context_, "Source", time_);
         if (!hasOutput || !hasSource || window.x2 <= window.x1 || window.y2 <= window.y1) return;
