@@ -3,10 +3,10 @@
 /// A clip of a descriptor or of an instance. An instance's input clip gets its pictures from a
 /// ClipSource; the output clip gets the picture that is being rendered.
 
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/ClipSource.h"
 #include "host/HandleRegistry.h"
@@ -39,26 +39,28 @@ public:
     void connect(std::shared_ptr<ClipSource> source) { source_ = std::move(source); }
     /// The picture being rendered, not owned; null when none is.
     void setOutput(Picture* picture) { output_ = picture; }
-    /// The depth and components in which pictures reach the plug-in, and the properties that say
-    /// so.
-    void setFormat(const ClipFormat& format);
+    /// The depth and components in which pictures reach the plug-in.
+    void setFormat(const ClipFormat& format) { format_ = format; }
     const ClipFormat& format() const { return format_; }
-    /// The properties of an instance's clip, from its source, format and the quirks.
-    void updateProperties();
+    /// Writes the properties of an instance's clip, from its source, format and the quirks. A clip
+    /// without a source, the output one for instance, has the frames given.
+    void updateProperties(OfxRangeD frames);
     /// The region asked for this render, in canonical units.
     void setRegionOfInterest(std::optional<OfxRectD> region) { regionOfInterest_ = region; }
 
     // The suite's side; each answers the standard's statuses.
-    OfxStatus fetch(OfxTime time, const OfxRectD* region, OfxPropertySetHandle& image);
+    OfxStatus fetch(OfxTime time, OfxPropertySetHandle& image);
     OfxStatus regionOfDefinition(OfxTime time, OfxRectD& region);
     /// Gives an image of this clip back. False when it holds no such image.
-    bool release(const PropertySet& image);
+    bool release(const Image& image);
     /// Lets go of what was fetched and not released; returns how many there were.
     std::size_t releaseAll();
 
 private:
-    std::shared_ptr<const Picture> inputPicture(OfxTime time, OfxPointD renderScale,
-                                                const OfxRectD* region);
+    std::shared_ptr<const Picture> inputPicture(OfxTime time, OfxPointD renderScale) const;
+    OfxStatus makeImage(OfxTime time, OfxPropertySetHandle& image);
+    Components deliveredComponents() const;
+    OfxPointD renderScale() const;
     void defineDescriptor();
 
     EffectObject& owner_;
@@ -69,7 +71,7 @@ private:
     std::shared_ptr<ClipSource> source_;
     Picture* output_ = nullptr;
     std::optional<OfxRectD> regionOfInterest_;
-    std::map<const PropertySet*, std::unique_ptr<Image>> images_;
+    std::vector<std::unique_ptr<Image>> images_;
     std::unique_ptr<Image> sharedImage_;  ///< under the quirk of one property set for every fetch
     std::size_t sharedFetches_ = 0;
 };

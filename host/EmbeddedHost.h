@@ -113,7 +113,7 @@ private:
     std::vector<ActionRecord> actions_;
     std::vector<Message> messages_;
     std::vector<std::string> badCallTexts_;
-    std::mutex sinkMutex_;  ///< serialises the two sinks
+    std::recursive_mutex sinkMutex_;  ///< serialises the two sinks; one may lead to the other
 };
 
 /// Reports a wrong call to the current host, if there is one, and returns its status.

@@ -142,37 +142,57 @@ public:
     // What the suites use.
 
     OfxPointD renderScale() const { return renderScale_; }
-    bool hasRendered() const { return hasRendered_; }
-    /// After the plug-in itself set a value: the change actions, unless they are running already.
+    /// The time of the action that runs, or ran last.
+    OfxTime currentTime() const { return currentTime_; }
+    /// What the host takes where the plug-in does not answer: the region of "Source", else of all
+    /// connected input clips together, else the project.
+    OfxRectD defaultRegionOfDefinition(OfxTime time) const;
+    /// After the plug-in itself set a value: the change actions with "OfxChangePluginEdited", as
+    /// soon as no other action runs. What the plug-in sets in answer to these is not announced
+    /// again.
     void pluginEdited(const Parameter& parameter);
 
 private:
     Parameter& need(std::string_view parameter) const;
+    /// The three change actions about one object; returns the status of the middle one.
+    OfxStatus announce(const char* objectType, std::string_view name, const char* reason,
+                       OfxTime time);
+    void announceEdits();
+    /// Brings the properties of the project and of the clips up to date, as the quirks have them
+    /// now.
+    void updateProperties();
     void writeProject();
+    void followSource();
     void adoptFormats();
-    void applyPreferences();
+    void adoptPreferences(const ClipPreferences& preferences);
+    ClipFormat formatFor(const Clip& clip, const ClipFormat& wanted) const;
+    Depth preferredDepth(Depth wanted) const;
+    bool supportsDepth(Depth depth) const;
     void requireReady(const Picture& output) const;
-    Depth preferredDepth() const;
+    void askRegionsOfInterest(const RenderRequest& request);
     OfxStatus renderIdentity(const RenderRequest& request, const Identity& identity,
                              Picture& output);
 
     Effect& effect_;
     std::string context_;
     std::vector<std::string> supportedDepths_;
-    bool temporalAccess_ = false;
+    std::vector<std::string> slaveParameters_;
     bool created_ = false;
     bool hasRendered_ = false;
     bool preferencesStale_ = true;
-    int changeDepth_ = 0;
     int actionDepth_ = 0;
+    int changeDepth_ = 0;
+    bool announcingEdits_ = false;
+    std::vector<std::string> edited_;  ///< set by the plug-in, not announced yet
     std::optional<RenderRequest> sequence_;
     OfxRangeD sequenceFrames_{0.0, 0.0};
     double sequenceStep_ = 1.0;
-    bool projectSet_ = false;
+    bool projectGiven_ = false;
     Project project_;
     std::optional<Depth> depth_;
     std::string firstConnected_;
     OfxPointD renderScale_{1.0, 1.0};
+    OfxTime currentTime_ = 0.0;
     std::atomic<bool> aborted_{false};
 };
 

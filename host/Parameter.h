@@ -61,6 +61,8 @@ public:
     bool integral(OfxTime time1, OfxTime time2, std::vector<double>& result) const;
     const std::map<OfxTime, ParameterValue>& keys() const { return keys_; }
     std::map<OfxTime, ParameterValue>& keys() { return keys_; }
+    /// The value that the property "OfxParamPropDefault" holds.
+    ParameterValue defaultValue() const;
     void resetToDefault();
 
     /// The text that the suite last lent to the plug-in; kept until the next read.

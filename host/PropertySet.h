@@ -27,6 +27,7 @@ class PropertySet {
 public:
     /// `name` is what reports and records call the set: "host", "effect", "param seed", ...
     PropertySet(EmbeddedHost& host, std::string name);
+    virtual ~PropertySet() = default;
     PropertySet(const PropertySet&) = delete;
     PropertySet& operator=(const PropertySet&) = delete;
 

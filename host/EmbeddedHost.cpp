@@ -1,0 +1,287 @@
+#include "host/EmbeddedHost.h"
+
+#include <algorithm>
+#include <cstring>
+#include <thread>
+
+#include "host/HostError.h"
+#include "host/Suites.h"
+#include "host/ThreadPool.h"
+#include "ofx/ofxImageEffect.h"
+#include "ofx/ofxParam.h"
+
+namespace Tesseret::Host {
+
+namespace {
+
+constexpr std::size_t kMostBadCallTexts = 100;
+
+thread_local EmbeddedHost* currentHost = nullptr;
+
+std::mutex& hostsMutex()
+{
+    static std::mutex theMutex;
+    return theMutex;
+}
+
+/// All hosts alive, the newest last.
+std::vector<EmbeddedHost*>& hosts()
+{
+    static std::vector<EmbeddedHost*> theHosts;
+    return theHosts;
+}
+
+unsigned int processors()
+{
+    return std::max(std::thread::hardware_concurrency(), 1u);
+}
+
+const void* fetchSuiteFromRecord(OfxPropertySetHandle host, const char* name, int version)
+{
+    auto* const set = static_cast<PropertySet*>(findObject(HandleKind::PropertySet, host));
+    if (!set || set != &set->host().properties()) {
+        badCall("fetchSuite: not the host's property set", kOfxStatErrBadHandle);
+        return nullptr;
+    }
+    return set->host().fetchSuite(name, version);
+}
+
+}  // namespace
+
+EmbeddedHost::EmbeddedHost(HostOptions options)
+    : quirks_(std::move(options.quirks)),
+      recording_(options.recording),
+      onReport_(std::move(options.onReport)),
+      onMessage_(std::move(options.onMessage)),
+      listener_(options.listener),
+      properties_(*this, "host"),
+      record_{properties_.handle(), &fetchSuiteFromRecord},
+      pool_(std::make_unique<ThreadPool>(*this, options.threads ? options.threads : processors()))
+{
+    describeSelf();
+    const std::lock_guard lock(hostsMutex());
+    hosts().push_back(this);
+}
+
+EmbeddedHost::~EmbeddedHost()
+{
+    pool_.reset();  // its threads end before anything they might use
+    const std::lock_guard lock(hostsMutex());
+    std::erase(hosts(), this);
+}
+
+void EmbeddedHost::describeSelf()
+{
+    const HostIdentity& identity = quirks_.identity;
+    const auto number = [this](const char* name, int value) {
+        properties_.define(name, {value}, Access::ReadOnly);
+    };
+    const auto text = [this](const char* name, std::vector<PropertyValue> values) {
+        properties_.define(name, std::move(values), Access::ReadOnly);
+    };
+    text(kOfxPropType, {kOfxTypeImageEffectHost});
+    text(kOfxPropName, {identity.name});
+    text(kOfxPropLabel, {identity.label});
+    text(kOfxPropVersionLabel, {"1.0"});
+    properties_.define(kOfxPropAPIVersion, {1, 0}, Access::ReadOnly);
+    properties_.define(kOfxPropVersion, {1, 0}, Access::ReadOnly);
+    number(kOfxImageEffectHostPropIsBackground, identity.isBackground);
+    number(kOfxImageEffectPropSupportsOverlays, identity.supportsOverlays);
+    number(kOfxImageEffectPropSupportsMultiResolution, 1);
+    number(kOfxImageEffectPropSupportsTiles, 1);
+    number(kOfxImageEffectPropTemporalClipAccess, identity.temporalClipAccess);
+    number(kOfxImageEffectPropSupportsMultipleClipDepths, 0);
+    number(kOfxImageEffectPropSupportsMultipleClipPARs, 0);
+    number(kOfxImageEffectPropSetableFrameRate, 0);
+    number(kOfxImageEffectPropSetableFielding, 0);
+    number(kOfxImageEffectInstancePropSequentialRender, 1);
+    number(kOfxParamHostPropSupportsCustomInteract, 0);
+    number(kOfxParamHostPropSupportsStringAnimation, identity.stringAnimation);
+    number(kOfxParamHostPropSupportsChoiceAnimation, identity.choiceAnimation);
+    number(kOfxParamHostPropSupportsBooleanAnimation, identity.booleanAnimation);
+    number(kOfxParamHostPropSupportsCustomAnimation, 0);
+    if (identity.maxParameters) number(kOfxParamHostPropMaxParameters, *identity.maxParameters);
+    if (identity.maxPages) number(kOfxParamHostPropMaxPages, *identity.maxPages);
+    if (const auto& counts = identity.pageRowsAndColumns) {
+        properties_.define(kOfxParamHostPropPageRowColumnCount, {counts->x, counts->y},
+                           Access::ReadOnly);
+    }
+    text(kOfxImageEffectPropSupportedComponents,
+         {kOfxImageComponentRGBA, kOfxImageComponentRGB, kOfxImageComponentAlpha});
+    text(kOfxImageEffectPropSupportedContexts,
+         {kOfxImageEffectContextFilter, kOfxImageEffectContextGeneral,
+          kOfxImageEffectContextGenerator});
+    text(kOfxImageEffectPropSupportedPixelDepths,
+         {kOfxBitDepthByte, kOfxBitDepthShort, kOfxBitDepthFloat});
+    for (const std::string& name : identity.missingProperties) properties_.remove(name);
+}
+
+unsigned int EmbeddedHost::threads() const
+{
+    return pool_->size();
+}
+
+const void* EmbeddedHost::fetchSuite(const char* name, int version)
+{
+    const struct {
+        const char* name;
+        const void* suite;
+    } suites[] = {
+        {kOfxPropertySuite, &propertySuite()},
+        {kOfxImageEffectSuite, &imageEffectSuite()},
+        {kOfxParameterSuite,
+         quirks_.nullDerivativeMembers ? &parameterSuiteWithoutDerivatives() : &parameterSuite()},
+        {kOfxMemorySuite, &memorySuite()},
+        {kOfxMultiThreadSuite, &multiThreadSuite()},
+        {kOfxMessageSuite, &messageSuite()},
+        {kOfxInteractSuite, &interactSuite()},
+        {kTesseretObserverSuite, listener_ ? &observerSuite() : nullptr},
+    };
+    const std::string wanted = name ? name : "";
+    const void* answer = nullptr;
+    for (const auto& suite : suites) {
+        if (wanted == suite.name && version == 1) answer = suite.suite;
+    }
+    if (quirks_.missingSuites.contains(wanted)) answer = nullptr;
+    if (recording_) {
+        const std::lock_guard lock(mutex_);
+        fetches_.push_back({wanted, version, answer != nullptr});
+    }
+    return answer;
+}
+
+Counters EmbeddedHost::counters() const
+{
+    Counters result;
+    result.imagesFetched = counts_.imagesFetched;
+    result.fetchCalls = counts_.fetchCalls;
+    result.imagesReleased = counts_.imagesReleased;
+    result.allocations = counts_.allocations;
+    result.locks = counts_.locks;
+    result.blocksLive = counts_.blocksLive;
+    result.bytesLive = counts_.bytesLive;
+    result.bytesPeak = counts_.bytesPeak;
+    result.memoryBlocksLive = counts_.memoryBlocksLive;
+    result.multiThreadCalls = counts_.multiThreadCalls;
+    result.abortPolls = counts_.abortPolls;
+    result.badCalls = counts_.badCalls;
+    return result;
+}
+
+void EmbeddedHost::resetCounters()
+{
+    for (auto* count : {&counts_.imagesFetched, &counts_.fetchCalls, &counts_.imagesReleased,
+                        &counts_.allocations, &counts_.locks, &counts_.multiThreadCalls,
+                        &counts_.abortPolls, &counts_.badCalls, &counts_.cpuQuestions}) {
+        count->store(0);
+    }
+    counts_.bytesPeak.store(counts_.bytesLive.load());
+    const std::lock_guard lock(mutex_);
+    writes_.clear();
+    fetches_.clear();
+    actions_.clear();
+    messages_.clear();
+    badCallTexts_.clear();
+}
+
+std::vector<PropertyWrite> EmbeddedHost::propertyWrites() const
+{
+    const std::lock_guard lock(mutex_);
+    return writes_;
+}
+
+std::vector<SuiteFetch> EmbeddedHost::suiteFetches() const
+{
+    const std::lock_guard lock(mutex_);
+    return fetches_;
+}
+
+std::vector<ActionRecord> EmbeddedHost::actions() const
+{
+    const std::lock_guard lock(mutex_);
+    return actions_;
+}
+
+std::vector<Message> EmbeddedHost::messages() const
+{
+    const std::lock_guard lock(mutex_);
+    return messages_;
+}
+
+std::vector<std::string> EmbeddedHost::badCalls() const
+{
+    const std::lock_guard lock(mutex_);
+    return badCallTexts_;
+}
+
+void EmbeddedHost::report(Report::Kind kind, const std::string& text)
+{
+    if (kind == Report::Kind::BadCall) {
+        counts_.badCalls.fetch_add(1);
+        const std::lock_guard lock(mutex_);
+        if (badCallTexts_.size() < kMostBadCallTexts) badCallTexts_.push_back(text);
+    }
+    if (onReport_) {
+        const std::lock_guard lock(sinkMutex_);
+        onReport_({kind, text});
+    }
+}
+
+OfxStatus EmbeddedHost::badCall(const std::string& text, OfxStatus status)
+{
+    report(Report::Kind::BadCall, text + ", answered " + statusText(status));
+    return status;
+}
+
+OfxStatus EmbeddedHost::post(const Message& message)
+{
+    if (recording_) {
+        const std::lock_guard lock(mutex_);
+        messages_.push_back(message);
+    }
+    OfxStatus answer = message.type == kOfxMessageQuestion ? kOfxStatReplyDefault : kOfxStatOK;
+    if (onMessage_) {
+        const std::lock_guard lock(sinkMutex_);
+        answer = onMessage_(message);
+    }
+    return quirks_.messageAnswer.value_or(answer);
+}
+
+void EmbeddedHost::recordWrite(PropertyWrite write)
+{
+    if (!recording_) return;
+    const std::lock_guard lock(mutex_);
+    writes_.push_back(std::move(write));
+}
+
+void EmbeddedHost::recordAction(std::string_view action, OfxStatus status)
+{
+    if (!recording_) return;
+    const std::lock_guard lock(mutex_);
+    actions_.push_back({std::string(action), status});
+}
+
+EmbeddedHost* EmbeddedHost::current()
+{
+    if (currentHost) return currentHost;
+    const std::lock_guard lock(hostsMutex());
+    return hosts().empty() ? nullptr : hosts().back();
+}
+
+EmbeddedHost::Scope::Scope(EmbeddedHost& host) : previous_(currentHost)
+{
+    currentHost = &host;
+}
+
+EmbeddedHost::Scope::~Scope()
+{
+    currentHost = previous_;
+}
+
+OfxStatus badCall(const std::string& text, OfxStatus status)
+{
+    EmbeddedHost* const host = EmbeddedHost::current();
+    return host ? host->badCall(text, status) : status;
+}
+
+}  // namespace Tesseret::Host

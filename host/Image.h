@@ -1,0 +1,32 @@
+#pragma once
+
+/// One fetched image, from clipGetImage to clipReleaseImage: its property set and what keeps its
+/// pixels.
+
+#include <memory>
+
+#include "host/Picture.h"
+#include "host/PropertySet.h"
+
+namespace Tesseret::Host {
+
+class Clip;
+
+class Image final : public PropertySet {
+public:
+    explicit Image(Clip& clip);
+
+    Clip& clip() const { return clip_; }
+    /// Shows an input picture, which is kept as long as it is shown.
+    void show(std::shared_ptr<const Picture> picture, OfxPointD renderScale);
+    /// Shows the picture being rendered, not owned.
+    void showOutput(Picture& picture, OfxPointD renderScale);
+
+private:
+    void describe(const Picture& picture, void* data, OfxPointD renderScale);
+
+    Clip& clip_;
+    std::shared_ptr<const Picture> picture_;
+};
+
+}  // namespace Tesseret::Host

@@ -1,0 +1,136 @@
+/// Instances: parameter values, and telling the plug-in what changed.
+
+#include <algorithm>
+#include <utility>
+
+#include "host/Effect.h"
+#include "host/HostError.h"
+#include "host/Instance.h"
+
+namespace Tesseret::Host {
+
+Parameter& Instance::need(std::string_view name) const
+{
+    Parameter* const found = parameters().find(name);
+    if (!found) throw HostError("there is no parameter " + std::string(name) + " in " + context_);
+    return *found;
+}
+
+ParameterValue Instance::value(std::string_view parameter) const
+{
+    return need(parameter).value();
+}
+
+ParameterValue Instance::valueAt(std::string_view parameter, OfxTime time) const
+{
+    return need(parameter).valueAt(time);
+}
+
+OfxStatus Instance::set(std::string_view parameter, ParameterValue value, const char* reason,
+                        OfxTime time)
+{
+    if (!need(parameter).setValue(std::move(value))) {
+        throw HostError("the value does not fit the parameter " + std::string(parameter));
+    }
+    return announce(kOfxTypeParameter, parameter, reason, time);
+}
+
+OfxStatus Instance::setAt(std::string_view parameter, OfxTime time, ParameterValue value,
+                          const char* reason)
+{
+    if (!need(parameter).setValueAt(time, std::move(value))) {
+        throw HostError("the value does not fit the parameter " + std::string(parameter));
+    }
+    return announce(kOfxTypeParameter, parameter, reason, time);
+}
+
+OfxStatus Instance::press(std::string_view button, const char* reason, OfxTime time)
+{
+    if (need(button).type() != kOfxParamTypePushButton) {
+        throw HostError(std::string(button) + " is no push button");
+    }
+    return announce(kOfxTypeParameter, button, reason, time);
+}
+
+OfxStatus Instance::announce(const char* objectType, std::string_view name, const char* reason,
+                             OfxTime time)
+{
+    if (std::find(slaveParameters_.begin(), slaveParameters_.end(), name) !=
+        slaveParameters_.end()) {
+        preferencesStale_ = true;
+    }
+    ++changeDepth_;
+    beginChanged(reason);
+    const OfxStatus status = changed(objectType, name, reason, time, renderScale_);
+    endChanged(reason);
+    --changeDepth_;
+    announceEdits();
+    return status;
+}
+
+void Instance::pluginEdited(const Parameter& parameter)
+{
+    const bool waiting =
+        std::find(edited_.begin(), edited_.end(), parameter.name()) != edited_.end();
+    if (!created_ || announcingEdits_ || waiting) return;
+    edited_.push_back(parameter.name());
+    announceEdits();
+}
+
+void Instance::announceEdits()
+{
+    if (actionDepth_ > 0 || changeDepth_ > 0 || announcingEdits_) return;
+    announcingEdits_ = true;
+    for (const std::string& name : std::exchange(edited_, {})) {
+        announce(kOfxTypeParameter, name, kOfxChangePluginEdited, currentTime_);
+    }
+    announcingEdits_ = false;
+}
+
+OfxStatus Instance::changed(const char* objectType, std::string_view name, const char* reason,
+                            OfxTime time, OfxPointD scale)
+{
+    PropertySet inArgs(host(), "inArgs of InstanceChanged");
+    inArgs.assign(kOfxPropType, {objectType});
+    inArgs.assign(kOfxPropName, {std::string(name)});
+    inArgs.assign(kOfxPropChangeReason, {reason});
+    inArgs.assign(kOfxPropTime, {time});
+    inArgs.assign(kOfxImageEffectPropRenderScale, {scale.x, scale.y});
+    return action(kOfxActionInstanceChanged, &inArgs);
+}
+
+OfxStatus Instance::beginChanged(const char* reason)
+{
+    PropertySet inArgs(host(), "inArgs of BeginInstanceChanged");
+    inArgs.assign(kOfxPropChangeReason, {reason});
+    return action(kOfxActionBeginInstanceChanged, &inArgs);
+}
+
+OfxStatus Instance::endChanged(const char* reason)
+{
+    PropertySet inArgs(host(), "inArgs of EndInstanceChanged");
+    inArgs.assign(kOfxPropChangeReason, {reason});
+    return action(kOfxActionEndInstanceChanged, &inArgs);
+}
+
+OfxStatus Instance::action(const char* name, PropertySet* inArgs, PropertySet* outArgs)
+{
+    if (inArgs) currentTime_ = inArgs->doubleOr(kOfxPropTime, currentTime_);
+    if (actionDepth_ == 0) updateProperties();
+    ++actionDepth_;
+    const OfxStatus status = effect_.send(name, handle(), inArgs ? inArgs->handle() : nullptr,
+                                          outArgs ? outArgs->handle() : nullptr);
+    --actionDepth_;
+    if (actionDepth_ > 0) return status;
+    for (const auto& each : clips()) {
+        if (const std::size_t held = each->releaseAll()) {
+            host().badCall(std::string(name ? name : "null") + " left " + std::to_string(held) +
+                               " images of " + each->name() + " unreleased",
+                           status);
+        }
+    }
+    announceEdits();
+    return status;
+}
+
+}  // namespace Tesseret::Host

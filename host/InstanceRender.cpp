@@ -1,0 +1,146 @@
+/// Instances: sequences and rendering.
+
+#include "host/EmbeddedHost.h"
+#include "host/HostError.h"
+#include "host/Instance.h"
+
+namespace Tesseret::Host {
+
+namespace {
+
+void assignSequence(PropertySet& inArgs, OfxRangeD frames, double step,
+                    const RenderRequest& request)
+{
+    inArgs.assign(kOfxImageEffectPropFrameRange, {frames.min, frames.max});
+    inArgs.assign(kOfxImageEffectPropFrameStep, {step});
+    inArgs.assign(kOfxPropIsInteractive, {request.interactive ? 1 : 0});
+    inArgs.assign(kOfxImageEffectPropRenderScale, {request.scale.x, request.scale.y});
+    inArgs.assign(kOfxImageEffectPropSequentialRenderStatus, {request.sequential ? 1 : 0});
+    inArgs.assign(kOfxImageEffectPropInteractiveRenderStatus, {request.interactive ? 1 : 0});
+}
+
+std::string formatText(Depth depth, Components components)
+{
+    return std::string(depthName(depth)) + " " + componentsName(components);
+}
+
+/// Ends a sequence of one frame, however the frame ended.
+class OneFrameSequence {
+public:
+    OneFrameSequence(Instance& instance, const RenderRequest& request) : instance_(instance)
+    {
+        instance_.beginSequence({request.time, request.time}, 1.0, request);
+    }
+    ~OneFrameSequence() { instance_.endSequence(); }
+    OneFrameSequence(const OneFrameSequence&) = delete;
+    OneFrameSequence& operator=(const OneFrameSequence&) = delete;
+
+private:
+    Instance& instance_;
+};
+
+}  // namespace
+
+OfxStatus Instance::beginSequence(OfxRangeD frames, double step, const RenderRequest& request)
+{
+    sequence_ = request;
+    sequenceFrames_ = frames;
+    sequenceStep_ = step;
+    PropertySet inArgs(host(), "inArgs of BeginSequenceRender");
+    assignSequence(inArgs, frames, step, request);
+    return action(kOfxImageEffectActionBeginSequenceRender, &inArgs);
+}
+
+OfxStatus Instance::endSequence()
+{
+    const RenderRequest request = sequence_.value_or(RenderRequest{});
+    sequence_.reset();
+    PropertySet inArgs(host(), "inArgs of EndSequenceRender");
+    assignSequence(inArgs, sequenceFrames_, sequenceStep_, request);
+    return action(kOfxImageEffectActionEndSequenceRender, &inArgs);
+}
+
+void Instance::requireReady(const Picture& output) const
+{
+    const ClipFormat wanted = outputFormat();
+    if (output.depth() != wanted.depth || output.components() != wanted.components) {
+        throw HostError("the output picture is " + formatText(output.depth(), output.components()) +
+                        ", the effect renders " + formatText(wanted.depth, wanted.components));
+    }
+    for (const auto& each : clips()) {
+        if (!each->isOutput() && !each->isOptional() && !each->isConnected()) {
+            throw HostError("the clip " + each->name() + " has no source");
+        }
+    }
+}
+
+void Instance::askRegionsOfInterest(const RenderRequest& request)
+{
+    std::map<std::string, OfxRectD> regions;
+    const OfxRectD window =
+        toCanonical(request.window, request.scale, outputFormat().pixelAspectRatio);
+    regionsOfInterest(request.time, request.scale, window, regions);
+    for (const auto& each : clips()) {
+        const auto region = regions.find(each->name());
+        each->setRegionOfInterest(region == regions.end() ? std::nullopt
+                                                          : std::optional(region->second));
+    }
+}
+
+OfxStatus Instance::render(const RenderRequest& request, Picture& output)
+{
+    std::optional<OneFrameSequence> ownSequence;
+    renderScale_ = request.scale;
+    if (preferencesStale_) {
+        adoptFormats();
+        ClipPreferences preferences;
+        if (clipPreferences(preferences) == kOfxStatOK) adoptPreferences(preferences);
+        preferencesStale_ = false;
+    }
+    requireReady(output);
+    if (!sequence_) ownSequence.emplace(*this, request);
+    Identity identity;
+    if (isIdentity(request, identity) == kOfxStatOK && clip(identity.clip)) {
+        return renderIdentity(request, identity, output);
+    }
+    askRegionsOfInterest(request);
+    return renderOnly(request, &output);
+}
+
+OfxStatus Instance::renderIdentity(const RenderRequest& request, const Identity& identity,
+                                   Picture& output)
+{
+    const std::shared_ptr<ClipSource>& source = clip(identity.clip)->source();
+    const auto picture = source ? source->picture(identity.time, request.scale) : nullptr;
+    if (!picture) return kOfxStatFailed;
+    output.paste(picture->converted(output.depth(), output.components())
+                     .copied(request.window, RowLayout{}));
+    return kOfxStatOK;
+}
+
+OfxStatus Instance::renderOnly(const RenderRequest& request, Picture* output)
+{
+    const std::optional<RowLayout>& layout = host().quirks().rowLayout;
+    Picture laidOut;
+    const bool other = output && layout && *layout != output->layout();
+    if (other) laidOut = output->copied(output->bounds(), *layout);
+
+    PropertySet inArgs(host(), "inArgs of Render");
+    inArgs.assign(kOfxPropTime, {request.time});
+    inArgs.assign(kOfxImageEffectPropFieldToRender, {request.field});
+    const OfxRectI& window = request.window;
+    inArgs.assign(kOfxImageEffectPropRenderWindow, {window.x1, window.y1, window.x2, window.y2});
+    inArgs.assign(kOfxImageEffectPropRenderScale, {request.scale.x, request.scale.y});
+    inArgs.assign(kOfxImageEffectPropSequentialRenderStatus, {request.sequential ? 1 : 0});
+    inArgs.assign(kOfxImageEffectPropInteractiveRenderStatus, {request.interactive ? 1 : 0});
+    renderScale_ = request.scale;
+    Clip* const outputClip = clip(kOfxImageEffectOutputClipName);
+    if (outputClip) outputClip->setOutput(other ? &laidOut : output);
+    const OfxStatus status = action(kOfxImageEffectActionRender, &inArgs);
+    if (outputClip) outputClip->setOutput(nullptr);
+    if (other) output->paste(laidOut);
+    hasRendered_ = true;
+    return status;
+}
+
+}  // namespace Tesseret::Host

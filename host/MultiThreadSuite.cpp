@@ -1,0 +1,189 @@
+/// "OfxMultiThreadSuite": the pool of the current host, and mutexes.
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include "host/EmbeddedHost.h"
+#include "host/Suites.h"
+#include "host/ThreadPool.h"
+
+namespace Tesseret::Host {
+
+namespace {
+
+OfxStatus callDirectly(EmbeddedHost& host, OfxThreadFunctionV1* function, unsigned int calls,
+                       void* argument)
+{
+    try {
+        for (unsigned int i = 0; i < calls; ++i) function(i, calls, argument);
+    } catch (...) {
+        return host.badCall("multiThread: an exception left the function", kOfxStatFailed);
+    }
+    return kOfxStatOK;
+}
+
+OfxStatus multiThread(OfxThreadFunctionV1* function, unsigned int nThreads, void* argument)
+{
+    EmbeddedHost* const host = EmbeddedHost::current();
+    if (!host) return kOfxStatFailed;
+    host->counts().multiThreadCalls.fetch_add(1);
+    const HostQuirks& quirks = host->quirks();
+    if (quirks.multiThreadAnswer) return *quirks.multiThreadAnswer;
+    if (!function) return host->badCall("multiThread: a null function", kOfxStatErrValue);
+    if (ThreadPool::isInCall()) {
+        return host->badCall("multiThread: called from one of its threads", kOfxStatErrExists);
+    }
+    if (nThreads == 0) return host->badCall("multiThread: no threads asked for", kOfxStatErrValue);
+    if (quirks.threading == Threading::DirectCall) {
+        return callDirectly(*host, function, 1, argument);
+    }
+    unsigned int calls = std::min(nThreads, host->threads());
+    if (quirks.fewerThreads) calls = std::min(calls, std::max(*quirks.fewerThreads, 1u));
+    if (quirks.threading == Threading::InARow) {
+        return callDirectly(*host, function, calls, argument);
+    }
+    return host->pool().run(function, calls, argument)
+               ? kOfxStatOK
+               : host->badCall("multiThread: an exception left the function", kOfxStatFailed);
+}
+
+OfxStatus multiThreadNumCPUs(unsigned int* count)
+{
+    if (!count) return badCall("multiThreadNumCPUs: a null pointer", kOfxStatErrValue);
+    EmbeddedHost* const host = EmbeddedHost::current();
+    if (!host) return kOfxStatFailed;
+    const unsigned int question = host->counts().cpuQuestions.fetch_add(1);
+    *count = host->threads();
+    if (host->quirks().threading == Threading::DirectCall) *count = 1;
+    if (host->quirks().cpuCountChanges) *count = 1 + question % *count;
+    return kOfxStatOK;
+}
+
+OfxStatus multiThreadIndex(unsigned int* index)
+{
+    if (!index) return badCall("multiThreadIndex: a null pointer", kOfxStatErrValue);
+    EmbeddedHost* const host = EmbeddedHost::current();
+    if (host && host->quirks().threadIndexAnswer) return *host->quirks().threadIndexAnswer;
+    *index = ThreadPool::callIndex();
+    return kOfxStatOK;
+}
+
+int multiThreadIsSpawnedThread()
+{
+    return ThreadPool::isInCall() ? 1 : 0;
+}
+
+/// Locks nest; an unlock by another thread than the owner is refused.
+class Mutex {
+public:
+    explicit Mutex(int locks) : owner_(std::this_thread::get_id()), locks_(std::max(locks, 0)) {}
+
+    OfxMutexHandle handle() const { return handle_.as<OfxMutexHandle>(); }
+
+    void lock()
+    {
+        std::unique_lock lock(mutex_);
+        freed_.wait(lock, [this] { return isMine(); });
+        take();
+    }
+
+    bool tryLock()
+    {
+        const std::lock_guard lock(mutex_);
+        if (!isMine()) return false;
+        take();
+        return true;
+    }
+
+    bool unlock()
+    {
+        const std::lock_guard lock(mutex_);
+        if (locks_ == 0 || owner_ != std::this_thread::get_id()) return false;
+        if (--locks_ == 0) freed_.notify_one();
+        return true;
+    }
+
+private:
+    bool isMine() const { return locks_ == 0 || owner_ == std::this_thread::get_id(); }
+    void take()
+    {
+        owner_ = std::this_thread::get_id();
+        ++locks_;
+    }
+
+    Handle handle_{HandleKind::Mutex, this};
+    std::mutex mutex_;
+    std::condition_variable freed_;
+    std::thread::id owner_;
+    int locks_;
+};
+
+Mutex* findMutex(OfxMutexHandle mutex)
+{
+    return static_cast<Mutex*>(findObject(HandleKind::Mutex, mutex));
+}
+
+OfxStatus noMutex()
+{
+    return badCall("no such mutex", kOfxStatErrBadHandle);
+}
+
+OfxStatus mutexCreate(OfxMutexHandle* mutex, int lockCount)
+{
+    if (!mutex) return badCall("mutexCreate: a null pointer", kOfxStatErrValue);
+    *mutex = (new Mutex(lockCount))->handle();  // C boundary: mutexDestroy deletes it
+    return kOfxStatOK;
+}
+
+OfxStatus mutexDestroy(OfxMutexHandle handle)
+{
+    Mutex* const mutex = findMutex(handle);
+    if (!mutex) return noMutex();
+    delete mutex;  // C boundary: made by mutexCreate
+    return kOfxStatOK;
+}
+
+OfxStatus mutexLock(OfxMutexHandle handle)
+{
+    Mutex* const mutex = findMutex(handle);
+    if (!mutex) return noMutex();
+    mutex->lock();
+    return kOfxStatOK;
+}
+
+OfxStatus mutexUnLock(OfxMutexHandle handle)
+{
+    Mutex* const mutex = findMutex(handle);
+    if (!mutex) return noMutex();
+    return mutex->unlock() ? kOfxStatOK
+                           : badCall("mutexUnLock: not locked by this thread", kOfxStatFailed);
+}
+
+OfxStatus mutexTryLock(OfxMutexHandle handle)
+{
+    Mutex* const mutex = findMutex(handle);
+    if (!mutex) return noMutex();
+    return mutex->tryLock() ? kOfxStatOK : kOfxStatFailed;
+}
+
+}  // namespace
+
+const OfxMultiThreadSuiteV1& multiThreadSuite()
+{
+    static constexpr OfxMultiThreadSuiteV1 kSuite{
+        .multiThread = &multiThread,
+        .multiThreadNumCPUs = &multiThreadNumCPUs,
+        .multiThreadIndex = &multiThreadIndex,
+        .multiThreadIsSpawnedThread = &multiThreadIsSpawnedThread,
+        .mutexCreate = &mutexCreate,
+        .mutexDestroy = &mutexDestroy,
+        .mutexLock = &mutexLock,
+        .mutexUnLock = &mutexUnLock,
+        .mutexTryLock = &mutexTryLock,
+    };
+    return kSuite;
+}
+
+}  // namespace Tesseret::Host

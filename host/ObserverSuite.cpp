@@ -1,0 +1,72 @@
+/// "TesseretObserverSuite": passes what the plug-in tells of its render on to the host's listener.
+
+#include "host/EffectObject.h"
+#include "host/EmbeddedHost.h"
+#include "host/Suites.h"
+
+namespace Tesseret::Host {
+
+namespace {
+
+/// Calls `tell(listener, instance)` when the handle is an instance of a host that listens.
+template <typename Tell>
+void forward(OfxImageEffectHandle handle, Tell tell)
+{
+    auto* const effect = static_cast<EffectObject*>(findObject(HandleKind::Effect, handle));
+    if (!effect || !effect->instance()) {
+        badCall("observer suite: no such instance", kOfxStatErrBadHandle);
+    } else if (RenderListener* const listener = effect->host().listener()) {
+        tell(*listener, *effect->instance());
+    }
+}
+
+std::string_view textOf(const char* text)
+{
+    return text ? text : "";
+}
+
+void stageBegan(OfxImageEffectHandle effect, const char* stage)
+{
+    forward(effect, [&](RenderListener& listener, Instance& instance) {
+        listener.stageBegan(instance, textOf(stage));
+    });
+}
+
+void stageEnded(OfxImageEffectHandle effect, const char* stage)
+{
+    forward(effect, [&](RenderListener& listener, Instance& instance) {
+        listener.stageEnded(instance, textOf(stage));
+    });
+}
+
+void progress(OfxImageEffectHandle effect, double fraction)
+{
+    forward(effect, [&](RenderListener& listener, Instance& instance) {
+        listener.progress(instance, fraction);
+    });
+}
+
+void blockLaid(OfxImageEffectHandle effect, const TesseretBlockV1* block)
+{
+    forward(effect, [&](RenderListener& listener, Instance& instance) {
+        if (block) listener.blockLaid(instance, *block);
+    });
+}
+
+void note(OfxImageEffectHandle effect, const char* text)
+{
+    forward(effect, [&](RenderListener& listener, Instance& instance) {
+        listener.note(instance, textOf(text));
+    });
+}
+
+}  // namespace
+
+const TesseretObserverSuiteV1& observerSuite()
+{
+    static constexpr TesseretObserverSuiteV1 kSuite{&stageBegan, &stageEnded, &progress, &blockLaid,
+                                                    &note};
+    return kSuite;
+}
+
+}  // namespace Tesseret::Host

@@ -1,0 +1,27 @@
+#pragma once
+
+/// The records that fetchSuite answers. Each lives as long as the process and serves every host.
+
+#include "ofx/ofxImageEffect.h"
+#include "ofx/ofxInteract.h"
+#include "ofx/ofxMemory.h"
+#include "ofx/ofxMessage.h"
+#include "ofx/ofxMultiThread.h"
+#include "ofx/ofxParam.h"
+#include "ofx/ofxProperty.h"
+#include "ofx/tesseretObserver.h"
+
+namespace Tesseret::Host {
+
+const OfxPropertySuiteV1& propertySuite();
+const OfxImageEffectSuiteV1& imageEffectSuite();
+const OfxParameterSuiteV1& parameterSuite();
+/// The same without derivative and integral, which are null.
+const OfxParameterSuiteV1& parameterSuiteWithoutDerivatives();
+const OfxMemorySuiteV1& memorySuite();
+const OfxMultiThreadSuiteV1& multiThreadSuite();
+const OfxMessageSuiteV1& messageSuite();
+const OfxInteractSuiteV1& interactSuite();
+const TesseretObserverSuiteV1& observerSuite();
+
+}  // namespace Tesseret::Host

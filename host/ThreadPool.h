@@ -1,0 +1,63 @@
+#pragma once
+
+/// Threads that live as long as the host and share out the calls of one function. A pass costs no
+/// thread start: idle threads first spin for a short while, then sleep until the next pass.
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "ofx/ofxMultiThread.h"
+
+namespace Tesseret::Host {
+
+class EmbeddedHost;
+
+class ThreadPool {
+public:
+    /// The calling thread of a pass takes part, so count - 1 threads are kept; they start with the
+    /// first pass.
+    ThreadPool(EmbeddedHost& host, unsigned int count);
+    ~ThreadPool();
+    ThreadPool(const ThreadPool&) = delete;
+    ThreadPool& operator=(const ThreadPool&) = delete;
+
+    unsigned int size() const { return size_; }
+
+    /// Calls function(index, calls, argument) once for every index below `calls` and returns when
+    /// all calls have returned; false when one of them threw. The calling thread takes index 0.
+    /// While another thread's pass runs, all calls are made in a row on the calling thread.
+    bool run(OfxThreadFunctionV1* function, unsigned int calls, void* argument);
+
+    /// What the calling thread is inside a call of `run`.
+    static bool isInCall();
+    static unsigned int callIndex();
+
+private:
+    void start();
+    void work();
+    bool waitForCalls();
+    void callOne(unsigned int index);
+    bool takeCall(unsigned int& index);
+    bool runAlone(OfxThreadFunctionV1* function, unsigned int calls, void* argument);
+
+    EmbeddedHost& host_;
+    unsigned int size_;
+    std::vector<std::thread> threads_;
+    std::mutex passMutex_;  ///< one pass at a time
+
+    // The pass that runs. A thread reads these only after it took one of its calls, and the pass
+    // cannot end before that call has.
+    OfxThreadFunctionV1* function_ = nullptr;
+    unsigned int calls_ = 0;
+    void* argument_ = nullptr;
+    std::atomic<bool> failed_{false};
+
+    std::atomic<std::uint32_t> untaken_{0};     ///< calls that no thread has taken yet
+    std::atomic<std::uint32_t> unfinished_{0};  ///< calls that have not returned
+};
+
+}  // namespace Tesseret::Host
