@@ -24,11 +24,11 @@ namespace Tesseret::Host {
 class ThreadPool;
 
 struct HostOptions {
-    HostQuirks quirks;
+    HostQuirks quirks{};
     unsigned int threads = 0;  ///< 0 is the number of processors
     bool recording = false;    ///< keep the lists of writes, suite fetches, actions and messages
-    ReportSink onReport;
-    MessageSink onMessage;
+    ReportSink onReport{};
+    MessageSink onMessage{};
     RenderListener* listener = nullptr;  ///< not owned; with it "TesseretObserverSuite" is offered
 };
 

@@ -200,6 +200,7 @@ void Instance::adoptPreferences(const ClipPreferences& preferences)
             depthFromName(answer->second, format.depth);
         }
         if (each->isOutput()) {
+            alphaFromName(preferences.premultiplication, format.alpha);
             if (const auto answer = preferences.pixelAspectRatios.find(each->name());
                 answer != preferences.pixelAspectRatios.end()) {
                 format.pixelAspectRatio = answer->second;

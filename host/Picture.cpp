@@ -182,6 +182,11 @@ bool componentsFromName(std::string_view name, Components& components)
     return valueIn(kComponentsNames, name, components);
 }
 
+bool alphaFromName(std::string_view name, Alpha& alpha)
+{
+    return valueIn(kAlphaNames, name, alpha);
+}
+
 void Picture::Release::operator()(std::byte* storage) const
 {
     ::operator delete[](storage, kAlignment);

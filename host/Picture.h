@@ -24,6 +24,7 @@ const char* componentsName(Components components);
 const char* alphaName(Alpha alpha);
 bool depthFromName(std::string_view name, Depth& depth);
 bool componentsFromName(std::string_view name, Components& components);
+bool alphaFromName(std::string_view name, Alpha& alpha);
 
 /// How rows lie in memory.
 struct RowLayout {
