@@ -1,0 +1,424 @@
+#include <cmath>
+#include <limits>
+
+#include <gmock/gmock.h>
+
+#include "engine/Quilt.h"
+#include "tests/fixtures/FakeServices.h"
+#include "tests/fixtures/MapBuilder.h"
+#include "tests/fixtures/ReferenceQuilt.h"
+
+namespace Orvane::Engine {
+namespace {
+
+using ::testing::ElementsAre;
+using Testing::FakeServices;
+using Testing::noise;
+using Testing::solid;
+using Testing::TestMap;
+
+template <typename Pixel>
+Reference::Image<Pixel> referenceOf(const TestMap<Pixel>& map)
+{
+    Reference::Image<Pixel> image(map->xAxis().offset, map->yAxis().offset, map->width(),
+                                  map->height());
+    image.pixels = map.pixels();
+    return image;
+}
+
+TEST(Random, FollowsItsRecurrence)
+{
+    Random random(1);
+    // By hand: 1 -> 0x41C67EA6 -> 0x167EB0E7 (0x41C6 -> a = 0xC6, 0x167E -> b = 0x7E).
+    EXPECT_EQ(random.next(), 0x7E ^ (0xC6 << 7));
+    std::uint32_t state = 1;
+    Reference::nextRandom(state);
+    for (int i = 0; i < 1000; ++i) ASSERT_EQ(random.next(), Reference::nextRandom(state));
+}
+
+TEST(Random, DrawsTowardZeroOnBothSides)
+{
+    for (const int n : {0, 1, 2, 7, 480, 32767, 1000000, 2147483647, -1, -37, -2000000}) {
+        Random random(99);
+        std::uint32_t state = 99;
+        for (int i = 0; i < 2000; ++i) {
+            const int drawn = drawBelow(random, n);
+            ASSERT_EQ(drawn, Reference::drawBelow(state, n)) << n;
+            ASSERT_LE(std::abs(drawn), std::max(std::abs(n) - 1, 0));
+        }
+    }
+}
+
+template <typename Pixel>
+class QuiltStages : public ::testing::Test {};
+using Depths = ::testing::Types<PixelRGBA8, PixelRGBA16, PixelRGBAf>;
+TYPED_TEST_SUITE(QuiltStages, Depths);
+
+TYPED_TEST(QuiltStages, ErrorAgreesWithTheReferenceForEveryThreadCount)
+{
+    for (const int threads : {1, 2, 4, 7}) {
+        FakeServices services(static_cast<unsigned int>(threads));
+        auto a = noise<TypeParam>(40, 33, 1, -3, 5), b = noise<TypeParam>(50, 60, 2, 100, 100);
+        b->setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
+        auto refA = referenceOf(a), refB = referenceOf(b);
+        for (const int bx : {100, 140, 60}) {  // inside, and hanging out on both sides
+            TestMap<Pixel32f> error(25, 31);
+            Reference::Field refError(0, 0, 25, 31);
+            OverlapError<TypeParam> node;
+            node.setImages({&*a, 2, 6}, {&*b, bx, 101});
+            EXPECT_EQ(node.measure(*error),
+                      Reference::overlapError(refA, 2, 6, refB, bx, 101, refError, threads));
+            EXPECT_EQ(error.pixels(), refError.pixels);
+        }
+        EXPECT_EQ(services.threads.calls, 3);
+    }
+}
+
+TYPED_TEST(QuiltStages, ErrorCountsOnlyPositiveWeights)
+{
+    const FakeServices services;
+    const auto a = solid<TypeParam>(4, 1, 0.0f), b = solid<TypeParam>(4, 1, 1.0f);
+    TestMap<Pixel32f> weight(4, 1), error(4, 1);
+    weight.pixels() = {1.0f, 0.0f, -1.0f, std::numeric_limits<float>::quiet_NaN()};
+    OverlapError<TypeParam> node;
+    node.setImages({&*a, 0, 0}, {&*b, 0, 0});
+    node.setWeight({&*weight, 0, 0});
+    EXPECT_EQ(node.measure(*error), 3.0f);
+    EXPECT_THAT(error.pixels(), ElementsAre(3.0f, 0.0f, 0.0f, 0.0f));
+}
+
+TYPED_TEST(QuiltStages, PasteAgreesWithTheReference)
+{
+    std::mt19937 random(5);
+    for (int round = 0; round < 40; ++round) {
+        const FakeServices services(static_cast<unsigned int>(1 + round % 5));
+        auto from = noise<TypeParam>(30, 30, 10, 4, 4), to = noise<TypeParam>(24, 20, 11);
+        from->setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
+        auto refFrom = referenceOf(from), refTo = referenceOf(to);
+        const int w = 17, h = 13, bw = round % 4, bh = (round / 4) % 4;
+        std::vector<int> seamX(h), seamY(w);
+        std::vector<PixelVec2f> vertical(h), horizontal(w);
+        for (int j = 0; j < h; ++j) {
+            seamX[static_cast<std::size_t>(j)] = static_cast<int>(random() % 9);
+            vertical[static_cast<std::size_t>(j)].x =
+                static_cast<float>(seamX[static_cast<std::size_t>(j)]);
+        }
+        for (int i = 0; i < w; ++i) {
+            seamY[static_cast<std::size_t>(i)] = static_cast<int>(random() % 7);
+            horizontal[static_cast<std::size_t>(i)].y =
+                static_cast<float>(seamY[static_cast<std::size_t>(i)]);
+        }
+        BlockPaste<TypeParam> paste;
+        paste.setSourcePosition(22, 1);
+        paste.setSeams({horizontal, vertical});
+        paste.setBlend({bw, bh});
+        paste.setRegion({3, 2, 3 + w, 2 + h});
+        paste.process(*from, *to);
+        Reference::paste(refFrom, 22, 1, refTo, 3, 2, w, h, seamX, seamY, bw, bh);
+        ASSERT_EQ(to.pixels(), refTo.pixels) << "blend " << bw << ' ' << bh;
+    }
+}
+
+TYPED_TEST(QuiltStages, PasteRisesLinearlyAcrossTheVerticalSeam)
+{
+    const FakeServices services;
+    auto target = solid<TypeParam>(16, 1, 0.0f);
+    const auto white = solid<TypeParam>(16, 1, 1.0f);
+    const std::vector<PixelVec2f> horizontal(16), vertical{{10.0f, 0.0f}};
+    BlockPaste<TypeParam> paste;
+    paste.setSeams({horizontal, vertical});
+    paste.setBlend({.width = 3, .height = 0});
+    paste.process(*white, *target);
+    for (int x = 0; x < 16; ++x) {
+        const float share = static_cast<float>(target.at(x, 0).r) / PixelTraits<TypeParam>::kMax;
+        EXPECT_NEAR(share, std::clamp((static_cast<float>(x) - 7.0f) / 6.0f, 0.0f, 1.0f), 0.005f);
+    }
+}
+
+TYPED_TEST(QuiltStages, WholeQuiltAgreesWithTheReference)
+{
+    struct Case {
+        int threads;
+        Reference::Settings settings;
+    };
+    Reference::Settings base{.blockW = 12,
+                             .blockH = 10,
+                             .overlapW = 5,
+                             .overlapH = 4,
+                             .numSamples = 3,
+                             .seed = 7,
+                             .boxX0 = 2,
+                             .boxY0 = 1,
+                             .boxX1 = 45,
+                             .boxY1 = 38};
+    std::vector<Reference::Settings> cases(6, base);
+    cases[1].blendW = cases[1].blendH = 2;
+    cases[2].blockW = cases[2].blockH = 500;  // cut to the box, overlap and blend to it
+    cases[2].overlapW = cases[2].overlapH = cases[2].blendW = cases[2].blendH = 999;
+    cases[3].threads = 4;
+    cases[3].seed = -5;
+    cases[4].boxX0 = -30;  // draws and reads outside the textures
+    cases[4].boxX1 = 90;
+    cases[5].blockW = 1;
+    cases[5].overlapW = 1;
+    for (const Reference::Settings& s : cases) {
+        const FakeServices services(static_cast<unsigned int>(s.threads));
+        auto first = noise<TypeParam>(48, 40, 20), second = noise<TypeParam>(50, 42, 21);
+        for (auto* texture : {&first, &second}) {
+            (*texture)->setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
+        }
+        auto refFirst = referenceOf(first), refSecond = referenceOf(second);
+        auto target = solid<TypeParam>(70, 50, 0.0f);
+        BlockSettings blocks{s.blockW, s.blockH, s.overlapW, s.overlapH,
+                             s.blendW, s.blendH, s.step,     s.numSamples};
+        Map<TypeParam>* textures[] = {&*first, &*second};
+        bool avoid = false;
+        BlockList list;
+        BlockSize saved;
+        QuiltInputs<TypeParam> inputs;
+        inputs.fillRect = {3, 2, 60, 44};
+        inputs.sampleBox = {s.boxX0, s.boxY0, s.boxX1, s.boxY1};
+        inputs.textures = textures;
+        inputs.target = &*target;
+        inputs.avoidFillRegion = &avoid;
+        inputs.seed = s.seed;
+        inputs.blocks = &blocks;
+        inputs.blockList = &list;
+        inputs.savedBlockSize = &saved;
+        Quilt<TypeParam>(inputs).run();
+
+        auto expected = Reference::Quilt<TypeParam>(s, {&refFirst, &refSecond}).cover(3, 2, 57, 42);
+        for (int y = 2; y < 44; ++y) {
+            for (int x = 3; x < 60; ++x) {
+                ASSERT_EQ(target.at(x, y), expected.at(x, y)) << x << ' ' << y;
+            }
+        }
+        EXPECT_EQ(target.at(2, 10), Testing::grey<TypeParam>(0.0f)) << "outside the rectangle";
+        EXPECT_EQ(saved.width, static_cast<float>(blocks.blockW));
+        for (const BlockRecord& record : list) {
+            EXPECT_EQ(record.seamH.size(),
+                      std::min<std::size_t>(static_cast<std::size_t>(blocks.blockW),
+                                            static_cast<std::size_t>(60 - record.x)));
+        }
+        EXPECT_TRUE(services.memory.live.empty());
+    }
+}
+
+TEST(BestFitPath, AgreesWithTheReferenceAndBreaksTiesToTheSmallestIndex)
+{
+    const FakeServices services;
+    std::mt19937 random(8);
+    for (int round = 0; round < 60; ++round) {
+        const int w = 3 + static_cast<int>(random() % 20), h = 3 + static_cast<int>(random() % 20);
+        const int step = round % 4, margin = round % 2;
+        TestMap<Pixel32f> error(w, h);
+        for (float& e : error.pixels()) e = static_cast<float>(random() % 3);  // many ties
+        Reference::Field refError(0, 0, w, h);
+        refError.pixels = error.pixels();
+        Map<Pixel32f> cost;
+        std::vector<PixelVec2f> vertical(static_cast<std::size_t>(h));
+        std::vector<PixelVec2f> horizontal(static_cast<std::size_t>(w));
+        bestFitPath({step, margin}, *error, cost, vertical, SeamMode::Vertical);
+        bestFitPath({step, margin}, *error, cost, horizontal, SeamMode::Horizontal);
+        const auto refX = Reference::seam(refError, step, margin, true);
+        const auto refY = Reference::seam(refError, step, margin, false);
+        for (std::size_t y = 0; y < refX.size(); ++y) {
+            ASSERT_EQ(vertical[y],
+                      (PixelVec2f{static_cast<float>(refX[y]), static_cast<float>(y)}));
+        }
+        for (std::size_t x = 0; x < refY.size(); ++x) {
+            ASSERT_EQ(horizontal[x],
+                      (PixelVec2f{static_cast<float>(x), static_cast<float>(refY[x])}));
+        }
+    }
+}
+
+TEST(BestFitPath, StaysWithinNarrowStripsAndSurvivesMissingMemory)
+{
+    FakeServices services;
+    TestMap<Pixel32f> error(4, 3);
+    std::vector<PixelVec2f> path(3);
+    Map<Pixel32f> cost;
+    bestFitPath({2, 50}, *error, cost, path, SeamMode::Vertical);
+    for (const PixelVec2f& p : path) EXPECT_TRUE(p.x >= 1.0f && p.x <= 2.0f);
+    services.memory.refuseAll = true;
+    Map<Pixel32f> noCost;
+    bestFitPath({2, 0}, *error, noCost, path, SeamMode::Vertical);
+    EXPECT_THAT(path, ElementsAre(PixelVec2f{0, 0}, PixelVec2f{0, 1}, PixelVec2f{0, 2}));
+}
+
+/// A small quilt whose settings a test may spoil.
+struct SmallQuilt {
+    SmallQuilt()
+    {
+        texture->setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
+        inputs.fillRect = {0, 0, 33, 21};
+        inputs.sampleBox = {0, 0, 40, 30};
+    }
+
+    void run()
+    {
+        Map<PixelRGBA8>* textures[] = {&*texture};
+        inputs.textures = textures;
+        inputs.target = &*target;
+        inputs.source = &*texture;
+        inputs.avoidFillRegion = &avoid;
+        inputs.blocks = &blocks;
+        inputs.blockList = &list;
+        inputs.savedBlockSize = &saved;
+        Quilt<PixelRGBA8>(inputs).run();
+    }
+
+    TestMap<PixelRGBA8> texture = noise<PixelRGBA8>(40, 30, 3);
+    TestMap<PixelRGBA8> target = solid<PixelRGBA8>(33, 21, 0.0f);
+    BlockSettings blocks{10, 10, 3, 3, 0, 0, 2, 2};
+    bool avoid = false;
+    BlockList list;
+    BlockSize saved;
+    QuiltInputs<PixelRGBA8> inputs;
+};
+
+TEST(Quilt, DefinesWhateverSizesItIsGiven)
+{
+    const FakeServices services;
+    constexpr int kHuge = 1'000'000'000;
+    struct Case {
+        BlockSettings blocks;
+        Region box;
+    };
+    const Case cases[] = {{{0, 0, 0, 0, 0, 0, 2, 0}, {0, 0, 40, 30}},
+                          {{-9, -9, -9, -9, -9, -9, 2, -9}, {0, 0, 40, 30}},
+                          {{kHuge, kHuge, kHuge, kHuge, kHuge, kHuge, 2, 3}, {0, 0, 40, 30}},
+                          {{kHuge, kHuge, 1, 1, 0, 0, 2, 1}, {-kHuge, -kHuge, kHuge, kHuge}},
+                          {{10, 10, 3, 3, 1, 1, 2, 2}, {7, 5, 7, 25}},
+                          {{10, 10, 3, 3, 1, 1, 2, 2}, {7, 5, 7, 5}}};
+    for (const Case& c : cases) {
+        SmallQuilt quilt;
+        quilt.blocks = c.blocks;
+        quilt.inputs.sampleBox = c.box;
+        quilt.run();
+        EXPECT_GE(quilt.saved.width, 1.0f);
+        EXPECT_FALSE(quilt.list.empty());
+        EXPECT_NE(quilt.target.pixels(), solid<PixelRGBA8>(33, 21, 0.0f).pixels());
+    }
+}
+
+TEST(Quilt, BlocksDependOnTheirPlaceAndTheSeed)
+{
+    const FakeServices services;
+    SmallQuilt first, again, otherSeed;
+    otherSeed.inputs.seed = 1;
+    first.run();
+    again.run();
+    otherSeed.run();
+    EXPECT_EQ(first.target.pixels(), again.target.pixels());
+    EXPECT_NE(first.target.pixels(), otherSeed.target.pixels());
+}
+
+TEST(Quilt, KeepsClearOfTheFillRegion)
+{
+    const FakeServices services;
+    SmallQuilt quilt;
+    TestMap<Pixel32f> mask(40, 30);
+    for (int y = 0; y < 30; ++y) {
+        for (int x = 18; x < 40; ++x) mask.at(x, y) = 255.0f;  // candidates must end before x = 18
+    }
+    quilt.avoid = true;
+    quilt.inputs.fillMask = &*mask;
+    quilt.inputs.sampleBox = {0, 0, 5, 5};  // of no meaning while avoiding
+    quilt.run();
+    EXPECT_TRUE(quilt.avoid);
+    EXPECT_EQ(quilt.saved.width, 10.0f) << "kept whole";
+    for (const BlockRecord& record : quilt.list) {
+        EXPECT_LE(record.srcX + static_cast<float>(record.seamH.size()), 18.0f);
+    }
+}
+
+TEST(Quilt, GivesUpAvoidingOnceAndSaysSo)
+{
+    const FakeServices services;
+    SmallQuilt quilt;
+    TestMap<Pixel32f> mask(40, 30);
+    for (float& m : mask.pixels()) m = 1.0f;
+    quilt.avoid = true;
+    quilt.inputs.fillMask = &*mask;
+    ::testing::internal::CaptureStderr();
+    quilt.run();
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Cannot avoid matte!\n");
+    EXPECT_FALSE(quilt.avoid);
+}
+
+TEST(Quilt, KnownPixelsDecideTheFirstBlock)
+{
+    const FakeServices services;
+    SmallQuilt quilt;
+    TestMap<Pixel32f> weight(40, 30);
+    for (float& w : weight.pixels()) w = 1.0f;
+    quilt.inputs.fillAll = false;
+    quilt.inputs.weightMap = &*weight;
+    quilt.inputs.fillRect = {0, 0, 10, 10};
+    quilt.inputs.sampleBox = {0, 0, 12, 12};  // four places; (0, 0) fits the source exactly
+    quilt.blocks.numSamples = 200;
+    quilt.run();
+    ASSERT_FALSE(quilt.list.empty());
+    EXPECT_EQ(quilt.list[0].srcX, 0.0f);
+    EXPECT_EQ(quilt.list[0].srcY, 0.0f);
+}
+
+TEST(Quilt, GoesOnWhenMemoryRunsOut)
+{
+    for (int k = 1; k < 12; ++k) {
+        for (const bool lock : {false, true}) {
+            FakeServices services(2);
+            (lock ? services.memory.failLock : services.memory.failAllocation) = k;
+            SmallQuilt quilt;
+            ::testing::internal::CaptureStderr();
+            quilt.run();
+            ::testing::internal::GetCapturedStderr();
+            EXPECT_TRUE(services.memory.live.empty());
+        }
+    }
+}
+
+TEST(Quilt, StopsAtAnAbortAndLeavesTheTarget)
+{
+    for (int allowed = 0; allowed < 40; ++allowed) {
+        const FakeServices services;
+        SmallQuilt quilt;
+        RenderStatus record;
+        int left = allowed;
+        record.abortHandle = &left;
+        record.poll = [](void* counter, int*) { return --*static_cast<int*>(counter) < 0 ? 1 : 0; };
+        quilt.inputs.statusRecord = &record;
+        quilt.run();
+        EXPECT_EQ(left, -1);
+        EXPECT_EQ(quilt.target.pixels(), solid<PixelRGBA8>(33, 21, 0.0f).pixels());
+    }
+}
+
+TEST(Quilt, PixelsThatAreNoNumbersDoNotStopIt)
+{
+    const FakeServices services;
+    auto texture = noise<PixelRGBAf>(20, 20, 1);
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (auto& pixel : texture.pixels())
+        pixel = {nan, std::numeric_limits<float>::infinity(), -1, 1};
+    auto target = solid<PixelRGBAf>(30, 30, 0.5f);
+    Map<PixelRGBAf>* textures[] = {&*texture};
+    BlockSettings blocks{8, 8, 3, 3, 1, 1, 2, 2};
+    bool avoid = false;
+    BlockSize saved;
+    QuiltInputs<PixelRGBAf> inputs;
+    inputs.fillRect = {0, 0, 30, 30};
+    inputs.sampleBox = {0, 0, 20, 20};
+    inputs.textures = textures;
+    inputs.target = &*target;
+    inputs.avoidFillRegion = &avoid;
+    inputs.blocks = &blocks;
+    inputs.savedBlockSize = &saved;
+    Quilt<PixelRGBAf>(inputs).run();
+    EXPECT_EQ(target.at(15, 15).b, -1.0f);
+}
+
+}  // namespace
+}  // namespace Orvane::Engine

@@ -1,0 +1,271 @@
+#include <algorithm>
+#include <limits>
+
+#include <gmock/gmock.h>
+
+#include "engine/RenderDriver.h"
+#include "tests/fixtures/FakeRenderContext.h"
+#include "tests/fixtures/FakeServices.h"
+
+namespace Orvane::Engine {
+namespace {
+
+using Testing::CountingObserver;
+using ::testing::ElementsAre;
+using Testing::FakeRenderContext;
+using Testing::FakeServices;
+using Testing::noise;
+using ::testing::SizeIs;
+using Testing::solid;
+using Testing::TestMap;
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+
+/// An instance with a source of 40 x 30 noise, rendered at one depth.
+template <typename Pixel>
+struct Rig {
+    Rig()
+    {
+        context.connect("Source", source);
+        context.connect("Output", output);
+        context.window = {0, 0, 40, 30};
+        context.watcher = &observer;
+    }
+    std::vector<Pixel> render(double frame = 0.0)
+    {
+        context.frame = frame;
+        context.status = {};
+        observer = {};
+        clear();
+        renderFrame(context, state, kPixelKind<Pixel>);
+        EXPECT_EQ(observer.open, 0);
+        return output.pixels();
+    }
+    void clear() { std::ranges::fill(output.pixels(), Testing::grey<Pixel>(0.25f)); }
+    std::vector<Pixel> untouched()
+    {
+        return std::vector<Pixel>(output.pixels().size(), Testing::grey<Pixel>(0.25f));
+    }
+
+    FakeServices services{2};
+    TestMap<Pixel> source = noise<Pixel>(40, 30, 5);
+    TestMap<Pixel> output = solid<Pixel>(40, 30, 0.0f);
+    CountingObserver observer;
+    FakeRenderContext context;
+    TemporalState state;
+};
+
+template <typename Pixel>
+class RenderDriver : public ::testing::Test {};
+using Depths = ::testing::Types<PixelRGBA8, PixelRGBA16, PixelRGBAf>;
+TYPED_TEST_SUITE(RenderDriver, Depths);
+
+TYPED_TEST(RenderDriver, FillsTheWindowAndReleasesEveryImage)
+{
+    Rig<TypeParam> rig;
+    rig.context.window = {5, 3, 100, 25};  // leaves the output image
+    const auto picture = rig.render();
+    for (int y = 0; y < 30; ++y) {
+        for (int x = 0; x < 40; ++x) {
+            const bool inside = x >= 5 && y >= 3 && y < 25;
+            const auto& pixel = picture[static_cast<std::size_t>(y * 40 + x)];
+            EXPECT_EQ(pixel == Testing::grey<TypeParam>(0.25f), !inside) << x << ' ' << y;
+        }
+    }
+    EXPECT_EQ(rig.context.released, 2);
+    EXPECT_THAT(rig.observer.stages, ElementsAre("quilt"));
+    EXPECT_THAT(rig.observer.blocks, SizeIs(5 * 3));
+    EXPECT_EQ(rig.observer.lastProgress, 1.0);
+}
+
+TYPED_TEST(RenderDriver, LaysTheSameBlocksAgainWhileConsistent)
+{
+    for (const int blend : {0, 1}) {
+        Rig<TypeParam> rig;
+        rig.context.numbers["temporalConsistancy"] = 1;
+        rig.context.numbers["blendSize"] = blend;
+        const auto first = rig.render(0);
+        const auto again = rig.render(5);
+        EXPECT_THAT(rig.observer.stages, ElementsAre("replay"));
+        if (blend == 0) {
+            EXPECT_EQ(first, again);
+        }
+        EXPECT_EQ(first[0], again[0]) << "no fringe at the corner";
+
+        rig.context.numbers["seed"] = 4;
+        EXPECT_EQ(rig.render(6), again) << "recorded, not drawn";
+        EXPECT_NE(rig.render(0), first) << "frame 0 draws anew";
+        rig.context.numbers["temporalConsistancy"] = 0;
+        rig.render(7);
+        rig.context.numbers["temporalConsistancy"] = 1;
+        rig.render(8);
+        EXPECT_THAT(rig.observer.stages, ElementsAre("quilt")) << "switched off in between";
+        rig.state.discard();
+        rig.render(9);
+        EXPECT_THAT(rig.observer.stages, ElementsAre("quilt"));
+        EXPECT_EQ(rig.context.released, 14);
+    }
+}
+
+TYPED_TEST(RenderDriver, ReplaySurvivesWhateverChangedInBetween)
+{
+    Rig<TypeParam> rig;
+    rig.context.numbers["temporalConsistancy"] = 1;
+    auto texture = noise<TypeParam>(30, 30, 9);
+    rig.context.connect("Texture2", texture);
+    rig.context.numbers["useTexture2"] = 1;
+    rig.render(0);
+    const auto full = rig.render(1);
+
+    rig.context.window = {0, 0, 20, 15};
+    const auto clipped = rig.render(2);
+    EXPECT_EQ(clipped[5 * 40 + 5], full[5 * 40 + 5]);
+    EXPECT_EQ(clipped[20 * 40 + 30].a, 0) << "nothing is laid past the window";
+    rig.context.window = {-50, -50, 500, 500};
+    EXPECT_EQ(rig.render(3), full);
+
+    auto large = noise<TypeParam>(90, 80, 2);
+    rig.context.connect("Source", large);
+    EXPECT_EQ(rig.render(4), full) << "the blocks come from the texture";
+    rig.state.blockList[0].textureIndex = 2;  // a texture that is no longer there
+    rig.state.blockList[1].seamH.clear();     // a row that was never finished
+    rig.render(5);
+    EXPECT_NE(rig.output.pixels(), rig.untouched());
+}
+
+TEST(RenderDriver8, BlocksOfAnAbortedOrFailedRenderAreNotLaidAgain)
+{
+    Rig<PixelRGBA8> rig;
+    rig.context.numbers["temporalConsistancy"] = 1;
+    const auto abortAt = [](void* counter, int*) {
+        return --*static_cast<int*>(counter) < 0 ? 1 : 0;
+    };
+    int polls = 0;
+    for (int allowed = 0;; allowed += 1 + allowed / 4) {
+        rig.state.discard();
+        rig.context.frame = 1;
+        rig.context.status = {&polls, abortAt, 0, 0};
+        polls = allowed;
+        rig.clear();
+        renderFrame(rig.context, rig.state, PixelKind::RGBA8);
+        if (rig.context.status.aborted == 0) break;
+        EXPECT_FALSE(rig.state.valid);
+        ASSERT_LT(allowed, 10000) << "never came to its end";
+    }
+    EXPECT_TRUE(rig.state.valid);
+    // An abort during the replay leaves both the output and the records as they were.
+    const std::size_t records = rig.state.blockList.size();
+    polls = 3;
+    rig.context.status = {&polls, abortAt, 0, 0};
+    rig.clear();
+    renderFrame(rig.context, rig.state, PixelKind::RGBA8);
+    EXPECT_EQ(rig.output.pixels(), rig.untouched());
+    EXPECT_TRUE(rig.state.valid);
+    EXPECT_EQ(rig.state.blockList.size(), records);
+}
+
+TEST(RenderDriver8, RendersNothingWithoutWhatItNeeds)
+{
+    struct Case {
+        const char* what;
+        void (*spoil)(Rig<PixelRGBA8>&);
+    };
+    const Case cases[] = {
+        {"no source", [](auto& rig) { rig.context.clips.erase("Source"); }},
+        {"no output", [](auto& rig) { rig.context.clips.erase("Output"); }},
+        {"empty window",
+         [](auto& rig) {
+             rig.context.window = {7, 3, 7, 20};
+         }},
+        {"window turned over",
+         [](auto& rig) {
+             rig.context.window = {20, 3, 7, 20};
+         }},
+        {"output without pixels", [](auto& rig) { rig.output->borrow(nullptr, 160); }},
+        {"source of another depth",
+         [](auto& rig) {
+             static auto deep = noise<PixelRGBA16>(40, 30, 5);
+             rig.context.connect("Source", deep);
+         }},
+    };
+    for (const Case& c : cases) {
+        Rig<PixelRGBA8> rig;
+        rig.context.numbers["temporalConsistancy"] = 1;
+        c.spoil(rig);
+        EXPECT_EQ(rig.render(), rig.untouched()) << c.what;
+        EXPECT_FALSE(rig.state.valid) << c.what;
+    }
+}
+
+TEST(RenderDriver8, BelievesTheImageRatherThanTheAnnouncedDepth)
+{
+    Rig<PixelRGBA8> rig;
+    rig.clear();
+    renderFrame(rig.context, rig.state, PixelKind::RGBAf);
+    EXPECT_NE(rig.output.pixels(), rig.untouched());
+}
+
+TEST(RenderDriver8, TakesTheTexturesInUse)
+{
+    for (const bool first : {false, true}) {
+        for (const bool third : {false, true}) {
+            Rig<PixelRGBA8> rig;
+            auto a = solid<PixelRGBA8>(30, 30, 0.5f), b = solid<PixelRGBA8>(30, 30, 0.75f);
+            rig.context.connect("Texture1", a);
+            rig.context.connect("Texture3", b);
+            rig.context.clips["Texture2"] = nullptr;  // connected, but gives no image
+            rig.context.numbers["useTexture2"] = 1;
+            rig.context.numbers["useTexture1"] = first;
+            rig.context.numbers["useTexture3"] = third;
+            const auto picture = rig.render();
+            const auto expected = first ? a.at(0, 0) : b.at(0, 0);
+            if (first || third) {
+                EXPECT_EQ(picture[0], expected) << "ties keep the earlier texture";
+                EXPECT_EQ(picture[600], expected);
+            } else {
+                EXPECT_EQ(
+                    picture[0].a,
+                    rig.source.at(rig.observer.blocks[0].srcX, rig.observer.blocks[0].srcY).a);
+            }
+        }
+    }
+}
+
+TEST(RenderDriver8, ScalesBlocksAndSurvivesValuesOutOfRange)
+{
+    Rig<PixelRGBA8> rig;
+    rig.context.scale = {0.5f, 0.25f};
+    rig.context.numbers["blockSize"] = 51;
+    rig.context.numbers["overlap"] = 3;
+    rig.render();
+    EXPECT_EQ(rig.observer.blocks[0].width, 25);
+    EXPECT_EQ(rig.observer.blocks[1].x, 24) << "an overlap of 1.5 is 1";
+
+    rig.context.points["sampleCorner1"] = {kNaN, 1e30f};
+    rig.context.points["sampleCorner2"] = {-1e30f, kNaN};
+    rig.context.numbers["blockSize"] = 9000000;
+    rig.context.numbers["blendSize"] = 9000000;
+    rig.context.aspect = 0.0;
+    rig.render();
+    rig.context.aspect = std::numeric_limits<double>::quiet_NaN();
+    rig.context.scale = {kNaN, kNaN};
+    rig.context.frame = std::numeric_limits<double>::quiet_NaN();
+    rig.context.points["sampleCorner1"] = {kNaN, kNaN};
+    rig.context.numbers["numSamples"] = -3;
+    rig.context.window = {0, 0, 8, 8};  // a block is one pixel here
+    rig.render(rig.context.frame);
+    EXPECT_NE(rig.output.pixels(), rig.untouched());
+}
+
+TEST(RenderDriver8, SaysThatItFillsEverythingWhereAMaskWasAskedFor)
+{
+    Rig<PixelRGBA8> rig;
+    rig.render();
+    EXPECT_THAT(rig.observer.notes, SizeIs(0));
+    rig.context.numbers["fillRegion"] = 3;
+    rig.render();
+    EXPECT_THAT(rig.observer.notes, SizeIs(1));
+}
+
+}  // namespace
+}  // namespace Orvane::Engine
