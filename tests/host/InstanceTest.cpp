@@ -1,0 +1,299 @@
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "host/Effect.h"
+#include "host/HostError.h"
+#include "host/Instance.h"
+#include "host/Suites.h"
+#include "tests/fixtures/TestHost.h"
+
+namespace Tesseret::Host {
+namespace {
+
+using Fixtures::samePixels;
+using Fixtures::texturePicture;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+/// The small filter that is not ours, with its source connected.
+class InvertTest : public ::testing::Test {
+protected:
+    InvertTest()
+    {
+        effect.start();
+        instance = effect.createInstance(kOfxImageEffectContextFilter);
+        instance->connect("Source", std::make_shared<StillSource>(source, OfxRangeD{-10, 10}));
+    }
+
+    ~InvertTest() override
+    {
+        instance.reset();
+        EXPECT_EQ(host.counters().imagesFetched, host.counters().imagesReleased);
+    }
+
+    static Picture inverted(const Picture& from)
+    {
+        Picture result = from.copied();
+        for (int y = from.bounds().y1; y < from.bounds().y2; ++y) {
+            for (int x = from.bounds().x1; x < from.bounds().x2; ++x) {
+                for (int c = 0; c < 4; ++c) {
+                    result.setChannel(x, y, c, 255.0 - from.channel(x, y, c));
+                }
+            }
+        }
+        return result;
+    }
+
+    std::vector<std::string> actionNames() const
+    {
+        std::vector<std::string> names;
+        for (const ActionRecord& record : host.actions()) {
+            std::string name = record.action;
+            for (const std::string_view start : {"OfxImageEffectAction", "OfxAction"}) {
+                if (name.compare(0, start.size(), start) == 0) name.erase(0, start.size());
+            }
+            names.push_back(name);
+        }
+        return names;
+    }
+
+    const OfxRectI bounds{-4, 2, 13, 11};
+    const RenderRequest whole{.window = bounds};
+    std::shared_ptr<Picture> source = texturePicture(bounds, Depth::Byte, 9);
+    EmbeddedHost host{{.threads = 3, .recording = true}};
+    std::shared_ptr<PluginLibrary> library = PluginLibrary::load(INVERT_PLUGIN);
+    Effect effect{host, library, library->plugin()};
+    std::unique_ptr<Instance> instance;
+    Picture output{bounds, Depth::Byte};
+};
+
+TEST_F(InvertTest, RendersWithTheActionsInTheirOrder)
+{
+    host.resetCounters();
+    ASSERT_EQ(instance->render(whole, output), kOfxStatOK);
+    EXPECT_TRUE(samePixels(output, inverted(*source)));
+    EXPECT_THAT(actionNames(),
+                ElementsAre("GetClipPreferences", "BeginSequenceRender", "IsIdentity",
+                            "GetRegionsOfInterest", "Render", "EndSequenceRender"));
+    EXPECT_EQ(instance->outputFormat().alpha, Alpha::Premultiplied);
+
+    host.resetCounters();
+    instance->beginSequence({0.0, 1.0}, 1.0, whole);
+    instance->render(whole, output);
+    instance->render({.time = 1.0, .window = bounds}, output);
+    instance->endSequence();
+    EXPECT_THAT(actionNames(),
+                ElementsAre("BeginSequenceRender", "IsIdentity", "GetRegionsOfInterest", "Render",
+                            "IsIdentity", "GetRegionsOfInterest", "Render", "EndSequenceRender"));
+    EXPECT_THAT(host.badCalls(), IsEmpty());
+}
+
+TEST_F(InvertTest, GivesTheSamePictureInEveryMemoryLayout)
+{
+    const Picture expected = inverted(*source);
+    HostQuirks& quirks = host.quirks();
+    for (const bool oneSet : {false, true}) {
+        quirks.oneImageSetPerClip = oneSet;
+        for (const RowLayout layout :
+             {RowLayout{true, 0}, RowLayout{false, 24}, RowLayout{true, 8}}) {
+            quirks.rowLayout = layout;
+            Picture result(bounds, Depth::Byte);
+            EXPECT_EQ(instance->render(whole, result), kOfxStatOK);
+            EXPECT_TRUE(samePixels(result, expected));
+            EXPECT_FALSE(result.layout().topDown);  // the caller's picture keeps its layout
+        }
+    }
+    quirks.rowLayout.reset();
+    quirks.boundsChange = OfxRectI{-3, -1, 5, 2};
+    quirks.privateImages = true;
+    EXPECT_EQ(instance->render(whole, output), kOfxStatOK);
+    EXPECT_TRUE(samePixels(output, expected));
+}
+
+TEST_F(InvertTest, RendersOnlyTheWindow)
+{
+    const OfxRectI window{0, 4, 5, 6};
+    host.quirks().deliverRegionsOnly = true;  // it supports tiles, and its region is the window
+    ASSERT_EQ(instance->render({.window = window}, output), kOfxStatOK);
+    const Picture expected = inverted(*source);
+    for (int y = bounds.y1; y < bounds.y2; ++y) {
+        for (int x = bounds.x1; x < bounds.x2; ++x) {
+            const bool inside = x >= window.x1 && x < window.x2 && y >= window.y1 && y < window.y2;
+            EXPECT_EQ(output.channel(x, y, 0), inside ? expected.channel(x, y, 0) : 0.0);
+        }
+    }
+}
+
+TEST_F(InvertTest, CopiesThePictureThatTheEffectIsIdenticalTo)
+{
+    instance->set("amount", 0);
+    host.resetCounters();
+    ASSERT_EQ(instance->render(whole, output), kOfxStatOK);
+    EXPECT_TRUE(samePixels(output, *source));
+    EXPECT_THAT(actionNames(), ::testing::Not(::testing::Contains("Render")));
+}
+
+TEST_F(InvertTest, ConvertsWhatTheClipDoesNotSupport)
+{
+    const auto shorts = texturePicture(bounds, Depth::Short, 4, Components::RGB);
+    instance->connect("Source", std::make_shared<StillSource>(shorts));
+    ASSERT_EQ(instance->render(whole, output), kOfxStatOK);
+    EXPECT_TRUE(samePixels(output, inverted(shorts->converted(Depth::Byte, Components::RGBA))));
+    EXPECT_THROW(instance->setDepth(Depth::Float), HostError);
+    Picture wrong(bounds, Depth::Float);
+    EXPECT_THROW(instance->render(whole, wrong), HostError);
+    instance->connect("Source", nullptr);
+    EXPECT_THROW(instance->render(whole, output), HostError);
+}
+
+TEST_F(InvertTest, FailsTheFetchThatWasOrdered)
+{
+    for (unsigned int k = 1; k <= 2; ++k) {
+        host.resetCounters();
+        host.quirks().failFetch = k;
+        EXPECT_EQ(instance->render(whole, output), kOfxStatFailed);
+        EXPECT_EQ(host.counters().imagesFetched, k - 1);
+    }
+    host.quirks().failFetch = 0;
+    EXPECT_EQ(instance->render({.time = 99.0, .window = bounds}, output), kOfxStatFailed);
+}
+
+TEST_F(InvertTest, TakesBackWhatAnActionLeftBehind)
+{
+    // Between actions nobody may fetch; what is fetched all the same goes with the next action.
+    const OfxImageEffectSuiteV1& suite = imageEffectSuite();
+    OfxPropertySetHandle image = nullptr;
+    OfxImageClipHandle clip = nullptr;
+    ASSERT_EQ(suite.clipGetHandle(instance->handle(), "Source", &clip, nullptr), kOfxStatOK);
+    ASSERT_EQ(suite.clipGetImage(clip, 0.0, nullptr, &image), kOfxStatOK);
+    instance->purgeCaches();
+    EXPECT_THAT(host.badCalls(), ElementsAre(HasSubstr("1 images of Source unreleased")));
+    EXPECT_EQ(suite.clipReleaseImage(image), kOfxStatErrBadHandle);
+
+    ASSERT_EQ(suite.clipGetImage(clip, 0.0, nullptr, &image), kOfxStatOK);
+    EXPECT_EQ(suite.clipReleaseImage(image), kOfxStatOK);
+    EXPECT_EQ(suite.clipReleaseImage(image), kOfxStatErrBadHandle);
+    EXPECT_EQ(suite.clipReleaseImage(instance->properties().handle()), kOfxStatErrBadHandle);
+    EXPECT_EQ(suite.clipGetImage(clip, 0.0, nullptr, nullptr), kOfxStatErrValue);
+    host.resetCounters();
+}
+
+TEST_F(InvertTest, AnswersWrongCallsOnClipsAndEffects)
+{
+    const OfxImageEffectSuiteV1& suite = imageEffectSuite();
+    OfxImageClipHandle clip = nullptr;
+    OfxPropertySetHandle set = nullptr;
+    Descriptor described(host);
+    described.setDescribing(true);
+    EXPECT_EQ(suite.clipGetHandle(described.handle(), "Source", &clip, nullptr),
+              kOfxStatErrBadHandle);
+    EXPECT_EQ(suite.clipDefine(described.handle(), "Source", nullptr), kOfxStatOK);
+    EXPECT_EQ(suite.clipDefine(described.handle(), "Source", &set), kOfxStatErrExists);
+    EXPECT_EQ(suite.clipDefine(described.handle(), nullptr, &set), kOfxStatErrValue);
+    EXPECT_EQ(suite.clipDefine(instance->handle(), "More", &set), kOfxStatFailed);
+    EXPECT_EQ(suite.clipGetHandle(instance->handle(), "More", &clip, nullptr),
+              kOfxStatErrBadHandle);
+    host.quirks().unknownClip = UnknownClip::NullHandleOK;
+    EXPECT_EQ(suite.clipGetHandle(instance->handle(), "More", &clip, nullptr), kOfxStatOK);
+    EXPECT_EQ(clip, nullptr);
+    OfxRectD region{};
+    EXPECT_EQ(suite.clipGetRegionOfDefinition(nullptr, 0.0, &region), kOfxStatErrBadHandle);
+    EXPECT_EQ(suite.clipGetPropertySet(nullptr, &set), kOfxStatErrBadHandle);
+    EXPECT_EQ(suite.getPropertySet(nullptr, &set), kOfxStatErrBadHandle);
+    EXPECT_EQ(suite.getParamSet(instance->handle(), nullptr), kOfxStatErrValue);
+    EXPECT_EQ(suite.abort(nullptr), kOfxStatErrBadHandle);
+}
+
+TEST_F(InvertTest, SeesAnAbortFromAnotherThreadOrFromTheOrderedPoll)
+{
+    const OfxImageEffectSuiteV1& suite = imageEffectSuite();
+    EXPECT_EQ(suite.abort(instance->handle()), 0);
+    std::thread([&] { instance->abort(); }).join();
+    EXPECT_EQ(suite.abort(instance->handle()), 1);
+    instance->clearAbort();
+    host.resetCounters();
+    host.quirks().abortFromPoll = 3;
+    std::vector<int> answers;
+    for (int i = 0; i < 4; ++i) answers.push_back(suite.abort(instance->handle()));
+    EXPECT_THAT(answers, ElementsAre(0, 0, 1, 1));
+}
+
+TEST_F(InvertTest, AnnouncesWhatThePluginItselfSets)
+{
+    OfxParamHandle amount = nullptr;
+    const OfxParameterSuiteV1& suite = parameterSuite();
+    ASSERT_EQ(suite.paramGetHandle(instance->parameters().handle(), "amount", &amount, nullptr),
+              kOfxStatOK);
+    host.resetCounters();
+    EXPECT_EQ(suite.paramSetValue(amount, 0.5), kOfxStatOK);
+    EXPECT_THAT(actionNames(),
+                ElementsAre("BeginInstanceChanged", "InstanceChanged", "EndInstanceChanged"));
+    EXPECT_EQ(instance->value("amount"), ParameterValue(0.5));
+    EXPECT_THROW(instance->set("amount", std::string("much")), HostError);
+    EXPECT_THROW(instance->set("nothing", 1), HostError);
+    EXPECT_THROW(instance->press("amount"), HostError);
+}
+
+TEST_F(InvertTest, ShowsTheProjectAsTheSwitchesHaveIt)
+{
+    const PropertySet& own = instance->properties();
+    instance->purgeCaches();
+    EXPECT_THAT(own.doubles(kOfxImageEffectPropProjectSize), ElementsAre(17.0, 9.0));
+    EXPECT_THAT(own.doubles(kOfxImageEffectPropProjectOffset), ElementsAre(-4.0, 2.0));
+    host.quirks().projectProperties = ProjectProperties::AfterFirstRender;
+    instance->render(whole, output);
+    instance->purgeCaches();
+    EXPECT_TRUE(own.has(kOfxImageEffectPropProjectSize));
+    host.quirks().projectProperties = ProjectProperties::Never;
+    host.quirks().frameRange = FrameRangeAnswer::Missing;
+    instance->purgeCaches();
+    EXPECT_FALSE(own.has(kOfxImageEffectPropProjectSize));
+    EXPECT_FALSE(instance->clip("Source")->properties().has(kOfxImageEffectPropFrameRange));
+}
+
+TEST(BuiltPluginTest, RendersInBothContextsAndLeavesNothingBehind)
+{
+    for (const char* context : {kOfxImageEffectContextFilter, kOfxImageEffectContextGeneral}) {
+        Fixtures::TestHost test;
+        Instance& instance = test.create(context, Depth::Byte, {0, 0, 120, 90});
+        instance.set("fillRegion", 0);
+        const Picture output = test.render();
+        EXPECT_FALSE(samePixels(output, Picture(output.bounds(), Depth::Byte)));
+        EXPECT_GT(test.host().counters().allocations, 0u);
+        test.destroyInstance();
+        test.expectClean();
+    }
+}
+
+TEST(BuiltPluginTest, RendersTwoInstancesOnTwoThreads)
+{
+    Fixtures::TestHost test;
+    test.effect().start();
+    std::vector<Picture> outputs;
+    for (int i = 0; i < 2; ++i) outputs.emplace_back(OfxRectI{0, 0, 150, 100}, Depth::Byte);
+    std::vector<std::unique_ptr<Instance>> instances;
+    const auto source = texturePicture({0, 0, 150, 100}, Depth::Byte, 1);
+    for (int i = 0; i < 2; ++i) {
+        instances.push_back(test.effect().createInstance(kOfxImageEffectContextFilter));
+        instances.back()->connect("Source", std::make_shared<StillSource>(source));
+    }
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < 2; ++i) {
+        threads.emplace_back([&, i] {
+            for (int repeat = 0; repeat < 3; ++repeat) {
+                EXPECT_EQ(instances[i]->render({.window = {0, 0, 150, 100}}, outputs[i]),
+                          kOfxStatOK);
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    instances.clear();
+    EXPECT_TRUE(samePixels(outputs[0], outputs[1]));
+    test.expectClean();
+}
+
+}  // namespace
+}  // namespace Tesseret::Host

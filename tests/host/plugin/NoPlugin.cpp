@@ -1,0 +1,6 @@
+/// A library that is no plug-in: it exports something else.
+
+extern "C" __attribute__((visibility("default"))) int somethingElse()
+{
+    return 1;
+}
