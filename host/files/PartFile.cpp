@@ -4,6 +4,7 @@
 #include <sstream>
 #include <utility>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "host/files/FileError.h"
@@ -58,10 +59,11 @@ void PartFile::keep()
     kept_ = true;
 }
 
-bool isSameFile(const fs::path& a, const fs::path& b)
+std::optional<FileIdentity> fileIdentity(const fs::path& file)
 {
-    std::error_code ignored;
-    return fs::equivalent(a, b, ignored);
+    struct stat found = {};
+    if (::stat(file.c_str(), &found) != 0) return std::nullopt;
+    return FileIdentity(found.st_dev, found.st_ino);
 }
 
 }  // namespace Tesseret::Files

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <optional>
+#include <utility>
 
 namespace Tesseret::Files {
 
@@ -26,7 +29,9 @@ private:
     bool kept_ = false;
 };
 
-/// Whether both names lead to one existing file, through links and odd spellings too.
-bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b);
+/// Tells one existing file from another, through links and odd spellings too.
+using FileIdentity = std::pair<std::uintmax_t, std::uintmax_t>;
+/// Nothing when there is no such file.
+std::optional<FileIdentity> fileIdentity(const std::filesystem::path& file);
 
 }  // namespace Tesseret::Files

@@ -19,7 +19,7 @@ std::string padded(int frame, int digits)
 }  // namespace
 
 SequencePattern::SequencePattern(const std::filesystem::path& name)
-    : folder_(name.parent_path()), before_(name.filename().string())
+    : name_(name), folder_(name.parent_path()), before_(name.filename().string())
 {
     // Greedy first groups find the last mark.
     static const std::regex hashes("(.*[^#]|)(#+)([^#]*)");

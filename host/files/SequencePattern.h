@@ -16,6 +16,8 @@ public:
     /// hold these characters as they are.
     explicit SequencePattern(const std::filesystem::path& name);
 
+    /// As it was given.
+    const std::filesystem::path& name() const { return name_; }
     bool isSequence() const { return digits_.has_value(); }
 
     /// The file of a frame; the name itself for a still.
@@ -25,7 +27,7 @@ public:
     std::vector<int> missing(const std::vector<int>& frames) const;
 
 private:
-    std::filesystem::path folder_;
+    std::filesystem::path name_, folder_;
     std::string before_, after_;
     std::optional<int> digits_;
 };

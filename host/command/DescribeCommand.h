@@ -1,0 +1,10 @@
+#pragma once
+
+#include "host/command/RenderCommand.h"
+
+namespace Tesseret::Command {
+
+/// Adds `tesseret describe` to the command line; `action` is set when it was chosen.
+void addDescribeCommand(CLI::App& app, Action& action);
+
+}  // namespace Tesseret::Command

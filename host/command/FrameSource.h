@@ -1,0 +1,33 @@
+#pragma once
+
+#include "host/ClipSource.h"
+#include "host/command/JobInputs.h"
+
+namespace Tesseret::Command {
+
+/// An input clip that holds the picture of the frame being rendered, and no other.
+class FrameSource final : public Host::ClipSource {
+public:
+    /// Knows the clip by its first frame. Both ends of the range are included.
+    FrameSource(const Files::PictureInfo& first, Host::Depth depth, Host::Components components,
+                OfxRangeD range);
+
+    /// The picture that is answered from now on, for this frame only.
+    void show(int frame, std::shared_ptr<const Host::Picture> picture);
+
+    Host::ClipFormat format() const override { return format_; }
+    OfxRangeD frameRange() const override { return range_; }
+    OfxRectD regionOfDefinition(OfxTime time) const override;
+    std::shared_ptr<const Host::Picture> picture(OfxTime time, OfxPointD renderScale) override;
+
+private:
+    Host::ClipFormat format_;
+    OfxRangeD range_;
+    OfxRectI region_;  ///< pixels at full scale
+    int frame_ = 0;
+    std::shared_ptr<const Host::Picture> picture_;
+    std::shared_ptr<const Host::Picture> scaled_;  ///< for the last scale asked, if not 1
+    OfxPointD scale_{1.0, 1.0};
+};
+
+}  // namespace Tesseret::Command

@@ -1,0 +1,33 @@
+#pragma once
+
+/// Parameter values as text, checked against what the plug-in described.
+
+#include <string>
+#include <string_view>
+
+#include "host/Descriptor.h"
+
+namespace Tesseret::Command {
+
+struct NamedValue {
+    std::string name;
+    Host::ParameterValue value;
+};
+
+/// Understands "blockSize=64", "fillRegion=Entire Image" or "fillRegion=0", "luminanceMatch=on",
+/// "sampleCorner1=0.1,0.2". Throws `UsageError`: no "=", an unknown name (with the nearest), a
+/// value of another kind, out of range (with the range), a choice that does not exist (with the
+/// choices).
+NamedValue parseAssignment(std::string_view text, const Host::ContextDescription& description);
+
+/// The value as `parseAssignment` takes it, choices by name.
+std::string valueText(const Host::ParameterDescription& parameter,
+                      const Host::ParameterValue& value);
+
+/// "30 to 9000000", with a range for each dimension where they differ; empty when there is none.
+std::string rangeText(const std::vector<double>& min, const std::vector<double>& max);
+
+/// A number without superfluous digits.
+std::string numberText(double number);
+
+}  // namespace Tesseret::Command

@@ -1,0 +1,175 @@
+#include "host/command/RenderCommand.h"
+
+#include <memory>
+
+#include <OpenImageIO/imageio.h>
+
+#include "host/command/CommandError.h"
+#include "host/command/Interrupt.h"
+#include "host/command/RenderJob.h"
+#include "host/command/RenderReporter.h"
+#include "host/command/RenderSettings.h"
+#include "host/files/FrameRange.h"
+
+namespace Tesseret::Command {
+
+namespace {
+
+constexpr const char* kFooter =
+    R"(Parameters are given by name, choices by name or number; "tesseret describe"
+lists them. Files are PNG, JPEG, TIFF, DPX and EXR.
+
+Examples:
+  tesseret render --source plate.png --output out.png blockSize=64 seed=7
+  tesseret render --source wall.exr --output out.exr --sample-box 100,80,600,500
+  tesseret render --source sky.png --texture1 grass.png --sample-box 0,0,512,512 \
+      --output out.png numSamples=50
+  tesseret render --source plate.####.exr --frames 1001-1100 --output out.####.exr \
+      temporalConsistancy=on)";
+
+/// As they stand on the command line.
+struct RenderOptions {
+    RenderSettings settings;
+    std::string frames, depth;
+    std::vector<double> window, sampleBox;
+    bool quiet = false, verbose = false;
+};
+
+void addFileOptions(CLI::App& command, RenderOptions& options)
+{
+    RenderSettings& settings = options.settings;
+    command.add_option("-s,--source", settings.source, "Picture to render over")
+        ->required()
+        ->type_name("FILE");
+    command
+        .add_option("-o,--output", settings.output,
+                    "Where the result goes; its extension says "
+                    "which kind of file it becomes")
+        ->required()
+        ->type_name("FILE");
+    command
+        .add_option("-m,--matte", settings.matte,
+                    "Region to fill, white on black or as alpha, of the source's size; selects "
+                    "the context General and fillRegion=\"Matte->Alpha\"")
+        ->type_name("FILE");
+    for (std::size_t i = 0; i < settings.textures.size(); ++i) {
+        const std::string number = std::to_string(i + 1);
+        command
+            .add_option("--texture" + number, settings.textures[i],
+                        "Picture to take blocks from instead of the source; selects the context "
+                        "General and useTexture" +
+                            number + "=true")
+            ->type_name("FILE");
+    }
+    command
+        .add_option("-f,--frames", options.frames,
+                    "Frames of a sequence: 1001-1100, 1-9x2, 1,5,8; files then have #### or "
+                    "%04d in their name, and those that have not are used for every frame")
+        ->type_name("RANGE");
+    command
+        .add_option("--compression", settings.compression,
+                    "PNG: level 0 to 9 (default: a fast one); JPEG: quality 1 to 100 (default "
+                    "95); TIFF: none, lzw, zip, packbits; EXR: none, rle, zip, zips, piz, pxr24, "
+                    "b44, b44a, dwaa, dwab (default: the source's)")
+        ->type_name("VALUE");
+}
+
+void addRenderOptions(CLI::App& command, RenderOptions& options)
+{
+    RenderSettings& settings = options.settings;
+    command
+        .add_option("--sample-box", options.sampleBox,
+                    "Where blocks are taken from: x1,y1,x2,y2 in pixels from the upper left "
+                    "corner, y downwards, of the first texture, or of the source when no texture "
+                    "is given")
+        ->delimiter(',')
+        ->expected(4)
+        ->type_name("BOX");
+    command
+        .add_option("--window", options.window,
+                    "The part of the source to render, x1,y1,x2,y2 in pixels from the upper left "
+                    "corner, y downwards")
+        ->delimiter(',')
+        ->expected(4)
+        ->type_name("BOX");
+    command
+        .add_option("--render-scale", settings.renderScale,
+                    "Renders smaller or larger, as a host's proxy does: 0.5 is half")
+        ->check(CLI::Range(0.01, 16.0))
+        ->type_name("FACTOR");
+    command
+        .add_option("--depth", options.depth,
+                    "byte, short or float: depth of the render and of the result (default: the "
+                    "source's own)")
+        ->check(CLI::IsMember({"byte", "short", "float"}))
+        ->type_name("DEPTH");
+    command
+        .add_option("--context", settings.context,
+                    "Filter or General (default: Filter, or what the files ask for)")
+        ->type_name("NAME");
+    command.add_option("--threads", settings.threads, "Worker threads (default: one a processor)")
+        ->check(CLI::Range(1, 1024))
+        ->type_name("COUNT");
+    command
+        .add_option("--plugin", settings.plugin,
+                    "OFX bundle or library (default: the one built with this program, else from "
+                    "OFX_PLUGIN_PATH or /usr/OFX/Plugins)")
+        ->type_name("FILE");
+    auto* const quiet = command.add_flag("-q,--quiet", options.quiet, "Only warnings and errors");
+    command.add_flag("-v,--verbose", options.verbose, "Time by stage, blocks laid, peak memory")
+        ->excludes(quiet);
+    command.add_option("parameters", settings.parameters, "Values for the plug-in's parameters")
+        ->type_name("name=value");
+}
+
+std::optional<ViewBox> boxFrom(const std::vector<double>& numbers, const char* option)
+{
+    if (numbers.empty()) return std::nullopt;
+    const ViewBox box{numbers[0], numbers[1], numbers[2], numbers[3]};
+    if (box.x1 < box.x2 && box.y1 < box.y2) return box;
+    throw UsageError(std::string(option) + ": x1 must be left of x2, and y1 above y2");
+}
+
+RenderSettings settingsFrom(const RenderOptions& options)
+{
+    RenderSettings settings = options.settings;
+    if (!options.frames.empty()) settings.frames = Files::parseFrames(options.frames);
+    if (options.depth == "byte") settings.depth = Host::Depth::Byte;
+    if (options.depth == "short") settings.depth = Host::Depth::Short;
+    if (options.depth == "float") settings.depth = Host::Depth::Float;
+    settings.window = boxFrom(options.window, "--window");
+    settings.sampleBox = boxFrom(options.sampleBox, "--sample-box");
+    return settings;
+}
+
+int render(const RenderOptions& options)
+{
+    const RenderSettings settings = settingsFrom(options);
+    if (settings.threads > 0) {
+        OIIO::attribute("threads", static_cast<int>(settings.threads));
+        OIIO::attribute("exr_threads", static_cast<int>(settings.threads));
+    }
+    catchInterrupts();
+    RenderReporter reporter(options.quiet     ? Loudness::Quiet
+                            : options.verbose ? Loudness::Verbose
+                                              : Loudness::Normal);
+    RenderJob job(settings, reporter);
+    reporter.begin(job);
+    job.run();
+    reporter.finish();
+    return 0;
+}
+
+}  // namespace
+
+void addRenderCommand(CLI::App& app, Action& action)
+{
+    const auto options = std::make_shared<RenderOptions>();
+    CLI::App* const command = app.add_subcommand("render", "Renders a picture or a sequence");
+    command->footer(kFooter);
+    addFileOptions(*command, *options);
+    addRenderOptions(*command, *options);
+    command->callback([options, &action] { action = [options] { return render(*options); }; });
+}
+
+}  // namespace Tesseret::Command

@@ -1,0 +1,204 @@
+#include "host/command/RenderJob.h"
+
+#include <algorithm>
+#include <chrono>
+#include <future>
+#include <utility>
+
+#include "host/HostError.h"
+#include "host/command/CommandError.h"
+#include "host/command/Interrupt.h"
+#include "host/command/TextList.h"
+#include "host/files/FileError.h"
+#include "host/files/PictureWriter.h"
+#include "ofx/ofxMessage.h"
+
+namespace Tesseret::Command {
+
+using Files::PictureInfo;
+using Host::Picture;
+
+namespace {
+
+class Stopwatch {
+public:
+    double seconds() const
+    {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+    }
+
+private:
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+/// Blocks of colour textures in a grey picture would lose their colour.
+bool hasColourTexture(const JobInputs& inputs)
+{
+    return std::ranges::any_of(inputs.infos(), [](const auto& input) {
+        return input.first != "Source" && input.first != "Matte" && input.second.isColour;
+    });
+}
+
+OfxRectI scaledRect(const OfxRectI& rect, double scale)
+{
+    return Host::toPixels({double(rect.x1), double(rect.y1), double(rect.x2), double(rect.y2)},
+                          {scale, scale}, 1.0);
+}
+
+}  // namespace
+
+RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
+    : settings_(std::move(settings)),
+      listener_(listener),
+      inputs_(settings_),
+      depth_(settings_.depth.value_or(inputs_.source().depth)),
+      session_(settings_.plugin, hostOptions()),
+      ready_(setUpInstance(session_, settings_, inputs_, depth_)),
+      asColour_(hasColourTexture(inputs_))
+{
+    if (settings_.window) boxInPicture(*settings_.window, inputs_.source());
+}
+
+Host::HostOptions RenderJob::hostOptions()
+{
+    Host::HostOptions options;
+    options.threads = settings_.threads;
+    options.listener = &listener_;
+    options.onMessage = [this](const Host::Message& message) { return receive(message); };
+    options.onReport = [this](const Host::Report& report) {
+        if (report.kind == Host::Report::Kind::BadCall) tell("the plug-in: " + report.text);
+    };
+    return options;
+}
+
+OfxStatus RenderJob::receive(const Host::Message& message)
+{
+    if (message.type == kOfxMessageError || message.type == kOfxMessageFatal) {
+        appendItem(errorMessage_, "\n", message.text);
+    } else {
+        listener_.message(message.text);
+    }
+    return message.type == kOfxMessageQuestion ? kOfxStatReplyDefault : kOfxStatOK;
+}
+
+void RenderJob::tell(const std::string& warning)
+{
+    const std::lock_guard lock(toldMutex_);
+    if (told_.insert(warning).second) listener_.warning(warning);
+}
+
+void RenderJob::run()
+{
+    const std::vector<int>& frames = inputs_.frames();
+    const InterruptTarget interruptible(instance());
+    const auto read = [this](int frame) {
+        return std::async(std::launch::async, [this, frame] { return readFrame(frame); });
+    };
+    std::future<ReadFrame> next = read(frames.front());
+    std::future<void> written;  // both futures wait for their work when an exception passes
+    const auto [first, last] = std::ranges::minmax(frames);
+    instance().beginSequence({double(first), double(last)}, 1.0,
+                             request(frames.front(), inputs_.source()));
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        const ReadFrame current = next.get();
+        if (i + 1 < frames.size()) next = read(frames[i + 1]);
+        RenderedFrame rendered = renderFrame(frames[i], current);
+        if (written.valid()) written.get();
+        written = std::async(std::launch::async, [this, done = std::move(rendered)]() mutable {
+            writeFrame(std::move(done));
+        });
+    }
+    instance().endSequence();
+    written.get();
+}
+
+RenderJob::ReadFrame RenderJob::readFrame(int frame)
+{
+    const Stopwatch watch;
+    ReadFrame read;
+    read.pictures = inputs_.read(frame, depth_);
+    for (const auto& [clip, picture] : read.pictures) {
+        for (const std::string& warning : picture.warnings) tell(warning);
+    }
+    read.seconds = watch.seconds();
+    return read;
+}
+
+Host::RenderRequest RenderJob::request(int frame, const PictureInfo& source) const
+{
+    const OfxRectI window =
+        settings_.window ? boxInPicture(*settings_.window, source) : source.dataWindow;
+    Host::RenderRequest request;
+    request.time = frame;
+    request.scale = {settings_.renderScale, settings_.renderScale};
+    request.window = scaledRect(window, settings_.renderScale);
+    request.sequential = inputs_.isSequence();
+    return request;
+}
+
+RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read)
+{
+    if (isInterrupted()) throw Interrupted("interrupted");
+    listener_.frameBegan(frame);
+    for (const auto& [clip, picture] : read.pictures) {
+        ready_.clips.at(clip)->show(frame, picture.picture);
+    }
+    const ClipPicture& source = read.pictures.at("Source");
+    const Host::RenderRequest asked = request(frame, source.info);
+    errorMessage_.clear();
+    try {
+        const Stopwatch watch;
+        RenderedFrame rendered;
+        rendered.picture = Picture(asked.window, depth_);
+        rendered.picture.setPixelAspectRatio(source.info.pixelAspectRatio);
+        const OfxStatus status = instance().render(asked, rendered.picture);
+        if (instance().isAborted()) throw Interrupted("interrupted");
+        if (status != kOfxStatOK) fail(frame, Host::statusText(status));
+        rendered.record = source.record;
+        rendered.displayWindow = changedDisplay(source.info, asked.window);
+        rendered.result = {frame, inputs_.outputFile(frame), read.seconds, watch.seconds(), 0.0};
+        return rendered;
+    } catch (const Host::HostError& error) {
+        fail(frame, error.what());
+    }
+}
+
+/// A scaled render has a smaller display window; a part of the picture is a picture of its own
+/// where the file cannot say which part it is.
+std::optional<OfxRectI> RenderJob::changedDisplay(const PictureInfo& source, OfxRectI window) const
+{
+    const std::filesystem::path name = inputs_.outputFile(inputs_.frames().front());
+    if (settings_.window && !Files::keepsDataWindow(name)) return window;
+    if (settings_.renderScale == 1.0) return std::nullopt;
+    return scaledRect(source.displayWindow, settings_.renderScale);
+}
+
+void RenderJob::writeFrame(RenderedFrame rendered)
+{
+    const Stopwatch watch;
+    Files::WriteOptions options;
+    options.compression = settings_.compression;
+    options.asColour = asColour_;
+    options.displayWindow = rendered.displayWindow;
+    try {
+        for (const std::string& warning : Files::writePicture(
+                 rendered.result.file, rendered.picture, *rendered.record, options)) {
+            tell(warning);
+        }
+    } catch (const Files::FileError& error) {
+        throw RenderFailure(error.what());  // the render came through, but its result did not
+    }
+    rendered.result.writeTime = watch.seconds();
+    listener_.frameWritten(rendered.result);
+}
+
+void RenderJob::fail(int frame, const std::string& reason) const
+{
+    std::string text;
+    if (inputs_.isSequence()) text.append("frame ").append(std::to_string(frame)).append(": ");
+    text.append("the render failed: ").append(reason);
+    if (!errorMessage_.empty()) text.append("\n").append(errorMessage_);
+    throw RenderFailure(text);
+}
+
+}  // namespace Tesseret::Command

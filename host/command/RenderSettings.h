@@ -1,0 +1,37 @@
+#pragma once
+
+/// What a render is to do, before anything was looked at.
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/Picture.h"
+
+namespace Tesseret::Command {
+
+/// Corners of a box as an image viewer shows them: pixels from the upper left corner of the display
+/// window, y downwards.
+struct ViewBox {
+    double x1, y1, x2, y2;
+};
+
+struct RenderSettings {
+    std::filesystem::path source, output;           ///< with a mark for the frame in a sequence
+    std::filesystem::path matte;                    ///< empty: none
+    std::array<std::filesystem::path, 3> textures;  ///< each empty: none
+    std::vector<int> frames;                        ///< empty: a still
+    std::string context;                            ///< "Filter", "General", or empty: as needed
+    std::optional<Host::Depth> depth;               ///< else the source file's own
+    std::optional<ViewBox> window;                  ///< of the source; else all of it
+    std::optional<ViewBox> sampleBox;               ///< of the first texture, else of the source
+    double renderScale = 1.0;
+    unsigned int threads = 0;  ///< 0: one for each processor
+    std::filesystem::path plugin;
+    std::string compression;              ///< empty: the default of the output's format
+    std::vector<std::string> parameters;  ///< "name=value"
+};
+
+}  // namespace Tesseret::Command
