@@ -1,8 +1,5 @@
 #include "engine/OverlapError.h"
 
-#include <array>
-#include <cstdint>
-
 #include "engine/MapRow.h"
 #include "engine/PixelTraits.h"
 
@@ -19,41 +16,14 @@ constexpr double eighthPower(float d)
     return fourth * fourth;
 }
 
-/// The eighth power of the difference of two channels, relative to M.
-template <typename Pixel>
-struct ChannelError {
-    using Traits = PixelTraits<Pixel>;
-    double operator()(typename Traits::Channel a, typename Traits::Channel b) const
-    {
-        return eighthPower(Traits::difference(a, b));
-    }
-};
-
-/// At 8 bits there are 511 differences, and an even power sees only 256 of them.
-template <>
-struct ChannelError<PixelRGBA8> {
-    static constexpr std::array<double, 256> kTable = [] {
-        std::array<double, 256> table{};
-        for (std::size_t i = 0; i < table.size(); ++i) {
-            table[i] =
-                eighthPower(PixelTraits<PixelRGBA8>::difference(static_cast<std::uint8_t>(i), 0));
-        }
-        return table;
-    }();
-    double operator()(std::uint8_t a, std::uint8_t b) const
-    {
-        return kTable[static_cast<std::size_t>(a > b ? a - b : b - a)];
-    }
-};
-
 template <typename Pixel>
 float pixelError(const Pixel& a, const Pixel& b)
 {
     // exact: the terms are added in double in the order B, G, R, and the sum is rounded to a float.
-    constexpr ChannelError<Pixel> error;
-    double sum = error(a.b, b.b);
-    sum += error(a.g, b.g);
-    sum += error(a.r, b.r);
+    using Traits = PixelTraits<Pixel>;
+    double sum = eighthPower(Traits::difference(a.b, b.b));
+    sum += eighthPower(Traits::difference(a.g, b.g));
+    sum += eighthPower(Traits::difference(a.r, b.r));
     return static_cast<float>(sum);
 }
 
