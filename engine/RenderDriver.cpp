@@ -37,22 +37,23 @@ struct FetchedMap {
     }
 };
 
-/// Keeps a state valid only when the fresh render that fills it comes to its end: blocks of a
-/// render that was aborted or failed are never laid again.
-class FreshRender {
+/// Empties the state at the end of a render unless that is to be kept: blocks of a fresh render
+/// that was aborted or failed are never laid again, and an instance that lays no block again holds
+/// no memory.
+class StateKeeper {
 public:
-    explicit FreshRender(TemporalState& state) : state_(state) {}
-    FreshRender(const FreshRender&) = delete;
-    FreshRender& operator=(const FreshRender&) = delete;
-    ~FreshRender()
+    explicit StateKeeper(TemporalState& state) : state_(state) {}
+    StateKeeper(const StateKeeper&) = delete;
+    StateKeeper& operator=(const StateKeeper&) = delete;
+    ~StateKeeper()
     {
-        if (!finished_) state_.valid = false;
+        if (!kept_) state_.discard();
     }
-    void finish() { finished_ = true; }
+    void keep() { kept_ = true; }
 
 private:
     TemporalState& state_;
-    bool finished_ = false;
+    bool kept_ = false;
 };
 
 /// One render at one depth.
@@ -74,8 +75,8 @@ public:
 
         SynthesisSettings<Pixel> settings;
         settings.useStoredBlocks = decideReplay();
-        FreshRender fresh(state_);
-        if (settings.useStoredBlocks) fresh.finish();
+        StateKeeper keeper(state_);
+        if (settings.useStoredBlocks) keeper.keep();
         readFillRegion();
         readSettings(settings);
         std::array<FetchedMap<Pixel>, 3> textures;
@@ -85,7 +86,7 @@ public:
         node.setRegion({window.x1, window.y1, window.x2, window.y2});
         node.setStatusRecord(&context_.renderStatus());
         node.process(source.map, target.map);
-        if (context_.renderStatus().aborted == 0) fresh.finish();
+        if (state_.valid && context_.renderStatus().aborted == 0) keeper.keep();
     }
 
 private:

@@ -1,0 +1,348 @@
+// Whole renders by the built plug-in in the embedded host.
+
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "engine/PixelTraits.h"
+#include "tests/fixtures/ReferenceQuilt.h"
+#include "tests/fixtures/TestHost.h"
+
+namespace Tesseret::Fixtures {
+namespace {
+
+using namespace Tesseret::Host;
+using Orvane::Engine::PixelRGBA16;
+using Orvane::Engine::PixelRGBA8;
+using Orvane::Engine::PixelRGBAf;
+using ::testing::Each;
+using ::testing::HasSubstr;
+using ::testing::internal::CaptureStderr;
+using ::testing::internal::GetCapturedStderr;
+
+constexpr OfxRectI kBounds{0, 0, 96, 70};
+
+void useSmallBlocks(Instance& instance)
+{
+    instance.set("blockSize", 30);
+    instance.set("overlap", 10);
+    instance.set("numSamples", 4);
+    instance.set("seed", 9);
+}
+
+/// A host whose instance is ready to render a picture of 96 x 70 pixels.
+struct Rig : TestHost {
+    explicit Rig(Depth depth = Depth::Byte, const HostQuirks& quirks = {}, unsigned int threads = 2,
+                 const char* context = kOfxImageEffectContextFilter)
+        : TestHost(quirks, threads)
+    {
+        useSmallBlocks(create(context, depth, kBounds));
+    }
+    ~Rig()
+    {
+        destroyInstance();
+        expectClean();
+    }
+};
+
+Picture plainRender(Depth depth = Depth::Byte)
+{
+    return Rig(depth).render();
+}
+
+class Depths : public ::testing::TestWithParam<Depth> {};
+INSTANTIATE_TEST_SUITE_P(All, Depths, ::testing::Values(Depth::Byte, Depth::Short, Depth::Float));
+
+/// The composite where the texture counts whole: a step that only shows in the last bit of a float.
+template <typename Pixel>
+Pixel composited(const Pixel& source, const Pixel& texture)
+{
+    const auto mix = [](auto s, auto t) { return static_cast<decltype(s)>(s + (t - s)); };
+    return {mix(source.r, texture.r), mix(source.g, texture.g), mix(source.b, texture.b),
+            texture.a};
+}
+
+template <typename Pixel>
+void expectReference(Depth depth)
+{
+    const auto source = texturePicture(kBounds, depth, 1);
+    Orvane::Reference::Image<Pixel> texture(0, 0, 96, 70);
+    for (int y = 0; y < 70; ++y) {
+        for (int x = 0; x < 96; ++x) texture.at(x, y) = *source->pixel<Pixel>(x, y);
+    }
+    const Orvane::Reference::Settings settings{.blockW = 30,
+                                               .blockH = 30,
+                                               .overlapW = 10,
+                                               .overlapH = 10,
+                                               .numSamples = 4,
+                                               .seed = 9,
+                                               .threads = 2,
+                                               .boxX0 = 19,
+                                               .boxY0 = 14,
+                                               .boxX1 = 76,
+                                               .boxY1 = 56};
+    const auto expected =
+        Orvane::Reference::Quilt<Pixel>(settings, {&texture}).cover(0, 0, 96, 70).pixels;
+    const Picture picture = plainRender(depth);
+    for (int y = 0; y < 70; ++y) {
+        for (int x = 0; x < 96; ++x) {
+            const Pixel pixel =
+                composited(texture.at(x, y), expected[static_cast<std::size_t>(y * 96 + x)]);
+            ASSERT_EQ(*picture.pixel<Pixel>(x, y), pixel) << x << ' ' << y;
+        }
+    }
+}
+
+TEST(Render, AgreesWithThePlainReferenceAtEveryDepth)
+{
+    expectReference<PixelRGBA8>(Depth::Byte);
+    expectReference<PixelRGBA16>(Depth::Short);
+    expectReference<PixelRGBAf>(Depth::Float);
+}
+
+TEST_P(Depths, TheSameTwiceAndWithAnyNumberOfThreads)
+{
+    const Picture expected = plainRender(GetParam());
+    for (const unsigned int threads : {1u, 2u, 4u, 7u}) {
+        Rig rig(GetParam(), {}, threads);
+        EXPECT_TRUE(samePixels(rig.render(), expected)) << threads << " threads";
+        EXPECT_TRUE(samePixels(rig.render(1), expected)) << threads << " threads, again";
+    }
+}
+
+struct HostCase {
+    const char* name;
+    std::function<void(HostQuirks&)> spoil;
+};
+
+class HostsAsTheyAre : public ::testing::TestWithParam<HostCase> {};
+
+/// What a host may do without a pixel coming out differently.
+TEST_P(HostsAsTheyAre, RenderTheSamePicture)
+{
+    static const Picture expected = plainRender();
+    HostQuirks quirks;
+    GetParam().spoil(quirks);
+    Rig rig(Depth::Byte, quirks);
+    EXPECT_TRUE(samePixels(rig.render(), expected));
+}
+
+constexpr auto caseName = [](const auto& info) { return std::string(info.param.name); };
+
+INSTANTIATE_TEST_SUITE_P(
+    Quirks, HostsAsTheyAre,
+    ::testing::Values(
+        HostCase{"TopDownRows", [](auto& q) { q.rowLayout = RowLayout{.topDown = true}; }},
+        HostCase{"PaddedRows", [](auto& q) { q.rowLayout = RowLayout{.padding = 52}; }},
+        HostCase{"PaddedTopDownRows",
+                 [](auto& q) {
+                     q.rowLayout = RowLayout{true, 12};
+                 }},
+        HostCase{"LargerBounds",
+                 [](auto& q) {
+                     q.boundsChange = OfxRectI{-7, -5, 9, 3};
+                 }},
+        HostCase{"InfiniteRegion", [](auto& q) { q.infiniteRegion = true; }},
+        HostCase{"OneImageSet", [](auto& q) { q.oneImageSetPerClip = true; }},
+        HostCase{"PrivateImages", [](auto& q) { q.privateImages = true; }},
+        HostCase{"NoProject", [](auto& q) { q.projectProperties = ProjectProperties::Never; }},
+        HostCase{"NoFrameRange", [](auto& q) { q.frameRange = FrameRangeAnswer::Missing; }},
+        HostCase{"NullClipHandles", [](auto& q) { q.unknownClip = UnknownClip::NullHandleOK; }},
+        HostCase{"EveryClipConnected", [](auto& q) { q.allClipsConnected = true; }},
+        HostCase{"MemoryNeedsAnEffect", [](auto& q) { q.memoryRefusesNullEffect = true; }},
+        HostCase{"MemoryMoves", [](auto& q) { q.memoryMoves = true; }},
+        HostCase{"OneDirectCall", [](auto& q) { q.threading = Threading::DirectCall; }},
+        HostCase{"CallsInARow", [](auto& q) { q.threading = Threading::InARow; }},
+        HostCase{"FewerThreads", [](auto& q) { q.fewerThreads = 1; }},
+        HostCase{"CpuCountChanges", [](auto& q) { q.cpuCountChanges = true; }},
+        HostCase{"NoThreadIndex", [](auto& q) { q.threadIndexAnswer = kOfxStatFailed; }},
+        HostCase{"InteractSuiteMissing",
+                 [](auto& q) { q.missingSuites.insert("OfxInteractSuite"); }},
+        HostCase{"NullDerivatives", [](auto& q) { q.nullDerivativeMembers = true; }},
+        HostCase{"DescribedTwice", [](auto& q) { q.describeTwice = true; }}),
+    caseName);
+
+TEST(Render, SurvivesInputsThatAreSmallerThanTheySay)
+{
+    for (const OfxRectI& change : {OfxRectI{20, 10, -30, -5}, OfxRectI{95, 69, 0, 0},
+                                   OfxRectI{200, 0, 200, 0}, OfxRectI{-300, 0, -300, 0}}) {
+        HostQuirks quirks;
+        quirks.boundsChange = change;
+        Rig rig(Depth::Byte, quirks);
+        rig.render();
+    }
+}
+
+TEST(Render, AHostThatRunsNoThreadsLeavesTheOutput)
+{
+    HostQuirks quirks;
+    quirks.multiThreadAnswer = kOfxStatFailed;
+    Rig rig(Depth::Byte, quirks);
+    EXPECT_EQ(rig.render().channel(40, 40, 3), 0.0);
+}
+
+/// Orders each fault in turn, from the first call on, until a render meets it no more; after every
+/// one the next render on the same instance is right.
+void expectRecovery(unsigned int HostQuirks::*fault,
+                    const std::function<void(const Picture&)>& check)
+{
+    const Picture expected = plainRender();
+    Rig rig;
+    unsigned int step = 1;
+    for (unsigned int k = 1;; k += step) {
+        rig.quirks().*fault = k;
+        rig.host().resetCounters();
+        CaptureStderr();
+        const Picture spoilt = rig.render(k);
+        GetCapturedStderr();
+        const Counters counters = rig.host().counters();
+        EXPECT_EQ(counters.imagesFetched, counters.imagesReleased);
+        EXPECT_EQ(counters.blocksLive, 0u);
+        rig.quirks().*fault = 0;
+        ASSERT_TRUE(samePixels(rig.render(), expected)) << "after fault " << k;
+        if (samePixels(spoilt, expected)) return;
+        check(spoilt);
+        if (k > 40) step = 17;  // the rest is more of the same blocks
+        ASSERT_LT(k, 5000u);
+    }
+}
+
+bool isBlack(const Picture& picture)
+{
+    for (int y = 0; y < 70; ++y) {
+        for (int x = 0; x < 96; ++x) {
+            if (picture.channel(x, y, 3) != 0.0) return false;
+        }
+    }
+    return true;
+}
+
+TEST(Render, RecoversFromAnAbortAtEveryPoll)
+{
+    expectRecovery(&HostQuirks::abortFromPoll, [](const Picture& picture) {
+        // Once quilting has finished its texture stands; before that nothing was written.
+        EXPECT_TRUE(isBlack(picture) || picture.channel(95, 69, 3) != 0.0);
+    });
+}
+
+TEST(Render, RecoversFromEveryMissingImage)
+{
+    expectRecovery(&HostQuirks::failFetch, [](const Picture& p) { EXPECT_TRUE(isBlack(p)); });
+}
+
+TEST(Render, GoesOnWhenMemoryCannotBeHadOrLocked)
+{
+    for (const auto fault : {&HostQuirks::failAllocation, &HostQuirks::failLock}) {
+        const Picture expected = plainRender();
+        Rig rig;
+        for (unsigned int k = 1; k <= 40; ++k) {
+            rig.quirks().*fault = k;
+            rig.host().resetCounters();
+            CaptureStderr();
+            rig.render();
+            GetCapturedStderr();
+            EXPECT_EQ(rig.host().counters().blocksLive, 0u);
+            rig.quirks().*fault = 0;
+            ASSERT_TRUE(samePixels(rig.render(), expected));
+        }
+    }
+}
+
+TEST(Render, ConsistentFramesKeepTheLayoutUntilItIsDiscarded)
+{
+    Rig rig;
+    Instance& instance = rig.instance();
+    instance.set("temporalConsistancy", 1);
+    const Picture first = rig.render(0);
+    instance.set("seed", 1234);
+    EXPECT_TRUE(samePixels(rig.render(1), first));
+    EXPECT_TRUE(samePixels(rig.render(17), first));
+    instance.purgeCaches();
+    EXPECT_FALSE(samePixels(rig.render(18), first)) << "purged";
+    instance.set("seed", 9);
+    EXPECT_TRUE(samePixels(rig.render(0), first)) << "frame 0 draws anew";
+    rig.connect("Source", plainPicture(kBounds, Depth::Byte, 0.5));
+    EXPECT_EQ(rig.render(2).channel(50, 50, 0), 127.0) << "recorded places, new pixels";
+    instance.set("seed", 1234);
+    instance.set("temporalConsistancy", 0);
+    rig.render(3);
+    instance.set("temporalConsistancy", 1);
+    rig.connect("Source", texturePicture(kBounds, Depth::Byte, 1));
+    EXPECT_FALSE(samePixels(rig.render(4), first)) << "switched off in between";
+}
+
+TEST(Render, TakesTexturesThatAreConnectedAndInUse)
+{
+    Rig rig(Depth::Byte, {}, 2, kOfxImageEffectContextGeneral);
+    Instance& instance = rig.instance();
+    instance.set("fillRegion", 0);
+    const Picture fromSource = rig.render();
+    instance.set("useTexture2", 1);
+    EXPECT_TRUE(samePixels(rig.render(), fromSource)) << "not connected";
+    rig.connect("Texture2", plainPicture({0, 0, 300, 200}, Depth::Byte, 0.25));
+    EXPECT_EQ(rig.render().channel(50, 50, 1), 63.0);
+    rig.connect("Texture2", plainPicture({0, 0, 300, 200}, Depth::Byte, 0.25), {100.0, 200.0});
+    EXPECT_TRUE(samePixels(rig.render(), fromSource)) << "no image at this time";
+    instance.set("useTexture2", 0);
+    rig.connect("Texture2", plainPicture({0, 0, 300, 200}, Depth::Byte, 0.25));
+    EXPECT_TRUE(samePixels(rig.render(), fromSource)) << "not in use";
+}
+
+class NoteListener final : public RenderListener {
+public:
+    void stageBegan(Instance&, std::string_view) override { ++open; }
+    void stageEnded(Instance&, std::string_view) override { --open; }
+    void blockLaid(Instance&, const TesseretBlockV1& block) override
+    {
+        ++blocks;
+        pixels += block.width * block.height;
+    }
+    void note(Instance&, std::string_view text) override { notes.emplace_back(text); }
+    int open = 0, blocks = 0, pixels = 0;
+    std::vector<std::string> notes;
+};
+
+TEST(Render, TellsAnObserverWhatItDoes)
+{
+    Rig rig(Depth::Byte, {}, 2, kOfxImageEffectContextGeneral);
+    NoteListener listener;
+    rig.host().setListener(&listener);
+    const Picture picture = rig.render();  // "Matte->Alpha", the default
+    EXPECT_FALSE(isBlack(picture));
+    EXPECT_THAT(listener.notes, ::testing::SizeIs(1));
+    EXPECT_THAT(listener.notes, Each(HasSubstr("the whole picture is filled")));
+    EXPECT_EQ(listener.blocks, 5 * 4);
+    EXPECT_GT(listener.pixels, 96 * 70);
+    EXPECT_EQ(listener.open, 0);
+    rig.host().setListener(nullptr);
+    EXPECT_TRUE(samePixels(rig.render(), picture));
+}
+
+TEST(Render, ValuesOutOfRangeNeitherHangNorFault)
+{
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    Rig rig;
+    Instance& instance = rig.instance();
+    for (const int number : {-2147483647, -1, 0, 9000000, 2147483647}) {
+        for (const char* name : {"blockSize", "overlap", "blendSize", "seed"}) {
+            instance.set("blockSize", 30);
+            instance.set("overlap", 10);
+            instance.set("blendSize", 2);
+            instance.set(name, number);
+            EXPECT_FALSE(isBlack(rig.render())) << name << ' ' << number;
+        }
+    }
+    for (const double corner : {nan, -1e300, 1e300, 0.5}) {  // 0.5: a box without width
+        instance.set("blockSize", 30);
+        instance.set("sampleCorner1", std::vector{corner, 0.25});
+        instance.set("sampleCorner2", std::vector{corner, 0.75});
+        EXPECT_EQ(instance.set("numSamples", 0), kOfxStatReplyDefault);
+        EXPECT_FALSE(isBlack(rig.render())) << corner;
+    }
+}
+
+}  // namespace
+}  // namespace Tesseret::Fixtures
