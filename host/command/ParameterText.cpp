@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/command/CommandError.h"
+#include "host/command/PluginSession.h"
 #include "host/command/TextList.h"
 
 namespace Tesseret::Command {
@@ -21,7 +22,7 @@ using Host::PropertyType;
 
 namespace {
 
-std::string quoted(std::string_view text)
+std::string inQuotes(std::string_view text)
 {
     return std::string(1, '"').append(text).append(1, '"');
 }
@@ -69,8 +70,9 @@ const ParameterDescription& findParameter(std::string_view name,
             nearestDistance = away;
         }
     }
-    throw UsageError("no parameter " + quoted(name) + " in the context " + description.context +
-                     (nearest == nullptr ? "" : "; did you mean " + quoted(nearest->name) + "?"));
+    throw UsageError("no parameter " + inQuotes(name) + " in the context " +
+                     shortContextName(description.context) +
+                     (nearest == nullptr ? "" : "; did you mean " + inQuotes(nearest->name) + "?"));
 }
 
 template <typename Number>
@@ -115,7 +117,7 @@ int parseChoice(const ParameterDescription& parameter, std::string_view text)
     if (index && *index >= 0 && *index < static_cast<int>(options.size())) return *index;
     std::string choices;
     for (std::size_t i = 0; i < options.size(); ++i) {
-        appendItem(choices, ", ", quoted(options[i]) + " (" + std::to_string(i) + ")");
+        appendItem(choices, ", ", inQuotes(options[i]) + " (" + std::to_string(i) + ")");
     }
     refuse(parameter, text, "the choices are " + choices);
 }
@@ -215,7 +217,7 @@ NamedValue parseAssignment(std::string_view text, const Host::ContextDescription
 {
     const std::size_t equals = text.find('=');
     if (equals == std::string_view::npos || equals == 0) {
-        throw UsageError(quoted(text) + " is no option and no name=value");
+        throw UsageError(inQuotes(text) + " is no option and no name=value");
     }
     const ParameterDescription& parameter = findParameter(text.substr(0, equals), description);
     return {parameter.name, parseValue(parameter, text.substr(equals + 1))};

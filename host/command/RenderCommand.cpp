@@ -1,6 +1,8 @@
 #include "host/command/RenderCommand.h"
 
+#include <cmath>
 #include <memory>
+#include <sstream>
 
 #include <OpenImageIO/imageio.h>
 
@@ -30,8 +32,7 @@ Examples:
 /// As they stand on the command line.
 struct RenderOptions {
     RenderSettings settings;
-    std::string frames, depth;
-    std::vector<double> window, sampleBox;
+    std::string frames, depth, window, sampleBox;
     bool quiet = false, verbose = false;
 };
 
@@ -82,15 +83,11 @@ void addRenderOptions(CLI::App& command, RenderOptions& options)
                     "Where blocks are taken from: x1,y1,x2,y2 in pixels from the upper left "
                     "corner, y downwards, of the first texture, or of the source when no texture "
                     "is given")
-        ->delimiter(',')
-        ->expected(4)
         ->type_name("BOX");
     command
         .add_option("--window", options.window,
                     "The part of the source to render, x1,y1,x2,y2 in pixels from the upper left "
                     "corner, y downwards")
-        ->delimiter(',')
-        ->expected(4)
         ->type_name("BOX");
     command
         .add_option("--render-scale", settings.renderScale,
@@ -122,12 +119,18 @@ void addRenderOptions(CLI::App& command, RenderOptions& options)
         ->type_name("name=value");
 }
 
-std::optional<ViewBox> boxFrom(const std::vector<double>& numbers, const char* option)
+std::optional<ViewBox> boxFrom(const std::string& text, const char* option)
 {
-    if (numbers.empty()) return std::nullopt;
-    const ViewBox box{numbers[0], numbers[1], numbers[2], numbers[3]};
+    if (text.empty()) return std::nullopt;
+    std::istringstream stream(text);
+    ViewBox box{};
+    char comma1 = 0, comma2 = 0, comma3 = 0;
+    stream >> box.x1 >> comma1 >> box.y1 >> comma2 >> box.x2 >> comma3 >> box.y2;
+    const bool isComplete = stream && stream.peek() == EOF && comma1 == ',' && comma2 == ',' &&
+                            comma3 == ',' && std::isfinite(box.x2 - box.x1 + box.y2 - box.y1);
+    if (!isComplete) throw UsageError(std::string(option) + " " + text + ": x1,y1,x2,y2 is wanted");
     if (box.x1 < box.x2 && box.y1 < box.y2) return box;
-    throw UsageError(std::string(option) + ": x1 must be left of x2, and y1 above y2");
+    throw UsageError(std::string(option) + " " + text + ": x1 must be left of x2, and y1 above y2");
 }
 
 RenderSettings settingsFrom(const RenderOptions& options)

@@ -1,0 +1,154 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "tests/command/CommandRun.h"
+#include "tests/command/TestPictures.h"
+#include "tests/files/TemporaryFolder.h"
+
+namespace Tesseret::Command {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+struct WrongUse {
+    std::vector<std::string> arguments;  ///< after "render -s a.png -o out.png"
+    std::vector<std::string> said;       ///< all of these on one line
+};
+
+class UsageTest : public testing::Test {
+protected:
+    UsageTest()
+    {
+        fs::current_path(folder_.path());
+        paint("a.png", 64, 48, noise(1));
+        paint("small.png", 32, 32, noise(2));
+        std::ofstream("text.png") << "no picture";
+        for (const char* name : {"p.1.png", "p.2.png", "p.5.png"}) paint(name, 64, 48, noise(1));
+        paint("cut.jpg", 64, 48, noise(1));
+        fs::resize_file("cut.jpg", fs::file_size("cut.jpg") / 2);
+    }
+    ~UsageTest() override { fs::current_path("/"); }
+
+    Files::TemporaryFolder folder_;
+};
+
+TEST_F(UsageTest, BadInputIsOneLineAndTwo)
+{
+    const std::vector<WrongUse> uses{
+        {{"-s", "none.png"}, {"none.png: no such file"}},
+        {{"-s", "text.png"}, {"text.png: is not a PNG"}},
+        {{"-s", "cut.jpg"}, {"cut.jpg: is damaged or cut short"}},
+        {{"-s", "."}, {"is a folder"}},
+        {{"-s", "p.#.png", "-f", "1-6"}, {"p.#.png: missing frames 3-4,6"}},
+        {{"-s", "p.#.png"}, {"p.#.png is a sequence", "--frames"}},
+        {{"-f", "1-2"}, {"out.png: several frames need"}},
+        {{"-f", "9-1"}, {"downwards"}},
+        {{"-o", "out.gif"}, {"out.gif: unknown extension .gif", ".exr"}},
+        {{"-o", "none/out.png"}, {"the folder none does not exist"}},
+        {{"--compression", "zip"}, {"PNG takes a level from 0 to 9"}},
+        {{"--matte", "small.png"}, {"small.png: the matte is 32 x 32, but the source is 64 x 48"}},
+        {{"--texture1", "small.png"}, {"small.png: the sample box of 38 x 28", "--sample-box"}},
+        {{"--texture1", "none.png"}, {"none.png: no such file"}},
+        {{"--matte", "a.png", "--context", "Filter"}, {"Filter has no clip Matte"}},
+        {{"--context", "Paint"}, {"no context \"Paint\"", "Filter, General"}},
+        {{"--sample-box", "90,0,99,9"}, {"the box 90,0,99,9 lies outside", "64 x 48"}},
+        {{"--sample-box", "9,0,9,9"}, {"x1 must be left of x2"}},
+        {{"--sample-box", "9,0,9"}, {"x1,y1,x2,y2 is wanted"}},
+        {{"--sample-box", "0,0,9,9", "sampleCorner1=0,0"}, {"give one of them"}},
+        {{"--window", "-9,-9,0,0"}, {"lies outside"}},
+        {{"--depth", "half"}, {"--depth", "byte,short,float"}},
+        {{"--threads", "0"}, {"--threads"}},
+        {{"--render-scale", "0"}, {"--render-scale"}},
+        {{"--plugin", "none.ofx"}, {"none.ofx", "no such file"}},
+        {{"--plugin", "text.png"}, {"text.png"}},
+        {{"--quiet", "--verbose"}, {"--quiet"}},
+        {{"--bogus"}, {"--bogus"}},
+        {{"blocksize=64"}, {"no parameter \"blocksize\"", "did you mean \"blockSize\""}},
+        {{"about=1"}, {"no parameter \"about\""}},
+        {{"useTexture1=on"}, {"no parameter \"useTexture1\" in the context Filter"}},
+        {{"blockSize=29"}, {"blockSize=29: the range is 30 to 9000000"}},
+        {{"blockSize=9000001"}, {"the range is 30 to 9000000"}},
+        {{"blockSize=99999999999999"}, {"the range is 30 to 9000000"}},
+        {{"blockSize=6.5"}, {"a whole number is wanted"}},
+        {{"pathWidth=nan"}, {"the range is 1 to 9000000"}},
+        {{"pathWidth="}, {"a number is wanted"}},
+        {{"sampleCorner1=0.5"}, {"2 numbers are wanted"}},
+        {{"avoidFillRegion=maybe"}, {"true or false is wanted"}},
+        {{"fillRegion=All"}, {"\"Entire Image\" (0), \"Source->Alpha\" (1)"}},
+        {{"fillRegion=3"}, {"the choices are"}},
+        {{"fillRegion"}, {"no name=value"}},
+    };
+    for (const WrongUse& use : uses) {
+        std::vector<std::string> arguments{"render"};
+        const auto given = [&](const char* option) {
+            return std::ranges::find(use.arguments, option) != use.arguments.end();
+        };
+        if (!given("-s")) arguments.insert(arguments.end(), {"-s", "a.png"});
+        if (!given("-o")) arguments.insert(arguments.end(), {"-o", "out.png"});
+        arguments.insert(arguments.end(), use.arguments.begin(), use.arguments.end());
+        const Outcome outcome = run(arguments);
+        SCOPED_TRACE(use.arguments.back() + "\n" + outcome.err);
+        EXPECT_EQ(outcome.code, 2);
+        EXPECT_THAT(outcome.out, IsEmpty());
+        EXPECT_THAT(outcome.err, StartsWith("tesseret: "));
+        EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1);
+        for (const std::string& part : use.said) EXPECT_THAT(outcome.err, HasSubstr(part));
+        EXPECT_FALSE(fs::exists("out.png"));
+    }
+    EXPECT_EQ(run({}).code, 2);
+    EXPECT_EQ(run({"paint"}).code, 2);
+}
+
+TEST_F(UsageTest, HelpAndVersion)
+{
+    const Outcome help = run({"render", "--help"});
+    EXPECT_EQ(help.code, 0);
+    EXPECT_THAT(help.out,
+                AllOf(HasSubstr("Examples:"), HasSubstr("--sample-box"), HasSubstr("upper left")));
+    EXPECT_THAT(run({"--version"}).out, ContainsRegex("^tesseret [0-9]+\\.[0-9]+\n$"));
+}
+
+TEST_F(UsageTest, DescribesForPeopleAndPrograms)
+{
+    const Outcome text = run({"describe", "--context", "Filter"});
+    EXPECT_EQ(text.code, 0) << text.err;
+    EXPECT_THAT(text.out, AllOf(HasSubstr("blockSize"), HasSubstr("range 30 to 9000000"),
+                                HasSubstr("Size of the jigsaw pieces"), HasSubstr("Source->Alpha"),
+                                HasSubstr("\"Sample Box\""), HasSubstr("default 0.2,0.2")));
+
+    const auto json = nlohmann::json::parse(run({"describe", "--json"}).out);
+    EXPECT_EQ(json["identifier"], "com.orvane.brisant.tesseret");
+    ASSERT_EQ(json["contexts"].size(), 2u);
+    const auto& general = json["contexts"][1];
+    EXPECT_EQ(general["context"], "General");
+    EXPECT_EQ(general["clips"].size(), 6u);
+    EXPECT_EQ(general["pages"].size(), 2u);
+    const auto fill = std::ranges::find_if(general["parameters"], [](const auto& parameter) {
+        return parameter["name"] == "fillRegion";
+    });
+    ASSERT_NE(fill, general["parameters"].end());
+    EXPECT_EQ((*fill)["options"].size(), 5u);
+    EXPECT_EQ((*fill)["default"], 3);
+
+    EXPECT_EQ(run({"describe", "--plugin", "none"}).code, 2);
+}
+
+TEST_F(UsageTest, RunsAnyOtherPlugin)
+{
+    const Outcome text = run({"describe", "--plugin", INVERT_PLUGIN});
+    EXPECT_EQ(text.code, 0) << text.err;
+    EXPECT_THAT(text.out, AllOf(HasSubstr("Invert"), HasSubstr("amount")));
+}
+
+}  // namespace
+}  // namespace Tesseret::Command
