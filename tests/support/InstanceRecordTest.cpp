@@ -1,0 +1,95 @@
+#include <functional>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "products/OFX/Support/ovOfxInstanceRecord.h"
+#include "tests/support/TinyEffect.h"
+
+namespace Tesseret::Fixtures {
+namespace {
+
+using Orvane::OvOfxInstanceRecord;
+using Orvane::OvPoint;
+
+void withRecord(TinyHost& tiny, const std::function<void(OvOfxInstanceRecord&)>& look)
+{
+    const auto instance = tiny.create();
+    instance->connect("Source", tinySource());
+    Host::Project project;
+    project.size = {1920.0, 1080.0};
+    project.offset = {-10.0, 20.0};
+    project.extent = {1910.0, 1100.0};
+    project.pixelAspectRatio = 1.5;
+    instance->setProject(project);
+    instance->beginEdit();  // the host brings the properties up to date before an action
+    OvOfxInstanceRecord record(instance->handle());
+    look(record);
+}
+
+TEST(InstanceRecord, ReadsTheProjectOrAnswersWithDefaults)
+{
+    TinyHost tiny;
+    withRecord(tiny, [](const OvOfxInstanceRecord& record) {
+        EXPECT_EQ(record.projectSize(), (OvPoint{1920.0f, 1080.0f}));
+        EXPECT_EQ(record.projectOffset(), (OvPoint{-10.0f, 20.0f}));
+        EXPECT_EQ(record.projectExtent(), (OvPoint{1910.0f, 1100.0f}));
+        EXPECT_EQ(record.pixelAspectRatio(), 1.5);
+    });
+    for (const char* name :
+         {kOfxImageEffectPropProjectSize, kOfxImageEffectPropProjectOffset,
+          kOfxImageEffectPropProjectExtent, kOfxImageEffectPropProjectPixelAspectRatio}) {
+        tiny.host().quirks().refusedReads[name] = kOfxStatErrUnknown;
+    }
+    withRecord(tiny, [](const OvOfxInstanceRecord& record) {
+        EXPECT_EQ(record.projectSize(), OvPoint());
+        EXPECT_EQ(record.projectOffset(), OvPoint());
+        EXPECT_EQ(record.projectExtent(), OvPoint());
+        EXPECT_EQ(record.pixelAspectRatio(), 1.0);
+    });
+}
+
+TEST(InstanceRecord, GivesHandlesOnlyForWhatTheHostHas)
+{
+    for (const Host::UnknownClip answer :
+         {Host::UnknownClip::BadHandle, Host::UnknownClip::NullHandleOK}) {
+        Host::HostQuirks quirks;
+        quirks.unknownClip = answer;
+        TinyHost tiny(quirks);
+        withRecord(tiny, [](const OvOfxInstanceRecord& record) {
+            EXPECT_NE(record.clipHandle("Source"), nullptr);
+            EXPECT_EQ(record.clipHandle("Matte"), nullptr);
+            EXPECT_NE(record.paramHandle("size"), nullptr);
+            EXPECT_EQ(record.paramHandle("Source"), nullptr);
+        });
+    }
+    const OvOfxInstanceRecord nobody(nullptr);
+    EXPECT_EQ(nobody.clipHandle("Source"), nullptr);
+    EXPECT_EQ(nobody.paramHandle("size"), nullptr);
+    EXPECT_EQ(nobody.projectSize(), OvPoint());
+}
+
+TEST(InstanceRecord, TakesItsTimeFromTheNewestFrame)
+{
+    TinyHost tiny;
+    withRecord(tiny, [&](OvOfxInstanceRecord& record) {
+        Host::PropertySet outer(tiny.host(), "outer");
+        outer.define(kOfxPropTime, {12.0});
+        const Host::PropertySet timeless(tiny.host(), "timeless");
+        EXPECT_EQ(record.time(), 0.0);
+        record.pushFrame(Orvane::OvActionKind::TimeDomain, Orvane::OvOfxPropertySet(outer.handle()),
+                         Orvane::OvOfxPropertySet());
+        EXPECT_EQ(record.time(), 12.0);
+        record.pushFrame(Orvane::OvActionKind::ClipPreferences,
+                         Orvane::OvOfxPropertySet(timeless.handle()), Orvane::OvOfxPropertySet());
+        EXPECT_EQ(record.time(), 0.0);
+        record.frame()->status = kOfxStatFailed;
+        EXPECT_EQ(record.popFrame(), kOfxStatFailed);
+        EXPECT_EQ(record.popFrame(), kOfxStatReplyDefault);
+        EXPECT_EQ(record.frame(), nullptr);
+        EXPECT_EQ(record.popFrame(), kOfxStatReplyDefault);
+    });
+}
+
+}  // namespace
+}  // namespace Tesseret::Fixtures

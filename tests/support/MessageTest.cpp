@@ -1,0 +1,76 @@
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "products/OFX/Support/ovOfxMessage.h"
+#include "tests/support/TinyEffect.h"
+
+namespace Tesseret::Fixtures {
+namespace {
+
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+/// What an instance's message comes to in that host.
+int postFromInstance(TinyHost& tiny, const char* text, int kind, const char* id)
+{
+    const auto instance = tiny.create();
+    int answer = -1;
+    tinyBehaviour().onHook = [&](const std::string&, const Orvane::OvOfxEffect& effect) {
+        answer = Orvane::postEffectMessage(effect.instance(), text, kind, id);
+    };
+    tiny.host().resetCounters();
+    instance->syncPrivateData();
+    tinyBehaviour().onHook = nullptr;
+    return answer;
+}
+
+TEST(Messages, ReachTheHostWithTheTypeOfTheirKind)
+{
+    const char* types[] = {"OfxMessageFatal", "OfxMessageError", "OfxMessageMessage",
+                           "OfxMessageLog", "OfxMessageQuestion"};
+    for (int kind = 0; kind < 5; ++kind) {
+        TinyHost tiny;
+        postFromInstance(tiny, "100% sure: %s %n\n%%", kind, "theId");
+        const auto messages = tiny.host().messages();
+        ASSERT_THAT(messages, SizeIs(1));
+        EXPECT_EQ(messages[0].type, types[kind]);
+        EXPECT_EQ(messages[0].id, "theId");
+        EXPECT_EQ(messages[0].text, "100% sure: %s %n\n%%");
+        EXPECT_NE(messages[0].instance, nullptr);
+    }
+}
+
+TEST(Messages, MapTheAnswerOfTheHost)
+{
+    struct Case {
+        OfxStatus answer;
+        const char* hostName;
+        int result;
+    };
+    for (const Case& each :
+         {Case{0, "host", 0}, Case{12, "host", 1}, Case{13, "host", 2}, Case{14, "host", 3},
+          Case{-77, "host", 3}, Case{12, "The film master 3", 3}, Case{0, "film master", 3},
+          Case{12, "film-master", 1}, Case{12, "Film Master", 1}}) {
+        Host::HostQuirks quirks;
+        quirks.messageAnswer = each.answer;
+        quirks.identity.name = each.hostName;
+        TinyHost tiny(quirks);
+        EXPECT_EQ(postFromInstance(tiny, "Well?", Orvane::kMessageQuestion, nullptr), each.result)
+            << each.hostName << ' ' << each.answer;
+        EXPECT_THAT(tiny.host().messages(), SizeIs(1));
+    }
+}
+
+TEST(Messages, OfUnknownKindsAndFromDescriptorsArePostedToNobody)
+{
+    TinyHost tiny;
+    EXPECT_EQ(postFromInstance(tiny, "text", 7, "id"), 3);
+    EXPECT_EQ(postFromInstance(tiny, "text", -1, "id"), 3);
+    EXPECT_EQ(Orvane::postEffectMessage(nullptr, "text", Orvane::kMessageError, "id"), 3);
+    EXPECT_THAT(tiny.host().messages(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace Tesseret::Fixtures

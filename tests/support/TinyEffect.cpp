@@ -1,0 +1,194 @@
+#include "tests/support/TinyEffect.h"
+
+#include <utility>
+
+#include "products/OFX/Support/ovOfxParamTypes.h"
+#include "products/OFX/Support/ovOfxPlugin.h"
+
+namespace Tesseret::Fixtures {
+namespace {
+
+using namespace Orvane;
+
+TinyBehaviour behaviour;
+
+void tell(const std::string& hook, OvOfxEffect& effect)
+{
+    if (behaviour.isRecording) behaviour.calls.push_back(hook);
+    if (behaviour.onHook) behaviour.onHook(hook, effect);
+}
+
+class TinyInterface final : public OvOfxEffectInterface {
+public:
+    using OvOfxEffectInterface::OvOfxEffectInterface;
+
+    bool getRegionOfDefinition(OvRect& rect) override
+    {
+        rect = behaviour.rect;
+        return answer("getRegionOfDefinition");
+    }
+    bool getRegionOfInterest(const char* clip, const OvRect& output, OvRect& rect) override
+    {
+        // What was asked for comes back one pixel wider, so that it shows in the answer.
+        rect = output;
+        rect.xMax += 1.0f;
+        return answer("getRegionOfInterest " + std::string(clip));
+    }
+    bool getFramesNeeded(const char* clip) override
+    {
+        return answer("getFramesNeeded " + std::string(clip));
+    }
+    bool isIdentity(std::string& clip, double& time) override
+    {
+        clip = "Source";
+        time += 1.0;
+        return answer("isIdentity");
+    }
+    void purgeCaches() override { answer("purgeCaches"); }
+
+private:
+    bool answer(const std::string& query)
+    {
+        tell(query, wrapper().effect());
+        return behaviour.answersQueries;
+    }
+};
+
+class TinyEffect final : public OvOfxEffect {
+public:
+    TinyEffect()
+    {
+        descriptor.label = "Tiny";
+        descriptor.contexts = {"Filter", "General"};
+        descriptor.pixelDepths = {"byte"};
+        descriptor.temporalClipAccess = behaviour.needsTemporalAccess;
+        descriptor.sequentialRender = behaviour.sequentialRender;
+        auto& source = own<OvOfxClip>("Source");
+        auto& extra = own<OvOfxClip>("Extra");
+        source.supportedComponents = extra.supportedComponents = {"RGBA"};
+        extra.optional = true;
+        outputClip().supportedComponents = {"RGBA"};
+        container(OvContext::Filter)->namedClips.front().clip = &source;
+        container(OvContext::General)->clips = {&source, &extra};
+        for (const char* name : {"size", "height"}) {
+            auto& param = own<OvOfxIntegerParam>(name);
+            param.clipPreferencesSlave = behaviour.preferencesSlave == name;
+            param.onChange = [this, name](const OvOfxChangeRecord& change) {
+                tell(std::string("change ") + name + " " +
+                     std::to_string(static_cast<int>(change.reason)) + " " +
+                     std::to_string(static_cast<int>(change.time)));
+            };
+            for (const OvContext each : {OvContext::Filter, OvContext::General}) {
+                container(each)->params.push_back(&param);
+            }
+        }
+    }
+    ~TinyEffect() override
+    {
+        if (destroyed_ != nullptr) ++*destroyed_;
+    }
+
+    std::unique_ptr<OvOfxEffectInterface> makeInterface(OvOfxHostWrapper& wrapper) override
+    {
+        return std::make_unique<TinyInterface>(wrapper);
+    }
+    void instanceCreated() override { tell("instanceCreated"); }
+    void instanceDestroyed() override { tell("instanceDestroyed"); }
+    void getTimeDomain() override { tell("getTimeDomain"); }
+    bool syncPrivateData() override
+    {
+        tell("syncPrivateData");
+        return behaviour.answersQueries;
+    }
+    void beginInstanceChanged(const OvOfxChangeRecord& change) override
+    {
+        tell("beginInstanceChanged " + std::to_string(static_cast<int>(change.reason)));
+    }
+    void endInstanceChanged(const OvOfxChangeRecord& change) override
+    {
+        tell("endInstanceChanged " + std::to_string(static_cast<int>(change.reason)));
+    }
+    void getClipPreferences() override { tell("getClipPreferences"); }
+    void describe() override { tell("describe"); }
+    void render(OvOfxHostWrapper& wrapper, OvComponents, OvDepth) override
+    {
+        if (behaviour.onRender) behaviour.onRender(wrapper);
+    }
+
+private:
+    void tell(const std::string& hook) { Fixtures::tell(hook, *this); }
+
+    std::atomic<int>* destroyed_ = behaviour.destroyed;
+};
+
+}  // namespace
+
+TinyBehaviour& tinyBehaviour()
+{
+    return behaviour;
+}
+
+TinyHost::TinyHost(const Host::HostQuirks& quirks)
+    : host_(Host::HostOptions{.quirks = quirks, .threads = 2, .recording = true})
+{
+    behaviour = {};
+    effect_ = std::make_unique<Host::Effect>(host_, nullptr, *OfxGetPlugin(0));
+}
+
+TinyHost::~TinyHost()
+{
+    behaviour = {};
+    effect_->sendUnload();
+}
+
+void TinyHost::start()
+{
+    effect_->start();
+    started_ = true;
+}
+
+std::unique_ptr<Host::Instance> TinyHost::create(const char* context)
+{
+    if (!started_) start();
+    return effect_->createInstance(context);
+}
+
+std::vector<std::string> TinyHost::writesTo(std::string_view set) const
+{
+    std::vector<std::string> names;
+    for (const Host::PropertyWrite& write : host_.propertyWrites()) {
+        if (write.set == set) names.push_back(write.property);
+    }
+    return names;
+}
+
+std::shared_ptr<Host::ClipSource> tinySource()
+{
+    return std::make_shared<Host::StillSource>(
+        std::make_shared<Host::Picture>(OfxRectI{0, 0, 8, 4}, Host::Depth::Byte));
+}
+
+}  // namespace Tesseret::Fixtures
+
+namespace Orvane {
+
+const PluginHooks& pluginHooks()
+{
+    static const PluginHooks hooks{
+        .makeEffect = []() -> std::unique_ptr<OvOfxEffect> {
+            return std::make_unique<Tesseret::Fixtures::TinyEffect>();
+        },
+        .identity =
+            [] {
+                return PluginIdentity{"com.example.tiny", 3, 14};
+            },
+        .unload =
+            [] {
+                if (Tesseret::Fixtures::tinyBehaviour().unloads != nullptr) {
+                    ++*Tesseret::Fixtures::tinyBehaviour().unloads;
+                }
+            }};
+    return hooks;
+}
+
+}  // namespace Orvane
