@@ -23,7 +23,9 @@ function(tesseret_ofx_bundle target)
                          RUNTIME_OUTPUT_DIRECTORY "${contents}/${arch}"
                          LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/exports.map")
   # Static runtimes: a host brings its own C++ library, possibly an older one.
-  if(NOT MSVC)
+  if(MINGW)
+    target_link_options(${target} PRIVATE -static)
+  elseif(NOT MSVC)
     target_link_options(${target} PRIVATE -static-libgcc -static-libstdc++)
   endif()
   if(NOT WIN32 AND NOT APPLE)
