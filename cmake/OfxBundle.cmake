@@ -22,10 +22,11 @@ function(tesseret_ofx_bundle target)
                          LIBRARY_OUTPUT_DIRECTORY "${contents}/${arch}"
                          RUNTIME_OUTPUT_DIRECTORY "${contents}/${arch}"
                          LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/exports.map")
-  # Static runtimes: a host brings its own C++ library, possibly an older one.
+  # Static runtimes: a host brings its own C++ library, possibly an older one. Under a sanitizer the
+  # program's own serve: a static one keeps its emergency memory when it is unloaded.
   if(MINGW)
     target_link_options(${target} PRIVATE -static)
-  elseif(NOT MSVC)
+  elseif(NOT MSVC AND NOT TESSERET_SANITIZE)
     target_link_options(${target} PRIVATE -static-libgcc -static-libstdc++)
   endif()
   if(NOT WIN32 AND NOT APPLE)
