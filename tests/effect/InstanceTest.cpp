@@ -1,0 +1,208 @@
+#include <array>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/fixtures/TestHost.h"
+
+namespace Tesseret::Fixtures {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+constexpr const char* kFilter = kOfxImageEffectContextFilter;
+constexpr const char* kGeneral = kOfxImageEffectContextGeneral;
+
+/// What the instance last told the host of the order of frames, -1 for nothing.
+int sequentialRender(TestHost& test)
+{
+    return test.instance().properties().intOr(kOfxImageEffectInstancePropSequentialRender, -1);
+}
+
+std::array<double, 4> sides(const OfxRectD& rect)
+{
+    return {rect.x1, rect.y1, rect.x2, rect.y2};
+}
+
+TEST(EffectInstance, SaysWhetherFramesHaveToComeInOrder)
+{
+    TestHost test;
+    test.create(kFilter);
+    std::vector<int> flags;
+    for (const Host::PropertyWrite& write : test.host().propertyWrites()) {
+        if (write.property == kOfxImageEffectInstancePropSequentialRender) {
+            flags.push_back(std::get<int>(write.value));
+        }
+    }
+    // By the hook, from the description, and once more when every parameter is brought up to date.
+    EXPECT_THAT(flags, ElementsAre(0, 1, 0));
+    EXPECT_EQ(sequentialRender(test), 0);
+    test.instance().set("temporalConsistancy", 1);
+    EXPECT_EQ(sequentialRender(test), 1);
+    test.instance().set("temporalConsistancy", 0, kOfxChangePluginEdited);
+    EXPECT_EQ(sequentialRender(test), 0);
+    test.instance().set("seed", 5);
+    EXPECT_EQ(sequentialRender(test), 0);
+    test.expectClean();
+}
+
+TEST(EffectInstance, ShowsItsHelpToAUserOnly)
+{
+    TestHost test;
+    test.create(kGeneral);
+    EXPECT_THAT(test.host().messages(), IsEmpty());  // no button was pressed at creation
+    test.instance().press("about", kOfxChangePluginEdited);
+    test.instance().press("about", kOfxChangeTime);
+    EXPECT_THAT(test.host().messages(), IsEmpty());
+    test.instance().press("about");
+    const std::vector<Host::Message> messages = test.host().messages();
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].type, "OfxMessageMessage");
+    EXPECT_EQ(messages[0].id, "");
+    EXPECT_EQ(messages[0].instance, &test.instance());
+    EXPECT_THAT(messages[0].text,
+                StartsWith("Tesseret \nBrisant 1.1.v3 (2.1030000)\n\nTesseret replicates large "));
+    EXPECT_THAT(messages[0].text, ::testing::EndsWith("plug-in in this mode."));
+}
+
+TEST(EffectInstance, WantsTheWholeOfEveryConnectedPicture)
+{
+    struct Case {
+        double aspect;
+        OfxPointD scale;
+        std::array<double, 4> source;
+    };
+    // The source covers (2, 4) to (34, 28) in pixels, which is twice as wide at an aspect ratio of
+    // 2. In canonical units the answer is the region itself, divided by the render scale.
+    for (const Case& each : {Case{1.0, {1.0, 1.0}, {2.0, 4.0, 34.0, 28.0}},
+                             Case{2.0, {1.0, 1.0}, {4.0, 4.0, 68.0, 28.0}},
+                             Case{2.0, {0.5, 0.25}, {8.0, 16.0, 136.0, 112.0}}}) {
+        TestHost test;
+        auto source = texturePicture({2, 4, 34, 28}, Host::Depth::Byte, 1);
+        source->setPixelAspectRatio(each.aspect);
+        test.create(kGeneral, source);
+        test.connect("Texture2", texturePicture({0, 0, 8, 8}, Host::Depth::Byte, 2));
+        test.connect("Matte",
+                     plainPicture({2, 4, 34, 28}, Host::Depth::Byte, 1.0, Host::Components::Alpha));
+        std::map<std::string, OfxRectD> regions;
+        test.host().resetCounters();
+        EXPECT_EQ(test.instance().regionsOfInterest(0.0, each.scale, {0, 0, 1, 1}, regions),
+                  kOfxStatOK);
+        EXPECT_EQ(sides(regions["Source"]), each.source);
+        std::vector<std::string> answered;
+        for (const Host::PropertyWrite& write : test.host().propertyWrites()) {
+            if (write.index == 0) answered.push_back(write.property);
+        }
+        EXPECT_THAT(answered,
+                    ElementsAre("OfxImageClipPropRoI_Source", "OfxImageClipPropRoI_Texture2"));
+        test.expectClean();
+    }
+}
+
+TEST(EffectInstance, LeavesOtherQueriesToTheHost)
+{
+    TestHost test;
+    Host::Instance& instance = test.create(kGeneral);
+    OfxRectD region{};
+    OfxRangeD range{};
+    std::map<std::string, std::vector<OfxRangeD>> frames;
+    Host::ClipPreferences preferences;
+    Host::Identity identity;
+    EXPECT_EQ(instance.regionOfDefinition(0.0, {1.0, 1.0}, region), kOfxStatReplyDefault);
+    EXPECT_EQ(instance.timeDomain(range), kOfxStatReplyDefault);
+    EXPECT_EQ(instance.framesNeeded(0.0, frames), kOfxStatReplyDefault);
+    EXPECT_EQ(instance.clipPreferences(preferences), kOfxStatReplyDefault);
+    EXPECT_EQ(instance.isIdentity({.window = {0, 0, 8, 8}}, identity), kOfxStatReplyDefault);
+    EXPECT_EQ(instance.syncPrivateData(), kOfxStatReplyDefault);
+    EXPECT_EQ(instance.purgeCaches(), kOfxStatReplyDefault);
+    test.expectClean();
+}
+
+TEST(EffectInstance, RendersEveryDepthAndReleasesEveryImage)
+{
+    for (const Host::Depth depth : {Host::Depth::Byte, Host::Depth::Short, Host::Depth::Float}) {
+        TestHost test;
+        const auto source = texturePicture({0, 0, 64, 48}, depth, 1);
+        test.create(kFilter, source);
+        const Host::Picture picture = test.render();
+        EXPECT_NE(checksum(picture), checksum(*source));
+        EXPECT_EQ(checksum(test.render()), checksum(picture));
+        const Host::Counters counters = test.host().counters();
+        EXPECT_EQ(counters.imagesFetched, 4u);  // the source and the output, twice
+        EXPECT_EQ(counters.imagesReleased, 4u);
+        test.expectClean();
+    }
+}
+
+TEST(EffectInstance, ReleasesEveryImageWhicheverFetchFails)
+{
+    for (unsigned int k = 1; k <= 4; ++k) {
+        SCOPED_TRACE(k);
+        TestHost test;
+        test.create(kGeneral);
+        for (const char* clip : {"Texture1", "Texture3"}) {
+            test.connect(clip, texturePicture({0, 0, 40, 40}, Host::Depth::Byte, k));
+        }
+        test.instance().set("useTexture1", 1);
+        test.instance().set("useTexture3", 1);
+        test.host().resetCounters();
+        test.quirks().failFetch = k;
+        Host::Picture output({0, 0, 64, 48}, Host::Depth::Byte);
+        EXPECT_EQ(test.render(0.0, {0, 0, 64, 48}, output), kOfxStatOK);
+        EXPECT_GE(test.host().counters().fetchCalls, k);
+        test.expectClean();
+    }
+}
+
+TEST(EffectInstance, RendersNothingIntoAnOutputThatIsNoColourPicture)
+{
+    TestHost test;
+    test.create(kFilter, Host::Depth::Float);
+    test.instance().clip("Output")->properties().assign(kOfxImageEffectPropComponents,
+                                                        {std::string(kOfxImageComponentAlpha)});
+    Host::PropertySet inArgs(test.host(), "arguments");
+    inArgs.define(kOfxPropTime, {0.0});
+    inArgs.define(kOfxImageEffectPropRenderWindow, {0, 0, 64, 48});
+    test.host().resetCounters();
+    EXPECT_EQ(test.effect().send(kOfxImageEffectActionRender, test.instance().handle(),
+                                 inArgs.handle(), nullptr),
+              kOfxStatOK);
+    EXPECT_EQ(test.host().counters().fetchCalls, 0u);
+}
+
+TEST(EffectInstance, UsesDefaultsForParametersThatTheHostDidNotTake)
+{
+    Host::HostQuirks limited;
+    limited.identity.maxParameters = 4;  // corners, avoidFillRegion, fillRegion
+    TestHost few(limited);
+    few.create(kFilter);
+    TestHost all;
+    all.create(kFilter);
+    all.instance().set("fillRegion", 0);
+    EXPECT_TRUE(samePixels(few.render(), all.render()));
+    EXPECT_EQ(sequentialRender(few), 0);
+}
+
+TEST(EffectInstance, ForgetsItsBlocksWhenTheHostPurges)
+{
+    TestHost test;
+    test.create(kFilter);
+    test.instance().set("temporalConsistancy", 1);
+    test.render(0.0);
+    test.instance().set("seed", 77);
+    const Host::Picture replayed = test.render(1.0);  // blocks of frame 0: the new seed is not used
+    EXPECT_EQ(test.instance().purgeCaches(), kOfxStatReplyDefault);
+    test.expectClean();  // nothing is kept, image memory included
+    const Host::Picture fresh = test.render(1.0);
+    EXPECT_FALSE(samePixels(replayed, fresh));
+    test.destroyInstance();
+    test.expectClean();
+}
+
+}  // namespace
+}  // namespace Tesseret::Fixtures
