@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Installs what building and testing needs from Debian 12's packages, and nothing that is there already.
 # Runs as root or through sudo. Prints nothing when there is nothing to do.
+# Usage: scripts/install-deps.sh [further package...]
 set -euo pipefail
 
 packages=(
     ccache clang-format cmake g++ graphicsmagick libbenchmark-dev libcli11-dev libgmock-dev libgtest-dev
-    libopenimageio-dev ninja-build nlohmann-json3-dev pkgconf zlib1g-dev
+    git libopenimageio-dev ninja-build nlohmann-json3-dev pkgconf zlib1g-dev "$@"
 )
 
 installed() {
