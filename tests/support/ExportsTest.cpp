@@ -2,15 +2,23 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/Effect.h"
+#include "host/EmbeddedHost.h"
+#include "host/Instance.h"
+#include "host/Plugin.h"
+
 namespace Tesseret {
 namespace {
 
+using ::testing::AnyOf;
 using ::testing::Each;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
 using ::testing::Not;
@@ -41,6 +49,25 @@ std::vector<std::string> lastWords(const std::vector<std::string>& lines, const 
     return words;
 }
 
+TEST(Plugin, StandsInstancesThatComeAndGoOnTwoThreads)
+{
+    const auto library = Host::PluginLibrary::load(TESSERET_PLUGIN_FILE);
+    EXPECT_STREQ(library->plugin().pluginIdentifier, "com.orvane.brisant.tesseret");
+    EXPECT_EQ(library->plugin().pluginVersionMajor, 2u);
+    EXPECT_EQ(library->plugin().pluginVersionMinor, 1030000u);
+    Host::EmbeddedHost host;
+    Host::Effect effect(host, library, library->plugin());
+    effect.start();
+    effect.describeInContext(kOfxImageEffectContextGeneral);
+    const auto live = [&] {
+        for (int i = 0; i < 10; ++i) effect.createInstance(kOfxImageEffectContextGeneral);
+    };
+    std::thread other(live);
+    live();
+    other.join();
+    EXPECT_THAT(host.badCalls(), IsEmpty());
+}
+
 TEST(Plugin, ExportsItsTwoFunctionsAndNothingElse)
 {
     EXPECT_THAT(lastWords(linesOf("nm -D --defined-only"), " "),
@@ -49,14 +76,16 @@ TEST(Plugin, ExportsItsTwoFunctionsAndNothingElse)
 
 TEST(Plugin, NeedsNoLibraryButTheSystems)
 {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "a sanitizer brings libraries of its own";
+#else
     const auto needed = lastWords(linesOf("readelf --dynamic --wide"), "(NEEDED)");
     ASSERT_THAT(needed, Not(IsEmpty()));
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     EXPECT_THAT(needed, Each(MatchesRegex("\\[(libc|libm|ld-linux.*)\\.so\\.[0-9]+\\]")));
+    const auto resolved = linesOf("ldd -r 2>&1");
+    ASSERT_THAT(resolved, Not(IsEmpty()));
+    EXPECT_THAT(resolved, Each(Not(AnyOf(HasSubstr("not found"), HasSubstr("undefined")))));
 #endif
-    EXPECT_THAT(linesOf("ldd -r 2>&1"),
-                Each(Not(::testing::AnyOf(::testing::HasSubstr("not found"),
-                                          ::testing::HasSubstr("undefined symbol")))));
 }
 
 }  // namespace

@@ -14,8 +14,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// ---- The life of an instance
-
 TEST(Instances, AreCreatedInOneFixedOrder)
 {
     TinyHost tiny;
@@ -77,8 +75,6 @@ TEST(Instances, AreDestroyedAfterTheirRecord)
     EXPECT_EQ(destroyed, descriptors + 1);
 }
 
-// ---- Changes
-
 TEST(Changes, ReachTheParameterThatTheyName)
 {
     TinyHost tiny;
@@ -118,8 +114,6 @@ TEST(Changes, ByAUserAreFatalOnABackgroundHost)
               kOfxStatReplyDefault);
     EXPECT_THAT(tinyBehaviour().calls, ElementsAre("change size 2 1"));
 }
-
-// ---- Queries
 
 TEST(Queries, AreAskedForConnectedInputsOnlyAndAnsweredInCanonicalUnits)
 {
