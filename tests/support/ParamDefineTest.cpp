@@ -93,7 +93,7 @@ TEST(ParamDefine, WritesThePropertiesOfEachTypeInOrder)
     for (const Case& each : std::vector<Case>{
              {"integer", kOfxParamTypeInteger, initial + limits},
              {"double", kOfxParamTypeDouble,
-              initial + limits + steps + Names{kOfxParamPropDoubleType}},
+              limits + initial + steps + Names{kOfxParamPropDoubleType}},
              {"boolean", kOfxParamTypeBoolean, initial},
              {"choice", kOfxParamTypeChoice, repeated(kOfxParamPropChoiceOption, 2) + initial},
              {"noDefault", kOfxParamTypeChoice, {kOfxParamPropChoiceOption}},

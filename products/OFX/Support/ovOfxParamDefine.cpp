@@ -74,11 +74,11 @@ void writeInteger(const OvOfxParam& param, const OvOfxPropertySet& properties)
 void writeDouble(const OvOfxParam& param, const OvOfxPropertySet& properties)
 {
     const auto& real = static_cast<const OvOfxDoubleParam&>(param);
-    properties.setDouble(kOfxParamPropDefault, real.initial);
     properties.setDouble(kOfxParamPropMin, real.min);
     properties.setDouble(kOfxParamPropMax, real.max);
     properties.setDouble(kOfxParamPropDisplayMin, real.displayMin);
     properties.setDouble(kOfxParamPropDisplayMax, real.displayMax);
+    properties.setDouble(kOfxParamPropDefault, real.initial);
     properties.setDouble(kOfxParamPropIncrement, real.increment);
     properties.setInt(kOfxParamPropDigits, real.digits);
     properties.setString(kOfxParamPropDoubleType, doubleTypeName(real.doubleType));
@@ -257,7 +257,7 @@ OfxStatus defineParameter(OvOfxEffect& effect, OvOfxParam& param, OfxParamSetHan
 {
     if (param.excluded || param.isA(OvOfxClip::kCode)) return kOfxStatOK;
     if (auto* group = paramCast<OvOfxGroup>(&param)) return defineGroup(effect, *group, paramSet);
-    const auto* kind =
+    const auto kind =
         std::ranges::find_if(kKinds, [&](const ParamKind& known) { return param.isA(known.code); });
     if (kind == kKinds.end()) return kOfxStatFailed;
 
