@@ -26,7 +26,7 @@ constexpr std::array<const char*, 15> kStatusNames = {"kOfxStatOK",
 
 std::string statusText(OfxStatus status)
 {
-    const std::string number = std::to_string(status);
+    std::string number = std::to_string(status);
     if (status < 0 || static_cast<std::size_t>(status) >= kStatusNames.size()) return number;
     return std::string(kStatusNames[static_cast<std::size_t>(status)]) + " (" + number + ")";
 }

@@ -42,10 +42,10 @@ void ImageMemory::Release::operator()(std::byte* data) const
     ::operator delete[](data, kAlignment);
 }
 
-ImageMemory::~ImageMemory()
+HandleOwner<ImageMemory>& ImageMemory::owner()
 {
-    host_.counts().bytesLive.fetch_sub(bytes_);
-    host_.counts().blocksLive.fetch_sub(1);
+    static HandleOwner<ImageMemory> theOwner;
+    return theOwner;
 }
 
 ImageMemory::Storage ImageMemory::makeStorage(std::size_t bytes)
@@ -70,12 +70,11 @@ OfxStatus ImageMemory::allocate(EmbeddedHost& host, std::size_t bytes, OfxImageM
     if (host.quirks().memoryPoisoned) {
         std::memset(storage.get(), kNoise, std::min(bytes, kNoiseBytes));
     }
-    // C boundary: the handle owns the block; `free` deletes it.
-    auto* const block = new ImageMemory(host);
-    host.counts().blocksLive.fetch_add(1);
+    std::unique_ptr<ImageMemory> block(new ImageMemory(host));
     block->bytes_ = bytes;
     block->storage_ = std::move(storage);
-    memory = block->handle_.as<OfxImageMemoryHandle>();
+    memory = owner().keep(std::move(block)).handle_.as<OfxImageMemoryHandle>();
+    host.counts().blocksLive.fetch_add(1);
     return kOfxStatOK;
 }
 
@@ -84,7 +83,9 @@ OfxStatus ImageMemory::free(OfxImageMemoryHandle memory)
     ImageMemory* const block = find(memory);
     if (!block) return badCall("imageMemoryFree: no such block", kOfxStatErrBadHandle);
     if (block->locks_ > 0) block->host_.report(Report::Kind::Note, "imageMemoryFree: still locked");
-    delete block;  // C boundary: made by `allocate`
+    block->host_.counts().bytesLive.fetch_sub(block->bytes_);
+    block->host_.counts().blocksLive.fetch_sub(1);
+    owner().destroy(*block);
     return kOfxStatOK;
 }
 

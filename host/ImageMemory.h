@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <memory>
 
+#include "host/HandleOwner.h"
 #include "host/HandleRegistry.h"
 #include "ofx/ofxImageEffect.h"
 
@@ -14,7 +15,6 @@ class EmbeddedHost;
 
 class ImageMemory {
 public:
-    ~ImageMemory();
     ImageMemory(const ImageMemory&) = delete;
     ImageMemory& operator=(const ImageMemory&) = delete;
 
@@ -31,6 +31,7 @@ private:
     using Storage = std::unique_ptr<std::byte[], Release>;
 
     explicit ImageMemory(EmbeddedHost& host) : host_(host) {}
+    static HandleOwner<ImageMemory>& owner();
     static Storage makeStorage(std::size_t bytes);
     OfxStatus lock(void*& data);
     OfxStatus unlock();

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <thread>
 
 #include "host/EmbeddedHost.h"
+#include "host/HandleOwner.h"
 #include "host/Suites.h"
 #include "host/ThreadPool.h"
 
@@ -125,6 +127,12 @@ Mutex* findMutex(OfxMutexHandle mutex)
     return static_cast<Mutex*>(findObject(HandleKind::Mutex, mutex));
 }
 
+HandleOwner<Mutex>& mutexes()
+{
+    static HandleOwner<Mutex> theMutexes;
+    return theMutexes;
+}
+
 OfxStatus noMutex()
 {
     return badCall("no such mutex", kOfxStatErrBadHandle);
@@ -133,7 +141,7 @@ OfxStatus noMutex()
 OfxStatus mutexCreate(OfxMutexHandle* mutex, int lockCount)
 {
     if (!mutex) return badCall("mutexCreate: a null pointer", kOfxStatErrValue);
-    *mutex = (new Mutex(lockCount))->handle();  // C boundary: mutexDestroy deletes it
+    *mutex = mutexes().keep(std::make_unique<Mutex>(lockCount)).handle();
     return kOfxStatOK;
 }
 
@@ -141,7 +149,7 @@ OfxStatus mutexDestroy(OfxMutexHandle handle)
 {
     Mutex* const mutex = findMutex(handle);
     if (!mutex) return noMutex();
-    delete mutex;  // C boundary: made by mutexCreate
+    mutexes().destroy(*mutex);
     return kOfxStatOK;
 }
 

@@ -54,9 +54,9 @@ bool isPlainInteger(const std::string& type)
     return startsWith(type, kOfxParamTypeInteger);
 }
 
-std::vector<PropertyValue> repeated(PropertyValue value, std::size_t count)
+std::vector<PropertyValue> repeated(const PropertyValue& value, std::size_t count)
 {
-    return std::vector<PropertyValue>(count, std::move(value));
+    return std::vector<PropertyValue>(count, value);
 }
 
 void defineValueProperties(PropertySet& properties, const std::string& type, ParameterShape shape)

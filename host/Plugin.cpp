@@ -15,6 +15,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// Under the address sanitizer libraries stay mapped: its reports need their symbols, and what a
+/// library's own C++ runtime keeps for life would count as leaked.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kStaysMapped = true;
+#elif defined(__has_feature)
+constexpr bool kStaysMapped = bool(__has_feature(address_sanitizer));
+#else
+constexpr bool kStaysMapped = false;
+#endif
+
 [[noreturn]] void refuse(const fs::path& file, const std::string& reason)
 {
     throw HostError("cannot load plug-in " + file.string() + ": " + reason);
@@ -31,7 +41,7 @@ fs::path fileInBundle(const fs::path& given)
         refuse(given, "a directory, but not a bundle NAME.ofx.bundle");
     }
     const std::string library = name.substr(0, name.size() - std::strlen(".bundle"));
-    const fs::path file = bundle / "Contents" / std::string(bundleArchitecture()) / library;
+    fs::path file = bundle / "Contents" / std::string(bundleArchitecture()) / library;
     if (!fs::exists(file)) {
         refuse(given,
                "the bundle has no Contents/" + std::string(bundleArchitecture()) + "/" + library);
@@ -87,7 +97,7 @@ std::shared_ptr<PluginLibrary> PluginLibrary::load(const fs::path& file, Copy co
 
 PluginLibrary::~PluginLibrary()
 {
-    if (library_) ::dlclose(library_);
+    if (library_ && !kStaysMapped) ::dlclose(library_);
 }
 
 void PluginLibrary::open(const fs::path& file, Copy copy)

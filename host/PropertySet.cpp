@@ -153,11 +153,11 @@ void* PropertySet::pointerOr(std::string_view property, void* fallback, std::siz
     return value ? *value : fallback;
 }
 
-std::string PropertySet::stringOr(std::string_view property, std::string fallback,
+std::string PropertySet::stringOr(std::string_view property, std::string_view fallback,
                                   std::size_t index) const
 {
     const std::string* value = valueOf<std::string>(property, index);
-    return value ? *value : fallback;
+    return value ? *value : std::string(fallback);
 }
 
 std::vector<int> PropertySet::ints(std::string_view property) const

@@ -57,7 +57,7 @@ public:
     int intOr(std::string_view property, int fallback, std::size_t index = 0) const;
     double doubleOr(std::string_view property, double fallback, std::size_t index = 0) const;
     void* pointerOr(std::string_view property, void* fallback, std::size_t index = 0) const;
-    std::string stringOr(std::string_view property, std::string fallback,
+    std::string stringOr(std::string_view property, std::string_view fallback,
                          std::size_t index = 0) const;
     std::vector<int> ints(std::string_view property) const;
     std::vector<double> doubles(std::string_view property) const;
