@@ -6,6 +6,7 @@
 #include "host/Effect.h"
 #include "host/HostError.h"
 #include "host/Instance.h"
+#include "host/Interact.h"
 #include "host/Suites.h"
 #include "tests/fixtures/TestHost.h"
 
@@ -237,6 +238,24 @@ TEST_F(InvertTest, AnnouncesWhatThePluginItselfSets)
     EXPECT_THROW(instance->press("amount"), HostError);
 }
 
+TEST_F(InvertTest, CarriesPenAndChangesBetweenOverlayAndInstance)
+{
+    Interact overlay(*instance);
+    EXPECT_THAT(overlay.slaveParameters(), ElementsAre("amount"));
+    EXPECT_EQ(overlay.draw(), kOfxStatReplyDefault);
+    host.resetCounters();
+    EXPECT_EQ(overlay.penDown({.position = {0.75, 3.0}}), kOfxStatOK);
+    EXPECT_EQ(instance->value("amount"), ParameterValue(0.75));
+    EXPECT_EQ(overlay.redraws(), 1u);
+    // The change is told at once, inside the pen's action, which ends last.
+    EXPECT_THAT(actionNames(), ElementsAre("BeginInstanceChanged", "InstanceChanged",
+                                           "EndInstanceChanged", "OfxInteractActionPenDown"));
+    host.quirks().interactHasNoProperties = true;
+    EXPECT_EQ(overlay.keyDown({.symbol = 65, .text = "a"}), kOfxStatFailed);
+    EXPECT_THROW(Interact{*instance}, HostError);
+    EXPECT_EQ(interactSuite().interactRedraw(nullptr), kOfxStatErrBadHandle);
+}
+
 TEST_F(InvertTest, ShowsTheProjectAsTheSwitchesHaveIt)
 {
     const PropertySet& own = instance->properties();
@@ -252,6 +271,71 @@ TEST_F(InvertTest, ShowsTheProjectAsTheSwitchesHaveIt)
     instance->purgeCaches();
     EXPECT_FALSE(own.has(kOfxImageEffectPropProjectSize));
     EXPECT_FALSE(instance->clip("Source")->properties().has(kOfxImageEffectPropFrameRange));
+}
+
+/// What an instance of ours sees of its matte: connected or not, the clip's components, the
+/// image's.
+std::string seenMatte(const HostQuirks& quirks, bool connect)
+{
+    Fixtures::TestHost test(quirks);
+    Instance& instance = test.create(kOfxImageEffectContextGeneral);
+    if (connect) test.connect("Matte", texturePicture({0, 0, 8, 8}, Depth::Short, 1));
+    instance.purgeCaches();
+    Clip& matte = *instance.clip("Matte");
+    std::string seen = std::to_string(matte.properties().intOr(kOfxImageClipPropConnected, -1)) +
+                       " " + matte.properties().stringOr(kOfxImageEffectPropComponents, "");
+    OfxPropertySetHandle image = nullptr;
+    if (matte.fetch(0.0, image) != kOfxStatOK) return seen;
+    char* components = nullptr;
+    propertySuite().propGetString(image, kOfxImageEffectPropComponents, 0, &components);
+    seen += std::string(" ") + components;
+    imageEffectSuite().clipReleaseImage(image);
+    return seen;
+}
+
+TEST(BuiltPluginTest, SeesTheMatteAsTheSwitchesHaveIt)
+{
+    const std::string alpha = kOfxImageComponentAlpha;
+    const std::string rgba = kOfxImageComponentRGBA;
+    HostQuirks quirks;
+    EXPECT_EQ(seenMatte(quirks, false), std::string("0 ") + kOfxImageComponentNone);
+    EXPECT_EQ(seenMatte(quirks, true), "1 " + alpha + " " + alpha);
+    quirks.matte = MatteDelivery::Rgba;
+    EXPECT_EQ(seenMatte(quirks, true), "1 " + rgba + " " + rgba);
+    quirks.matte = MatteDelivery::RgbaUnannounced;
+    EXPECT_EQ(seenMatte(quirks, true), "1 " + alpha + " " + rgba);
+    quirks.allClipsConnected = true;
+    EXPECT_EQ(seenMatte(quirks, false), "1 " + alpha);
+}
+
+/// The actions sent until the first instance is created.
+std::vector<std::string> startingActions(const HostQuirks& quirks)
+{
+    Fixtures::TestHost test(quirks);
+    test.create();
+    std::vector<std::string> names;
+    for (const ActionRecord& record : test.host().actions()) {
+        if (record.action == kOfxActionCreateInstance) break;
+        names.push_back(record.action);
+    }
+    return names;
+}
+
+TEST(BuiltPluginTest, StartsAsTheSwitchesHaveIt)
+{
+    const std::string context = kOfxImageEffectActionDescribeInContext;
+    HostQuirks twice;
+    twice.describeTwice = true;
+    EXPECT_THAT(startingActions(twice),
+                ElementsAre(kOfxActionLoad, kOfxActionDescribe, kOfxActionUnload, kOfxActionLoad,
+                            kOfxActionDescribe, context));
+    HostQuirks again;
+    again.reloadPerInstance = true;
+    EXPECT_THAT(startingActions(again), ElementsAre(kOfxActionLoad, kOfxActionDescribe,
+                                                    kOfxActionLoad, kOfxActionDescribe, context));
+    HostQuirks strict;
+    strict.loadMustAnswerOK = true;
+    EXPECT_THROW(startingActions(strict), HostError);  // ours answers 14 to a host of this name
 }
 
 TEST(BuiltPluginTest, RendersInBothContextsAndLeavesNothingBehind)

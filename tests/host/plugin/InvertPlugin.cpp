@@ -1,11 +1,13 @@
 /// A small filter of its own: inverts byte RGBA, times a parameter, on the host's threads. It asks
 /// the host in another way than our plug-in does: it supports tiles, needs no image memory, is an
-/// identity when its parameter is 0, and prefers premultiplied output.
+/// identity when its parameter is 0, and prefers premultiplied output. Its overlay sets the
+/// parameter to the pen's x.
 
 #include <cstring>
 #include <initializer_list>
 
 #include "ofx/ofxImageEffect.h"
+#include "ofx/ofxInteract.h"
 #include "ofx/ofxMultiThread.h"
 #include "ofx/ofxParam.h"
 #include "ofx/ofxProperty.h"
@@ -17,6 +19,7 @@ const OfxPropertySuiteV1* properties = nullptr;
 const OfxImageEffectSuiteV1* effects = nullptr;
 const OfxParameterSuiteV1* parameters = nullptr;
 const OfxMultiThreadSuiteV1* threads = nullptr;
+const OfxInteractSuiteV1* interacts = nullptr;
 
 template <typename Suite>
 bool fetch(const char* name, const Suite*& suite)
@@ -28,9 +31,32 @@ bool fetch(const char* name, const Suite*& suite)
 OfxStatus load()
 {
     return fetch(kOfxPropertySuite, properties) && fetch(kOfxImageEffectSuite, effects) &&
-                   fetch(kOfxParameterSuite, parameters) && fetch(kOfxMultiThreadSuite, threads)
+                   fetch(kOfxParameterSuite, parameters) && fetch(kOfxMultiThreadSuite, threads) &&
+                   fetch(kOfxInteractSuite, interacts)
                ? kOfxStatOK
                : kOfxStatErrMissingHostFeature;
+}
+
+OfxStatus overlayEntry(const char* action, const void* handle, OfxPropertySetHandle inArgs,
+                       OfxPropertySetHandle /*outArgs*/)
+{
+    const auto interact = static_cast<OfxInteractHandle>(const_cast<void*>(handle));
+    OfxPropertySetHandle own = nullptr;
+    if (interacts->interactGetPropertySet(interact, &own) != kOfxStatOK) return kOfxStatFailed;
+    if (std::strcmp(action, kOfxActionCreateInstance) == 0) {
+        return properties->propSetString(own, kOfxInteractPropSlaveToParam, 0, "amount");
+    }
+    if (std::strcmp(action, kOfxInteractActionPenDown) != 0) return kOfxStatReplyDefault;
+    void* effect = nullptr;
+    double pen[2] = {0.0, 0.0};
+    properties->propGetPointer(inArgs, kOfxPropEffectInstance, 0, &effect);
+    properties->propGetDoubleN(inArgs, kOfxInteractPropPenPosition, 2, pen);
+    OfxParamSetHandle set = nullptr;
+    OfxParamHandle amount = nullptr;
+    effects->getParamSet(static_cast<OfxImageEffectHandle>(effect), &set);
+    parameters->paramGetHandle(set, "amount", &amount, nullptr);
+    parameters->paramSetValue(amount, pen[0]);
+    return interacts->interactRedraw(interact);
 }
 
 OfxStatus describe(OfxImageEffectHandle effect)
@@ -41,6 +67,8 @@ OfxStatus describe(OfxImageEffectHandle effect)
     properties->propSetString(own, kOfxImageEffectPropSupportedContexts, 0,
                               kOfxImageEffectContextFilter);
     properties->propSetString(own, kOfxImageEffectPropSupportedPixelDepths, 0, kOfxBitDepthByte);
+    properties->propSetPointer(own, kOfxImageEffectPluginPropOverlayInteractV1, 0,
+                               reinterpret_cast<void*>(&overlayEntry));
     return kOfxStatOK;
 }
 
