@@ -1,3 +1,4 @@
+#include <array>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -217,8 +218,8 @@ TEST_F(InvertTest, SeesAnAbortFromAnotherThreadOrFromTheOrderedPoll)
     instance->clearAbort();
     host.resetCounters();
     host.quirks().abortFromPoll = 3;
-    std::vector<int> answers;
-    for (int i = 0; i < 4; ++i) answers.push_back(suite.abort(instance->handle()));
+    std::array<int, 4> answers{};
+    for (int& answer : answers) answer = suite.abort(instance->handle());
     EXPECT_THAT(answers, ElementsAre(0, 0, 1, 1));
 }
 
@@ -356,8 +357,8 @@ TEST(BuiltPluginTest, RendersTwoInstancesOnTwoThreads)
 {
     Fixtures::TestHost test;
     test.effect().start();
-    std::vector<Picture> outputs;
-    for (int i = 0; i < 2; ++i) outputs.emplace_back(OfxRectI{0, 0, 150, 100}, Depth::Byte);
+    std::array<Picture, 2> outputs;
+    for (Picture& output : outputs) output = Picture({0, 0, 150, 100}, Depth::Byte);
     std::vector<std::unique_ptr<Instance>> instances;
     const auto source = texturePicture({0, 0, 150, 100}, Depth::Byte, 1);
     for (int i = 0; i < 2; ++i) {
