@@ -40,9 +40,7 @@ int runAction(const Command::Action& action)
     }
 }
 
-}  // namespace
-
-int main(int argc, char** argv)
+int run(int argc, char** argv)
 {
     CLI::App app("Fills pictures with quilted texture, through the Tesseret OFX plug-in");
     app.name("tesseret");
@@ -60,4 +58,15 @@ int main(int argc, char** argv)
         return complain(error, Command::kExitUsage);
     }
     return runAction(action);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        return complain(error, Command::kExitFailed);
+    }
 }

@@ -37,7 +37,7 @@ ChannelPlaces findChannels(const OIIO::ImageSpec& spec)
     return {others[0], others[0], others[0], alpha};
 }
 
-Host::Depth depthOf(OIIO::TypeDesc type)
+Host::Depth depthOf(const OIIO::TypeDesc& type)
 {
     if (type == OIIO::TypeUInt8) return Host::Depth::Byte;
     if (type == OIIO::TypeUInt16) return Host::Depth::Short;

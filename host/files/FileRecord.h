@@ -41,7 +41,7 @@ ChannelPlaces findChannels(const OIIO::ImageSpec& spec);
 
 /// The depth a channel type is rendered in: whole numbers of 8 and 16 bits as they are, the rest as
 /// float.
-Host::Depth depthOf(OIIO::TypeDesc type);
+Host::Depth depthOf(const OIIO::TypeDesc& type);
 OIIO::TypeDesc typeOf(Host::Depth depth);
 
 }  // namespace Tesseret::Files

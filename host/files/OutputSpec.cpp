@@ -24,7 +24,7 @@ bool isInside(const OfxRectI& inner, const OfxRectI& outer)
            inner.y2 <= outer.y2;
 }
 
-TypeDesc storableType(const FileFormat& format, TypeDesc wanted)
+TypeDesc storableType(const FileFormat& format, const TypeDesc& wanted)
 {
     const bool isDeep = depthOf(wanted) == Depth::Float;
     if (format.name == "jpeg") return OIIO::TypeUInt8;

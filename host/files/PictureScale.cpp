@@ -43,7 +43,7 @@ template <typename Channel>
 Channel stored(float value)
 {
     if constexpr (std::is_floating_point_v<Channel>) return value;
-    return static_cast<Channel>(value + 0.5f);
+    return static_cast<Channel>(std::lround(value));
 }
 
 template <typename Channel>

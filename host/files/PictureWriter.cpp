@@ -98,6 +98,7 @@ std::vector<std::string> lossTexts(const std::filesystem::path& file, const File
                                    const std::vector<std::string>& losses)
 {
     std::vector<std::string> texts;
+    texts.reserve(losses.size());
     for (const std::string& loss : losses) {
         texts.push_back(file.string() + ": " + std::string(format.label) +
                         " cannot keep the source's " + loss);

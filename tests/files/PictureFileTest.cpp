@@ -30,7 +30,7 @@ constexpr int kWidth = 7;
 constexpr int kHeight = 5;
 
 /// Noise that takes every value of its type; the seed is fixed.
-std::vector<std::byte> noise(std::size_t count, TypeDesc type)
+std::vector<std::byte> noise(std::size_t count, const TypeDesc& type)
 {
     std::vector<std::byte> bytes(count * type.size());
     unsigned int state = 12345;
