@@ -20,6 +20,7 @@ namespace {
 constexpr auto kTextureClips = std::to_array<const char*>({"Texture1", "Texture2", "Texture3"});
 constexpr const char* kCorner1 = "sampleCorner1";
 constexpr const char* kCorner2 = "sampleCorner2";
+constexpr const char* kAvoidFillRegion = "avoidFillRegion";
 
 using Values = std::map<std::string, ParameterValue>;
 
@@ -48,23 +49,36 @@ const PictureInfo& sampled(const JobInputs& inputs)
     return inputs.source();
 }
 
+/// Corners of the sample box for whole pixels. The plug-in computes in single precision and drops
+/// fractions, so a quarter of a pixel keeps a corner from falling into the pixel before.
+void setCorners(const OfxRectD& pixels, const JobInputs& inputs, Values& values)
+{
+    constexpr double kInsidePixel = 0.25;
+    const OfxRectI project = inputs.source().displayWindow;
+    const auto normalised = [&](double x, double y) {
+        return std::vector<double>{(std::floor(x) + kInsidePixel) / project.x2,
+                                   (std::floor(y) + kInsidePixel) / project.y2};
+    };
+    values[kCorner1] = normalised(pixels.x1, pixels.y1);
+    values[kCorner2] = normalised(pixels.x2, pixels.y2);
+}
+
+bool hasCorners(const Values& values)
+{
+    return values.contains(kCorner1) || values.contains(kCorner2);
+}
+
 void setSampleBox(const ViewBox& box, const JobInputs& inputs, Values& values)
 {
-    if (values.contains(kCorner1) || values.contains(kCorner2)) {
+    if (hasCorners(values)) {
         throw UsageError(
             "--sample-box and the parameters sampleCorner1 and sampleCorner2 say the "
             "same thing; give one of them");
     }
     const PictureInfo& picture = sampled(inputs);
     boxInPicture(box, picture);
-    // The corners count from the lower left, in widths and heights of the source.
-    const OfxRectI project = inputs.source().displayWindow;
-    const double top = picture.displayWindow.y2;
-    const auto normalised = [&](double x, double y) {
-        return std::vector<double>{x / project.x2, (top - y) / project.y2};
-    };
-    values[kCorner1] = normalised(box.x1, box.y2);
-    values[kCorner2] = normalised(box.x2, box.y1);
+    const double top = picture.displayWindow.y2;  // the corners count from below
+    setCorners({box.x1, top - box.y2, box.x2, top - box.y1}, inputs, values);
 }
 
 /// What the files given ask for, unless it was given otherwise.
@@ -89,34 +103,68 @@ ParameterValue valueOf(const std::string& name, const Values& values,
     return set != values.end() ? set->second : description.parameter(name)->initial;
 }
 
-/// Blocks are taken from inside the sample box, so every texture has to cover it.
-void checkTextures(const ContextDescription& description, const JobInputs& inputs,
-                   const Values& values)
+/// The sample box in pixels, corners in order.
+OfxRectI sampleBoxOf(const ContextDescription& description, const JobInputs& inputs,
+                     const Values& values)
 {
-    for (const char* name : {kCorner1, kCorner2, "avoidFillRegion"}) {
-        if (description.parameter(name) == nullptr) return;
-    }
-    if (valueOf("avoidFillRegion", values, description) == ParameterValue(1)) return;
     const auto a = std::get<std::vector<double>>(valueOf(kCorner1, values, description));
     const auto b = std::get<std::vector<double>>(valueOf(kCorner2, values, description));
     const OfxRectI project = inputs.source().displayWindow;
-    const OfxRectI box{static_cast<int>(std::lround(std::min(a[0], b[0]) * project.x2)),
-                       static_cast<int>(std::lround(std::min(a[1], b[1]) * project.y2)),
-                       static_cast<int>(std::lround(std::max(a[0], b[0]) * project.x2)),
-                       static_cast<int>(std::lround(std::max(a[1], b[1]) * project.y2))};
+    const auto pixel = [](double part, int size) { return static_cast<int>(part * size); };
+    return {pixel(std::min(a[0], b[0]), project.x2), pixel(std::min(a[1], b[1]), project.y2),
+            pixel(std::max(a[0], b[0]), project.x2), pixel(std::max(a[1], b[1]), project.y2)};
+}
+
+bool covers(const OfxRectI& window, const OfxRectI& box)
+{
+    return box.x1 >= window.x1 && box.y1 >= window.y1 && box.x2 <= window.x2 && box.y2 <= window.y2;
+}
+
+/// The first texture that does not cover the sample box, or null.
+const PictureInfo* uncovered(const JobInputs& inputs, const OfxRectI& box)
+{
     for (const char* clip : kTextureClips) {
         if (!inputs.has(clip)) continue;
         const PictureInfo& texture = inputs.infos().at(clip);
-        const OfxRectI window = texture.dataWindow;
-        if (box.x1 >= window.x1 && box.y1 >= window.y1 && box.x2 <= window.x2 &&
-            box.y2 <= window.y2) {
-            continue;
-        }
-        throw UsageError(texture.file.string() + ": the sample box of " +
-                         std::to_string(box.x2 - box.x1) + " x " + std::to_string(box.y2 - box.y1) +
-                         " pixels reaches beyond this texture; say with --sample-box "
-                         "which part of the texture to use");
+        if (!covers(texture.dataWindow, box)) return &texture;
     }
+    return nullptr;
+}
+
+/// The middle of what all textures have, in the proportions of the plug-in's own default.
+OfxRectD middleOfTextures(const JobInputs& inputs)
+{
+    constexpr double kMargin = 0.2;
+    OfxRectI common = sampled(inputs).dataWindow;
+    for (const char* clip : kTextureClips) {
+        if (!inputs.has(clip)) continue;
+        common = Host::intersection(common, inputs.infos().at(clip).dataWindow);
+    }
+    const double width = common.x2 - common.x1;
+    const double height = common.y2 - common.y1;
+    return {common.x1 + kMargin * width, common.y1 + kMargin * height, common.x2 - kMargin * width,
+            common.y2 - kMargin * height};
+}
+
+/// Blocks are taken from inside the sample box, so every texture has to cover it. A box that nobody
+/// asked for moves into the textures; one that was asked for and does not fit is refused.
+void fitSampleBox(const ContextDescription& description, const JobInputs& inputs, Values& values)
+{
+    for (const char* name : {kCorner1, kCorner2, kAvoidFillRegion}) {
+        if (description.parameter(name) == nullptr) return;
+    }
+    if (valueOf(kAvoidFillRegion, values, description) == ParameterValue(1)) return;
+    const OfxRectI box = sampleBoxOf(description, inputs, values);
+    const PictureInfo* texture = uncovered(inputs, box);
+    if (texture == nullptr) return;
+    if (!hasCorners(values)) {
+        setCorners(middleOfTextures(inputs), inputs, values);
+        return;
+    }
+    throw UsageError(texture->file.string() + ": the sample box of " +
+                     std::to_string(box.x2 - box.x1) + " x " + std::to_string(box.y2 - box.y1) +
+                     " pixels reaches beyond this texture; say with --sample-box which part of "
+                     "the texture to use");
 }
 
 Values collectValues(const RenderSettings& settings, const ContextDescription& description,
@@ -129,7 +177,7 @@ Values collectValues(const RenderSettings& settings, const ContextDescription& d
     }
     if (settings.sampleBox) setSampleBox(*settings.sampleBox, inputs, values);
     setImplied(description, inputs, values);
-    checkTextures(description, inputs, values);
+    fitSampleBox(description, inputs, values);
     return values;
 }
 

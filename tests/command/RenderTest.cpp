@@ -125,7 +125,7 @@ TEST_F(RenderTest, SampleBoxCountsFromTheUpperLeft)
     paint(in("source.png"), 2 * kHalf, 2 * kHalf, quadrants(kHalf));
     paint(in("plate.png"), 120, 70, [](int, int) { return std::vector{1, 1, 1}; });
     for (const auto& [box, x, y] :
-         {Case{"1,2,39,38", 0, 0}, Case{"41,0,80,40", kHalf, 0}, Case{"0,40,40,80", 0, kHalf}}) {
+         {Case{"1,2,39,38", 0, 0}, Case{"40,0,80,40", kHalf, 0}, Case{"0,40,40,80", 0, kHalf}}) {
         SCOPED_TRACE(box);
         for (const bool fromTexture : {false, true}) {
             CommandRun::Arguments more{"--sample-box", box, "blockSize=30", "overlap=4"};
@@ -146,6 +146,21 @@ TEST_F(RenderTest, SampleBoxCountsFromTheUpperLeft)
             }
             EXPECT_EQ(others, 0) << (fromTexture ? "texture" : "source");
         }
+    }
+}
+
+TEST_F(RenderTest, WithoutABoxTheMiddleOfASmallTextureIsTaken)
+{
+    const auto isMiddle = [](int i) { return i >= 8 && i < 32; };
+    paint(in("small.png"), 40, 40, [&](int x, int y) {
+        return isMiddle(x) && isMiddle(y) ? std::vector{10, 200, 30} : std::vector{250, 0, 0};
+    });
+    paint(in("plate.png"), 120, 70, [](int, int) { return std::vector{1, 1, 1}; });
+    const Outcome outcome = render("plate.png", "out.png", {"--texture1", in("small.png")});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    const LoadedPicture picture = load(in("out.png"));
+    for (int y = 0; y < 70; ++y) {
+        for (int x = 0; x < 120; ++x) ASSERT_EQ(picture.at(x, y, 1), 200) << x << ' ' << y;
     }
 }
 
