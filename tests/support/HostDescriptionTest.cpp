@@ -137,6 +137,17 @@ TEST(Load, AnswersOKOnlyWhereNothingElseIsAccepted)
     EXPECT_EQ(other.effect().sendLoad(), kOfxStatReplyDefault);
 }
 
+TEST(HostState, StaysInForceForInstancesThatOutliveAnUnload)
+{
+    HostQuirks quirks;
+    quirks.identity.name = "a host with a name that is too long to be kept without an allocation";
+    TinyHost tiny(quirks);
+    const auto instance = tiny.create();
+    EXPECT_EQ(tiny.effect().sendUnload(), kOfxStatOK);
+    EXPECT_EQ(hostDescription().name, quirks.identity.name);
+    EXPECT_EQ(instance->action(kOfxActionDestroyInstance), kOfxStatOK);
+}
+
 TEST(HostState, StandsActionsOnSeveralThreads)
 {
     TinyHost tiny;

@@ -64,20 +64,23 @@ TEST(Threads, RunOnBehalfOfTheEffectThatSpreadItsWork)
         Orvane::ThreadService& threads = Orvane::threadService();
         EXPECT_EQ(threads.numCPUs(), 2u);
         EXPECT_FALSE(threads.isSpawnedThread());
+        // Often enough that a thread of the host takes its part even where the calling one is fast.
+        constexpr int kRuns = 500;
         std::array<std::atomic<int>, 2> served{};
-        threads.run(
-            [](unsigned int index, unsigned int count, void* argument) {
-                auto& counts = *static_cast<std::array<std::atomic<int>, 2>*>(argument);
-                EXPECT_EQ(count, 2u);
-                EXPECT_EQ(Orvane::threadService().threadIndex(), index);
-                EXPECT_TRUE(Orvane::threadService().isSpawnedThread());
-                void* block = Orvane::imageMemoryService().allocate(16);
-                if (block != nullptr) ++counts[index];
-                Orvane::imageMemoryService().free(block);
-            },
-            2, &served);
-        EXPECT_EQ(served[0], 1);
-        EXPECT_EQ(served[1], 1);
+        for (int run = 0; run < kRuns; ++run) {
+            threads.run(
+                [](unsigned int index, unsigned int, void* argument) {
+                    auto& counts = *static_cast<std::array<std::atomic<int>, 2>*>(argument);
+                    void* block = Orvane::imageMemoryService().allocate(16);
+                    const bool isSpawned = Orvane::threadService().isSpawnedThread();
+                    const bool isIndex = Orvane::threadService().threadIndex() == index;
+                    if (block != nullptr && isSpawned && isIndex) ++counts[index];
+                    Orvane::imageMemoryService().free(block);
+                },
+                2, &served);
+        }
+        EXPECT_EQ(served[0], kRuns);
+        EXPECT_EQ(served[1], kRuns);
     });
 }
 
