@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <regex>
+#include <string_view>
 
 namespace Tesseret::Files {
 
@@ -16,25 +16,46 @@ std::string padded(int frame, int digits)
     return frame < 0 ? "-" + number : number;
 }
 
+/// The place of a frame number in a name: the characters [begin, end), and how many digits.
+struct Mark {
+    std::size_t begin, end;
+    int digits;
+};
+
+std::optional<Mark> findHashes(std::string_view name)
+{
+    const std::size_t last = name.rfind('#');
+    if (last == std::string_view::npos) return std::nullopt;
+    const std::size_t before = name.find_last_not_of('#', last);
+    const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
+    return Mark{begin, last + 1, static_cast<int>(last + 1 - begin)};
+}
+
+/// The last "%d" or "%0Nd".
+std::optional<Mark> findPrintf(std::string_view name)
+{
+    for (std::size_t at = name.rfind('%'); at != std::string_view::npos;
+         at = at == 0 ? std::string_view::npos : name.rfind('%', at - 1)) {
+        const std::string_view rest = name.substr(at + 1);
+        if (rest.starts_with('d')) return Mark{at, at + 2, 1};
+        const bool isPadded = rest.size() >= 3 && rest[0] == '0' && rest[1] >= '1' &&
+                              rest[1] <= '9' && rest[2] == 'd';
+        if (isPadded) return Mark{at, at + 4, rest[1] - '0'};
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 SequencePattern::SequencePattern(const std::filesystem::path& name)
     : name_(name), folder_(name.parent_path()), before_(name.filename().string())
 {
-    // Greedy first groups find the last mark.
-    static const std::regex hashes("(.*[^#]|)(#+)([^#]*)");
-    static const std::regex printf("(.*)%(0[1-9]|)d(.*)");
-    std::smatch match;
-    const std::string text = before_;
-    if (std::regex_match(text, match, hashes)) {
-        digits_ = static_cast<int>(match.length(2));
-    } else if (std::regex_match(text, match, printf)) {
-        digits_ = match.length(2) > 0 ? match.str(2)[1] - '0' : 1;
-    } else {
-        return;
-    }
-    before_ = match.str(1);
-    after_ = match.str(3);
+    std::optional<Mark> mark = findHashes(before_);
+    if (!mark) mark = findPrintf(before_);
+    if (!mark) return;
+    digits_ = mark->digits;
+    after_ = before_.substr(mark->end);
+    before_.resize(mark->begin);
 }
 
 std::filesystem::path SequencePattern::file(int frame) const

@@ -30,7 +30,10 @@ void paint(const std::filesystem::path& file, int width, int height, const Paint
 Painter noise(int seed)
 {
     return [seed](int x, int y) {
-        const auto hash = static_cast<unsigned int>(x * 73856093 ^ y * 19349663 ^ seed * 83492791);
+        const auto column = static_cast<unsigned int>(x);
+        const auto row = static_cast<unsigned int>(y);
+        const unsigned int hash =
+            column * 73856093u ^ row * 19349663u ^ static_cast<unsigned int>(seed) * 83492791u;
         const unsigned int mixed = (hash ^ hash >> 13) * 1274126177u;
         return std::vector<int>{static_cast<int>(mixed >> 24), static_cast<int>(mixed >> 16 & 255),
                                 static_cast<int>(mixed >> 8 & 255)};
