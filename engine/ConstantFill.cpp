@@ -21,5 +21,7 @@ template class ConstantFill<PixelRGBA8>;
 template class ConstantFill<PixelRGBA16>;
 template class ConstantFill<PixelRGBAf>;
 template class ConstantFill<Pixel32f>;
+template class ConstantFill<Pixel32i>;
+template class ConstantFill<PixelVec2f>;
 
 }  // namespace Orvane::Engine

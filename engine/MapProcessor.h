@@ -31,7 +31,7 @@ public:
     using MultiProcessor::process;
     /// Runs the node over its region of the target: the region that was set, clamped into the
     /// target's stored range, or all of that range.
-    virtual void process(MapDomain& target);
+    virtual void process(const MapDomain& target);
 
     /// Sets the region, ends inclusive.
     void setRegion(int x0, int y0, int x1, int y1);
@@ -39,6 +39,11 @@ public:
     void copyRegion(const MapProcessor& other);
     const Region& region() const { return region_; }
     bool hasExplicitRegion() const { return explicitRegion_; }
+
+    /// Factors by which the box blur adjusts its horizontal radius; no other node reads them.
+    void setRadiusScale(float x, float y) { radiusScaleX_ = x, radiusScaleY_ = y; }
+    float radiusScaleX() const { return radiusScaleX_; }
+    float radiusScaleY() const { return radiusScaleY_; }
 
 protected:
     /// The rows of the region that the calling worker writes.
@@ -52,6 +57,7 @@ private:
 
     Region region_;
     bool explicitRegion_ = false;
+    float radiusScaleX_ = 1.0f, radiusScaleY_ = 1.0f;
 };
 
 /// A node that reads one map and writes another. `Other` and `Target` are map types, const where

@@ -71,4 +71,15 @@ private:
     std::int64_t base_;
 };
 
+/// Copies the pixels [x0, x1) of a row, through the edge modes of the map they come from.
+template <typename Pixel>
+void copyRow(const RowReader<Pixel>& from, RowWriter<Pixel>& to, int x0, int x1)
+{
+    if (const Pixel* span = from.span(x0, x1 - x0)) {
+        std::copy_n(span, x1 - x0, to.from(x0));
+    } else {
+        for (int x = x0; x < x1; ++x) to[x] = from[x];
+    }
+}
+
 }  // namespace Orvane::Engine
