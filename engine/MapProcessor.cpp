@@ -28,7 +28,7 @@ Ends clampedInto(const Ends& stored, int begin, int end)
 
 }  // namespace
 
-void MapProcessor::process(MapDomain& target)
+void MapProcessor::process(const MapDomain& target)
 {
     clampRegion(target);
     MultiProcessor::process();
