@@ -1,0 +1,179 @@
+#include <limits>
+
+#include <gmock/gmock.h>
+
+#include "engine/BandCut.h"
+#include "engine/BandWeight.h"
+#include "engine/ConstantFill.h"
+#include "engine/LumaOf.h"
+#include "engine/MapCopy.h"
+#include "engine/MaskGradient.h"
+#include "tests/fixtures/FakeServices.h"
+#include "tests/fixtures/MapBuilder.h"
+
+namespace Orvane::Engine {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+using Testing::FakeServices;
+using Testing::TestMap;
+
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+TEST(MaskGradient, TakesForwardDifferencesAndTheFillValueOutside)
+{
+    const FakeServices services(3);
+    TestMap<Pixel32f> mask(3, 2, 10, 20);
+    mask.pixels() = {1, 4, 9,  //
+                     5, 5, 2};
+    mask->setFillValue(100.0f);
+    TestMap<PixelVec2f> gradient(3, 2, 10, 20);
+    MaskGradient node;
+    node.process(*mask, *gradient);
+    using V = PixelVec2f;
+    EXPECT_THAT(gradient.pixels(), ElementsAre(V{3, 4}, V{5, 1}, V{91, -7},  //
+                                               V{0, 95}, V{-3, 95}, V{98, 98}));
+    mask->setEdgeMode(EdgeMode::EdgeClamp, EdgeMode::EdgeClamp);
+    node.process(*mask, *gradient);
+    EXPECT_EQ(gradient.at(2, 1), (V{0, 0}));
+}
+
+TEST(MaskGradient, WritesItsRegionOnly)
+{
+    const FakeServices services(4);
+    TestMap<Pixel32f> mask(2, 2, 4, 4);
+    mask.pixels() = {1, 2, 3, 4};
+    TestMap<PixelVec2f> gradient(6, 6, 1, 1);
+    for (PixelVec2f& pixel : gradient.pixels()) pixel = {-7, -7};
+    MaskGradient node;
+    node.setRegion(3, 3, 4, 4);
+    node.process(*mask, *gradient);
+    EXPECT_EQ(gradient->read(3, 3), (PixelVec2f{0, 0}));
+    EXPECT_EQ(gradient->read(4, 3), (PixelVec2f{0, 1}));
+    EXPECT_EQ(gradient->read(3, 4), (PixelVec2f{1, 0}));
+    EXPECT_EQ(gradient->read(4, 4), (PixelVec2f{1, 2}));
+    EXPECT_EQ(gradient->read(5, 4), (PixelVec2f{-7, -7}));
+    EXPECT_EQ(gradient->read(4, 2), (PixelVec2f{-7, -7}));
+}
+
+TEST(BandCut, KeepsWhatIsStrongEnoughOutsideTheFillRegion)
+{
+    const FakeServices services(2);
+    struct Case {
+        float maximum, weakest, tooWeak;
+    };
+    const Case cases[] = {
+        {255.0f, 1.0f, 0.999f}, {65535.0f, 257.0f, 256.99f}, {1.0f, 0.003921569f, 0.00392155f}};
+    for (const Case& c : cases) {
+        TestMap<Pixel32f> mask(10, 1), band(10, 1);
+        mask.pixels() = {0, 0, 0, -0.0f, 1e-30f, -1, c.maximum, kNan, 0, 0};
+        band.pixels() = {c.weakest, c.tooWeak, c.maximum, c.maximum, c.maximum,
+                         c.maximum, c.maximum, c.maximum, kNan,      -c.maximum};
+        BandCut cut(c.maximum);
+        cut.process(*mask, *band);
+        EXPECT_THAT(band.pixels(),
+                    ElementsAre(c.weakest, 0, c.maximum, c.maximum, 0, 0, 0, 0, 0, 0));
+    }
+}
+
+TEST(BandCut, ReadsTheFillValueWhereTheMaskHasNoPixel)
+{
+    const FakeServices services;
+    TestMap<Pixel32f> mask(1, 1, 1, 0), band(3, 1);
+    mask.pixels() = {0};
+    band.pixels() = {9, 9, 9};
+    BandCut cut(255.0f);
+    cut.process(*mask, *band);
+    EXPECT_THAT(band.pixels(), ElementsAre(9, 9, 9));
+    mask->setFillValue(255.0f);
+    cut.process(*mask, *band);
+    EXPECT_THAT(band.pixels(), ElementsAre(0, 9, 0));
+}
+
+TEST(BandWeight, IsAShareOfTheMaximumFromZeroToOne)
+{
+    const FakeServices services;
+    struct Case {
+        float maximum, in, out;
+    };
+    const Case cases[] = {{255, 300, 1},       {255, -5, 0},        {255, 1, 0.003921569f},
+                          {255, 0, 0},         {65535, 65535, 1},   {65535, 1, 1.5259022e-05f},
+                          {1, 0.25f, 0.25f},   {1, 1.5f, 1},        {1, kNan, 0},
+                          {255, kInfinity, 1}, {255, -kInfinity, 0}};
+    for (const Case& c : cases) {
+        TestMap<Pixel32f> band(1, 1), weight(1, 1);
+        band.pixels() = {c.in};
+        BandWeight node(c.maximum);
+        node.process(*band, *weight);
+        EXPECT_EQ(weight.at(0, 0), c.out) << c.in << " of " << c.maximum;
+    }
+}
+
+template <typename Pixel>
+class WorkMapNodes : public ::testing::Test {};
+using WorkPixels = ::testing::Types<Pixel32f, Pixel32i>;
+TYPED_TEST_SUITE(WorkMapNodes, WorkPixels);
+
+TYPED_TEST(WorkMapNodes, CopyReadsTheFillValueOutside)
+{
+    const FakeServices services(7);
+    TestMap<TypeParam> input(2, 2, 1, 1), output(4, 3);
+    input.pixels() = {1, 2, 3, 4};
+    input->setFillValue(-9);
+    MapCopy<TypeParam> copy;
+    copy.process(*input, *output);
+    EXPECT_THAT(output.pixels(), ElementsAre(-9, -9, -9, -9,  //
+                                             -9, 1, 2, -9,    //
+                                             -9, 3, 4, -9));
+    Map<TypeParam> empty;
+    empty.setFillValue(5);
+    copy.setRegion(0, 0, 1, 2);
+    copy.process(empty, *output);
+    EXPECT_THAT(output.pixels(), ElementsAre(5, 5, -9, -9, 5, 5, 2, -9, 5, 5, 4, -9));
+}
+
+TEST(ConstantFill, FillsEveryWorkKindInItsRegion)
+{
+    const FakeServices services(3);
+    for (const float value : {0.0f, -0.0f, 1.0f}) {
+        TestMap<PixelVec2f> pairs(3, 3);
+        for (PixelVec2f& pixel : pairs.pixels()) pixel = {8, 8};
+        ConstantFill<PixelVec2f> fill({value, 2.0f});
+        fill.setRegion(1, 1, 2, 2);
+        fill.process(&*pairs);
+        EXPECT_EQ(pairs.at(2, 2), (PixelVec2f{value, 2}));
+        EXPECT_EQ(pairs.at(2, 0), (PixelVec2f{8, 8}));
+        EXPECT_EQ(pairs.at(0, 1), (PixelVec2f{8, 8}));
+    }
+    TestMap<Pixel32i> labels(5, 4);
+    ConstantFill<Pixel32i> fill(std::numeric_limits<Pixel32i>::max());
+    fill.process(&*labels);
+    EXPECT_THAT(labels.pixels(), Each(2147483647));
+}
+
+TEST(LumaOf, IsTheMeanOfRedGreenAndBlue)
+{
+    const FakeServices services;
+    TestMap<PixelRGBA8> bytes(2, 1);
+    bytes.pixels() = {{1, 2, 5, 200}, {255, 255, 255, 0}};
+    TestMap<PixelRGBA16> shorts(2, 1);
+    shorts.pixels() = {{65535, 65535, 65533, 0}, {0, 0, 2, 65535}};
+    TestMap<PixelRGBAf> floats(2, 1);
+    floats.pixels() = {{0.1f, 0.2f, 0.7f, 9.0f}, {-3.0f, 0.0f, 1.5f, 0.0f}};
+    TestMap<Pixel32f> luma(3, 1);
+    LumaOf<PixelRGBA8> of8;
+    of8.process(*bytes, *luma);
+    EXPECT_THAT(luma.pixels(), ElementsAre(2, 255, 0)) << "whole numbers; nothing outside";
+    LumaOf<PixelRGBA16> of16;
+    of16.process(*shorts, *luma);
+    EXPECT_THAT(luma.pixels(), ElementsAre(65534, 0, 0));
+    floats->setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
+    LumaOf<PixelRGBAf> ofFloat;
+    ofFloat.process(*floats, *luma);
+    EXPECT_THAT(luma.pixels(), ElementsAre((0.1f + 0.2f + 0.7f) / 3.0f, -0.5f, -0.5f));
+}
+
+}  // namespace
+}  // namespace Orvane::Engine
