@@ -118,6 +118,11 @@ struct HostCase {
     std::function<void(HostQuirks&)> spoil;
 };
 
+void PrintTo(const HostCase& host, std::ostream* out)
+{
+    *out << host.name;
+}
+
 class HostsAsTheyAre : public ::testing::TestWithParam<HostCase> {};
 
 /// What a host may do without a pixel coming out differently.
