@@ -48,4 +48,26 @@ struct PixelTraits<PixelRGBAf> {
     static constexpr float difference(Channel a, Channel b) { return a - b; }
 };
 
+/// The same for the single-channel kinds that masks come in.
+template <typename MaskPixel>
+struct MaskTraits;
+
+template <>
+struct MaskTraits<Pixel8> {
+    static constexpr float kMax = 255.0f;
+    static constexpr float kToByte = 1.0f;  ///< scales 0 to M to 0 to 255
+};
+
+template <>
+struct MaskTraits<Pixel16> {
+    static constexpr float kMax = 65535.0f;
+    static constexpr float kToByte = 0.0038910506f;
+};
+
+template <>
+struct MaskTraits<Pixel32f> {
+    static constexpr float kMax = 1.0f;
+    static constexpr float kToByte = 255.0f;
+};
+
 }  // namespace Orvane::Engine

@@ -1,0 +1,225 @@
+#include "engine/LuminanceMatch.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "engine/BandWeight.h"
+#include "engine/ConstantFill.h"
+#include "engine/ExactMath.h"
+#include "engine/LumaOf.h"
+#include "engine/MapCopy.h"
+#include "engine/MapRow.h"
+#include "engine/PixelTraits.h"
+
+namespace Orvane::Engine {
+namespace {
+
+constexpr float kLeastBandWeight = 0.01f;  ///< a weaker band pixel is no measurement
+constexpr float kKnown = 0.1f;             ///< from here on a pixel counts as known
+constexpr int kLumaRadius = 5;             ///< pixels
+
+/// No correction where the texture is black.
+float lumaRatio(float source, float destination)
+{
+    return destination == 0.0f ? 1.0f : source / destination;
+}
+
+}  // namespace
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::process(const Map<Pixel>& destination)
+{
+    if (!destination.isUsable()) {
+        reportMap("Sampler", "bogus");
+        return;
+    }
+    const Borrowed borrowDestination(destination_, &destination);
+    MapProcessor::process(destination);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::begin()
+{
+    setNumPasses(0);
+    if (region().isEmpty()) return;
+    if (!makeMaps()) {
+        if (RenderStatus* status = statusRecord()) {
+            status->aborted = 1;
+            status->errorCode = kErrorOutOfMemory;
+        }
+        return;
+    }
+    limitReach();
+    clear(ratio_);
+    clear(knownBefore_);
+    BandWeight weight(PixelTraits<Pixel>::kMax);
+    weight.setStatusRecord(statusRecord());
+    weight.process(*band_, known_);
+    takeLuma(*destination_, destLuma_);
+    takeLuma(*source_, sourceLuma_);
+    // Each pass orders the next, so that an abort ends the node at once.
+    setNumPasses(1);
+}
+
+template <typename Pixel>
+bool LuminanceMatch<Pixel>::makeMaps()
+{
+    const Region& area = region();
+    for (Map<Pixel32f>* map : {&ratio_, &known_, &knownBefore_, &sourceLuma_, &destLuma_}) {
+        map->setSize(area.x1 - area.x0, area.y1 - area.y0);
+        map->placeAt(area.x0, area.y0);
+        map->allocate();
+        if (!map->isUsable()) return false;
+    }
+    return true;
+}
+
+/// Whole radii from `luminanceBlur`.
+template <typename Pixel>
+void LuminanceMatch<Pixel>::limitReach()
+{
+    // Beyond twice the region's longer side every box holds the whole region: the mean it yields
+    // and whether four known pixels are enough no longer change.
+    const Region& area = region();
+    const int longerSide = std::max(area.x1 - area.x0, area.y1 - area.y0);
+    const auto farthest = 2.0f * (static_cast<float>(longerSide) + 2.0f);
+
+    const float limited = luminanceBlur_ > 0.0f ? std::min(luminanceBlur_, farthest) : 0.0f;
+    reach_ = truncateToInt(limited);
+    halfReach_ = truncateToInt(limited * 0.5f);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::takeLuma(const Map<Pixel>& picture, Map<Pixel32f>& luma)
+{
+    LumaOf<Pixel> lumaOf;
+    lumaOf.setStatusRecord(statusRecord());
+    lumaOf.process(picture, luma);
+    blur(luma, luma, kLumaRadius);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::clear(Map<Pixel32f>& map)
+{
+    ConstantFill<Pixel32f> fill(0.0f);
+    fill.setStatusRecord(statusRecord());
+    fill.process(&map);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::blur(const Map<Pixel32f>& from, Map<Pixel32f>& to, int radius)
+{
+    const auto pixels = static_cast<float>(radius);
+    blur_.setStatusRecord(statusRecord());
+    blur_.setRadius(pixels, pixels);
+    blur_.process(from, to);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::beginPass()
+{
+    // A thread with a row to do has an index below the number of rows.
+    outcomes_.assign(static_cast<std::size_t>(region().y1 - region().y0), Outcome{});
+    if (currentPass() == 0) return;
+    blur(known_, support_, halfReach_);
+    blur(known_, known_, reach_);
+    blur(ratio_, ratio_, reach_);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::processPass()
+{
+    const RowRange rows = threadRows();
+    if (rows.isEmpty()) return;
+    Outcome outcome;
+    for (int y = rows.begin; y < rows.end; ++y) {
+        if (currentPass() == 0) {
+            measureRow(y);
+        } else {
+            spreadRow(y, outcome);
+        }
+    }
+    outcomes_[static_cast<std::size_t>(threadIndex())] = outcome;
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::measureRow(int y)
+{
+    RowWriter known(known_, y);
+    RowWriter ratio(ratio_, y);
+    const RowReader source(sourceLuma_, y);
+    const RowReader destination(destLuma_, y);
+    for (int x = region().x0; x < region().x1; ++x) {
+        const float measured = lumaRatio(source[x], destination[x]);
+        const bool counts = known[x] > kLeastBandWeight && std::isfinite(measured);
+        known[x] = counts ? 1.0f : 0.0f;
+        if (counts) ratio[x] = measured;
+    }
+}
+
+/// One step of the spread. The blurred ratio over the blurred weight is the mean ratio of the known
+/// pixels around.
+template <typename Pixel>
+void LuminanceMatch<Pixel>::spreadRow(int y, Outcome& outcome)
+{
+    const float k = 1.0f + static_cast<float>(halfReach_);
+    const float threshold = 1.0f / (k * k);
+    RowWriter known(known_, y);
+    RowWriter ratio(ratio_, y);
+    const RowReader support(support_, y);
+    const RowReader before(knownBefore_, y);
+    const RowReader earlier(knownEarlier_, y);
+    for (int x = region().x0; x < region().x1; ++x) {
+        const bool isKnown = support[x] >= threshold;
+        ratio[x] = isKnown ? ratio[x] / known[x] : 0.0f;
+        known[x] = isKnown ? 1.0f : 0.0f;
+        if (isKnown && before[x] < kKnown) {
+            outcome.becameKnown = true;
+            if (Pixel32f* gain = luminanceGain_->translate(x, y)) *gain = ratio[x];
+        }
+        if (!isKnown) outcome.allKnown = false;
+        if (known[x] != earlier[x]) outcome.leftEarlier = true;
+    }
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::endPass()
+{
+    const int pass = currentPass();
+    if (pass == 0) {
+        // What later passes need takes over the storage of what they do not.
+        support_ = std::move(sourceLuma_);
+        knownEarlier_ = std::move(destLuma_);
+        clear(knownEarlier_);
+    } else {
+        std::swap(knownEarlier_, knownBefore_);
+        MapCopy<Pixel32f> copy;
+        copy.setStatusRecord(statusRecord());
+        copy.process(known_, knownBefore_);
+    }
+    if (pass < maxPasses_ && (pass == 0 || canSpread())) setNumPasses(pass + 2);
+}
+
+/// Whether some pixel is unknown and another pass may change that.
+template <typename Pixel>
+bool LuminanceMatch<Pixel>::canSpread() const
+{
+    Outcome all;
+    for (const Outcome& outcome : outcomes_) {
+        all.allKnown = all.allKnown && outcome.allKnown;
+        all.becameKnown = all.becameKnown || outcome.becameKnown;
+        all.leftEarlier = all.leftEarlier || outcome.leftEarlier;
+    }
+    // What is known next depends on what is known now alone, and more of it never makes less known.
+    // So a pass that adds nothing is followed by others that add nothing, and one that ends where
+    // the pass before last did, as three pixels in a line do, goes round in circles. There are no
+    // longer circles (Goles and Olivos 1981), so the node ends.
+    return !all.allKnown && all.becameKnown && all.leftEarlier;
+}
+
+template class LuminanceMatch<PixelRGBA8>;
+template class LuminanceMatch<PixelRGBA16>;
+template class LuminanceMatch<PixelRGBAf>;
+
+}  // namespace Orvane::Engine
