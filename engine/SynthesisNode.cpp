@@ -2,14 +2,37 @@
 
 #include <algorithm>
 
+#include "engine/BandCut.h"
+#include "engine/BoundaryPath.h"
+#include "engine/BoxBlur.h"
 #include "engine/ConstantFill.h"
 #include "engine/ExactMath.h"
+#include "engine/LuminanceMatch.h"
 #include "engine/MapRow.h"
+#include "engine/MaskGradient.h"
 #include "engine/PixelTraits.h"
 #include "engine/RowCopy.h"
 
 namespace Orvane::Engine {
 namespace {
+
+constexpr float kLeastLuminanceBlur = 2.0f;
+
+/// What there is to say of a boundary, or null.
+const char* noteOf(BoundaryOutcome outcome)
+{
+    switch (outcome) {
+        case BoundaryOutcome::Fitted:
+            return nullptr;
+        case BoundaryOutcome::NoPath:
+            return "no path leads round the region: nothing was filled";
+        case BoundaryOutcome::TraceFailed:
+            return "the best path could not be followed: the mask's own edge is the boundary";
+        case BoundaryOutcome::NotEnclosing:
+            return "the best path does not enclose the region: the mask's own edge is the boundary";
+    }
+    return nullptr;
+}
 
 /// `value` cut to [0, limit]; NaN becomes 0.
 float cutTo(float value, float limit)
@@ -33,6 +56,19 @@ template <typename Pixel>
 float textureShare(float maskValue)
 {
     return cutTo(maskValue * PixelTraits<Pixel>::kInverseMax, 1.0f);
+}
+
+// exact: float, truncated; the fill rectangle reaches five times the path and its blend beyond the
+// mask.
+
+int marginBefore(int offset, float pathWidth, float edgeBlend)
+{
+    return truncateToInt(static_cast<float>(offset) - 5.0f * pathWidth - 5.0f * edgeBlend);
+}
+
+int withMargins(int size, float pathWidth, float edgeBlend)
+{
+    return truncateToInt(static_cast<float>(size) + 10.0f * (pathWidth + edgeBlend));
 }
 
 template <typename Pixel>
@@ -67,8 +103,12 @@ void SynthesisNode<Pixel>::begin()
         return;
     }
     if (this->pollAbort()) return;
-    takeTextureEverywhere();
-    quilt(this->region());
+    if (settings_.fillAll || settings_.fillMask == nullptr) {
+        takeTextureEverywhere();
+        quilt(this->region());
+    } else {
+        fillMasked(fillRect);
+    }
 }
 
 template <typename Pixel>
@@ -83,16 +123,24 @@ void SynthesisNode<Pixel>::collectTextures()
     this->other().setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
 }
 
-/// A replay covers what the recorded render covered, anything else the node's region.
+/// A replay covers what the recorded render covered; a mask is filled with a margin on every side;
+/// anything else is the node's region.
 template <typename Pixel>
 Region SynthesisNode<Pixel>::decideFillRect()
 {
     FillBounds& bounds = state_->fillBounds;
-    if (!settings_.useStoredBlocks) {
-        const Region& region = this->region();
-        bounds = {region.x0, region.y0, region.x1, region.y1};
+    if (settings_.useStoredBlocks) return {bounds.x0, bounds.y0, bounds.x1, bounds.y1};
+    Region rect = this->region();
+    if (settings_.fillMask != nullptr && !settings_.fillAll) {
+        const MapAxis& x = settings_.fillMask->xAxis();
+        const MapAxis& y = settings_.fillMask->yAxis();
+        rect.x0 = marginBefore(x.offset, settings_.pathWidth, settings_.edgeBlend);
+        rect.y0 = marginBefore(y.offset, settings_.pathWidth, settings_.edgeBlend);
+        rect.x1 = rect.x0 + withMargins(x.size, settings_.pathWidth, settings_.edgeBlend);
+        rect.y1 = rect.y0 + withMargins(y.size, settings_.pathWidth, settings_.edgeBlend);
     }
-    return {bounds.x0, bounds.y0, bounds.x1, bounds.y1};
+    bounds = {rect.x0, rect.y0, rect.x1, rect.y1};
+    return rect;
 }
 
 /// Lays the recorded blocks again, each cut against the block before it and the row below it in one
@@ -195,7 +243,8 @@ void SynthesisNode<Pixel>::quilt(const Region& fillRect)
     inputs.source = &this->other();
     inputs.target = &this->target();
     inputs.fillMask = settings_.fillMask;
-    inputs.fillAll = settings_.fillAll;
+    inputs.weightMap = &pathBand_;
+    inputs.fillAll = settings_.fillAll || settings_.fillMask == nullptr;
     inputs.avoidFillRegion = &settings_.avoidFillRegion;
     inputs.seed = settings_.seed;
     inputs.blocks = &settings_.blocks;
@@ -204,6 +253,84 @@ void SynthesisNode<Pixel>::quilt(const Region& fillRect)
     inputs.statusRecord = this->statusRecord();
     inputs.observer = observer_;
     Quilt<Pixel>(inputs).run();
+}
+
+/// Quilts the fill rectangle, guided by what is known round the region, and decides where the
+/// texture replaces the source.
+template <typename Pixel>
+void SynthesisNode<Pixel>::fillMasked(const Region& fillRect)
+{
+    prepareBand(fillRect);
+    quilt(fillRect);
+    if (this->pollAbort()) return;
+    if (settings_.luminanceMatch) matchLuminance(fillRect);
+    if (this->pollAbort()) return;
+    fitBoundary(fillRect);
+}
+
+/// Blurs the mask over the rectangle, takes its gradient, and keeps what lies outside the region.
+template <typename Pixel>
+void SynthesisNode<Pixel>::prepareBand(const Region& fillRect)
+{
+    const ObservedStage stage(observer_, "band");
+    settings_.fillMask->setEdgeMode(EdgeMode::EdgeNone, EdgeMode::EdgeNone);
+    pathBand_.setSize(fillRect.x1 - fillRect.x0, fillRect.y1 - fillRect.y0);
+    pathBand_.placeAt(fillRect.x0, fillRect.y0);
+    pathBand_.allocate();
+    BoxBlur blur(BoxBlur::ThreeApplications, settings_.pathWidth);
+    blur.setStatusRecord(this->statusRecord());
+    blur.process(*settings_.fillMask, pathBand_);
+
+    bandGradient_.copyGeometry(pathBand_);
+    bandGradient_.allocate();
+    MaskGradient gradient;
+    gradient.setStatusRecord(this->statusRecord());
+    gradient.process(pathBand_, bandGradient_);
+
+    BandCut cut(PixelTraits<Pixel>::kMax);
+    cut.setStatusRecord(this->statusRecord());
+    cut.process(*settings_.fillMask, pathBand_);
+}
+
+/// Leaves a gain for each pixel of the fill rectangle.
+template <typename Pixel>
+void SynthesisNode<Pixel>::matchLuminance(const Region& fillRect)
+{
+    const ObservedStage stage(observer_, "luminance");
+    Map<Pixel32f>& gain = state_->luminanceGain;
+    gain.copyGeometry(pathBand_);
+    gain.setFillValue(pathBand_.fillValue());
+    gain.allocate();
+    ConstantFill<Pixel32f> ones(1.0f);
+    ones.setStatusRecord(this->statusRecord());
+    ones.process(&gain);
+
+    LuminanceMatch<Pixel> match(pathBand_, this->other(), gain);
+    match.setStatusRecord(this->statusRecord());
+    match.setLuminanceBlur(std::max(settings_.luminanceBlur, kLeastLuminanceBlur));
+    match.setMaxPasses(settings_.maxPasses);
+    match.setRegion(fillRect);
+    const Region& window = this->region();
+    this->target().setOffset(window.x0, window.y0);
+    match.process(this->target());
+    this->target().setOffset(0, 0);
+}
+
+/// Cuts the boundary between texture and source into the composite mask.
+template <typename Pixel>
+void SynthesisNode<Pixel>::fitBoundary(const Region& fillRect)
+{
+    const ObservedStage stage(observer_, "boundary");
+    BoundaryInputs<Pixel> inputs;
+    inputs.search = {fillRect, &pathBand_, &bandGradient_, &this->target(), &this->other()};
+    inputs.fillMask = settings_.fillMask;
+    inputs.seed = settings_.seed;
+    inputs.edgeBlend = settings_.edgeBlend;
+    inputs.statusRecord = this->statusRecord();
+    const BoundaryOutcome outcome = fitBoundaryPath(inputs, state_->compositeMask);
+    if (observer_ != nullptr && noteOf(outcome) != nullptr) observer_->note(noteOf(outcome));
+    pathBand_.release();
+    bandGradient_.release();
 }
 
 /// The final composite, on the rows of one worker.

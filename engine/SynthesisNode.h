@@ -15,20 +15,27 @@ namespace Orvane::Engine {
 template <typename Pixel>
 struct SynthesisSettings {
     std::array<Map<Pixel>*, 3> textures{};
-    const Map<Pixel32f>* fillMask =
-        nullptr;                   ///< blocks may have to keep clear of its nonzero pixels
-    Region sampleBox;              ///< pixels
-    bool fillAll = true;           ///< nothing of the source is kept
-    bool avoidFillRegion = false;  ///< cleared when avoiding proves impossible
+    Map<Pixel32f>* fillMask = nullptr;  ///< prepared: M on the region to fill, 0 elsewhere
+    Region sampleBox;                   ///< pixels
+    bool fillAll = true;                ///< nothing of the source is kept
+    bool avoidFillRegion = false;       ///< cleared when avoiding proves impossible
     int seed = 0;
     BlockSettings blocks;
     bool useStoredBlocks = false;  ///< lay the blocks of the state again instead of new ones
+    // The rest counts only with a mask. Lengths are pixels.
+    float pathWidth = 0.0f;       ///< reach of the band that the boundary may run in
+    float edgeBlend = 0.0f;       ///< softening of the boundary
+    bool luminanceMatch = false;  ///< bring the texture to the brightness round the region
+    float luminanceBlur = 0.0f;   ///< how far one step of that reaches
+    int maxPasses = 0;            ///< limit of such steps
 };
 
 /// Turns one render's inputs into the output image: `process(source, output)` over the render
 /// window. The synthesis happens in `begin`, stage by stage on the render thread: it decides the
-/// fill rectangle, then quilts it anew or lays the recorded blocks again. The node's one pass
-/// composites texture and source through the composite mask and the luminance gain.
+/// fill rectangle, then quilts it anew or lays the recorded blocks again. With a mask it also
+/// prepares the band of known pixels that guides the quilting, matches luminance, and fits the
+/// boundary path. The node's one pass composites texture and source through the composite mask and
+/// the luminance gain.
 ///
 /// After an abort the output keeps what was written so far: nothing, unless quilting had finished.
 template <typename Pixel>
@@ -49,11 +56,17 @@ private:
                    Map<Pixel>& fillBuffer);
     void takeTextureEverywhere();
     void quilt(const Region& fillRect);
+    void fillMasked(const Region& fillRect);
+    void prepareBand(const Region& fillRect);
+    void matchLuminance(const Region& fillRect);
+    void fitBoundary(const Region& fillRect);
 
     SynthesisSettings<Pixel> settings_;
     TemporalState* state_;
     RenderObserver* observer_;
     std::vector<Map<Pixel>*> textures_;
+    Map<Pixel32f> pathBand_;            ///< positive on known pixels round the fill region
+    Map<PixelVec2f> bandGradient_;      ///< of the blurred mask; points towards the fill region
     std::vector<PixelVec2f> zeroSeam_;  ///< for records of a row that was never finished
 };
 

@@ -1,0 +1,228 @@
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+
+#include <gmock/gmock.h>
+
+#include "engine/BandCut.h"
+#include "engine/BoundaryPath.h"
+#include "engine/BoxBlur.h"
+#include "engine/MaskGradient.h"
+#include "tests/fixtures/FakeServices.h"
+#include "tests/fixtures/MapBuilder.h"
+
+namespace Orvane::Engine {
+namespace {
+
+using Testing::FakeServices;
+using Testing::noise;
+using Testing::solid;
+using Testing::TestMap;
+
+using Shape = std::function<bool(int x, int y)>;
+
+constexpr int kSize = 120;
+
+/// Everything that a boundary is fitted from, round a region of any shape in a square picture.
+template <typename Pixel>
+struct Scene {
+    static constexpr float kMax = PixelTraits<Pixel>::kMax;
+
+    explicit Scene(const Shape& shape, float pathWidth = 6.0f)
+    {
+        for (int y = 0; y < kSize; ++y) {
+            for (int x = 0; x < kSize; ++x) fillMask.at(x, y) = shape(x, y) ? kMax : 0.0f;
+        }
+        BoxBlur blur(BoxBlur::ThreeApplications, pathWidth);
+        blur.process(*fillMask, *band);
+        MaskGradient().process(*band, *gradient);
+        BandCut(kMax).process(*fillMask, *band);
+    }
+    PathSearchInputs<Pixel> search()
+    {
+        return {{0, 0, kSize, kSize}, &*band, &*gradient, &*texture, &*source};
+    }
+    BoundaryOutcome fit(int seed, float edgeBlend = 0.0f)
+    {
+        BoundaryInputs<Pixel> inputs;
+        inputs.search = search();
+        inputs.fillMask = &*fillMask;
+        inputs.seed = seed;
+        inputs.edgeBlend = edgeBlend;
+        return fitBoundaryPath(inputs, mask);
+    }
+
+    TestMap<Pixel32f> fillMask{kSize, kSize}, band{kSize, kSize};
+    TestMap<PixelVec2f> gradient{kSize, kSize};
+    TestMap<Pixel> texture = noise<Pixel>(kSize, kSize, 1), source = noise<Pixel>(kSize, kSize, 2);
+    Map<Pixel32f> mask;
+};
+
+bool disc(int x, int y)
+{
+    return (x - 60) * (x - 60) + (y - 55) * (y - 55) < 24 * 24;
+}
+
+bool angle(int x, int y)  // with a concave corner
+{
+    return x >= 30 && x < 90 && y >= 30 && y < 90 && (x < 45 || y < 45);
+}
+
+template <typename Pixel>
+class Boundary : public ::testing::Test {};
+using Depths = ::testing::Types<PixelRGBA8, PixelRGBA16, PixelRGBAf>;
+TYPED_TEST_SUITE(Boundary, Depths);
+
+TYPED_TEST(Boundary, PathIsAClosedLoopInTheBand)
+{
+    const FakeServices services;
+    Scene<TypeParam> scene(disc);
+    PathSearch<TypeParam> search(scene.search());
+    ASSERT_EQ(search.run({60 + 26, 55}), PathOutcome::Closed);
+    const std::vector<PixelPoint>& path = search.path();
+    ASSERT_GT(path.size(), 100u);
+    double turned = 0.0;
+    for (std::size_t i = 0; i < path.size(); ++i) {
+        const PixelPoint& a = path[i];
+        const PixelPoint& b = path[(i + 1) % path.size()];
+        EXPECT_LE(std::max(std::abs(a.x - b.x), std::abs(a.y - b.y)), 1);
+        EXPECT_GT(scene.band->read(a.x, a.y), 0.0f);
+        const double ax = a.x - 60, ay = a.y - 55, bx = b.x - 60, by = b.y - 55;
+        turned += std::atan2(ax * by - ay * bx, ax * bx + ay * by);
+    }
+    EXPECT_NEAR(std::abs(turned), 6.2831853, 1e-6) << "once round the region";
+}
+
+TYPED_TEST(Boundary, EnclosesTheRegionOrTakesItItself)
+{
+    const FakeServices services(2);
+    for (const auto& shape : {Shape(disc), Shape(angle)}) {
+        int fitted = 0;
+        Scene<TypeParam> scene(shape);
+        for (int seed = 0; seed < 12; ++seed) {
+            const BoundaryOutcome outcome = scene.fit(seed);
+            ASSERT_NE(outcome, BoundaryOutcome::NoPath);
+            fitted += outcome == BoundaryOutcome::Fitted;
+            for (int y = 0; y < kSize; ++y) {
+                for (int x = 0; x < kSize; ++x) {
+                    const float value = scene.mask.read(x, y);
+                    const bool region = scene.fillMask.at(x, y) != 0.0f;
+                    const bool near = region || scene.band.at(x, y) != 0.0f;
+                    ASSERT_TRUE(value == 0.0f || value == Scene<TypeParam>::kMax);
+                    ASSERT_TRUE(value != 0.0f || !region) << "left out " << x << ' ' << y;
+                    ASSERT_TRUE(value == 0.0f || near) << "ran out to " << x << ' ' << y;
+                }
+            }
+        }
+        EXPECT_GT(fitted, 0);
+    }
+}
+
+TYPED_TEST(Boundary, FollowsThePixelsWhereThePicturesAgree)
+{
+    const FakeServices services;
+    Scene<TypeParam> scene(disc);
+    // The pictures agree on one ring of the band, three pixels wide, and nowhere else.
+    for (int y = 0; y < kSize; ++y) {
+        for (int x = 0; x < kSize; ++x) {
+            const double distance = std::hypot(x - 60, y - 55);
+            const bool agrees = distance >= 27.0 && distance < 30.0;
+            scene.texture.at(x, y) = Testing::grey<TypeParam>(0.0f);
+            scene.source.at(x, y) = Testing::grey<TypeParam>(agrees ? 0.0f : 1.0f);
+        }
+    }
+    PathSearch<TypeParam> search(scene.search());
+    ASSERT_EQ(search.run({60 + 26, 55}), PathOutcome::Closed);
+    int off = 0;
+    for (const PixelPoint p : search.path()) off += search.pixelCost(p) != 0.0f;
+    EXPECT_LT(off * 5, static_cast<int>(search.path().size()));
+}
+
+TEST(BoundaryCost, IsTheMeanSquaredDifference)
+{
+    const FakeServices services;
+    Scene<PixelRGBA8> scene(disc);
+    scene.texture.at(5, 5) = {255, 255, 255, 0};
+    scene.source.at(5, 5) = {0, 0, 0, 255};
+    scene.texture.at(6, 5) = {10, 7, 1, 9};
+    scene.source.at(6, 5) = {10, 8, 3, 200};
+    const PathSearch<PixelRGBA8> search(scene.search());
+    EXPECT_EQ(search.pixelCost({5, 5}), 255.0f * 255.0f);
+    EXPECT_EQ(search.pixelCost({6, 5}), 1.0f) << "5 / 3";
+
+    Scene<PixelRGBA16> deep(disc);
+    deep.texture.at(5, 5) = {65535, 65535, 65535, 0};
+    deep.source.at(5, 5) = {0, 0, 0, 0};
+    EXPECT_EQ(PathSearch<PixelRGBA16>(deep.search()).pixelCost({5, 5}), 65535.0f * 65535.0f);
+    Scene<PixelRGBAf> floats(disc);
+    floats.texture.at(5, 5) = {1.0f, 0.5f, 0.25f, 0.0f};
+    floats.source.at(5, 5) = {0.0f, 0.0f, 0.0f, 0.0f};
+    EXPECT_EQ(PathSearch<PixelRGBAf>(floats.search()).pixelCost({5, 5}), 1.3125f * 0.33333334f);
+}
+
+TEST(Boundary8, WithoutAWayRoundTheMaskStaysAsItWas)
+{
+    FakeServices services;
+    struct Case {
+        const char* what;
+        void (*spoil)(Scene<PixelRGBA8>&);
+    };
+    const Case cases[] = {
+        {"empty band", [](auto& scene) { std::ranges::fill(scene.band.pixels(), 0.0f); }},
+        {"band without slope",
+         [](auto& scene) {
+             std::ranges::fill(scene.gradient.pixels(), PixelVec2f{0.0f, 0.0f});
+         }},
+        {"slope that is no number",
+         [](auto& scene) {
+             const float nan = std::numeric_limits<float>::quiet_NaN();
+             std::ranges::fill(scene.gradient.pixels(), PixelVec2f{nan, nan});
+         }},
+        {"band cut through",
+         [](auto& scene) {
+             for (int x = 0; x < kSize; ++x) scene.band.at(x, 55) = 0.0f;
+         }},
+    };
+    for (const Case& c : cases) {
+        Scene<PixelRGBA8> scene(disc);
+        c.spoil(scene);
+        scene.mask.setSize(3, 3);
+        for (int seed = 0; seed < 4; ++seed) {
+            EXPECT_EQ(scene.fit(seed, 5.0f), BoundaryOutcome::NoPath) << c.what;
+            EXPECT_EQ(scene.mask.width(), 3) << c.what;
+        }
+    }
+    // A band without an outer edge: the walks end where the picture does.
+    Scene<PixelRGBA8> everywhere(disc);
+    std::ranges::fill(everywhere.band.pixels(), 200.0f);
+    EXPECT_NE(everywhere.fit(1), BoundaryOutcome::Fitted);
+
+    Scene<PixelRGBA8> scene(disc);
+    services.memory.refuseAll = true;
+    EXPECT_EQ(scene.fit(1), BoundaryOutcome::NoPath);
+}
+
+TEST(Boundary8, SoftensTheEdgeFromItsThresholdOn)
+{
+    const FakeServices services;
+    Scene<PixelRGBA8> scene(disc);
+    const auto softPixels = [&](float edgeBlend) {
+        scene.fit(3, edgeBlend);
+        int count = 0;
+        for (int y = 0; y < kSize; ++y) {
+            for (int x = 0; x < kSize; ++x) {
+                const float value = scene.mask.read(x, y);
+                count += value != 0.0f && value != 255.0f;
+            }
+        }
+        return count;
+    };
+    EXPECT_EQ(softPixels(0.0f), 0);
+    EXPECT_EQ(softPixels(0.01f), 0);
+    EXPECT_GT(softPixels(0.011f), 100);
+    EXPECT_GT(softPixels(200.0f), 10000);
+}
+
+}  // namespace
+}  // namespace Orvane::Engine

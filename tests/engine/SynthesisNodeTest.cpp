@@ -1,0 +1,226 @@
+#include <algorithm>
+#include <limits>
+
+#include <gmock/gmock.h>
+
+#include "engine/AlphaMask.h"
+#include "engine/SynthesisNode.h"
+#include "tests/fixtures/FakeRenderContext.h"
+#include "tests/fixtures/FakeServices.h"
+
+namespace Orvane::Engine {
+namespace {
+
+using ::testing::ElementsAre;
+using Testing::FakeServices;
+using Testing::noise;
+using Testing::solid;
+using Testing::TestMap;
+
+constexpr int kWidth = 96, kHeight = 80;
+
+/// A node that fills a prepared mask of 22 x 18 pixels at (37, 31) in a picture of noise.
+template <typename Pixel>
+struct MaskedFill {
+    static constexpr float kMax = PixelTraits<Pixel>::kMax;
+
+    MaskedFill()
+    {
+        for (int y = 1; y < 17; ++y) {
+            for (int x = 1; x < 21; ++x) mask.at(x, y) = kMax;
+        }
+        settings.fillMask = &*mask;
+        settings.textures[0] = &*texture;
+        settings.fillAll = false;
+        settings.sampleBox = {0, 0, kWidth, kHeight};
+        settings.blocks = {20, 20, 6, 6, 1, 1, 2, 3};
+        settings.pathWidth = 3.0f;
+        settings.edgeBlend = 1.0f;
+        settings.luminanceBlur = 10.0f;
+        settings.maxPasses = std::numeric_limits<int>::max();
+    }
+    std::vector<Pixel> run()
+    {
+        std::ranges::fill(output.pixels(), Testing::grey<Pixel>(0.25f));
+        status.aborted = status.errorCode = 0;
+        SynthesisNode<Pixel> node(settings, state, &observer);
+        node.setStatusRecord(&status);
+        node.setRegion(0, 0, kWidth - 1, kHeight - 1);
+        node.process(*source, *output);
+        return output.pixels();
+    }
+
+    TestMap<Pixel> source = noise<Pixel>(kWidth, kHeight, 5),
+                   texture = noise<Pixel>(kWidth, kHeight, 6);
+    TestMap<Pixel> output = solid<Pixel>(kWidth, kHeight, 0.0f);
+    TestMap<Pixel32f> mask{22, 18, 37, 31};
+    SynthesisSettings<Pixel> settings;
+    TemporalState state;
+    RenderStatus status;
+    Testing::CountingObserver observer;
+};
+
+template <typename Pixel>
+class MaskedNode : public ::testing::Test {};
+using Depths = ::testing::Types<PixelRGBA8, PixelRGBA16, PixelRGBAf>;
+TYPED_TEST_SUITE(MaskedNode, Depths);
+
+TYPED_TEST(MaskedNode, ChangesTheRegionAndItsBandAndNothingElse)
+{
+    for (const bool match : {false, true}) {
+        const FakeServices services(2);
+        MaskedFill<TypeParam> fill;
+        fill.settings.luminanceMatch = match;
+        const auto picture = fill.run();
+        const FillBounds& bounds = fill.state.fillBounds;
+        EXPECT_EQ(bounds.x0, 37 - 20);
+        EXPECT_EQ(bounds.y0, 31 - 20);
+        EXPECT_EQ(bounds.x1 - bounds.x0, 22 + 40);
+        EXPECT_EQ(bounds.y1 - bounds.y0, 18 + 40);
+        int changedInside = 0;
+        for (int y = 0; y < kHeight; ++y) {
+            for (int x = 0; x < kWidth; ++x) {
+                const TypeParam& in = fill.source.at(x, y);
+                const TypeParam& out = picture[static_cast<std::size_t>(y * kWidth + x)];
+                const bool same = in.r == out.r && in.g == out.g && in.b == out.b;
+                const bool inside = fill.mask->read(x, y) != 0.0f;
+                changedInside += inside && !same;
+                // The band reaches 3 boxes of 3 pixels and the blend 3 more beyond the region.
+                const bool far = x < 38 - 16 || x >= 58 + 16 || y < 32 - 16 || y >= 48 + 16;
+                ASSERT_TRUE(!far || same) << x << ' ' << y;
+            }
+        }
+        EXPECT_GT(changedInside, 250) << "of 320";
+        std::vector<std::string> stages{"band", "quilt", "boundary"};
+        if (match) stages.insert(stages.begin() + 2, "luminance");
+        EXPECT_EQ(fill.observer.stages, stages);
+        EXPECT_EQ(fill.observer.open, 0);
+    }
+}
+
+TYPED_TEST(MaskedNode, ReplaysBlocksMaskAndGain)
+{
+    const FakeServices services;
+    MaskedFill<TypeParam> fill;
+    fill.settings.luminanceMatch = true;
+    fill.settings.blocks.blendW = fill.settings.blocks.blendH = 0;
+    const auto first = fill.run();
+    fill.settings.useStoredBlocks = true;
+    fill.settings.seed = 99;
+    EXPECT_EQ(fill.run(), first);
+}
+
+TYPED_TEST(MaskedNode, GivesTheSamePictureWithAnyNumberOfThreads)
+{
+    std::vector<TypeParam> expected;
+    for (const unsigned int threads : {1u, 2u, 4u, 7u}) {
+        const FakeServices services(threads);
+        MaskedFill<TypeParam> fill;
+        fill.settings.luminanceMatch = true;
+        const auto picture = fill.run();
+        if (expected.empty()) expected = picture;
+        EXPECT_EQ(picture, expected) << threads;
+    }
+}
+
+TEST(MaskedNode8, MatchesTheBrightnessRoundTheRegion)
+{
+    const FakeServices services;
+    MaskedFill<PixelRGBA8> fill;
+    std::ranges::fill(fill.source.pixels(), PixelRGBA8{200, 200, 200, 255});
+    std::ranges::fill(fill.texture.pixels(), PixelRGBA8{100, 100, 100, 255});
+    const auto centre = [&] { return fill.run()[40 * kWidth + 48].r; };
+    EXPECT_EQ(centre(), 100);
+    fill.settings.luminanceMatch = true;
+    EXPECT_NEAR(centre(), 200, 2);
+}
+
+TEST(MaskedNode8, SurvivesWhateverLengthsItIsGiven)
+{
+    const FakeServices services;
+    struct Case {
+        float pathWidth, edgeBlend, luminanceBlur;
+    };
+    for (const Case& c : {Case{0, 0, 0}, Case{0, 5, 40}, Case{0.5f, 0.01f, 5}, Case{30, 0, 500},
+                          Case{3, 30, 2}, Case{100, 1, 1e9f}}) {
+        MaskedFill<PixelRGBA8> fill;
+        fill.settings.pathWidth = c.pathWidth;
+        fill.settings.edgeBlend = c.edgeBlend;
+        fill.settings.luminanceBlur = c.luminanceBlur;
+        fill.settings.luminanceMatch = true;
+        fill.settings.blocks.numSamples = 1;
+        fill.settings.blocks.blockW = fill.settings.blocks.blockH = 60;
+        fill.run();
+        EXPECT_EQ(fill.status.aborted, 0) << c.pathWidth << ' ' << c.edgeBlend;
+    }
+}
+
+TEST(MaskedNode8, StopsAtAnAbortAndWhenMemoryRunsOut)
+{
+    for (int k = 1; k < 60; k += 1 + k / 8) {
+        FakeServices services(2);
+        MaskedFill<PixelRGBA8> fill;
+        fill.settings.luminanceMatch = true;
+        services.memory.failAllocation = k;
+        ::testing::internal::CaptureStderr();
+        fill.run();
+        fill.state.discard();
+        int left = 20 * k;
+        fill.status.abortHandle = &left;
+        fill.status.poll = [](void* polls, int*) {
+            return --*static_cast<int*>(polls) < 0 ? 1 : 0;
+        };
+        fill.run();
+        ::testing::internal::GetCapturedStderr();
+        fill.state.discard();
+        EXPECT_TRUE(services.memory.live.empty());
+    }
+}
+
+TYPED_TEST(MaskedNode, TakesMasksOutOfAlphaWithoutTouchingTheInput)
+{
+    using Traits = PixelTraits<TypeParam>;
+    using Mask = typename Traits::Mask;
+    const FakeServices services(3);
+    auto picture = noise<TypeParam>(9, 7, 3, -4, 2);
+    const auto before = picture.pixels();
+    Map<Mask> mask, inverted;
+    extractMask(*picture, MaskSense::AsItIs, nullptr, mask);
+    extractMask(*picture, MaskSense::Inverted, nullptr, inverted);
+    Map<Mask> matte, turned;
+    matte.assign(mask);
+    invertMask<TypeParam>(matte, nullptr, turned);
+    for (int y = 2; y < 9; ++y) {
+        for (int x = -4; x < 5; ++x) {
+            const auto alpha = picture->read(x, y).a;
+            ASSERT_EQ(mask.read(x, y), alpha);
+            ASSERT_EQ(inverted.read(x, y),
+                      Traits::stored(Traits::kMax - static_cast<float>(alpha)));
+            ASSERT_EQ(turned.read(x, y), inverted.read(x, y));
+        }
+    }
+    EXPECT_EQ(mask.read(-5, 2), Mask{0});
+    EXPECT_EQ(picture.pixels(), before);
+}
+
+TEST(AlphaMaskFloat, CutsWhatLiesOutside)
+{
+    const FakeServices services;
+    TestMap<PixelRGBAf> picture(4, 1);
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    picture.at(0, 0).a = -2.0f;
+    picture.at(1, 0).a = 7.0f;
+    picture.at(2, 0).a = nan;
+    picture.at(3, 0).a = 0.25f;
+    Map<Pixel32f> mask, inverted;
+    extractMask(*picture, MaskSense::AsItIs, nullptr, mask);
+    extractMask(*picture, MaskSense::Inverted, nullptr, inverted);
+    const auto row = [](const Map<Pixel32f>& map) {
+        return std::vector<float>{map.read(0, 0), map.read(1, 0), map.read(2, 0), map.read(3, 0)};
+    };
+    EXPECT_THAT(row(mask), ElementsAre(0.0f, 1.0f, 0.0f, 0.25f));
+    EXPECT_THAT(row(inverted), ElementsAre(1.0f, 0.0f, 1.0f, 0.75f));
+}
+
+}  // namespace
+}  // namespace Orvane::Engine
