@@ -32,12 +32,33 @@ BoxFilter filterOf(float radius)
     return {whole, radius - static_cast<float>(whole)};
 }
 
-/// The stored index that each of `count` coordinates from `first` on reads, or -1.
-std::vector<int> resolveAll(const MapAxis& axis, int first, std::size_t count)
+/// The stored index that each coordinate of [first, end) reads, or -1.
+std::vector<int> resolveAll(const MapAxis& axis, int first, int end)
 {
-    std::vector<int> indices(count);
-    for (int& index : indices) index = axis.resolve(first++).value_or(-1);
+    std::vector<int> indices;
+    indices.reserve(static_cast<std::size_t>(end) - static_cast<std::size_t>(first));
+    for (int p = first; p < end; ++p) indices.push_back(axis.resolve(p).value_or(-1));
     return indices;
+}
+
+/// Sets `lanes` stored rows of a map side by side, each at the given columns; -1 is the fill value.
+/// A bundle that is not full repeats its last row.
+void gatherRows(const Map<Pixel32f>& map, int firstRow, int lanes, const std::vector<int>& columns,
+                std::vector<Sample>& samples)
+{
+    std::array<const float*, kLanes> rows;
+    for (int lane = 0; lane < kLanes; ++lane) {
+        rows[static_cast<std::size_t>(lane)] = map.pixelAt(0, firstRow + std::min(lane, lanes - 1));
+    }
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        if (columns[i] < 0) {
+            samples[i].fill(map.fillValue());
+        } else {
+            for (std::size_t lane = 0; lane < kLanes; ++lane) {
+                samples[i][lane] = rows[lane][columns[i]];
+            }
+        }
+    }
 }
 
 /// A bundle of lines and the filter that works on it. Each worker has its own.
@@ -48,8 +69,8 @@ public:
           fraction_(filter.fraction),
           norm_(1.0 / (static_cast<double>(box_) + 2.0 * fraction_)),
           applications_(applications),
-          count_(static_cast<std::size_t>(count)),
-          samples_(count_ + static_cast<std::size_t>(applications) * (box_ + 1)),
+          samples_(static_cast<std::size_t>(count) +
+                   static_cast<std::size_t>(applications) * (box_ + 1)),
           tails_(std::min(box_, samples_.size()))
     {}
 
@@ -70,7 +91,6 @@ private:
     std::size_t box_;  ///< samples that count fully
     double fraction_, norm_;
     int applications_;
-    std::size_t count_;
     std::vector<Sample> samples_;
     std::vector<Sums> tails_;
 };
@@ -187,11 +207,8 @@ bool BoxBlur::makeRoom()
     const Region& area = region();
     const int padX = applications() * filterX_.reach();
     const int padY = applications() * filterY_.reach();
-    const auto padded = [](int length, int pad) {
-        return static_cast<std::size_t>(length + 2 * pad);
-    };
-    columns_ = resolveAll(input_->xAxis(), area.x0 - padX, padded(area.x1 - area.x0, padX));
-    rows_ = resolveAll(input_->yAxis(), area.y0 - padY, padded(area.y1 - area.y0, padY));
+    columns_ = resolveAll(input_->xAxis(), area.x0 - padX, area.x1 + padX);
+    rows_ = resolveAll(input_->yAxis(), area.y0 - padY, area.y1 + padY);
 
     const int lastRow = *std::max_element(rows_.begin(), rows_.end());
     firstRow_ = lastRow;
@@ -230,13 +247,7 @@ void BoxBlur::blurRows()
     std::vector<Sample>& samples = bundle.samples();
     for (int y = rows.begin; y < rows.end; y += kLanes) {
         const int lanes = std::min(kLanes, rows.end - y);
-        for (int lane = 0; lane < lanes; ++lane) {
-            const auto l = static_cast<std::size_t>(lane);
-            const float* row = input_->pixelAt(0, firstRow_ + y + lane);
-            for (std::size_t i = 0; i < samples.size(); ++i) {
-                samples[i][l] = columns_[i] >= 0 ? row[columns_[i]] : input_->fillValue();
-            }
-        }
+        gatherRows(*input_, firstRow_ + y, lanes, columns_, samples);
         bundle.filter();
         for (int lane = 0; lane < lanes; ++lane) {
             const auto l = static_cast<std::size_t>(lane);

@@ -167,24 +167,19 @@ TYPED_TEST(FloodFillTest, FillsNothingFromASeedOfAnotherValue)
     EXPECT_THAT(written.pixels(), Each(4));
 }
 
-/// A corridor one pixel wide that runs to and fro, and a comb that a fill enters from its back.
+/// A corridor one pixel wide that runs to and fro.
 TYPED_TEST(FloodFillTest, FollowsAnyNumberOfSpans)
 {
     const FakeServices services(7);
     constexpr int kSide = 601;
-    TestMap<TypeParam> corridor(kSide, kSide), comb(kSide, kSide), written(kSide, kSide);
+    TestMap<TypeParam> corridor(kSide, kSide), written(kSide, kSide);
     for (int i = 1; i < kSide; i += 2) {
-        for (int j = 0; j < kSide - 1; ++j) {
-            corridor.at(i, i % 4 == 1 ? j : kSide - 1 - j) = 1;
-            comb.at(i, j) = 1;
-        }
+        for (int j = 0; j < kSide - 1; ++j) corridor.at(i, i % 4 == 1 ? j : kSide - 1 - j) = 1;
     }
     FloodFill<TypeParam> fill(TypeParam{1});
     for (int round = 0; round < 2; ++round) {
-        for (const auto* map : {&corridor, &comb}) {
-            fill.process(**map, *written);
-            EXPECT_EQ(fill.filledCount(), 301 * 601 + 300);
-        }
+        fill.process(*corridor, *written);
+        EXPECT_EQ(fill.filledCount(), 301 * 601 + 300);
     }
 }
 
