@@ -14,6 +14,9 @@ namespace {
 /// How often a candidate that keeps clear of the fill region is looked for.
 constexpr int kAvoidAttempts = 999;
 
+/// From so many samples on, positions drawn again are not measured again.
+constexpr int kManySamples = 1000;
+
 constexpr const char* kCannotAvoid = "Cannot avoid matte!\n";
 
 /// Gives a work map a size, keeping its storage when it has that size already.
@@ -115,8 +118,10 @@ typename Quilt<Pixel>::Candidate Quilt<Pixel>::bestCandidate(const BlockPlace& p
     bool found = false;
     const int samples = std::max(in_.blocks->numSamples, 1);
     for (int texture = 0; texture < static_cast<int>(in_.textures.size()); ++texture) {
+        startTrying(place, samples);
         for (int sample = 0; sample < samples && !isAborted(); ++sample) {
             const Candidate candidate = draw(texture, place, random);
+            if (!tried_.isNew(candidate.x, candidate.y)) continue;
             const float error = candidateError(place, candidate);
             // Ties keep the earlier candidate. The first one stands in when no error is a number
             // below the limit, as with pixels that are not finite.
@@ -126,6 +131,22 @@ typename Quilt<Pixel>::Candidate Quilt<Pixel>::bestCandidate(const BlockPlace& p
         }
     }
     return best;
+}
+
+/// Keeps track of the positions drawn from the sample box where there are enough draws for that to
+/// pay.
+template <typename Pixel>
+void Quilt<Pixel>::startTrying(const BlockPlace& place, int samples)
+{
+    const Region& box = in_.sampleBox;
+    const std::int64_t columns = std::int64_t{box.x1} - place.width - box.x0;
+    const std::int64_t rows = std::int64_t{box.y1} - place.height - box.y0;
+    // A box that is smaller than the block draws to its other side.
+    if (samples < kManySamples || avoids() || columns < 0 || rows < 0) {
+        tried_.stop();
+    } else {
+        tried_.start(box.x0, box.y0, columns, rows);
+    }
 }
 
 template <typename Pixel>

@@ -10,6 +10,7 @@
 #include "engine/Random.h"
 #include "engine/RenderObserver.h"
 #include "engine/TemporalState.h"
+#include "engine/TriedPositions.h"
 
 namespace Orvane::Engine {
 
@@ -69,6 +70,7 @@ private:
     void layRow(int rowY, int height);
     void layBlock(const BlockPlace& place);
     Candidate bestCandidate(const BlockPlace& place);
+    void startTrying(const BlockPlace& place, int samples);
     Candidate draw(int texture, const BlockPlace& place, Random& random);
     bool drawAvoiding(Random& random, const BlockPlace& place, Candidate& candidate) const;
     bool touchesFillRegion(const Candidate& candidate, const BlockPlace& place) const;
@@ -93,6 +95,7 @@ private:
     // Work maps keep their storage from block to block.
     Map<Pixel32f> blockError_, columnError_, rowError_, columnCost_, rowCost_;
     std::vector<PixelVec2f> seamV_, seamH_, zeros_;
+    TriedPositions tried_;
     OverlapError<Pixel> overlapError_;
     BlockPaste<Pixel> paste_;
 };

@@ -315,6 +315,20 @@ TEST(Quilt, BlocksDependOnTheirPlaceAndTheSeed)
     EXPECT_NE(first.target.pixels(), otherSeed.target.pixels());
 }
 
+TEST(Quilt, ManySamplesAreTheSameButMeasuredOnce)
+{
+    FakeServices services(1, Testing::FakeThreads::Mode::InARow);
+    SmallQuilt some, many;
+    some.blocks.numSamples = 999;                                    // every draw is measured
+    some.inputs.sampleBox = many.inputs.sampleBox = {2, 1, 17, 15};  // 5 x 4 positions
+    many.blocks.numSamples = 9000000;
+    some.run();
+    const int measured = services.threads.calls;
+    many.run();
+    EXPECT_EQ(some.target.pixels(), many.target.pixels());
+    EXPECT_LT(services.threads.calls - measured, measured / 20);
+}
+
 TEST(Quilt, KeepsClearOfTheFillRegion)
 {
     const FakeServices services;
