@@ -84,7 +84,6 @@ void LuminanceMatch<Pixel>::limitReach()
     const Region& area = region();
     const int longerSide = std::max(area.x1 - area.x0, area.y1 - area.y0);
     const auto farthest = 2.0f * (static_cast<float>(longerSide) + 2.0f);
-
     const float limited = luminanceBlur_ > 0.0f ? std::min(luminanceBlur_, farthest) : 0.0f;
     reach_ = truncateToInt(limited);
     halfReach_ = truncateToInt(limited * 0.5f);

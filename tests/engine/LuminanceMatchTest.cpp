@@ -2,6 +2,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 #include <gmock/gmock.h>
 
@@ -70,9 +71,9 @@ Doubles blurred(const Doubles& values, int width, int radius)
     for (int i = 0; i < width * height; ++i) {
         double sum = 0.0;
         for (int v = std::max(i / width - radius, 0); v <= i / width + radius && v < height; ++v) {
-            const int end = std::min(i % width + radius + 1, width);
-            for (int u = std::max(i % width - radius, 0); u < end; ++u)
-                sum += values[static_cast<std::size_t>(v * width + u)];
+            const auto row = values.begin() + v * width;
+            sum += std::accumulate(row + std::max(i % width - radius, 0),
+                                   row + std::min(i % width + radius + 1, width), 0.0);
         }
         result.push_back(sum * norm);
     }
@@ -103,7 +104,8 @@ Doubles reference(const Match<Pixel>& match, int blur)
         known[i] = 1.0;
         ratio[i] = source[i] / destination[i];
     }
-    const double threshold = 1.0 / ((1 + blur / 2) * (1 + blur / 2));
+    const int k = 1 + blur / 2;
+    const double threshold = 1.0 / (k * k);
     for (bool finished = false; !finished; before = known) {
         const Doubles support = blurred(known, width, blur / 2);
         known = blurred(known, width, blur);
