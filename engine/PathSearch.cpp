@@ -99,7 +99,8 @@ float PathSearch<Pixel>::pixelCost(PixelPoint p) const
         const auto square = [](std::int64_t d) { return d * d; };
         const std::int64_t sum = square(std::int64_t{a.r} - b.r) + square(std::int64_t{a.g} - b.g) +
                                  square(std::int64_t{a.b} - b.b);
-        return static_cast<float>(sum / 3);
+        const std::int64_t mean = sum / 3;
+        return static_cast<float>(mean);
     } else {
         // exact: float, one rounding for each operation, in the order R, G, B.
         const auto square = [](float d) { return d * d; };

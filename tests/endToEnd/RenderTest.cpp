@@ -89,8 +89,9 @@ void expectReference(Depth depth)
     const Picture picture = plainRender(depth);
     for (int y = 0; y < 70; ++y) {
         for (int x = 0; x < 96; ++x) {
-            const Pixel pixel =
-                composited(texture.at(x, y), expected[static_cast<std::size_t>(y * 96 + x)]);
+            const Pixel pixel = composited(
+                texture.at(x, y),
+                expected[static_cast<std::size_t>(y) * 96 + static_cast<std::size_t>(x)]);
             ASSERT_EQ(*picture.pixel<Pixel>(x, y), pixel) << x << ' ' << y;
         }
     }
@@ -118,9 +119,9 @@ struct HostCase {
     std::function<void(HostQuirks&)> spoil;
 };
 
-void PrintTo(const HostCase& host, std::ostream* out)
+std::ostream& operator<<(std::ostream& out, const HostCase& host)
 {
-    *out << host.name;
+    return out << host.name;
 }
 
 class HostsAsTheyAre : public ::testing::TestWithParam<HostCase> {};
@@ -135,7 +136,7 @@ TEST_P(HostsAsTheyAre, RenderTheSamePicture)
     EXPECT_TRUE(samePixels(rig.render(), expected));
 }
 
-constexpr auto caseName = [](const auto& info) { return std::string(info.param.name); };
+constexpr auto kCaseName = [](const auto& info) { return std::string(info.param.name); };
 
 INSTANTIATE_TEST_SUITE_P(
     Quirks, HostsAsTheyAre,
@@ -168,7 +169,7 @@ INSTANTIATE_TEST_SUITE_P(
                  [](auto& q) { q.missingSuites.insert("OfxInteractSuite"); }},
         HostCase{"NullDerivatives", [](auto& q) { q.nullDerivativeMembers = true; }},
         HostCase{"DescribedTwice", [](auto& q) { q.describeTwice = true; }}),
-    caseName);
+    kCaseName);
 
 TEST(Render, SurvivesInputsThatAreSmallerThanTheySay)
 {

@@ -68,7 +68,8 @@ TYPED_TEST(RenderDriver, FillsTheWindowAndReleasesEveryImage)
     for (int y = 0; y < 30; ++y) {
         for (int x = 0; x < 40; ++x) {
             const bool inside = x >= 5 && y >= 3 && y < 25;
-            const auto& pixel = picture[static_cast<std::size_t>(y * 40 + x)];
+            const auto& pixel =
+                picture[static_cast<std::size_t>(y) * 40 + static_cast<std::size_t>(x)];
             EXPECT_EQ(pixel == Testing::grey<TypeParam>(0.25f), !inside) << x << ' ' << y;
         }
     }

@@ -81,7 +81,8 @@ TYPED_TEST(MaskedNode, ChangesTheRegionAndItsBandAndNothingElse)
         for (int y = 0; y < kHeight; ++y) {
             for (int x = 0; x < kWidth; ++x) {
                 const TypeParam& in = fill.source.at(x, y);
-                const TypeParam& out = picture[static_cast<std::size_t>(y * kWidth + x)];
+                const TypeParam& out =
+                    picture[static_cast<std::size_t>(y) * kWidth + static_cast<std::size_t>(x)];
                 const bool same = in.r == out.r && in.g == out.g && in.b == out.b;
                 const bool inside = fill.mask->read(x, y) != 0.0f;
                 changedInside += inside && !same;
