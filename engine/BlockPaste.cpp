@@ -4,7 +4,7 @@
 
 #include "engine/ExactMath.h"
 #include "engine/MapRow.h"
-#include "engine/PixelTraits.h"
+#include "engine/PixelMix.h"
 
 namespace Orvane::Engine {
 namespace {
@@ -29,18 +29,6 @@ float share(int dx, int dy, const Blend& blend)
     if (dx >= 0 && dy >= -blend.height) return 0.5f - -y * 0.5f / bh;
     if (dx >= -blend.width && dy >= 0) return 0.5f - -x * 0.5f / bw;
     return kNothing;
-}
-
-template <typename Pixel>
-Pixel mixed(const Pixel& d, const Pixel& s, float t)
-{
-    // exact: float d + (s - d) * t for each of R, G and B, stored toward zero.
-    const auto mix = [t](auto from, auto to) {
-        const auto a = static_cast<float>(from);
-        const auto b = static_cast<float>(to);
-        return PixelTraits<Pixel>::stored(a + (b - a) * t);
-    };
-    return {mix(d.r, s.r), mix(d.g, s.g), mix(d.b, s.b), d.a};
 }
 
 }  // namespace
