@@ -10,6 +10,7 @@
 #include "engine/LuminanceMatch.h"
 #include "engine/MapRow.h"
 #include "engine/MaskGradient.h"
+#include "engine/PixelMix.h"
 #include "engine/PixelTraits.h"
 #include "engine/RowCopy.h"
 
@@ -71,17 +72,13 @@ int withMargins(int size, float pathWidth, float edgeBlend)
     return truncateToInt(static_cast<float>(size) + 10.0f * (pathWidth + edgeBlend));
 }
 
+/// Alpha stays the texture's.
 template <typename Pixel>
 Pixel composited(const Pixel& texture, const Pixel& source, float share)
 {
-    // exact: float source + (texture - source) * share, stored toward zero; alpha stays.
-    const auto mix = [share](auto from, auto to) {
-        const auto a = static_cast<float>(from);
-        const auto b = static_cast<float>(to);
-        return PixelTraits<Pixel>::stored(a + (b - a) * share);
-    };
-    return {mix(source.r, texture.r), mix(source.g, texture.g), mix(source.b, texture.b),
-            texture.a};
+    Pixel result = mixed(source, texture, share);
+    result.a = texture.a;
+    return result;
 }
 
 }  // namespace
@@ -331,6 +328,25 @@ void SynthesisNode<Pixel>::fitBoundary(const Region& fillRect)
     if (observer_ != nullptr && noteOf(outcome) != nullptr) observer_->note(noteOf(outcome));
     pathBand_.release();
     bandGradient_.release();
+}
+
+template <typename Pixel>
+void SynthesisNode<Pixel>::beginPass()
+{
+    compositing_.emplace(observer_, "composite");
+}
+
+template <typename Pixel>
+void SynthesisNode<Pixel>::endPass()
+{
+    compositing_.reset();
+}
+
+/// An abort found after `beginPass` skips `endPass`.
+template <typename Pixel>
+void SynthesisNode<Pixel>::end()
+{
+    compositing_.reset();
 }
 
 /// The final composite, on the rows of one worker.

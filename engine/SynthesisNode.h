@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <vector>
 
 #include "engine/BlockPaste.h"
@@ -46,6 +47,9 @@ public:
 
     void begin() override;
     void processPass() override;
+    void end() override;
+    void beginPass() override;
+    void endPass() override;
 
 private:
     void collectTextures();
@@ -64,6 +68,7 @@ private:
     SynthesisSettings<Pixel> settings_;
     TemporalState* state_;
     RenderObserver* observer_;
+    std::optional<ObservedStage> compositing_;
     std::vector<Map<Pixel>*> textures_;
     Map<Pixel32f> pathBand_;            ///< positive on known pixels round the fill region
     Map<PixelVec2f> bandGradient_;      ///< of the blurred mask; points towards the fill region

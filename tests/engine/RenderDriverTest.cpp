@@ -74,7 +74,7 @@ TYPED_TEST(RenderDriver, FillsTheWindowAndReleasesEveryImage)
         }
     }
     EXPECT_EQ(rig.context.released, 2);
-    EXPECT_THAT(rig.observer.stages, ElementsAre("quilt"));
+    EXPECT_THAT(rig.observer.stages, ElementsAre("quilt", "composite"));
     EXPECT_THAT(rig.observer.blocks, SizeIs(5 * 3));
     EXPECT_EQ(rig.observer.lastProgress, 1.0);
 }
@@ -87,7 +87,7 @@ TYPED_TEST(RenderDriver, LaysTheSameBlocksAgainWhileConsistent)
         rig.context.numbers["blendSize"] = blend;
         const auto first = rig.render(0);
         const auto again = rig.render(5);
-        EXPECT_THAT(rig.observer.stages, ElementsAre("replay"));
+        EXPECT_THAT(rig.observer.stages, ElementsAre("replay", "composite"));
         if (blend == 0) {
             EXPECT_EQ(first, again);
         }
@@ -100,10 +100,11 @@ TYPED_TEST(RenderDriver, LaysTheSameBlocksAgainWhileConsistent)
         rig.render(7);
         rig.context.numbers["temporalConsistancy"] = 1;
         rig.render(8);
-        EXPECT_THAT(rig.observer.stages, ElementsAre("quilt")) << "switched off in between";
+        EXPECT_THAT(rig.observer.stages, ElementsAre("quilt", "composite"))
+            << "switched off in between";
         rig.state.discard();
         rig.render(9);
-        EXPECT_THAT(rig.observer.stages, ElementsAre("quilt"));
+        EXPECT_THAT(rig.observer.stages, ElementsAre("quilt", "composite"));
         EXPECT_EQ(rig.context.released, 14);
     }
 }
@@ -149,6 +150,7 @@ TEST(RenderDriver8, BlocksOfAnAbortedOrFailedRenderAreNotLaidAgain)
         polls = allowed;
         rig.clear();
         renderFrame(rig.context, rig.state, PixelKind::RGBA8);
+        EXPECT_EQ(rig.observer.open, 0) << "every stage ends";
         if (rig.context.status.aborted == 0) break;
         EXPECT_FALSE(rig.state.valid);
         ASSERT_LT(allowed, 10000) << "never came to its end";

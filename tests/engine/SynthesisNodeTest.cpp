@@ -92,7 +92,7 @@ TYPED_TEST(MaskedNode, ChangesTheRegionAndItsBandAndNothingElse)
             }
         }
         EXPECT_GT(changedInside, 250) << "of 320";
-        std::vector<std::string> stages{"band", "quilt", "boundary"};
+        std::vector<std::string> stages{"band", "quilt", "boundary", "composite"};
         if (match) stages.insert(stages.begin() + 2, "luminance");
         EXPECT_EQ(fill.observer.stages, stages);
         EXPECT_EQ(fill.observer.open, 0);
