@@ -17,6 +17,17 @@ using Engine::PixelKind;
 
 namespace {
 
+/// What whole and fractional numbers have in common.
+template <typename Row, typename Param>
+void copyRange(const Row& row, Param& param)
+{
+    param.initial = row.initial;
+    param.min = row.min;
+    param.max = row.max;
+    param.displayMin = row.displayMin;
+    param.displayMax = row.displayMax;
+}
+
 /// Makes the object of one row of the parameter table, with everything but its names.
 struct ParamMaker {
     OvOfxEffect& effect;
@@ -26,22 +37,14 @@ struct ParamMaker {
     OvOfxParam& operator()(const Integer& row) const
     {
         auto& param = effect.own<OvOfxIntegerParam>(name);
-        param.initial = row.initial;
-        param.min = row.min;
-        param.max = row.max;
-        param.displayMin = row.displayMin;
-        param.displayMax = row.displayMax;
+        copyRange(row, param);
         return param;
     }
 
     OvOfxParam& operator()(const Real& row) const
     {
         auto& param = effect.own<OvOfxDoubleParam>(name);
-        param.initial = row.initial;
-        param.min = row.min;
-        param.max = row.max;
-        param.displayMin = row.displayMin;
-        param.displayMax = row.displayMax;
+        copyRange(row, param);
         param.increment = row.increment;
         return param;
     }
