@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "engine/ExactMath.h"
+#include "engine/RegionMask.h"
 #include "engine/SynthesisNode.h"
 
 namespace Orvane::Engine {
@@ -13,8 +15,8 @@ namespace {
 
 constexpr int kEntireImage = 0;  ///< the choice of "fillRegion" that needs no mask
 constexpr int kSeamStep = 2;
-constexpr const char* kMaskIgnored =
-    "this version cannot fill a masked region yet, so the whole picture is filled";
+constexpr int kMaxLuminancePasses = 2147483647;
+constexpr const char* kNoMask = "there is no mask to fill, so the whole picture is filled";
 
 /// A host image and the engine's own view of it. The view goes first, then the image.
 template <typename Pixel>
@@ -77,8 +79,14 @@ public:
         settings.useStoredBlocks = decideReplay();
         StateKeeper keeper(state_);
         if (settings.useStoredBlocks) keeper.keep();
-        readFillRegion();
+        const int choice = context_.intAt("fillRegion", time_);
+        mask_.fetch(context_, choice, source.map);
         readSettings(settings);
+        if (!mask_.exists()) {
+            sayThatThereIsNoMask(choice);
+        } else if (!prepareMask(settings)) {
+            return;
+        }
         std::array<FetchedMap<Pixel>, 3> textures;
         fetchTextures(textures, source.map, settings);
 
@@ -107,12 +115,21 @@ private:
         return replays;
     }
 
-    void readFillRegion()
+    /// Whether the render goes on: it ends when the host asks to while the mask is prepared.
+    bool prepareMask(SynthesisSettings<Pixel>& settings)
+    {
+        const ObservedStage stage(context_.observer(), "mask");
+        preparedMask_ = mask_.prepare(settings.seed, context_.renderStatus());
+        if (!preparedMask_) return false;
+        settings.fillMask = &*preparedMask_;
+        settings.fillAll = false;
+        return true;
+    }
+
+    void sayThatThereIsNoMask(int choice)
     {
         RenderObserver* observer = context_.observer();
-        if (observer != nullptr && context_.intAt("fillRegion", time_) != kEntireImage) {
-            observer->note(kMaskIgnored);
-        }
+        if (choice != kEntireImage && observer != nullptr) observer->note(kNoMask);
     }
 
     void readSettings(SynthesisSettings<Pixel>& settings)
@@ -126,7 +143,19 @@ private:
         settings.blocks.blendH = blend;
         settings.blocks.numSamples = context_.intAt("numSamples", time_);
         settings.blocks.seamStep = kSeamStep;
+        settings.pathWidth = lengthAt("pathWidth");
+        settings.edgeBlend = lengthAt("edgeBlend");
         settings.avoidFillRegion = context_.boolAt("avoidFillRegion", time_);
+        settings.luminanceMatch = context_.boolAt("luminanceMatch", time_);
+        settings.luminanceBlur = lengthAt("luminanceBlur");
+        settings.maxPasses = kMaxLuminancePasses;
+    }
+
+    /// A length in pixels of this render; a negative one and NaN count as 0.
+    float lengthAt(const char* name)
+    {
+        const auto length = static_cast<float>(context_.doubleAt(name, time_));
+        return length > 0.0f ? length : 0.0f;
     }
 
     /// A length in pixels at full size, as pixels of this render; the horizontal scale serves both
@@ -176,6 +205,8 @@ private:
     RenderContext& context_;
     TemporalState& state_;
     double time_;
+    RegionMask<Pixel> mask_;
+    std::optional<Map<Pixel32f>> preparedMask_;
 };
 
 template <typename Pixel>
