@@ -28,6 +28,8 @@ struct FrameResult {
 class JobListener : public Host::RenderListener {
 public:
     virtual void frameBegan(int /*frame*/) {}
+    /// One of several areas of the frame's matte is about to be filled; they count from 0.
+    virtual void areaBegan(std::size_t /*area*/, std::size_t /*count*/) {}
     /// From another thread, while the next frame renders.
     virtual void frameWritten(const FrameResult& /*result*/) {}
     /// One line about a file or from the host; the same line comes once. From any thread.
