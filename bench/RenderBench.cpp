@@ -1,6 +1,8 @@
-// The whole render action of the built plug-in in the embedded host: "Entire Image" with default
-// parameters. Arguments are width, height, depth (0 byte, 1 short, 2 float) and threads.
+// The whole render action of the built plug-in in the embedded host with default parameters:
+// "Entire Image", and a masked hole. Arguments are width, height, depth (0 byte, 1 short, 2 float)
+// and threads, or whether luminance is matched and the matte is cropped to the hole.
 
+#include <algorithm>
 #include <memory>
 #include <random>
 
@@ -25,30 +27,90 @@ std::shared_ptr<Picture> noisePicture(OfxRectI bounds, Depth depth)
     return std::make_shared<Picture>(picture.converted(depth, Components::RGBA));
 }
 
+/// The plug-in in a host, with an instance that renders a picture of noise whole.
+struct Rig {
+    Rig(const char* context, int width, int height, Depth depth, unsigned int threads)
+        : window{0, 0, width, height}, output(window, depth), host(optionsFor(threads))
+    {
+        const auto library = PluginLibrary::load(TESSERET_PLUGIN_FILE);
+        effect = std::make_unique<Effect>(host, library, library->plugin());
+        effect->start();
+        instance = effect->createInstance(context);
+        instance->connect("Source", std::make_shared<StillSource>(noisePicture(window, depth)));
+    }
+    static HostOptions optionsFor(unsigned int threads)
+    {
+        HostOptions options;
+        options.threads = threads;
+        return options;
+    }
+    void run(benchmark::State& state)
+    {
+        RenderRequest request;
+        request.window = window;
+        for (auto _ : state) {
+            if (instance->renderOnly(request, &output) != kOfxStatOK) state.SkipWithError("failed");
+        }
+        state.SetItemsProcessed(state.iterations() * output.width() * output.height());
+        state.counters["image memory MB"] = static_cast<double>(host.counters().bytesPeak) / 1e6;
+    }
+
+    OfxRectI window;
+    Picture output;
+    EmbeddedHost host;
+    std::unique_ptr<Effect> effect;
+    std::unique_ptr<Instance> instance;
+};
+
 void renderEntireImage(benchmark::State& state)
 {
-    const OfxRectI window{0, 0, static_cast<int>(state.range(0)), static_cast<int>(state.range(1))};
-    const auto depth = static_cast<Depth>(state.range(2));
-    HostOptions options;
-    options.threads = static_cast<unsigned int>(state.range(3));
-    EmbeddedHost host(options);
-    const auto library = PluginLibrary::load(TESSERET_PLUGIN_FILE);
-    Effect effect(host, library, library->plugin());
-    effect.start();
-    const auto instance = effect.createInstance(kOfxImageEffectContextFilter);
-    instance->connect("Source", std::make_shared<StillSource>(noisePicture(window, depth)));
-    Picture output(window, depth);
-    RenderRequest request;
-    request.window = window;
-    for (auto _ : state) {
-        if (instance->renderOnly(request, &output) != kOfxStatOK) state.SkipWithError("failed");
-    }
-    state.SetItemsProcessed(state.iterations() * output.width() * output.height());
-    state.counters["image memory MB"] = static_cast<double>(host.counters().bytesPeak) / 1e6;
+    Rig rig(kOfxImageEffectContextFilter, static_cast<int>(state.range(0)),
+            static_cast<int>(state.range(1)), static_cast<Depth>(state.range(2)),
+            static_cast<unsigned int>(state.range(3)));
+    rig.run(state);
 }
 BENCHMARK(renderEntireImage)
     ->ArgsProduct({{1920}, {1080}, {0, 1, 2}, {1, 2}})
     ->Args({3840, 2160, 0, 2})
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+
+/// A matte with a hole of 300 x 300 pixels in the middle of the picture: as large as the picture,
+/// or cropped to the hole.
+std::shared_ptr<Picture> holeMatte(OfxRectI picture, Depth depth, bool cropped)
+{
+    const int x = (picture.x2 - 300) / 2, y = (picture.y2 - 300) / 2;
+    const OfxRectI hole{x, y, x + 300, y + 300};
+    Picture matte(cropped ? hole : picture, Depth::Byte, Components::Alpha);
+    for (int row = hole.y1; row < hole.y2; ++row) {
+        std::fill_n(matte.pixel<std::uint8_t>(hole.x1, row), 300, std::uint8_t{255});
+    }
+    return std::make_shared<Picture>(matte.converted(depth, Components::Alpha));
+}
+
+void renderMasked(benchmark::State& state)
+{
+    const auto depth = static_cast<Depth>(state.range(2));
+    const bool cropped = state.range(4) != 0;
+    Rig rig(kOfxImageEffectContextGeneral, static_cast<int>(state.range(0)),
+            static_cast<int>(state.range(1)), depth, 2);
+    rig.instance->connect("Matte",
+                          std::make_shared<StillSource>(holeMatte(rig.window, depth, cropped)));
+    rig.instance->set("luminanceMatch", static_cast<int>(state.range(3)));
+    rig.run(state);
+    // The margin is five times pathWidth and edgeBlend, which are 10 and 5, on every side of the
+    // mask and its border of one pixel.
+    constexpr double kMargins = 2 * 5 * (10 + 5) + 2;
+    const double width = cropped ? 300 : static_cast<double>(state.range(0));
+    const double height = cropped ? 300 : static_cast<double>(state.range(1));
+    state.counters["bytes per filled pixel"] = static_cast<double>(rig.host.counters().bytesPeak) /
+                                               ((width + kMargins) * (height + kMargins));
+}
+BENCHMARK(renderMasked)
+    ->ArgNames({"width", "height", "depth", "luminance", "cropped"})
+    ->ArgsProduct({{1920}, {1080}, {0, 1, 2}, {0, 1}, {0, 1}})
+    ->ArgsProduct({{3840}, {2160}, {0, 1, 2}, {0, 1}, {0, 1}})
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
