@@ -169,6 +169,8 @@ void LuminanceMatch<Pixel>::spreadRow(int y, Outcome& outcome)
     const RowReader support(support_, y);
     const RowReader before(knownBefore_, y);
     const RowReader earlier(knownEarlier_, y);
+    const Region needed = needed_.value_or(region());
+    const bool rowNeeded = y >= needed.y0 && y < needed.y1;
     for (int x = region().x0; x < region().x1; ++x) {
         const bool isKnown = support[x] >= threshold;
         ratio[x] = isKnown ? ratio[x] / known[x] : 0.0f;
@@ -177,7 +179,7 @@ void LuminanceMatch<Pixel>::spreadRow(int y, Outcome& outcome)
             outcome.becameKnown = true;
             if (Pixel32f* gain = luminanceGain_->translate(x, y)) *gain = ratio[x];
         }
-        if (!isKnown) outcome.allKnown = false;
+        if (!isKnown && rowNeeded && x >= needed.x0 && x < needed.x1) outcome.allKnown = false;
         if (known[x] != earlier[x]) outcome.leftEarlier = true;
     }
 }
@@ -200,7 +202,7 @@ void LuminanceMatch<Pixel>::endPass()
     if (pass < maxPasses_ && (pass == 0 || canSpread())) setNumPasses(pass + 2);
 }
 
-/// Whether some pixel is unknown and another pass may change that.
+/// Whether some pixel still needs a gain and another pass may change that.
 template <typename Pixel>
 bool LuminanceMatch<Pixel>::canSpread() const
 {

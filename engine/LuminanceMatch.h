@@ -1,6 +1,7 @@
 #pragma once
 
 #include <limits>
+#include <optional>
 #include <vector>
 
 #include "engine/BoxBlur.h"
@@ -13,9 +14,9 @@ namespace Orvane::Engine {
 /// spreads over the region, each time to the pixels that have enough known ones around them, as
 /// their mean. The gain of a pixel is the ratio in the pass that makes it known.
 ///
-/// The node ends when every pixel of its region is known, at the pass limit, after an abort, and as
-/// soon as no later pass can finish: an empty band leaves the gain as it was. A ratio that is not a
-/// finite number counts as not measured. Passes are about as many as the farthest pixel is
+/// The node ends when every pixel that needs a gain is known, at the pass limit, after an abort,
+/// and as soon as no later pass can finish: an empty band leaves the gain as it was. A ratio that
+/// is not a finite number counts as not measured. Passes are about as many as the farthest pixel is
 /// half-blurs away, and cost the same each.
 ///
 /// Without memory the render status says aborted, error code 1000, and the gain stays as it was or
@@ -34,6 +35,9 @@ public:
     /// How far one pass spreads, in pixels; a negative number and NaN count as 0.
     void setLuminanceBlur(float pixels) { luminanceBlur_ = pixels; }
     void setMaxPasses(int count) { maxPasses_ = count; }
+    /// The part of the region whose gain will be used; all of it unless set. The gain of a pixel
+    /// never changes once it is known, so it does not depend on this.
+    void setNeeded(const Region& part) { needed_ = part; }
 
     /// Matches over the node's region of a picture that holds the texture. It is only read.
     void process(const Map<Pixel>& destination);
@@ -46,7 +50,7 @@ public:
 private:
     /// What one worker saw of its rows in a spreading pass.
     struct Outcome {
-        bool allKnown = true;      ///< every pixel is known
+        bool allKnown = true;      ///< every pixel that needs a gain is known
         bool becameKnown = false;  ///< a pixel is known that was not one pass ago
         bool leftEarlier = false;  ///< a pixel is not as it was two passes ago
     };
@@ -66,6 +70,7 @@ private:
     Map<Pixel32f>* luminanceGain_;
     float luminanceBlur_ = 2.0f;
     int maxPasses_ = std::numeric_limits<int>::max();
+    std::optional<Region> needed_;
     const Map<Pixel>* destination_ = nullptr;
     int reach_ = 0, halfReach_ = 0;  ///< blur radii, pixels
     BoxBlur blur_{BoxBlur::OneApplication};

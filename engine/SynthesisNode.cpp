@@ -72,6 +72,30 @@ int withMargins(int size, float pathWidth, float edgeBlend)
     return truncateToInt(static_cast<float>(size) + 10.0f * (pathWidth + edgeBlend));
 }
 
+/// How far three applications of a box reach, pixels; no farther than any picture is large.
+int blurReach(float radius)
+{
+    constexpr float kLongest = 1e8f;
+    return 3 * (truncateToInt(std::min(radius, kLongest)) + 1);
+}
+
+/// The smallest region that holds every pixel of a mask that is not 0, grown by a margin.
+Region boundsOf(const Map<Pixel32f>& mask, int margin)
+{
+    const MapAxis& xAxis = mask.xAxis();
+    const MapAxis& yAxis = mask.yAxis();
+    Region bounds{xAxis.origin + xAxis.size, yAxis.origin + yAxis.size, xAxis.origin, yAxis.origin};
+    for (int y = yAxis.origin; y < yAxis.origin + yAxis.size; ++y) {
+        const RowReader row(mask, y);
+        for (int x = xAxis.origin; x < xAxis.origin + xAxis.size; ++x) {
+            if (row[x] == 0.0f) continue;
+            bounds = {std::min(bounds.x0, x), std::min(bounds.y0, y), std::max(bounds.x1, x + 1),
+                      std::max(bounds.y1, y + 1)};
+        }
+    }
+    return {bounds.x0 - margin, bounds.y0 - margin, bounds.x1 + margin, bounds.y1 + margin};
+}
+
 /// Alpha stays the texture's.
 template <typename Pixel>
 Pixel composited(const Pixel& texture, const Pixel& source, float share)
@@ -306,6 +330,9 @@ void SynthesisNode<Pixel>::matchLuminance(const Region& fillRect)
     match.setStatusRecord(this->statusRecord());
     match.setLuminanceBlur(std::max(settings_.luminanceBlur, kLeastLuminanceBlur));
     match.setMaxPasses(settings_.maxPasses);
+    // The boundary runs in the band, and beyond its softened edge no texture shows.
+    const int reach = blurReach(settings_.pathWidth) + blurReach(settings_.edgeBlend);
+    match.setNeeded(boundsOf(*settings_.fillMask, reach));
     match.setRegion(fillRect);
     const Region& window = this->region();
     this->target().setOffset(window.x0, window.y0);

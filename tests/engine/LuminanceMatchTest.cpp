@@ -277,6 +277,29 @@ TEST(LuminanceMatch, StaysInsideItsRegionAndTheGainMap)
     EXPECT_THAT(small.pixels(), Each(2.0f));
 }
 
+TEST(LuminanceMatch, EndsEarlyWhereFewPixelsNeedAGain)
+{
+    const FakeServices services(2);
+    Match<PixelRGBAf> all(Testing::noise<PixelRGBAf>(60, 20, 1),
+                          Testing::noise<PixelRGBAf>(60, 20, 2));
+    for (int y = 0; y < 20; ++y) all.measureAt(4, y), all.measureAt(5, y);
+    const std::vector<float> whole = all.run(5.0f);
+    const auto runFor = [&](const Region& part) {
+        all.gain.pixels().assign(whole.size(), kUntouched);
+        LuminanceMatch<PixelRGBAf> node(*all.band, *all.source, *all.gain);
+        node.setLuminanceBlur(5.0f);
+        node.setNeeded(part);
+        node.process(*all.destination);
+        return all.gain.pixels();
+    };
+    const std::vector<float> part = runFor({-100, -100, 20, 100});
+    for (std::size_t i = 0; i < part.size(); ++i) {
+        EXPECT_TRUE(part[i] == whole[i] || (i % 60 >= 20 && part[i] == kUntouched)) << i;
+    }
+    EXPECT_EQ(part[59], kUntouched) << "no pass goes on to the far side";
+    EXPECT_EQ(runFor({59, 0, 60, 1}), whole);
+}
+
 TEST(LuminanceMatch, EndsAtOnceWhenAbortedAtAnyPoll)
 {
     FakeServices services(2, Testing::FakeThreads::Mode::InARow);
