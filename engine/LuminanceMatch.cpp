@@ -19,6 +19,19 @@ constexpr float kLeastBandWeight = 0.01f;  ///< a weaker band pixel is no measur
 constexpr float kKnown = 0.1f;             ///< from here on a pixel counts as known
 constexpr int kLumaRadius = 5;             ///< pixels
 
+Region united(const Region& a, const Region& b)
+{
+    if (a.isEmpty()) return b;
+    if (b.isEmpty()) return a;
+    return {std::min(a.x0, b.x0), std::min(a.y0, b.y0), std::max(a.x1, b.x1), std::max(a.y1, b.y1)};
+}
+
+bool contains(const Region& outer, const Region& inner)
+{
+    return inner.isEmpty() || (inner.x0 >= outer.x0 && inner.y0 >= outer.y0 &&
+                               inner.x1 <= outer.x1 && inner.y1 <= outer.y1);
+}
+
 /// No correction where the texture is black.
 float lumaRatio(float source, float destination)
 {
@@ -51,6 +64,7 @@ void LuminanceMatch<Pixel>::begin()
         return;
     }
     limitReach();
+    active_ = {};
     clear(ratio_);
     clear(knownBefore_);
     BandWeight weight(PixelTraits<Pixel>::kMax);
@@ -111,6 +125,7 @@ void LuminanceMatch<Pixel>::blur(const Map<Pixel32f>& from, Map<Pixel32f>& to, i
 {
     const auto pixels = static_cast<float>(radius);
     blur_.setStatusRecord(statusRecord());
+    blur_.setRegion(active_.isEmpty() ? region() : active_);
     blur_.setRadius(pixels, pixels);
     blur_.process(from, to);
 }
@@ -118,6 +133,7 @@ void LuminanceMatch<Pixel>::blur(const Map<Pixel32f>& from, Map<Pixel32f>& to, i
 template <typename Pixel>
 void LuminanceMatch<Pixel>::beginPass()
 {
+    if (currentPass() > 0) widenActive();
     // A thread with a row to do has an index below the number of rows.
     outcomes_.assign(static_cast<std::size_t>(region().y1 - region().y0), Outcome{});
     if (currentPass() == 0) return;
@@ -127,15 +143,40 @@ void LuminanceMatch<Pixel>::beginPass()
 }
 
 template <typename Pixel>
+Region LuminanceMatch<Pixel>::neededPart() const
+{
+    const Region& area = region();
+    const Region part = needed_.value_or(area);
+    return {std::max(part.x0, area.x0), std::max(part.y0, area.y0), std::min(part.x1, area.x1),
+            std::min(part.y1, area.y1)};
+}
+
+/// The next pass changes nothing farther from a known pixel than a blur reaches.
+template <typename Pixel>
+void LuminanceMatch<Pixel>::widenActive()
+{
+    Region known;
+    for (const Outcome& outcome : outcomes_) known = united(known, outcome.knownBounds);
+    if (known.isEmpty()) return;
+    const Region& area = region();
+    const int reach = reach_ + 1;
+    active_ =
+        united(active_, {std::max(known.x0 - reach, area.x0), std::max(known.y0 - reach, area.y0),
+                         std::min(known.x1 + reach, area.x1), std::min(known.y1 + reach, area.y1)});
+}
+
+template <typename Pixel>
 void LuminanceMatch<Pixel>::processPass()
 {
     const RowRange rows = threadRows();
     if (rows.isEmpty()) return;
     Outcome outcome;
+    const bool measures = currentPass() == 0;
+    outcome.allKnown = measures || contains(active_, neededPart());
     for (int y = rows.begin; y < rows.end; ++y) {
-        if (currentPass() == 0) {
-            measureRow(y);
-        } else {
+        if (measures) {
+            measureRow(y, outcome);
+        } else if (y >= active_.y0 && y < active_.y1) {
             spreadRow(y, outcome);
         }
     }
@@ -143,7 +184,7 @@ void LuminanceMatch<Pixel>::processPass()
 }
 
 template <typename Pixel>
-void LuminanceMatch<Pixel>::measureRow(int y)
+void LuminanceMatch<Pixel>::measureRow(int y, Outcome& outcome)
 {
     RowWriter known(known_, y);
     RowWriter ratio(ratio_, y);
@@ -153,7 +194,9 @@ void LuminanceMatch<Pixel>::measureRow(int y)
         const float measured = lumaRatio(source[x], destination[x]);
         const bool counts = known[x] > kLeastBandWeight && std::isfinite(measured);
         known[x] = counts ? 1.0f : 0.0f;
-        if (counts) ratio[x] = measured;
+        if (!counts) continue;
+        ratio[x] = measured;
+        outcome.knownBounds = united(outcome.knownBounds, {x, y, x + 1, y + 1});
     }
 }
 
@@ -169,12 +212,17 @@ void LuminanceMatch<Pixel>::spreadRow(int y, Outcome& outcome)
     const RowReader support(support_, y);
     const RowReader before(knownBefore_, y);
     const RowReader earlier(knownEarlier_, y);
-    const Region needed = needed_.value_or(region());
+    const Region needed = neededPart();
     const bool rowNeeded = y >= needed.y0 && y < needed.y1;
-    for (int x = region().x0; x < region().x1; ++x) {
+    int firstKnown = active_.x1, lastKnown = active_.x0 - 1;
+    for (int x = active_.x0; x < active_.x1; ++x) {
         const bool isKnown = support[x] >= threshold;
         ratio[x] = isKnown ? ratio[x] / known[x] : 0.0f;
         known[x] = isKnown ? 1.0f : 0.0f;
+        if (isKnown) {
+            firstKnown = std::min(firstKnown, x);
+            lastKnown = x;
+        }
         if (isKnown && before[x] < kKnown) {
             outcome.becameKnown = true;
             if (Pixel32f* gain = luminanceGain_->translate(x, y)) *gain = ratio[x];
@@ -182,6 +230,7 @@ void LuminanceMatch<Pixel>::spreadRow(int y, Outcome& outcome)
         if (!isKnown && rowNeeded && x >= needed.x0 && x < needed.x1) outcome.allKnown = false;
         if (known[x] != earlier[x]) outcome.leftEarlier = true;
     }
+    outcome.knownBounds = united(outcome.knownBounds, {firstKnown, y, lastKnown + 1, y + 1});
 }
 
 template <typename Pixel>

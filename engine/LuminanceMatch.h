@@ -53,6 +53,7 @@ private:
         bool allKnown = true;      ///< every pixel that needs a gain is known
         bool becameKnown = false;  ///< a pixel is known that was not one pass ago
         bool leftEarlier = false;  ///< a pixel is not as it was two passes ago
+        Region knownBounds;        ///< holds every known pixel
     };
 
     using MapProcessor::process;
@@ -61,7 +62,9 @@ private:
     void takeLuma(const Map<Pixel>& picture, Map<Pixel32f>& luma);
     void clear(Map<Pixel32f>& map);
     void blur(const Map<Pixel32f>& from, Map<Pixel32f>& to, int radius);
-    void measureRow(int y);
+    Region neededPart() const;
+    void widenActive();
+    void measureRow(int y, Outcome& outcome);
     void spreadRow(int y, Outcome& outcome);
     bool canSpread() const;
 
@@ -75,6 +78,7 @@ private:
     int reach_ = 0, halfReach_ = 0;  ///< blur radii, pixels
     BoxBlur blur_{BoxBlur::OneApplication};
     std::vector<Outcome> outcomes_;  ///< one for each worker thread
+    Region active_;                  ///< what a pass works on; nothing is known outside of it
 
     // Work maps, as large as the region.
     Map<Pixel32f> ratio_;                  ///< where known, else 0
