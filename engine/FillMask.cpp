@@ -81,8 +81,8 @@ Map<Pixel32i> mapAround(const MapDomain& mask)
     return map;
 }
 
-/// An unmasked pixel at random; the mask has one.
-PixelVec2f drawStartPoint(const Map<Pixel32i>& padded, int seed)
+/// An unmasked pixel at random. Every mask has one, unless the host ran no threads to pad it.
+std::optional<PixelVec2f> drawStartPoint(const Map<Pixel32i>& padded, int seed)
 {
     // The generator's numbers come from the low 24 bits of its state, which return after 2^24
     // steps, and a point takes four: after 2^22 points every later one is a repetition.
@@ -91,9 +91,10 @@ PixelVec2f drawStartPoint(const Map<Pixel32i>& padded, int seed)
     for (int i = 0; i < kDifferentPoints; ++i) {
         const int x = padded.xAxis().offset + drawBelow(random, padded.width());
         const int y = padded.yAxis().offset + drawBelow(random, padded.height());
-        if (padded.read(x, y) == kUnmasked) return {static_cast<float>(x), static_cast<float>(y)};
+        if (padded.read(x, y) != kUnmasked) continue;
+        return PixelVec2f{static_cast<float>(x), static_cast<float>(y)};
     }
-    return *firstPixelOf(padded, kUnmasked);
+    return firstPixelOf(padded, kUnmasked);
 }
 
 }  // namespace
@@ -123,7 +124,7 @@ std::optional<Map<Pixel32f>> prepareFillMask(Map<MaskPixel>& mask, int seed,
         runNode(padding, view, padded, statusRecord);
         if (isAborted(statusRecord)) return std::nullopt;
     }
-    RegionLabeller labeller(drawStartPoint(padded, seed));
+    RegionLabeller labeller(drawStartPoint(padded, seed).value_or(PixelVec2f{0.0f, 0.0f}));
     labeller.setStatusRecord(statusRecord);
     labeller.process(padded, labels);
     padded.release();

@@ -45,12 +45,12 @@ public:
     float radiusScaleX() const { return radiusScaleX_; }
     float radiusScaleY() const { return radiusScaleY_; }
 
+    /// Writes "Map passed into ENTRY::process is PROBLEM" to standard error.
+    static void reportMap(const char* entry, const char* problem);
+
 protected:
     /// The rows of the region that the calling worker writes.
     RowRange threadRows() const;
-
-    /// Writes "Map passed into ENTRY::process is PROBLEM" to standard error.
-    static void reportMap(const char* entry, const char* problem);
 
 private:
     void clampRegion(const MapDomain& target);

@@ -23,6 +23,10 @@ constexpr float kWalkThreshold = 0.01f;
 /// How much longer than the path so far a predecessor's may be when the trace follows it.
 constexpr int kTraceSlack = 10;
 
+/// More steps of length 1 than it takes to leave a pixel, unless the coordinates are so large that
+/// floats cannot tell neighbours apart.
+constexpr int kLeavingSteps = 8;
+
 /// The neighbours, also by angle: entry k lies at 45 degrees times k, x to the right and y down the
 /// rows.
 constexpr std::array<PixelPoint, 8> kDirections{
@@ -274,7 +278,8 @@ bool PathSearch<Pixel>::closeLoop(PixelPoint end)
                                          static_cast<float>(end.y) - static_cast<float>(s.y)});
         PixelVec2f position = positionOf(s);
         PixelPoint pixel = s;
-        while (pixel == s) {
+        for (int tries = 0; pixel == s; ++tries) {
+            if (tries == kLeavingSteps) return false;
             position = {position.x + u.x, position.y + u.y};
             pixel = pixelOf(position);
         }

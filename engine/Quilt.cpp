@@ -38,13 +38,18 @@ Quilt<Pixel>::Quilt(const QuiltInputs<Pixel>& inputs) : in_(inputs)
 }
 
 template <typename Pixel>
-void Quilt<Pixel>::run()
+bool Quilt<Pixel>::run()
 {
     prepareSizes();
     const Region& rect = in_.fillRect;
-    if (rect.isEmpty() || in_.textures.empty()) return;
+    if (rect.isEmpty() || in_.textures.empty()) return true;
     shape(fillBuffer_, rect.x1 - rect.x0, rect.y1 - rect.y0);
     fillBuffer_.placeAt(rect.x0, rect.y0);
+    // A rectangle that no memory can hold has millions of rows: laying them would never end.
+    if (!fillBuffer_.isUsable()) {
+        MapProcessor::reportMap("Sampler", "bogus");
+        return false;
+    }
     for (int rowY = rect.y0; !isAborted(); rowY += strideY()) {
         const int height = std::min(in_.blocks->blockH, rect.y1 - rowY);
         layRow(rowY, height);
@@ -55,6 +60,7 @@ void Quilt<Pixel>::run()
     copy.setStatusRecord(in_.statusRecord);
     copy.setRegion(rect);
     copy.process(&fillBuffer_, in_.target);
+    return true;
 }
 
 /// Clamps the sizes to each other; a host may hand over any values.

@@ -48,13 +48,14 @@ struct QuiltInputs {
 /// overlapping rows, from the corner with the smallest x and y. Each block is the best of a number
 /// of random candidates; blocks of a row, and rows, are joined along seams of least error.
 ///
-/// A map that cannot be allocated contributes nothing and the operation goes on. After an abort it
-/// ends early and the target keeps what it had.
+/// A map that cannot be allocated contributes nothing and the operation goes on, unless it is the
+/// one for the whole rectangle. After an abort it ends early and the target keeps what it had.
 template <typename Pixel>
 class Quilt {
 public:
     explicit Quilt(const QuiltInputs<Pixel>& inputs);
-    void run();
+    /// False when there is no room for the fill rectangle: nothing is laid then or recorded.
+    bool run();
 
 private:
     /// Where a block lies, cut at the fill rectangle's edge.

@@ -100,7 +100,9 @@ Region boundsOf(const Map<Pixel32f>& mask, int margin)
 template <typename Pixel>
 Pixel composited(const Pixel& texture, const Pixel& source, float share)
 {
-    Pixel result = mixed(source, texture, share);
+    // exact: without any texture the source's own bits, which the mixture loses where floats are -0
+    // or too far apart.
+    Pixel result = share == 0.0f ? source : mixed(source, texture, share);
     result.a = texture.a;
     return result;
 }
@@ -273,7 +275,7 @@ void SynthesisNode<Pixel>::quilt(const Region& fillRect)
     inputs.savedBlockSize = &state_->savedBlockSize;
     inputs.statusRecord = this->statusRecord();
     inputs.observer = observer_;
-    Quilt<Pixel>(inputs).run();
+    if (!Quilt<Pixel>(inputs).run()) state_->valid = false;  // there is nothing to lay again
 }
 
 /// Quilts the fill rectangle, guided by what is known round the region, and decides where the

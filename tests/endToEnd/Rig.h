@@ -1,0 +1,106 @@
+#pragma once
+
+/// What the tests of whole renders share: hosts whose instance is ready to render, with and without
+/// a matte, and the check that one recovers from faults.
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/fixtures/TestHost.h"
+
+namespace Tesseret::EndToEnd {
+
+inline constexpr OfxRectI kBounds{0, 0, 96, 70};
+
+/// A host whose instance is ready to render a picture of 96 x 70 pixels.
+struct Rig : Fixtures::TestHost {
+    explicit Rig(Host::Depth depth = Host::Depth::Byte, const Host::HostQuirks& quirks = {},
+                 unsigned int threads = 2, const char* context = kOfxImageEffectContextFilter)
+        : TestHost(quirks, threads)
+    {
+        create(context, depth, kBounds);
+        instance().set("blockSize", 30);
+        instance().set("overlap", 10);
+        instance().set("numSamples", 4);
+        instance().set("seed", 9);
+    }
+    ~Rig()
+    {
+        destroyInstance();
+        expectClean();
+    }
+};
+
+inline Host::Picture plainRender(Host::Depth depth = Host::Depth::Byte)
+{
+    return Rig(depth).render();
+}
+
+/// How much of a pixel is masked, 0 to 1.
+using Shape = std::function<double(int x, int y)>;
+
+inline double disc(int x, int y)
+{
+    return (x - 48) * (x - 48) + (y - 35) * (y - 35) < 14 * 14 ? 1.0 : 0.0;
+}
+
+std::shared_ptr<Host::Picture> mattePicture(const Shape& shape, Host::Depth depth,
+                                            OfxRectI bounds = kBounds);
+
+/// The same with a matte over a disc in the middle, and lengths that suit so small a picture.
+struct MaskedRig : Rig {
+    explicit MaskedRig(Host::Depth depth = Host::Depth::Byte, const Host::HostQuirks& quirks = {},
+                       unsigned int threads = 2)
+        : Rig(depth, quirks, threads, kOfxImageEffectContextGeneral)
+    {
+        connect("Matte", mattePicture(disc, depth));
+        instance().set("pathWidth", 4.0);
+        instance().set("edgeBlend", 1.0);
+        instance().set("luminanceBlur", 10.0);
+    }
+};
+
+/// Keeps what an observer is told.
+class NoteListener final : public Host::RenderListener {
+public:
+    void stageBegan(Host::Instance&, std::string_view stage) override
+    {
+        ++open;
+        stages.emplace_back(stage);
+    }
+    void stageEnded(Host::Instance&, std::string_view) override { --open; }
+    void blockLaid(Host::Instance&, const TesseretBlockV1& block) override
+    {
+        blocks.push_back(block);
+    }
+    void note(Host::Instance&, std::string_view text) override { notes.emplace_back(text); }
+
+    int open = 0;
+    std::vector<TesseretBlockV1> blocks;
+    std::vector<std::string> notes, stages;
+};
+
+/// Whether nothing was written into an output that was all zeros.
+bool isBlack(const Host::Picture& picture);
+
+/// A call that can be ordered to fail, and how often it was made.
+struct Fault {
+    unsigned int Host::HostQuirks::*order;
+    unsigned int Host::Counters::*calls;
+};
+inline constexpr Fault kAbort{&Host::HostQuirks::abortFromPoll, &Host::Counters::abortPolls};
+inline constexpr Fault kFetch{&Host::HostQuirks::failFetch, &Host::Counters::fetchCalls};
+inline constexpr Fault kAllocation{&Host::HostQuirks::failAllocation, &Host::Counters::allocations};
+inline constexpr Fault kLock{&Host::HostQuirks::failLock, &Host::Counters::locks};
+
+/// Orders a fault of each call in turn, until a render makes no more of them. After every one
+/// nothing is left behind and the next render on the same instance is right; `check` is given the
+/// number of the call that failed, the status and the output.
+void expectRecovery(
+    Rig& rig, const Fault& fault,
+    const std::function<void(unsigned int call, OfxStatus, const Host::Picture&)>& check);
+
+}  // namespace Tesseret::EndToEnd
