@@ -33,6 +33,11 @@ float share(int dx, int dy, const Blend& blend)
 
 }  // namespace
 
+int cutAt(int corner, float seam)
+{
+    return truncateToInt(static_cast<float>(corner) + seam);
+}
+
 template <typename Pixel>
 void BlockPaste<Pixel>::begin()
 {
@@ -40,7 +45,7 @@ void BlockPaste<Pixel>::begin()
     seamY_.resize(static_cast<std::size_t>(std::max(region.x1 - region.x0, 0)));
     highestSeamY_ = region.y0;
     for (std::size_t i = 0; i < seamY_.size(); ++i) {
-        seamY_[i] = truncateToInt(static_cast<float>(region.y0) + seams_.horizontal[i].y);
+        seamY_[i] = cutAt(region.y0, seams_.horizontal[i].y);
         highestSeamY_ = std::max(highestSeamY_, seamY_[i]);
     }
 }
@@ -51,8 +56,8 @@ void BlockPaste<Pixel>::processPass()
     const Region& region = this->region();
     const auto [yBegin, yEnd] = this->threadRows();
     for (int y = yBegin; y < yEnd; ++y) {
-        const float seam = seams_.vertical[static_cast<std::size_t>(y - region.y0)].x;
-        const int seamX = truncateToInt(static_cast<float>(region.x0) + seam);
+        const int seamX =
+            cutAt(region.x0, seams_.vertical[static_cast<std::size_t>(y - region.y0)].x);
         if (blend_.width == 0 && blend_.height == 0) {
             cutRow(y, seamX);
         } else {

@@ -7,6 +7,9 @@
 
 namespace Orvane::Engine {
 
+/// The absolute coordinate at which a rectangle with this corner is cut by a seam.
+int cutAt(int corner, float seam);
+
 /// Where a rectangle is cut: vertical[j].x is the seam's x in row j, horizontal[i].y its y in
 /// column i, both relative to the rectangle's corner. The arrays must outlive the paste.
 struct Seams {

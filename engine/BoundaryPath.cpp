@@ -112,6 +112,7 @@ BoundaryOutcome fitBoundaryPath(const BoundaryInputs<Pixel>& inputs, Map<Pixel32
 
     BoundaryOutcome outcome = BoundaryOutcome::TraceFailed;
     if (found == PathOutcome::Closed) {
+        if (inputs.path != nullptr) *inputs.path = search.path();
         const std::optional<PixelPoint> inside = drawPoint(*inputs.fillMask, inputs);
         if (!inside) return BoundaryOutcome::NoPath;
         paintInside(inputs, search.path(), *inside, compositeMask);

@@ -14,6 +14,8 @@ struct BoundaryInputs {
     int seed = 0;
     float edgeBlend = 0.0f;                ///< radius in pixels of the final softening
     RenderStatus* statusRecord = nullptr;  ///< may be null
+    std::vector<PixelPoint>* path =
+        nullptr;  ///< gets the closed path, if there is one; may be null
 };
 
 enum class BoundaryOutcome {

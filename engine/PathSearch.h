@@ -9,12 +9,6 @@
 
 namespace Orvane::Engine {
 
-/// A pixel in absolute coordinates.
-struct PixelPoint {
-    int x = 0, y = 0;
-    friend bool operator==(const PixelPoint&, const PixelPoint&) = default;
-};
-
 /// What a search reads. Pixels outside a map read as its fill value.
 template <typename Pixel>
 struct PathSearchInputs {

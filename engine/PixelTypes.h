@@ -29,6 +29,12 @@ struct PixelVec2f {
     friend bool operator==(const PixelVec2f&, const PixelVec2f&) = default;
 };
 
+/// A pixel in absolute coordinates.
+struct PixelPoint {
+    int x = 0, y = 0;
+    friend bool operator==(const PixelPoint&, const PixelPoint&) = default;
+};
+
 static_assert(sizeof(PixelRGBA8) == 4 && sizeof(PixelRGBA16) == 8 && sizeof(PixelRGBAf) == 16);
 static_assert(sizeof(PixelVec2f) == 8);
 

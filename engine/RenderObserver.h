@@ -1,5 +1,9 @@
 #pragma once
 
+#include <span>
+
+#include "engine/TemporalState.h"
+
 namespace Orvane::Engine {
 
 /// One block as it was laid, in absolute pixel coordinates.
@@ -7,6 +11,17 @@ struct LaidBlock {
     int x, y, width, height;  ///< place in the output; cut at the edge of the fill rectangle
     int srcX, srcY;           ///< the same corner in its texture
     int textureIndex;
+};
+
+/// What a stage made, borrowed for the call. Its pixels need not cover the fill rectangle:
+/// "fillMask" and "compositeMask" are 0 to M, "pathBand" is positive where the boundary may run,
+/// "luminanceGain" holds factors. "blocks" holds the number of the block that a pixel came from,
+/// counted from 1 in the order in which they were laid; 0 is none.
+struct ObservedMap {
+    const char* name;
+    const Map<Pixel32f>* map;
+    float full;  ///< the value to show as full: M; 1 for factors; the count of blocks
+    FillBounds fillRect;
 };
 
 /// Told what happens inside a render, on the render thread only. Most hosts want none: the engine
@@ -21,6 +36,13 @@ public:
     virtual void blockLaid(const LaidBlock& block) = 0;
     /// One line for the person in front of the screen.
     virtual void note(const char* text) = 0;
+
+    /// Whether the two below are of any use; they are not called otherwise.
+    virtual bool wantsMaps() { return false; }
+    virtual void mapMade(const ObservedMap& /*map*/) {}
+    /// The closed path between texture and source, pixel by pixel and back to the first one. The
+    /// search can close it without going round the region; a note says so then.
+    virtual void pathFound(std::span<const PixelPoint> /*path*/, const FillBounds& /*fillRect*/) {}
 };
 
 /// Tells an observer, if there is one, that a stage lasts as long as this object.

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "engine/BandCut.h"
+#include "engine/BlockLayout.h"
+#include "engine/BlockReplay.h"
 #include "engine/BoundaryPath.h"
 #include "engine/BoxBlur.h"
 #include "engine/ConstantFill.h"
@@ -11,8 +13,6 @@
 #include "engine/MapRow.h"
 #include "engine/MaskGradient.h"
 #include "engine/PixelMix.h"
-#include "engine/PixelTraits.h"
-#include "engine/RowCopy.h"
 
 namespace Orvane::Engine {
 namespace {
@@ -121,8 +121,7 @@ void SynthesisNode<Pixel>::begin()
     collectTextures();
     const Region fillRect = decideFillRect();
     if (settings_.useStoredBlocks) {
-        const ObservedStage stage(observer_, "replay");
-        replay(fillRect);
+        replay();
         return;
     }
     if (this->pollAbort()) return;
@@ -132,6 +131,14 @@ void SynthesisNode<Pixel>::begin()
     } else {
         fillMasked(fillRect);
     }
+}
+
+template <typename Pixel>
+void SynthesisNode<Pixel>::replay()
+{
+    const ObservedStage stage(observer_, "replay");
+    BlockReplay<Pixel> blocks(*state_, textures_, this->region(), this->statusRecord(), observer_);
+    blocks.run({settings_.blocks.blendW, settings_.blocks.blendH}, this->target());
 }
 
 template <typename Pixel>
@@ -166,85 +173,10 @@ Region SynthesisNode<Pixel>::decideFillRect()
     return rect;
 }
 
-/// Lays the recorded blocks again, each cut against the block before it and the row below it in one
-/// step.
-template <typename Pixel>
-void SynthesisNode<Pixel>::replay(const Region& fillRect)
-{
-    Map<Pixel> fillBuffer;
-    fillBuffer.setSize(fillRect.x1 - fillRect.x0, fillRect.y1 - fillRect.y0);
-    fillBuffer.placeAt(fillRect.x0, fillRect.y0);
-    fillBuffer.allocate();
-    // What no record covers, as when the window has shrunk, is black and transparent.
-    ConstantFill<Pixel> clear{Pixel{}};
-    clear.setStatusRecord(this->statusRecord());
-    clear.process(&fillBuffer);
-
-    const Blend blend{settings_.blocks.blendW, settings_.blocks.blendH};
-    const bool blends = blend.width != 0 || blend.height != 0;
-    // Blending reaches pixels that no earlier record has written: at the border, and where the
-    // bands are wider than half the overlap. Laying everything along hard cuts first gives them the
-    // texture they will have anyway, so that no dark fringe appears.
-    if (blends && !layRecords(fillBuffer, {})) return;
-    if (!layRecords(fillBuffer, blend)) return;
-
-    RowCopy<Pixel> copy;
-    copy.setStatusRecord(this->statusRecord());
-    copy.setRegion(fillRect);
-    copy.process(&fillBuffer, &this->target());
-}
-
-/// Whether all records were laid before an abort.
-template <typename Pixel>
-bool SynthesisNode<Pixel>::layRecords(Map<Pixel>& fillBuffer, const Blend& blend)
-{
-    BlockPaste<Pixel> paste;
-    paste.setStatusRecord(this->statusRecord());
-    for (const BlockRecord& record : state_->blockList) {
-        if (this->pollAbort()) return false;
-        layRecord(record, blend, paste, fillBuffer);
-    }
-    return !this->pollAbort();
-}
-
-template <typename Pixel>
-void SynthesisNode<Pixel>::layRecord(const BlockRecord& record, const Blend& blend,
-                                     BlockPaste<Pixel>& paste, Map<Pixel>& fillBuffer)
-{
-    // A texture may have been switched off since the blocks were recorded.
-    const auto texture = static_cast<std::size_t>(record.textureIndex);
-    if (texture >= textures_.size()) return;
-    const Region& window = this->region();
-    const int x0 = truncateToInt(record.x);
-    const int y0 = truncateToInt(record.y);
-    // The record's seams are as long as the block was when it was laid; a window that has grown
-    // since does not make it longer.
-    const int blockW = truncateToInt(state_->savedBlockSize.width);
-    const int rows = static_cast<int>(record.seamV.size());
-    const int columns = record.seamH.empty() ? blockW : static_cast<int>(record.seamH.size());
-    const int x1 = std::min({x0 + blockW, x0 + columns, window.x1});
-    const int y1 =
-        std::min({y0 + truncateToInt(state_->savedBlockSize.height), y0 + rows, window.y1});
-    if (x1 <= x0 || y1 <= y0) return;
-    zeroSeam_.resize(static_cast<std::size_t>(columns), {0.0f, 0.0f});
-
-    paste.setSourcePosition(truncateToInt(record.srcX), truncateToInt(record.srcY));
-    paste.setSeams(
-        {.horizontal = record.seamH.empty() ? zeroSeam_ : record.seamH, .vertical = record.seamV});
-    paste.setBlend(blend);
-    paste.setRegion({x0, y0, x1, y1});
-    paste.process(*textures_[texture], fillBuffer);
-    if (observer_ != nullptr) {
-        observer_->blockLaid({x0, y0, x1 - x0, y1 - y0, truncateToInt(record.srcX),
-                              truncateToInt(record.srcY), record.textureIndex});
-    }
-}
-
 /// Without a mask nothing of the source is kept, inside the composite mask and outside of it.
 template <typename Pixel>
 void SynthesisNode<Pixel>::takeTextureEverywhere()
 {
-    constexpr float kMax = PixelTraits<Pixel>::kMax;
     Map<Pixel32f>& mask = state_->compositeMask;
     mask.copyGeometry(this->other());
     mask.setEdgeMode(EdgeMode::EdgeNone, EdgeMode::EdgeNone);
@@ -286,6 +218,10 @@ void SynthesisNode<Pixel>::fillMasked(const Region& fillRect)
     prepareBand(fillRect);
     quilt(fillRect);
     if (this->pollAbort()) return;
+    if (tellsMaps()) {
+        tellMap("fillMask", *settings_.fillMask, kMax);
+        tellMap("pathBand", pathBand_, kMax);
+    }
     if (settings_.luminanceMatch) matchLuminance(fillRect);
     if (this->pollAbort()) return;
     fitBoundary(fillRect);
@@ -310,7 +246,7 @@ void SynthesisNode<Pixel>::prepareBand(const Region& fillRect)
     gradient.setStatusRecord(this->statusRecord());
     gradient.process(pathBand_, bandGradient_);
 
-    BandCut cut(PixelTraits<Pixel>::kMax);
+    BandCut cut(kMax);
     cut.setStatusRecord(this->statusRecord());
     cut.process(*settings_.fillMask, pathBand_);
 }
@@ -353,6 +289,7 @@ void SynthesisNode<Pixel>::fitBoundary(const Region& fillRect)
     inputs.seed = settings_.seed;
     inputs.edgeBlend = settings_.edgeBlend;
     inputs.statusRecord = this->statusRecord();
+    if (tellsMaps()) inputs.path = &boundary_;
     const BoundaryOutcome outcome = fitBoundaryPath(inputs, state_->compositeMask);
     if (observer_ != nullptr && noteOf(outcome) != nullptr) observer_->note(noteOf(outcome));
     pathBand_.release();
@@ -360,8 +297,33 @@ void SynthesisNode<Pixel>::fitBoundary(const Region& fillRect)
 }
 
 template <typename Pixel>
+void SynthesisNode<Pixel>::tellMap(const char* name, const Map<Pixel32f>& map, float full) const
+{
+    if (map.isUsable()) observer_->mapMade({name, &map, full, state_->fillBounds});
+}
+
+/// A replay lays blocks inside the window only.
+template <typename Pixel>
+void SynthesisNode<Pixel>::tellBlocks() const
+{
+    const FillBounds& all = state_->fillBounds;
+    const Region laid =
+        settings_.useStoredBlocks ? this->region() : Region{all.x0, all.y0, all.x1, all.y1};
+    int count = 0;
+    const Map<Pixel32f> numbers = numberBlocks(*state_, textures_.size(), laid, count);
+    tellMap("blocks", numbers, static_cast<float>(count));
+}
+
+/// Tells what the composite works with before it begins.
+template <typename Pixel>
 void SynthesisNode<Pixel>::beginPass()
 {
+    if (tellsMaps()) {
+        tellBlocks();
+        if (!boundary_.empty()) observer_->pathFound(boundary_, state_->fillBounds);
+        tellMap("compositeMask", state_->compositeMask, kMax);
+        tellMap("luminanceGain", state_->luminanceGain, 1.0f);
+    }
     compositing_.emplace(observer_, "composite");
 }
 

@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "engine/BlockPaste.h"
 #include "engine/MapProcessor.h"
+#include "engine/PixelTraits.h"
 #include "engine/Quilt.h"
 #include "engine/RenderObserver.h"
 #include "engine/TemporalState.h"
@@ -41,6 +41,8 @@ struct SynthesisSettings {
 /// After an abort the output keeps what was written so far: nothing, unless quilting had finished.
 template <typename Pixel>
 class SynthesisNode final : public TwoMapProcessor<Map<Pixel>, Map<Pixel>> {
+    static constexpr float kMax = PixelTraits<Pixel>::kMax;
+
 public:
     SynthesisNode(const SynthesisSettings<Pixel>& settings, TemporalState& state,
                   RenderObserver* observer);
@@ -54,16 +56,16 @@ public:
 private:
     void collectTextures();
     Region decideFillRect();
-    void replay(const Region& fillRect);
-    bool layRecords(Map<Pixel>& fillBuffer, const Blend& blend);
-    void layRecord(const BlockRecord& record, const Blend& blend, BlockPaste<Pixel>& paste,
-                   Map<Pixel>& fillBuffer);
+    void replay();
     void takeTextureEverywhere();
     void quilt(const Region& fillRect);
     void fillMasked(const Region& fillRect);
     void prepareBand(const Region& fillRect);
     void matchLuminance(const Region& fillRect);
     void fitBoundary(const Region& fillRect);
+    bool tellsMaps() const { return observer_ != nullptr && observer_->wantsMaps(); }
+    void tellMap(const char* name, const Map<Pixel32f>& map, float full) const;
+    void tellBlocks() const;
 
     SynthesisSettings<Pixel> settings_;
     TemporalState* state_;
@@ -72,7 +74,7 @@ private:
     std::vector<Map<Pixel>*> textures_;
     Map<Pixel32f> pathBand_;            ///< positive on known pixels round the fill region
     Map<PixelVec2f> bandGradient_;      ///< of the blurred mask; points towards the fill region
-    std::vector<PixelVec2f> zeroSeam_;  ///< for records of a row that was never finished
+    std::vector<PixelPoint> boundary_;  ///< the closed path; only for an observer that wants it
 };
 
 }  // namespace Orvane::Engine

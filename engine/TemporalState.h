@@ -22,7 +22,7 @@ struct BlockRecord {
 
 using BlockList = std::vector<BlockRecord>;
 
-/// x0, y0, x1, y1; x1 and y1 are exclusive.
+/// The rectangle that a render covers with texture, in absolute pixels; x1 and y1 are exclusive.
 struct FillBounds {
     int x0 = 0, y0 = 0, x1 = 0, y1 = 0;
 };

@@ -44,6 +44,10 @@ public:
     virtual void progress(Instance& /*instance*/, double /*fraction*/) {}
     virtual void blockLaid(Instance& /*instance*/, const TesseretBlockV1& /*block*/) {}
     virtual void note(Instance& /*instance*/, std::string_view /*text*/) {}
+    /// Whether the plug-in is to make the maps and the path of the two calls below.
+    virtual bool wantsMaps(Instance& /*instance*/) { return false; }
+    virtual void mapMade(Instance& /*instance*/, const TesseretMapV1& /*map*/) {}
+    virtual void pathFound(Instance& /*instance*/, const TesseretPathV1& /*path*/) {}
 };
 
 }  // namespace Tesseret::Host

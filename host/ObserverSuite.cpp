@@ -60,12 +60,35 @@ void note(OfxImageEffectHandle effect, const char* text)
     });
 }
 
+int wantsMaps(OfxImageEffectHandle effect)
+{
+    bool wanted = false;
+    forward(effect, [&](RenderListener& listener, Instance& instance) {
+        wanted = listener.wantsMaps(instance);
+    });
+    return wanted ? 1 : 0;
+}
+
+void mapMade(OfxImageEffectHandle effect, const TesseretMapV1* map)
+{
+    forward(effect, [&](RenderListener& listener, Instance& instance) {
+        if (map && map->name && map->pixels) listener.mapMade(instance, *map);
+    });
+}
+
+void pathFound(OfxImageEffectHandle effect, const TesseretPathV1* path)
+{
+    forward(effect, [&](RenderListener& listener, Instance& instance) {
+        if (path && path->points) listener.pathFound(instance, *path);
+    });
+}
+
 }  // namespace
 
 const TesseretObserverSuiteV1& observerSuite()
 {
-    static constexpr TesseretObserverSuiteV1 kSuite{&stageBegan, &stageEnded, &progress, &blockLaid,
-                                                    &note};
+    static constexpr TesseretObserverSuiteV1 kSuite{
+        &stageBegan, &stageEnded, &progress, &blockLaid, &note, &wantsMaps, &mapMade, &pathFound};
     return kSuite;
 }
 

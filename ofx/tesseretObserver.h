@@ -2,11 +2,13 @@
 
 /// "TesseretObserverSuite" version 1: the one optional suite of our own. A host that offers it is
 /// told what happens inside a render; the embedded host does, so that the command line can show
-/// stage times, blocks and notes. A plug-in that finds no such suite tells nobody and spends
-/// nothing.
+/// stage times, blocks, notes and the maps that stages make. A plug-in that finds no such suite
+/// tells nobody and spends nothing.
 ///
 /// Every call comes on the thread that runs the render action, never from a worker. All pointers
 /// are valid during the call only. Any member may be null.
+
+#include <cstddef>
 
 #include "ofx/ofxImageEffect.h"
 
@@ -22,6 +24,28 @@ struct TesseretBlockV1 {
     int textureIndex;   ///< 0 to 2, counting the textures in use
 };
 
+/// What a stage made, one number for each pixel; y upwards. By name, in this order:
+/// "fillMask"       the region to fill as it was prepared, 0 or `full`
+/// "pathBand"       positive where the boundary may run, up to `full`
+/// "blocks"         which block a pixel came from, from 1 in the order of `blockLaid`; 0 is none
+/// "compositeMask"  the texture's share of the result, 0 to `full`
+/// "luminanceGain"  the factor for the texture's brightness; `full` is 1, as it is
+struct TesseretMapV1 {
+    const char* name;
+    const float* pixels;      ///< the one at (bounds.x1, bounds.y1)
+    std::ptrdiff_t rowBytes;  ///< to the row above; may be negative
+    OfxRectI bounds;          ///< of the map; there are no pixels outside
+    OfxRectI fillRect;        ///< what the render covers with texture; the same for all maps of one
+    float full;
+};
+
+/// The closed path along which texture meets source, pixel by pixel and back to the first one.
+struct TesseretPathV1 {
+    const OfxPointI* points;
+    int count;
+    OfxRectI fillRect;  ///< as in the maps
+};
+
 struct TesseretObserverSuiteV1 {
     /// Stages nest; each `stageBegan` has its `stageEnded`, also when the render fails or is
     /// aborted.
@@ -32,9 +56,17 @@ struct TesseretObserverSuiteV1 {
     void (*blockLaid)(OfxImageEffectHandle effect, const TesseretBlockV1* block);
     /// A remark for the person in front of the screen: one line, no line end.
     void (*note)(OfxImageEffectHandle effect, const char* text);
+    /// Non-zero when `mapMade` and `pathFound` are to be called in this render; null is no. They
+    /// cost memory and time, so a host should not want them without need.
+    int (*wantsMaps)(OfxImageEffectHandle effect);
+    void (*mapMade)(OfxImageEffectHandle effect, const TesseretMapV1* map);
+    void (*pathFound)(OfxImageEffectHandle effect, const TesseretPathV1* path);
 };
 
 }  // extern "C"
 
 static_assert(sizeof(TesseretBlockV1) == 28);
-static_assert(sizeof(TesseretObserverSuiteV1) == 5 * sizeof(void*));
+static_assert(offsetof(TesseretMapV1, bounds) == 3 * sizeof(void*));
+static_assert(offsetof(TesseretMapV1, full) == 3 * sizeof(void*) + 32);
+static_assert(offsetof(TesseretPathV1, fillRect) == sizeof(void*) + 4);
+static_assert(sizeof(TesseretObserverSuiteV1) == 8 * sizeof(void*));

@@ -1,11 +1,8 @@
 #include "host/command/JobInputs.h"
 
-#include <set>
-
 #include "host/command/CommandError.h"
 #include "host/files/FileError.h"
 #include "host/files/FrameRange.h"
-#include "host/files/PartFile.h"
 #include "host/files/PictureWriter.h"
 
 namespace Tesseret::Command {
@@ -48,6 +45,7 @@ JobInputs::JobInputs(const RenderSettings& settings)
     add("Texture3", settings.textures[2], Files::ReadAs::Picture);
     checkFrames();
     Files::checkTarget(outputFile(frames_.front()), settings.compression);
+    findFilesRead();
     checkOutputs();
     for (const Input& input : inputs_) {
         infos_.emplace(input.clip, Files::readInfo(input.pattern.file(frames_.front())));
@@ -75,18 +73,26 @@ void JobInputs::checkFrames() const
     }
 }
 
-void JobInputs::checkOutputs() const
+void JobInputs::findFilesRead()
 {
-    std::set<Files::FileIdentity> read;
     for (const int frame : frames_) {
         for (const Input& input : inputs_) {
             if (const auto file = Files::fileIdentity(input.pattern.file(frame)))
-                read.insert(*file);
+                filesRead_.insert(*file);
         }
     }
+}
+
+bool JobInputs::reads(const std::filesystem::path& file) const
+{
+    const auto found = Files::fileIdentity(file);
+    return found && filesRead_.contains(*found);
+}
+
+void JobInputs::checkOutputs() const
+{
     for (const int frame : frames_) {
-        const auto file = Files::fileIdentity(outputFile(frame));
-        if (file && read.contains(*file)) {
+        if (reads(outputFile(frame))) {
             throw UsageError(outputFile(frame).string() +
                              ": is one of the files to read; nothing is written over those");
         }

@@ -5,10 +5,12 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "host/command/RenderSettings.h"
+#include "host/files/PartFile.h"
 #include "host/files/PictureReader.h"
 #include "host/files/SequencePattern.h"
 
@@ -39,6 +41,8 @@ public:
     const std::map<std::string, Files::PictureInfo>& infos() const { return infos_; }
     const Files::PictureInfo& source() const { return infos_.at("Source"); }
     bool has(const std::string& clip) const { return infos_.contains(clip); }
+    /// Whether a file is read for any of the frames, whatever name or link leads to it.
+    bool reads(const std::filesystem::path& file) const;
 
     /// All pictures of a frame at a depth. Stills are read once. Throws `FileError`, and
     /// `UsageError` for a matte of another size. One call at a time.
@@ -52,12 +56,14 @@ private:
     };
 
     void checkFrames() const;
+    void findFilesRead();
     void checkOutputs() const;
 
     std::vector<Input> inputs_;
     Files::SequencePattern output_;
     std::vector<int> frames_;
     bool isSequence_;
+    std::set<Files::FileIdentity> filesRead_;
     std::map<std::string, Files::PictureInfo> infos_;
     FramePictures stills_;
 };

@@ -7,7 +7,9 @@
 #include <OpenImageIO/imageio.h>
 
 #include "host/command/CommandError.h"
+#include "host/command/DebugMaps.h"
 #include "host/command/Interrupt.h"
+#include "host/command/JobListeners.h"
 #include "host/command/RenderJob.h"
 #include "host/command/RenderReporter.h"
 #include "host/command/RenderSettings.h"
@@ -33,6 +35,7 @@ Examples:
 struct RenderOptions {
     RenderSettings settings;
     std::string frames, depth, window, sampleBox;
+    std::filesystem::path debugMaps;  ///< empty: none
     bool quiet = false, verbose = false;
 };
 
@@ -112,6 +115,13 @@ void addRenderOptions(CLI::App& command, RenderOptions& options)
                     "OFX bundle or library (default: the one built with this program, else from "
                     "OFX_PLUGIN_PATH or /usr/OFX/Plugins)")
         ->type_name("FILE");
+    command
+        .add_option(
+            "--debug-maps", options.debugMaps,
+            "Writes what a fill was made with into this folder, as PNGs: the prepared mask, "
+            "the band and the path of its boundary, the blocks, the composite mask, the "
+            "luminance gain")
+        ->type_name("DIR");
     auto* const quiet = command.add_flag("-q,--quiet", options.quiet, "Only warnings and errors");
     command.add_flag("-v,--verbose", options.verbose, "Time by stage, blocks laid, peak memory")
         ->excludes(quiet);
@@ -156,10 +166,15 @@ int render(const RenderOptions& options)
     RenderReporter reporter(options.quiet     ? Loudness::Quiet
                             : options.verbose ? Loudness::Verbose
                                               : Loudness::Normal);
-    RenderJob job(settings, reporter);
+    std::optional<DebugMaps> maps;
+    if (!options.debugMaps.empty()) maps.emplace(options.debugMaps, reporter);
+    JobListeners listeners{&reporter, maps ? &*maps : nullptr};
+    RenderJob job(settings, listeners);
+    if (maps) maps->begin(job.inputs());
     reporter.begin(job);
     job.run();
     reporter.finish();
+    if (maps) maps->finish();
     return 0;
 }
 

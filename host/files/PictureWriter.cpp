@@ -145,4 +145,15 @@ std::vector<std::string> writePicture(const std::filesystem::path& file, const P
     return lossTexts(file, format, out.losses);
 }
 
+void writeNewPicture(const std::filesystem::path& file, const Picture& picture, bool isColour)
+{
+    const OIIO::ImageSpec spec(picture.width(), picture.height(), isColour ? 3 : 1,
+                               typeOf(picture.depth()));
+    const ChannelPlaces places = isColour ? ChannelPlaces{0, 1, 2, -1} : ChannelPlaces{0, 0, 0, -1};
+    const FileRecord record{&formatByName(file), spec, places, picture.depth(), {}};
+    WriteOptions options;
+    options.displayWindow = picture.bounds();
+    writePicture(file, picture, record, options);
+}
+
 }  // namespace Tesseret::Files

@@ -36,4 +36,8 @@ std::vector<std::string> writePicture(const std::filesystem::path& file,
                                       const Host::Picture& picture, const FileRecord& record,
                                       const WriteOptions& options = {});
 
+/// Writes R, G and B of a picture that came from no file, or R alone as grey. Throws `FileError`.
+void writeNewPicture(const std::filesystem::path& file, const Host::Picture& picture,
+                     bool isColour);
+
 }  // namespace Tesseret::Files

@@ -1,0 +1,169 @@
+#include "host/command/DebugMaps.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <regex>
+#include <system_error>
+#include <utility>
+
+#include "host/command/CommandError.h"
+#include "host/command/MapPicture.h"
+#include "host/files/FileError.h"
+#include "host/files/PictureWriter.h"
+
+namespace Tesseret::Command {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kFillMask = "fill-mask.png";
+constexpr std::string_view kPathBand = "path-band.png";
+constexpr std::string_view kBlocks = "blocks.png";
+constexpr std::string_view kPath = "boundary-path.png";
+constexpr std::string_view kCompositeMask = "composite-mask.png";
+constexpr std::string_view kGain = "luminance-gain.png";
+constexpr std::array kAll{kFillMask, kPathBand, kBlocks, kPath, kCompositeMask, kGain};
+
+bool isMapName(const fs::path& file)
+{
+    static const std::regex kPrefix("(-?[0-9]+_)?(area[0-9]+_)?");
+    const std::string name = file.filename().string();
+    return std::ranges::any_of(kAll, [&](std::string_view map) {
+        return name.ends_with(map) &&
+               std::regex_match(name.substr(0, name.size() - map.size()), kPrefix);
+    });
+}
+
+void makeFolder(const fs::path& folder)
+{
+    std::error_code error;
+    fs::create_directories(folder, error);
+    if (error) throw Files::FileError(folder, "cannot be made: " + error.message());
+    Files::checkTarget(folder / kFillMask, "");
+}
+
+}  // namespace
+
+DebugMaps::DebugMaps(fs::path folder, JobListener& told) : folder_(std::move(folder)), told_(told)
+{}
+
+void DebugMaps::begin(const JobInputs& inputs)
+{
+    isSequence_ = inputs.isSequence();
+    makeFolder(folder_);
+    for (const auto& entry : fs::directory_iterator(folder_)) {
+        if (isMapName(entry.path()) && inputs.reads(entry.path())) {
+            throw UsageError(entry.path().string() +
+                             ": is one of the files to read; no map is written over those");
+        }
+    }
+    const fs::path output = inputs.outputFile(inputs.frames().front());
+    const fs::path outputFolder = output.has_parent_path() ? output.parent_path() : ".";
+    if (isMapName(output) && fs::equivalent(outputFolder, folder_)) {
+        throw UsageError(output.string() + ": is the name of a map; choose another folder");
+    }
+}
+
+void DebugMaps::finish() const
+{
+    if (!failure_.empty()) throw RenderFailure(failure_);
+}
+
+void DebugMaps::frameBegan(int frame)
+{
+    std::array<char, 32> number{};
+    std::snprintf(number.data(), number.size(), "%04d_", frame);
+    framePrefix_ = isSequence_ ? number.data() : "";
+    startPictures(framePrefix_);
+}
+
+void DebugMaps::areaBegan(std::size_t area, std::size_t count)
+{
+    if (count > 1) startPictures(framePrefix_ + "area" + std::to_string(area + 1) + "_");
+}
+
+/// What this render does not make must not be there from an earlier one.
+void DebugMaps::startPictures(std::string prefix)
+{
+    prefix_ = std::move(prefix);
+    region_ = {};
+    band_ = {};
+    used_ = {};
+    for (const std::string_view name : kAll) {
+        std::error_code ignored;
+        fs::remove(file(name), ignored);
+    }
+}
+
+bool DebugMaps::wantsMaps(Host::Instance& /*instance*/)
+{
+    return true;
+}
+
+void DebugMaps::mapMade(Host::Instance& /*instance*/, const TesseretMapV1& map)
+{
+    guarded([&] { writeMap(map); });
+}
+
+void DebugMaps::pathFound(Host::Instance& /*instance*/, const TesseretPathV1& path)
+{
+    guarded([&] {
+        Host::Picture picture = dimmed(region_, band_);
+        drawPath(path, picture);
+        write(kPath, picture, true);
+    });
+}
+
+void DebugMaps::writeMap(const TesseretMapV1& map)
+{
+    const std::string_view name = map.name;
+    if (name == "fillMask") {
+        region_ = greyPicture(map);
+        write(kFillMask, region_, false);
+    } else if (name == "pathBand") {
+        band_ = bandPicture(map);
+        write(kPathBand, band_, false);
+    } else if (name == "blocks") {
+        write(kBlocks, blockPicture(map), true);
+    } else if (name == "compositeMask") {
+        used_ = greyPicture(map);
+        write(kCompositeMask, used_, false);
+    } else if (name == "luminanceGain") {
+        write(kGain, gainPicture(map, used_), true);
+        tellGain(map);
+    }
+}
+
+void DebugMaps::tellGain(const TesseretMapV1& map)
+{
+    const auto [least, greatest] = rangeOf(map, used_);
+    if (least > greatest) return;
+    std::array<char, 96> text{};
+    std::snprintf(text.data(), text.size(), ": gain %.3g to %.3g; blue is 1/4, grey 1, orange 4",
+                  static_cast<double>(least), static_cast<double>(greatest));
+    told_.message(file(kGain).string() + text.data());
+}
+
+/// No exception may reach the plug-in, which calls from inside its render.
+void DebugMaps::guarded(const std::function<void()>& work)
+{
+    try {
+        work();
+    } catch (const std::exception& error) {
+        if (failure_.empty()) failure_ = error.what();
+    }
+}
+
+void DebugMaps::write(std::string_view name, const Host::Picture& picture, bool isColour) const
+{
+    Files::writeNewPicture(file(name), picture, isColour);
+}
+
+fs::path DebugMaps::file(std::string_view name) const
+{
+    return folder_ / (prefix_ + std::string(name));
+}
+
+}  // namespace Tesseret::Command

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "host/command/RenderJob.h"
+
+namespace Tesseret::Command {
+
+/// Writes what the stages of a fill made into a folder, one PNG for each map and one for the
+/// boundary path: "fill-mask.png" and so on, after "0005_" for frame 5 of a sequence and "area2_"
+/// for the second of several areas. Pictures of an earlier render by the same names are removed.
+class DebugMaps final : public JobListener {
+public:
+    /// `told` gets a message with the numbers that a picture alone does not say; it outlives this.
+    DebugMaps(std::filesystem::path folder, JobListener& told);
+
+    /// Before the first render: makes the folder when it is missing. Throws `FileError` when
+    /// nothing can be written there, and `UsageError` when that would replace a file that the job
+    /// reads or writes.
+    void begin(const JobInputs& inputs);
+    /// After the last frame. Throws `RenderFailure` when a picture could not be written.
+    void finish() const;
+
+    void frameBegan(int frame) override;
+    void areaBegan(std::size_t area, std::size_t count) override;
+    bool wantsMaps(Host::Instance& instance) override;
+    void mapMade(Host::Instance& instance, const TesseretMapV1& map) override;
+    void pathFound(Host::Instance& instance, const TesseretPathV1& path) override;
+
+private:
+    void guarded(const std::function<void()>& work);
+    void startPictures(std::string prefix);
+    void writeMap(const TesseretMapV1& map);
+    void tellGain(const TesseretMapV1& map);
+    void write(std::string_view name, const Host::Picture& picture, bool isColour) const;
+    std::filesystem::path file(std::string_view name) const;
+
+    std::filesystem::path folder_;
+    JobListener& told_;
+    bool isSequence_ = false;
+    std::string framePrefix_, prefix_;
+    Host::Picture region_, band_;  ///< of the fill that runs, for the path's backdrop
+    Host::Picture used_;           ///< its composite mask, for the gain
+    std::string failure_;          ///< the first one; empty while there is none
+};
+
+}  // namespace Tesseret::Command
