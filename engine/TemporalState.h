@@ -25,6 +25,7 @@ using BlockList = std::vector<BlockRecord>;
 /// The rectangle that a render covers with texture, in absolute pixels; x1 and y1 are exclusive.
 struct FillBounds {
     int x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+    friend bool operator==(const FillBounds&, const FillBounds&) = default;
 };
 
 struct BlockSize {

@@ -1,18 +1,23 @@
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 
 #include <gmock/gmock.h>
 
 #include "engine/AlphaMask.h"
+#include "engine/PixelMix.h"
 #include "engine/SynthesisNode.h"
 #include "tests/fixtures/FakeRenderContext.h"
 #include "tests/fixtures/FakeServices.h"
+#include "tests/fixtures/MapKeeper.h"
 
 namespace Orvane::Engine {
 namespace {
 
 using ::testing::ElementsAre;
 using Testing::FakeServices;
+using Testing::KeptMap;
+using Testing::MapKeeper;
 using Testing::noise;
 using Testing::solid;
 using Testing::TestMap;
@@ -43,7 +48,7 @@ struct MaskedFill {
     {
         std::ranges::fill(output.pixels(), Testing::grey<Pixel>(0.25f));
         status.aborted = status.errorCode = 0;
-        SynthesisNode<Pixel> node(settings, state, &observer);
+        SynthesisNode<Pixel> node(settings, state, watcher != nullptr ? watcher : &observer);
         node.setStatusRecord(&status);
         node.setRegion(0, 0, kWidth - 1, kHeight - 1);
         node.process(*source, *output);
@@ -58,6 +63,7 @@ struct MaskedFill {
     TemporalState state;
     RenderStatus status;
     Testing::CountingObserver observer;
+    RenderObserver* watcher = nullptr;  ///< in place of `observer`
 };
 
 template <typename Pixel>
@@ -160,7 +166,9 @@ TEST(MaskedNode8, StopsAtAnAbortAndWhenMemoryRunsOut)
 {
     for (int k = 1; k < 60; k += 1 + k / 8) {
         FakeServices services(2);
+        MapKeeper keeper;
         MaskedFill<PixelRGBA8> fill;
+        fill.watcher = k % 2 == 0 ? &keeper : nullptr;
         fill.settings.luminanceMatch = true;
         services.memory.failAllocation = k;
         ::testing::internal::CaptureStderr();
@@ -175,6 +183,99 @@ TEST(MaskedNode8, StopsAtAnAbortAndWhenMemoryRunsOut)
         ::testing::internal::GetCapturedStderr();
         fill.state.discard();
         EXPECT_TRUE(services.memory.live.empty());
+    }
+}
+
+/// What the composite makes of one pixel.
+template <typename Pixel>
+Pixel recomposited(const Pixel& texture, const Pixel& source, float gain, float mask)
+{
+    using Traits = PixelTraits<Pixel>;
+    const auto scaled = [gain](auto channel) {
+        return Traits::stored(std::clamp(static_cast<float>(channel) * gain, 0.0f, Traits::kMax));
+    };
+    const Pixel corrected{scaled(texture.r), scaled(texture.g), scaled(texture.b), texture.a};
+    Pixel result = mixed(source, corrected, std::min(mask * Traits::kInverseMax, 1.0f));
+    result.a = texture.a;
+    return result;
+}
+
+bool areNeighbours(const PixelPoint& a, const PixelPoint& b)
+{
+    return std::abs(a.x - b.x) <= 1 && std::abs(a.y - b.y) <= 1;
+}
+
+// With hard cuts the blocks, the gain and the composite mask together say what every pixel is.
+TYPED_TEST(MaskedNode, TellsMapsThatExplainEveryPixel)
+{
+    const FakeServices services(2);
+    MapKeeper keeper;
+    MaskedFill<TypeParam> fill;
+    fill.settings.luminanceMatch = true;
+    fill.settings.blocks.blendW = fill.settings.blocks.blendH = 0;
+    const auto unwatched = fill.run();
+    fill.state.discard();
+    fill.watcher = &keeper;
+    ASSERT_EQ(fill.run(), unwatched);
+
+    ASSERT_THAT(keeper.names(),
+                ElementsAre("fillMask", "pathBand", "blocks", "compositeMask", "luminanceGain"));
+    const KeptMap &region = keeper.maps[0], &band = keeper.maps[1], &blocks = keeper.maps[2],
+                  &mask = keeper.maps[3], &gain = keeper.maps[4];
+    EXPECT_EQ(region.values, fill.mask.pixels());
+    EXPECT_EQ(region.bounds, (FillBounds{37, 31, 59, 49}));
+    EXPECT_EQ(region.full, fill.kMax);
+    EXPECT_EQ(blocks.full, static_cast<float>(keeper.blocks.size()));
+    for (const KeptMap& map : keeper.maps) EXPECT_EQ(map.fillRect, fill.state.fillBounds);
+    for (const KeptMap* map : {&band, &blocks, &mask, &gain}) EXPECT_EQ(map->bounds, map->fillRect);
+
+    const FillBounds& all = fill.state.fillBounds;
+    for (int y = all.y0; y < all.y1; ++y) {
+        for (int x = all.x0; x < all.x1; ++x) {
+            const LaidBlock& block = keeper.blocks[static_cast<std::size_t>(blocks.at(x, y)) - 1];
+            const TypeParam texture =
+                fill.texture->read(block.srcX + x - block.x, block.srcY + y - block.y);
+            const TypeParam expected =
+                recomposited(texture, fill.source.at(x, y), gain.at(x, y), mask.at(x, y));
+            ASSERT_EQ(fill.output.at(x, y), expected) << x << ' ' << y;
+            ASSERT_TRUE(band.at(x, y) == 0.0f || region.at(x, y) == 0.0f);
+        }
+    }
+    ASSERT_GT(keeper.path.size(), 60u);
+    EXPECT_TRUE(areNeighbours(keeper.path.front(), keeper.path.back()));
+    for (std::size_t i = 0; i < keeper.path.size(); ++i) {
+        const PixelPoint& p = keeper.path[i];
+        ASSERT_GT(band.at(p.x, p.y), 0.0f);
+        ASSERT_TRUE(i == 0 || areNeighbours(p, keeper.path[i - 1]));
+    }
+}
+
+TYPED_TEST(MaskedNode, TellsWhatAReplayLaysAndNothingUnasked)
+{
+    for (const int blend : {0, 1}) {
+        const FakeServices services;
+        MapKeeper fresh, replayed;
+        MaskedFill<TypeParam> fill;
+        fill.settings.blocks.blendW = fill.settings.blocks.blendH = blend;
+        fill.watcher = &fresh;
+        fill.run();
+        fill.settings.useStoredBlocks = true;
+        fill.watcher = &replayed;
+        fill.run();
+        ASSERT_THAT(fresh.names(), ElementsAre("fillMask", "pathBand", "blocks", "compositeMask"));
+        ASSERT_THAT(replayed.names(), ElementsAre("blocks", "compositeMask"));
+        EXPECT_EQ(replayed.maps[0].values, fresh.maps[2].values);
+        EXPECT_EQ(replayed.maps[1].values, fresh.maps[3].values);
+        EXPECT_EQ(replayed.blocks.size(), fresh.blocks.size()) << "each told once";
+
+        fill.state.blockList[0].textureIndex = 1;  // not in use
+        fill.run();
+        const KeptMap& blocks = replayed.maps[2];
+        EXPECT_EQ(blocks.full, fresh.maps[2].full - 1.0f);
+        EXPECT_EQ(blocks.at(blocks.bounds.x0, blocks.bounds.y0), 0.0f);
+        replayed.wants = false;
+        fill.run();
+        EXPECT_EQ(replayed.maps.size(), 4u);
     }
 }
 

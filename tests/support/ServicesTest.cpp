@@ -94,7 +94,32 @@ public:
                           block.textureIndex});
     }
     void note(Host::Instance&, std::string_view text) override { add("note", text); }
+    bool wantsMaps(Host::Instance&) override { return wants; }
+    void mapMade(Host::Instance&, const TesseretMapV1& map) override
+    {
+        const auto* const top = reinterpret_cast<const float*>(
+            reinterpret_cast<const std::byte*>(map.pixels) + map.rowBytes);
+        add("map", map.name);
+        numbers = {map.bounds.x1,
+                   map.bounds.y1,
+                   map.bounds.x2,
+                   map.bounds.y2,
+                   map.fillRect.x1,
+                   map.fillRect.y1,
+                   map.fillRect.x2,
+                   map.fillRect.y2,
+                   static_cast<int>(map.full),
+                   static_cast<int>(map.pixels[1]),
+                   static_cast<int>(top[1])};
+    }
+    void pathFound(Host::Instance&, const TesseretPathV1& path) override
+    {
+        for (int i = 0; i < path.count; ++i) points.push_back({path.points[i].x, path.points[i].y});
+    }
 
+    bool wants = true;
+    std::vector<int> numbers;  ///< of the map told last
+    std::vector<std::vector<int>> points;
     std::vector<std::string> lines;
     std::vector<std::vector<int>> blocks;
 
@@ -120,10 +145,54 @@ TEST(Observer, TellsAHostThatListensAndIsNoneOtherwise)
     });
     EXPECT_THAT(diary.lines, ElementsAre("began quilt", "note 100% done", "ended quilt"));
     EXPECT_THAT(diary.blocks, ElementsAre(ElementsAre(1, 2, 3, 4, 5, 6, 7)));
+
+    // Where a map lies and how its rows are stored arrives as it is.
+    insideRender(tiny, [&](const Orvane::OvOfxHostWrapper& wrapper) {
+        std::vector<float> topDown{4, 5, 6, 1, 2, 3};
+        Orvane::Engine::Map<float> map;
+        map.setSize(3, 2);
+        map.placeAt(-7, 9);
+        map.borrow(&topDown[3], -12);
+        const auto observer = Orvane::makeHostObserver(wrapper.effect().instance()->effectHandle());
+        EXPECT_TRUE(observer->wantsMaps());
+        observer->mapMade({"blocks", &map, 6.0f, {-10, 5, 20, 25}});
+        observer->pathFound(std::vector<Orvane::Engine::PixelPoint>{{1, -2}, {2, -1}}, {});
+        diary.wants = false;
+        EXPECT_FALSE(observer->wantsMaps());
+    });
+    EXPECT_EQ(diary.lines.back(), "map blocks");
+    EXPECT_THAT(diary.numbers, ElementsAre(-7, 9, -4, 11, -10, 5, 20, 25, 6, 2, 5));
+    EXPECT_THAT(diary.points, ElementsAre(ElementsAre(1, -2), ElementsAre(2, -1)));
+
     tiny.host().setListener(nullptr);
     insideRender(tiny, [](const Orvane::OvOfxHostWrapper& wrapper) {
         EXPECT_EQ(Orvane::makeHostObserver(wrapper.effect().instance()->effectHandle()), nullptr);
     });
+}
+
+TEST(Observer, MembersOfItsSuiteMayBeNull)
+{
+    const TinyHost tiny;
+    OfxHost host{nullptr, [](OfxPropertySetHandle, const char*, int) -> const void* {
+                     static const TesseretObserverSuiteV1 kNothing{};
+                     return &kNothing;
+                 }};
+    int set = 0;
+    host.host = reinterpret_cast<OfxPropertySetHandle>(&set);
+    OfxHost* const before = Orvane::hostRecord();
+    OfxGetPlugin(0)->setHost(&host);
+    const auto observer = Orvane::makeHostObserver(nullptr);
+    OfxGetPlugin(0)->setHost(before);
+    ASSERT_NE(observer, nullptr);
+    EXPECT_FALSE(observer->wantsMaps());
+    Orvane::Engine::Map<float> map;
+    observer->stageBegan("quilt");
+    observer->progress(0.5);
+    observer->blockLaid({});
+    observer->note("");
+    observer->mapMade({"blocks", &map, 1.0f, {}});
+    observer->pathFound({}, {});
+    observer->stageEnded("quilt");
 }
 
 }  // namespace
