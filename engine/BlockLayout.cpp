@@ -46,22 +46,23 @@ bool isLaid(const BlockRecord& record, const Region& place, std::size_t textureC
 }
 
 Map<Pixel32f> numberBlocks(const TemporalState& state, std::size_t textureCount,
-                           const Region& limit, int& blockCount)
+                           const Region& limit)
 {
     const FillBounds& bounds = state.fillBounds;
     Map<Pixel32f> numbers;
     numbers.setSize(bounds.x1 - bounds.x0, bounds.y1 - bounds.y0);
     numbers.placeAt(bounds.x0, bounds.y0);
     numbers.allocate();
-    blockCount = 0;
     if (!numbers.isUsable()) return numbers;
     ConstantFill<Pixel32f>(0.0f).process(&numbers);
     const Region inside{limit.x0, limit.y0, std::min(limit.x1, bounds.x1),
                         std::min(limit.y1, bounds.y1)};
+    int number = 0;
     for (const BlockRecord& record : state.blockList) {
+        ++number;
         const Region region = laidRegion(record, state.savedBlockSize, inside);
         if (!isLaid(record, region, textureCount)) continue;
-        writeNumber(record, region, static_cast<float>(++blockCount), numbers);
+        writeNumber(record, region, static_cast<float>(number), numbers);
     }
     return numbers;
 }

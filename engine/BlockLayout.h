@@ -13,11 +13,9 @@ Region laidRegion(const BlockRecord& record, const BlockSize& size, const Region
 bool isLaid(const BlockRecord& record, const Region& place, std::size_t textureCount);
 
 /// Tells for each pixel of the state's fill bounds which of the recorded blocks its texture came
-/// from: 1 for the block that was laid first, and so on; 0 where none lies. Where blocks are
-/// blended, the seam decides.
-///
-/// `blockCount` gets the number of blocks laid. Without memory the map has no storage.
+/// from: 1 for the first record, and so on; 0 where none lies. Where blocks are blended, the seam
+/// decides. Without memory the map has no storage.
 Map<Pixel32f> numberBlocks(const TemporalState& state, std::size_t textureCount,
-                           const Region& limit, int& blockCount);
+                           const Region& limit);
 
 }  // namespace Orvane::Engine

@@ -16,7 +16,7 @@ struct LaidBlock {
 /// What a stage made, borrowed for the call. Its pixels need not cover the fill rectangle:
 /// "fillMask" and "compositeMask" are 0 to M, "pathBand" is positive where the boundary may run,
 /// "luminanceGain" holds factors. "blocks" holds the number of the block that a pixel came from,
-/// counted from 1 in the order in which they were laid; 0 is none.
+/// counted from 1 in the order in which they were laid anew; 0 is none.
 struct ObservedMap {
     const char* name;
     const Map<Pixel32f>* map;

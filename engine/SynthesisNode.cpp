@@ -309,9 +309,8 @@ void SynthesisNode<Pixel>::tellBlocks() const
     const FillBounds& all = state_->fillBounds;
     const Region laid =
         settings_.useStoredBlocks ? this->region() : Region{all.x0, all.y0, all.x1, all.y1};
-    int count = 0;
-    const Map<Pixel32f> numbers = numberBlocks(*state_, textures_.size(), laid, count);
-    tellMap("blocks", numbers, static_cast<float>(count));
+    tellMap("blocks", numberBlocks(*state_, textures_.size(), laid),
+            static_cast<float>(state_->blockList.size()));
 }
 
 /// Tells what the composite works with before it begins.

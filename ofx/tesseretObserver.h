@@ -27,7 +27,8 @@ struct TesseretBlockV1 {
 /// What a stage made, one number for each pixel; y upwards. By name, in this order:
 /// "fillMask"       the region to fill as it was prepared, 0 or `full`
 /// "pathBand"       positive where the boundary may run, up to `full`
-/// "blocks"         which block a pixel came from, from 1 in the order of `blockLaid`; 0 is none
+/// "blocks"         which block a pixel came from, from 1 in the order of `blockLaid`; 0 is none.
+///                  Blocks that are laid again keep their numbers
 /// "compositeMask"  the texture's share of the result, 0 to `full`
 /// "luminanceGain"  the factor for the texture's brightness; `full` is 1, as it is
 struct TesseretMapV1 {
