@@ -9,9 +9,19 @@ namespace Tesseret::Command {
 
 using Host::Picture;
 
+namespace {
+
+bool areEqual(const OfxPointD& a, const OfxPointD& b)
+{
+    return a.x == b.x && a.y == b.y;
+}
+
+}  // namespace
+
 FrameSource::FrameSource(const Files::PictureInfo& first, Host::Depth depth,
                          Host::Components components, OfxRangeD range)
-    : range_(range), region_(first.dataWindow)
+    : range_(range),
+      region_(Host::toCanonical(first.dataWindow, {1.0, 1.0}, first.pixelAspectRatio))
 {
     format_.depth = depth;
     format_.components = components;
@@ -19,26 +29,34 @@ FrameSource::FrameSource(const Files::PictureInfo& first, Host::Depth depth,
     format_.pixelAspectRatio = first.pixelAspectRatio;
 }
 
-void FrameSource::show(int frame, std::shared_ptr<const Picture> picture)
+void FrameSource::show(int frame, std::shared_ptr<const Picture> picture, OfxPointD scale)
 {
     frame_ = frame;
     picture_ = std::move(picture);
-    region_ = picture_->regionOfDefinition();
+    scale_ = scale;
+    region_ = Host::toCanonical(picture_->regionOfDefinition(), scale, format_.pixelAspectRatio);
+    scaled_.reset();
+}
+
+void FrameSource::hide()
+{
+    picture_.reset();
     scaled_.reset();
 }
 
 OfxRectD FrameSource::regionOfDefinition(OfxTime /*time*/) const
 {
-    return Host::toCanonical(region_, {1.0, 1.0}, format_.pixelAspectRatio);
+    return region_;
 }
 
 std::shared_ptr<const Picture> FrameSource::picture(OfxTime time, OfxPointD renderScale)
 {
     if (!picture_ || std::lround(time) != frame_) return nullptr;
-    if (renderScale.x == 1.0 && renderScale.y == 1.0) return picture_;
-    if (!scaled_ || scale_.x != renderScale.x || scale_.y != renderScale.y) {
-        scaled_ = std::make_shared<const Picture>(Files::scaled(*picture_, renderScale));
-        scale_ = renderScale;
+    if (areEqual(renderScale, scale_)) return picture_;
+    if (!scaled_ || !areEqual(renderScale, otherScale_)) {
+        const OfxPointD factor{renderScale.x / scale_.x, renderScale.y / scale_.y};
+        scaled_ = std::make_shared<const Picture>(Files::scaled(*picture_, factor));
+        otherScale_ = renderScale;
     }
     return scaled_;
 }

@@ -12,8 +12,11 @@ public:
     FrameSource(const Files::PictureInfo& first, Host::Depth depth, Host::Components components,
                 OfxRangeD range);
 
-    /// The picture that is answered from now on, for this frame only.
-    void show(int frame, std::shared_ptr<const Host::Picture> picture);
+    /// The picture that is answered from now on, for this frame only; in pixels of `scale`.
+    void show(int frame, std::shared_ptr<const Host::Picture> picture,
+              OfxPointD scale = {1.0, 1.0});
+    /// Lets go of the picture; there is none until the next is shown.
+    void hide();
 
     Host::ClipFormat format() const override { return format_; }
     OfxRangeD frameRange() const override { return range_; }
@@ -23,11 +26,12 @@ public:
 private:
     Host::ClipFormat format_;
     OfxRangeD range_;
-    OfxRectI region_;  ///< pixels at full scale
+    OfxRectD region_;  ///< canonical
     int frame_ = 0;
     std::shared_ptr<const Host::Picture> picture_;
-    std::shared_ptr<const Host::Picture> scaled_;  ///< for the last scale asked, if not 1
-    OfxPointD scale_{1.0, 1.0};
+    OfxPointD scale_{1.0, 1.0};                    ///< of picture_
+    std::shared_ptr<const Host::Picture> scaled_;  ///< for the last other scale asked
+    OfxPointD otherScale_{1.0, 1.0};
 };
 
 }  // namespace Tesseret::Command

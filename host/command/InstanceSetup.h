@@ -1,12 +1,11 @@
 #pragma once
 
-/// From settings and files to an instance that is ready to render.
-
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
-#include <vector>
 
+#include "host/command/FillRegion.h"
 #include "host/command/FrameSource.h"
 #include "host/command/JobInputs.h"
 #include "host/command/PluginSession.h"
@@ -19,14 +18,34 @@ struct ReadyInstance {
     std::map<std::string, std::shared_ptr<FrameSource>> clips;  ///< by name; only the connected
 };
 
-/// Makes the instance, connects its clips and sets its parameters: those given, those that the
-/// files given ask for (a matte is filled from, a texture is used), and the sample box. Throws
-/// `UsageError`.
-ReadyInstance setUpInstance(PluginSession& session, const RenderSettings& settings,
-                            const JobInputs& inputs, Host::Depth depth);
+/// From settings and files to instances that are ready to render, one like the other.
+class InstanceSetup {
+public:
+    /// Chooses the context and the parameter values: those given, those that the options and files
+    /// given ask for (a matte is filled from, a texture is used), and the sample box. Throws
+    /// `UsageError`. Session and inputs outlive the object.
+    InstanceSetup(PluginSession& session, const RenderSettings& settings, const JobInputs& inputs,
+                  Host::Depth depth);
 
-/// The box in the pixels of a picture, y upwards; whole pixels that cover it, cut at the data
-/// window. Throws `UsageError` when nothing is left.
-OfxRectI boxInPicture(const ViewBox& box, const Files::PictureInfo& picture);
+    /// Makes an instance, connects its clips and sets its parameters. Throws `UsageError`.
+    ReadyInstance make() const;
+
+    const FillRegion& fillRegion() const { return fillRegion_; }
+    /// Whether an instance lays the blocks of one frame again in the next.
+    bool repeatsBlocks() const { return repeatsBlocks_; }
+    /// The part of the source that blocks are taken from, in pixels; none when they come from a
+    /// texture or keep clear of the region to fill.
+    const std::optional<OfxRectI>& boxInSource() const { return boxInSource_; }
+
+private:
+    PluginSession& session_;
+    const JobInputs& inputs_;
+    Host::Depth depth_;
+    std::string context_;
+    ParameterValues values_;
+    FillRegion fillRegion_;
+    bool repeatsBlocks_ = false;
+    std::optional<OfxRectI> boxInSource_;
+};
 
 }  // namespace Tesseret::Command

@@ -213,6 +213,13 @@ struct ValueWriter {
 
 }  // namespace
 
+const Host::ParameterValue& valueOf(const std::string& name, const ParameterValues& values,
+                                    const Host::ContextDescription& description)
+{
+    const auto set = values.find(name);
+    return set != values.end() ? set->second : description.parameter(name)->initial;
+}
+
 NamedValue parseAssignment(std::string_view text, const Host::ContextDescription& description)
 {
     const std::size_t equals = text.find('=');

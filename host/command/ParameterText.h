@@ -2,6 +2,7 @@
 
 /// Parameter values as text, checked against what the plug-in described.
 
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,13 @@ struct NamedValue {
     std::string name;
     Host::ParameterValue value;
 };
+
+/// By name; those that are not the plug-in's own defaults.
+using ParameterValues = std::map<std::string, Host::ParameterValue>;
+
+/// The value set, else the default. The parameter exists.
+const Host::ParameterValue& valueOf(const std::string& name, const ParameterValues& values,
+                                    const Host::ContextDescription& description);
 
 /// Understands "blockSize=64", "fillRegion=Entire Image" or "fillRegion=0", "luminanceMatch=on",
 /// "sampleCorner1=0.1,0.2". Throws `UsageError`: no "=", an unknown name (with the nearest), a

@@ -25,6 +25,7 @@ lists them. Files are PNG, JPEG, TIFF, DPX and EXR.
 
 Examples:
   tesseret render --source plate.png --output out.png blockSize=64 seed=7
+  tesseret render --source plate.png --matte hole.png --matte-grow 10 --output out.png
   tesseret render --source wall.exr --output out.exr --sample-box 100,80,600,500
   tesseret render --source sky.png --texture1 grass.png --sample-box 0,0,512,512 \
       --output out.png numSamples=50
@@ -34,8 +35,9 @@ Examples:
 /// As they stand on the command line.
 struct RenderOptions {
     RenderSettings settings;
-    std::string frames, depth, window, sampleBox;
+    std::string frames, depth, window, sampleBox, areas = "all", matteWindow = "area";
     std::filesystem::path debugMaps;  ///< empty: none
+    bool matteInverted = false, fillAlpha = false, fillAlphaInverted = false;
     bool quiet = false, verbose = false;
 };
 
@@ -50,11 +52,6 @@ void addFileOptions(CLI::App& command, RenderOptions& options)
                     "Where the result goes; its extension says "
                     "which kind of file it becomes")
         ->required()
-        ->type_name("FILE");
-    command
-        .add_option("-m,--matte", settings.matte,
-                    "Region to fill, white on black or as alpha, of the source's size; selects "
-                    "the context General and fillRegion=\"Matte->Alpha\"")
         ->type_name("FILE");
     for (std::size_t i = 0; i < settings.textures.size(); ++i) {
         const std::string number = std::to_string(i + 1);
@@ -76,6 +73,53 @@ void addFileOptions(CLI::App& command, RenderOptions& options)
                     "95); TIFF: none, lzw, zip, packbits; EXR: none, rle, zip, zips, piz, pxr24, "
                     "b44, b44a, dwaa, dwab (default: the source's)")
         ->type_name("VALUE");
+}
+
+void addMatteOptions(CLI::App& command, RenderOptions& options)
+{
+    RenderSettings& settings = options.settings;
+    auto* const matte =
+        command
+            .add_option("-m,--matte", settings.matte,
+                        "Region to fill, white on black or as alpha, of the source's size; selects "
+                        "the context General and fillRegion=\"Matte->Alpha\"")
+            ->type_name("FILE");
+    command
+        .add_flag("--matte-inverted", options.matteInverted,
+                  "Fills where the matte is black or transparent: "
+                  "fillRegion=\"Matte->Inverted Alpha\"")
+        ->needs(matte);
+    command
+        .add_option("--areas", options.areas,
+                    "Of a matte with separate areas: all, one after another, or first (default: "
+                    "all)")
+        ->needs(matte)
+        ->check(CLI::IsMember({"all", "first"}))
+        ->type_name("WHICH");
+    command
+        .add_option("--matte-window", options.matteWindow,
+                    "How much of the matte the plug-in is given: area, the box round the area to "
+                    "fill, or full (default: area)")
+        ->needs(matte)
+        ->check(CLI::IsMember({"area", "full"}))
+        ->type_name("WHICH");
+    command
+        .add_option("--matte-grow", settings.matteGrow,
+                    "Widens the region to fill by so many pixels first, 0 to 1000")
+        ->needs(matte)
+        ->check(CLI::Range(0.0, 1000.0))
+        ->type_name("PIXELS");
+    auto* const alpha =
+        command
+            .add_flag("--fill-alpha", options.fillAlpha,
+                      "Fills where the source's own alpha is set; selects the context General and "
+                      "fillRegion=\"Source->Alpha\"")
+            ->excludes(matte);
+    command
+        .add_flag("--fill-alpha-inverted", options.fillAlphaInverted,
+                  "Fills where the source is transparent: fillRegion=\"Source->Inverted Alpha\"")
+        ->excludes(matte)
+        ->excludes(alpha);
 }
 
 void addRenderOptions(CLI::App& command, RenderOptions& options)
@@ -147,6 +191,12 @@ RenderSettings settingsFrom(const RenderOptions& options)
 {
     RenderSettings settings = options.settings;
     if (!options.frames.empty()) settings.frames = Files::parseFrames(options.frames);
+    if (options.matteInverted) settings.mask = MaskOption::MatteInverted;
+    if (options.fillAlpha) settings.mask = MaskOption::Alpha;
+    if (options.fillAlphaInverted) settings.mask = MaskOption::AlphaInverted;
+    if (std::isnan(settings.matteGrow)) throw UsageError("--matte-grow: a number is wanted");
+    settings.everyArea = options.areas == "all";
+    settings.cropsAreas = options.matteWindow == "area";
     if (options.depth == "byte") settings.depth = Host::Depth::Byte;
     if (options.depth == "short") settings.depth = Host::Depth::Short;
     if (options.depth == "float") settings.depth = Host::Depth::Float;
@@ -186,6 +236,7 @@ void addRenderCommand(CLI::App& app, Action& action)
     CLI::App* const command = app.add_subcommand("render", "Renders a picture or a sequence");
     command->footer(kFooter);
     addFileOptions(*command, *options);
+    addMatteOptions(*command, *options);
     addRenderOptions(*command, *options);
     command->callback([options, &action] { action = [options] { return render(*options); }; });
 }

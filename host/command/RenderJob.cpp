@@ -16,7 +16,6 @@
 namespace Tesseret::Command {
 
 using Files::PictureInfo;
-using Host::Picture;
 
 namespace {
 
@@ -50,12 +49,17 @@ OfxRectI scaledRect(const OfxRectI& rect, double scale)
 RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
     : settings_(std::move(settings)),
       listener_(listener),
+      warnings_(listener),
       inputs_(settings_),
       depth_(settings_.depth.value_or(inputs_.source().depth)),
       session_(settings_.plugin, hostOptions()),
-      ready_(setUpInstance(session_, settings_, inputs_, depth_)),
+      renderer_(settings_, InstanceSetup(session_, settings_, inputs_, depth_), listener,
+                warnings_),
       asColour_(hasColourTexture(inputs_))
 {
+    if (fillRegion().source == MaskSource::Matte) {
+        mattes_.emplace(settings_, fillRegion().polarity);
+    }
     if (settings_.window) boxInPicture(*settings_.window, inputs_.source());
 }
 
@@ -66,7 +70,9 @@ Host::HostOptions RenderJob::hostOptions()
     options.listener = &listener_;
     options.onMessage = [this](const Host::Message& message) { return receive(message); };
     options.onReport = [this](const Host::Report& report) {
-        if (report.kind == Host::Report::Kind::BadCall) tell("the plug-in: " + report.text);
+        if (report.kind == Host::Report::Kind::BadCall) {
+            warnings_.tell("the plug-in: " + report.text);
+        }
     };
     return options;
 }
@@ -81,24 +87,17 @@ OfxStatus RenderJob::receive(const Host::Message& message)
     return message.type == kOfxMessageQuestion ? kOfxStatReplyDefault : kOfxStatOK;
 }
 
-void RenderJob::tell(const std::string& warning)
-{
-    const std::lock_guard lock(toldMutex_);
-    if (told_.insert(warning).second) listener_.warning(warning);
-}
-
 void RenderJob::run()
 {
     const std::vector<int>& frames = inputs_.frames();
-    const InterruptTarget interruptible(instance());
     const auto read = [this](int frame) {
         return std::async(std::launch::async, [this, frame] { return readFrame(frame); });
     };
     std::future<ReadFrame> next = read(frames.front());
     std::future<void> written;  // both futures wait for their work when an exception passes
     const auto [first, last] = std::ranges::minmax(frames);
-    instance().beginSequence({double(first), double(last)}, 1.0,
-                             request(frames.front(), inputs_.source()));
+    renderer_.beginSequence({double(first), double(last)},
+                            request(frames.front(), inputs_.source()));
     for (std::size_t i = 0; i < frames.size(); ++i) {
         const ReadFrame current = next.get();
         if (i + 1 < frames.size()) next = read(frames[i + 1]);
@@ -108,7 +107,7 @@ void RenderJob::run()
             writeFrame(std::move(done));
         });
     }
-    instance().endSequence();
+    renderer_.endSequence();
     written.get();
 }
 
@@ -118,8 +117,9 @@ RenderJob::ReadFrame RenderJob::readFrame(int frame)
     ReadFrame read;
     read.pictures = inputs_.read(frame, depth_);
     for (const auto& [clip, picture] : read.pictures) {
-        for (const std::string& warning : picture.warnings) tell(warning);
+        for (const std::string& warning : picture.warnings) warnings_.tell(warning);
     }
+    if (mattes_) read.matte = mattes_->prepare(read.pictures.at("Matte"));
     read.seconds = watch.seconds();
     return read;
 }
@@ -140,20 +140,13 @@ RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read
 {
     if (isInterrupted()) throw Interrupted("interrupted");
     listener_.frameBegan(frame);
-    for (const auto& [clip, picture] : read.pictures) {
-        ready_.clips.at(clip)->show(frame, picture.picture);
-    }
     const ClipPicture& source = read.pictures.at("Source");
     const Host::RenderRequest asked = request(frame, source.info);
     errorMessage_.clear();
     try {
         const Stopwatch watch;
         RenderedFrame rendered;
-        rendered.picture = Picture(asked.window, depth_);
-        rendered.picture.setPixelAspectRatio(source.info.pixelAspectRatio);
-        const OfxStatus status = instance().render(asked, rendered.picture);
-        if (instance().isAborted()) throw Interrupted("interrupted");
-        if (status != kOfxStatOK) fail(frame, Host::statusText(status));
+        rendered.picture = renderer_.render(asked, read.pictures, read.matte.get());
         rendered.record = source.record;
         rendered.displayWindow = changedDisplay(source.info, asked.window);
         rendered.result = {frame, inputs_.outputFile(frame), read.seconds, watch.seconds(), 0.0};
@@ -183,7 +176,7 @@ void RenderJob::writeFrame(RenderedFrame rendered)
     try {
         for (const std::string& warning : Files::writePicture(
                  rendered.result.file, rendered.picture, *rendered.record, options)) {
-            tell(warning);
+            warnings_.tell(warning);
         }
     } catch (const Files::FileError& error) {
         throw RenderFailure(error.what());  // the render came through, but its result did not

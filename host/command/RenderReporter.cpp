@@ -61,7 +61,13 @@ void RenderReporter::begin(RenderJob& job)
 {
     const std::lock_guard lock(mutex_);
     frameCount_ = job.inputs().frames().size();
-    if (loudness_ != Loudness::Verbose) return;
+    if (loudness_ == Loudness::Verbose) sayJob(job);
+    if (loudness_ != Loudness::Quiet) sayMask(job);
+    std::fflush(stdout);
+}
+
+void RenderReporter::sayJob(RenderJob& job)
+{
     const Host::EffectDescription effect = job.session().effect().description();
     std::printf("plug-in      %s, %s %u.%u\n", job.session().file().c_str(), effect.label.c_str(),
                 effect.versionMajor, effect.versionMinor);
@@ -71,11 +77,18 @@ void RenderReporter::begin(RenderJob& job)
     std::printf("render       %s, %s, threads %u\n",
                 shortContextName(job.instance().context()).c_str(),
                 depthWord(job.instance().outputFormat().depth), job.session().host().threads());
-    if (job.inputs().has("Matte")) {
+}
+
+/// Which channel was taken cannot be seen from a file's looks.
+void RenderReporter::sayMask(const RenderJob& job)
+{
+    if (job.fillRegion().source == MaskSource::Alpha) {
+        std::printf("matte taken from the source's alpha\n");
+    } else if (job.fillRegion().source == MaskSource::Matte) {
         const Files::PictureInfo& matte = job.inputs().infos().at("Matte");
-        std::printf("matte        from its %s\n", matte.hasAlpha   ? "alpha"
-                                                  : matte.isColour ? "luminance"
-                                                                   : "grey");
+        std::printf("matte taken from its %s\n", matte.hasAlpha   ? "alpha"
+                                                 : matte.isColour ? "luminance"
+                                                                  : "grey");
     }
 }
 
@@ -103,6 +116,25 @@ void RenderReporter::frameBegan(int frame)
     const std::lock_guard lock(mutex_);
     frame_ = frame;
     ++framesBegun_;
+    area_ = 0;
+    areaCount_ = 1;
+    stageFraction_ = 0.0;
+    drawBar();
+}
+
+/// A sequence says the number of areas again where it changes.
+void RenderReporter::areaBegan(std::size_t area, std::size_t count)
+{
+    const std::lock_guard lock(mutex_);
+    area_ = area;
+    areaCount_ = count;
+    if (loudness_ != Loudness::Quiet && area == 0 && count != areaCountSaid_) {
+        areaCountSaid_ = count;
+        bar_.clear();
+        if (frameCount_ > 1) std::printf("frame %d: ", frame_);
+        std::printf("%zu area%s to fill\n", count, count == 1 ? "" : "s");
+        std::fflush(stdout);
+    }
     stageFraction_ = 0.0;
     drawBar();
 }
@@ -182,20 +214,27 @@ void RenderReporter::blockLaid(Host::Instance& /*instance*/, const TesseretBlock
 void RenderReporter::drawBar()
 {
     if (!bar_.isShown()) return;
+    const double fraction =
+        (static_cast<double>(area_) + stageFraction_) / static_cast<double>(areaCount_);
+    std::string area;
+    if (areaCount_ > 1) {
+        area = "area " + std::to_string(area_ + 1) + " of " + std::to_string(areaCount_) + "  ";
+    }
     if (frameCount_ == 1) {
-        bar_.update(stageFraction_, stages_.current());
+        bar_.update(fraction, area + stages_.current());
         return;
     }
     const auto done = static_cast<double>(framesWritten_);
     const double begun = framesBegun_ > 0 ? static_cast<double>(framesBegun_ - 1) : 0.0;
-    std::string text = "frame " + std::to_string(frame_) + "  " + std::to_string(framesWritten_) +
-                       " of " + std::to_string(frameCount_) + " done";
+    std::string text = "frame " + std::to_string(frame_) + "  " + area +
+                       std::to_string(framesWritten_) + " of " + std::to_string(frameCount_) +
+                       " done";
     if (framesWritten_ > 0) {
         const double rate = done / elapsed();
         const double left = (static_cast<double>(frameCount_) - done) / rate;
         text += "  " + fixed(rate, 2) + " frames/s  " + durationText(left) + " left";
     }
-    bar_.update((begun + stageFraction_) / static_cast<double>(frameCount_), text);
+    bar_.update((begun + fraction) / static_cast<double>(frameCount_), text);
 }
 
 }  // namespace Tesseret::Command

@@ -26,6 +26,7 @@ public:
     void finish();
 
     void frameBegan(int frame) override;
+    void areaBegan(std::size_t area, std::size_t count) override;
     void frameWritten(const FrameResult& result) override;
     void warning(const std::string& text) override;
     void message(const std::string& text) override;
@@ -37,6 +38,8 @@ public:
 
 private:
     void drawBar();
+    void sayJob(RenderJob& job);
+    void sayMask(const RenderJob& job);
     void tell(const std::string& kind, const std::string& text);
     double elapsed() const;
 
@@ -47,6 +50,7 @@ private:
     StageTimes stages_;
     std::set<std::string> notes_;
     std::size_t frameCount_ = 1, framesWritten_ = 0, framesBegun_ = 0;
+    std::size_t area_ = 0, areaCount_ = 1, areaCountSaid_ = 1;
     int frame_ = 0;
     double stageFraction_ = 0.0;
     long blocks_ = 0;

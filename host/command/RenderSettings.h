@@ -8,19 +8,20 @@
 #include <string>
 #include <vector>
 
-#include "host/Picture.h"
+#include "host/command/ViewBox.h"
 
 namespace Tesseret::Command {
 
-/// Corners of a box as an image viewer shows them: pixels from the upper left corner of the display
-/// window, y downwards.
-struct ViewBox {
-    double x1, y1, x2, y2;
-};
+/// What is to be filled, beyond what the files given imply.
+enum class MaskOption { None, MatteInverted, Alpha, AlphaInverted };
 
 struct RenderSettings {
-    std::filesystem::path source, output;           ///< with a mark for the frame in a sequence
-    std::filesystem::path matte;                    ///< empty: none
+    std::filesystem::path source, output;  ///< with a mark for the frame in a sequence
+    std::filesystem::path matte;           ///< empty: none
+    MaskOption mask = MaskOption::None;
+    bool everyArea = true;                          ///< of the matte; else the first one
+    bool cropsAreas = true;                         ///< an area's matte is cut at its box
+    double matteGrow = 0.0;                         ///< pixels at full size
     std::array<std::filesystem::path, 3> textures;  ///< each empty: none
     std::vector<int> frames;                        ///< empty: a still
     std::string context;                            ///< "Filter", "General", or empty: as needed

@@ -48,7 +48,9 @@ int LoadedPicture::at(int column, int row, int channel) const
 
 LoadedPicture load(const std::filesystem::path& file)
 {
-    const auto input = OIIO::ImageInput::open(file.string());
+    OIIO::ImageSpec asStored;
+    asStored.attribute("oiio:UnassociatedAlpha", 1);
+    const auto input = OIIO::ImageInput::open(file.string(), &asStored);
     if (!input) throw std::runtime_error("cannot load " + file.string());
     const OIIO::ImageSpec& spec = input->spec();
     LoadedPicture picture{spec.width, spec.height, spec.nchannels, spec.x, spec.y, {}};

@@ -32,6 +32,7 @@ protected:
         fs::current_path(folder_.path());
         paint("a.png", 64, 48, noise(1));
         paint("small.png", 32, 32, noise(2));
+        paint("clear.png", 64, 48, [](int x, int y) { return std::vector{x, y, 0, x}; });
         std::ofstream("text.png") << "no picture";
         for (const char* name : {"p.1.png", "p.2.png", "p.5.png"}) paint(name, 64, 48, noise(1));
         paint("cut.jpg", 64, 48, noise(1));
@@ -57,6 +58,23 @@ TEST_F(UsageTest, BadInputIsOneLineAndTwo)
         {{"-o", "none/out.png"}, {"the folder none does not exist"}},
         {{"--compression", "zip"}, {"PNG takes a level from 0 to 9"}},
         {{"--matte", "small.png"}, {"small.png: the matte is 32 x 32, but the source is 64 x 48"}},
+        {{"--matte-inverted"}, {"--matte-inverted requires --matte"}},
+        {{"--areas", "first"}, {"--areas requires --matte"}},
+        {{"--matte", "a.png", "--areas", "some"}, {"--areas", "all,first"}},
+        {{"--matte", "a.png", "--matte-window", "none"}, {"--matte-window", "area,full"}},
+        {{"--matte", "a.png", "--matte-grow", "1001"}, {"--matte-grow", "1000"}},
+        {{"--matte", "a.png", "--matte-grow", "nan"}, {"--matte-grow"}},
+        {{"--matte", "a.png", "--fill-alpha"}, {"--matte excludes --fill-alpha"}},
+        {{"--fill-alpha-inverted", "--fill-alpha"}, {"--fill-alpha"}},
+        {{"--fill-alpha"}, {"a.png: has no alpha", "--fill-alpha"}},
+        {{"--fill-alpha-inverted"}, {"a.png: has no alpha", "--fill-alpha-inverted"}},
+        {{"--matte", "a.png", "fillRegion=Source->Alpha"},
+         {"--matte and fillRegion=\"Source->Alpha\" contradict each other"}},
+        {{"--matte", "a.png", "--matte-inverted", "fillRegion=3"},
+         {"--matte-inverted and fillRegion=\"Matte->Alpha\" contradict"}},
+        {{"-s", "clear.png", "--fill-alpha", "fillRegion=2"},
+         {"--fill-alpha and fillRegion=\"Source->Inverted Alpha\" contradict"}},
+        {{"-s", "clear.png", "--fill-alpha", "--plugin", INVERT_PLUGIN}, {"General"}},
         {{"--texture1", "small.png", "sampleCorner1=0.2,0.2"},
          {"small.png: the sample box of 39 x 29", "--sample-box"}},
         {{"--texture1", "none.png"}, {"none.png: no such file"}},
