@@ -28,8 +28,8 @@ protected:
     Outcome render(CommandRun::Arguments more) const
     {
         more.insert(more.begin(),
-                    {"render", "-s", in("a.png"), "-m", in("matte.png"), "pathWidth=2", "-o",
-                     in("out.png"), "edgeBlend=1", "blockSize=40"});
+                    {"render", "-s", in("a.png"), "-m", in("matte.png"), "-o", in("out.png"),
+                     "--matte-window", "full", "pathWidth=2", "edgeBlend=1", "blockSize=40"});
         return run(more);
     }
 
@@ -78,11 +78,26 @@ TEST_F(DebugMapsTest, ShowWhatTheFillWasMadeWith)
     EXPECT_THAT(namesIn(""), UnorderedElementsAre("a.png", "matte.png", "out.png", "new"));
 }
 
+TEST_F(DebugMapsTest, OfSeveralAreasBearTheArea)
+{
+    paint(in("two.png"), 200, 150,
+          [](int x, int y) { return std::vector{x >= 40 && x < 70 && y % 60 >= 30 ? 255 : 0}; });
+    const Outcome outcome =
+        run({"render", "-s", in("a.png"), "-m", in("two.png"), "-o", in("out.png"), "--debug-maps",
+             in("maps"), "pathWidth=2", "edgeBlend=1"});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(namesIn("maps").size(), 10u);
+    for (const char* name : {"maps/area1_fill-mask.png", "maps/area2_fill-mask.png"}) {
+        EXPECT_EQ(load(in(name)).width, 30 + 2 * (1 + 15)) << name;  // the area's box
+    }
+}
+
 TEST_F(DebugMapsTest, OfASequenceBearTheFrame)
 {
     const Outcome outcome =
         run({"render", "-s", in("a.png"), "-m", in("matte.png"), "-o", in("o#.png"), "-f", "0,12",
-             "--debug-maps", in("maps"), "temporalConsistancy=on", "pathWidth=2", "edgeBlend=1"});
+             "--debug-maps", in("maps"), "--matte-window", "full", "temporalConsistancy=on",
+             "pathWidth=2", "edgeBlend=1"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_THAT(namesIn("maps"),
                 UnorderedElementsAre("0000_fill-mask.png", "0000_path-band.png", "0000_blocks.png",
