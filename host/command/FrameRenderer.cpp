@@ -100,7 +100,8 @@ void FrameRenderer::fillAreas(const RenderRequest& request, const FramePictures&
             next.paste(output);
             filled = std::make_shared<const Picture>(std::move(next));
         }
-        for (const auto& [clip, shown] : slot.clips) shown->hide();
+        source.hide();  // instances that wait for the next frame hold no pictures
+        slot.clips.at("Matte")->hide();
     }
 }
 

@@ -31,11 +31,11 @@ FrameSource::FrameSource(const Files::PictureInfo& first, Host::Depth depth,
 
 void FrameSource::show(int frame, std::shared_ptr<const Picture> picture, OfxPointD scale)
 {
+    if (picture != picture_ || !areEqual(scale, scale_)) scaled_.reset();
     frame_ = frame;
     picture_ = std::move(picture);
     scale_ = scale;
     region_ = Host::toCanonical(picture_->regionOfDefinition(), scale, format_.pixelAspectRatio);
-    scaled_.reset();
 }
 
 void FrameSource::hide()

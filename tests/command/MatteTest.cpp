@@ -1,12 +1,9 @@
 /// What is filled: mattes, their areas, and the source's alpha.
 
-#include <algorithm>
-#include <cmath>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/command/RenderFixture.h"
+#include "tests/command/MatteFixture.h"
 
 namespace Tesseret::Command {
 namespace {
@@ -17,83 +14,9 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr int kWidth = 200, kHeight = 160;
-
-/// Pixels of a picture, y downwards; x2 and y2 are excluded.
-struct Spot {
-    int x1, y1, x2, y2;
-
-    bool holds(int x, int y) const { return x >= x1 && x < x2 && y >= y1 && y < y2; }
-    bool isNear(int x, int y, double distance) const
-    {
-        const int dx = std::max({x1 - x, x - (x2 - 1), 0});
-        const int dy = std::max({y1 - y, y - (y2 - 1), 0});
-        return std::hypot(dx, dy) <= distance;
-    }
-};
-
-// The plug-in's scan comes upwards: kLow first.
-constexpr Spot kLow{150, 120, 170, 140};
-constexpr Spot kMiddle{30, 70, 60, 100};
-constexpr Spot kHigh{140, 20, 165, 40};
-constexpr Spot kHole{40, 80, 50, 90};    // in kMiddle
-constexpr Spot kIsland{44, 84, 46, 86};  // in kHole
-
-using Spots = std::vector<Spot>;
-
-bool holds(const Spots& spots, int x, int y)
-{
-    return std::ranges::any_of(spots, [&](const Spot& spot) { return spot.holds(x, y); });
-}
-
-/// One channel, 255 in the spots and not in the holes.
-Painter masks(Spots spots, Spots holes = {}, bool inverted = false)
-{
-    return [=](int x, int y) {
-        const bool isMasked = holds(spots, x, y) && !holds(holes, x, y);
-        return std::vector{isMasked != inverted ? 255 : 0};
-    };
-}
-
-/// Colours with an alpha of their own.
-Painter withAlpha(const Painter& colours, const Painter& alpha)
-{
-    return [=](int x, int y) {
-        std::vector<int> channels = colours(x, y);
-        channels.push_back(alpha(x, y).front());
-        return channels;
-    };
-}
-
-class MatteTest : public RenderFixture {
-protected:
-    MatteTest() { paint(in("a.png"), kWidth, kHeight, noise(1)); }
-
-    void paintMatte(const std::string& name, const Painter& painter) const
-    {
-        paint(in(name), kWidth, kHeight, painter);
-    }
-
-    /// Small blocks and a narrow path, so that a fill reaches no further than 16 pixels.
-    Outcome fill(const std::string& source, const std::string& output,
-                 CommandRun::Arguments more = {}) const
-    {
-        more.insert(more.end(),
-                    {"blockSize=30", "overlap=8", "pathWidth=2", "edgeBlend=1", "--threads", "2"});
-        Outcome outcome = render(source, output, more);
-        EXPECT_EQ(outcome.code, 0) << outcome.err;
-        return outcome;
-    }
-
-    LoadedPicture filled(const CommandRun::Arguments& more,
-                         const std::string& source = "a.png") const
-    {
-        fill(source, "out.png", more);
-        return load(in("out.png"));
-    }
-};
-
 constexpr int kReach = 16;  // 5 * (pathWidth + edgeBlend), and one pixel round the matte
+
+using MatteTest = MatteFixture;
 
 TEST_F(MatteTest, EveryPolarityFillsTheSame)
 {
@@ -331,78 +254,6 @@ TEST_F(MatteTest, TellsWhenTheSampleBoxHoldsWhatIsToGo)
           {"--texture1", in("a.png")}}) {
         EXPECT_THAT(said(more), Not(HasSubstr("sample box"))) << more.front();
     }
-}
-
-class MatteSequenceTest : public MatteTest {
-protected:
-    MatteSequenceTest()
-    {
-        for (int frame = 1; frame <= 4; ++frame) {
-            paint(in(numbered("p%d.png", frame)), kWidth, kHeight, noise(frame));
-        }
-    }
-
-    Outcome fillFrames(const char* output, const char* matte, CommandRun::Arguments more = {}) const
-    {
-        more.insert(more.end(), {"--frames", "1-4", "--matte", in(matte)});
-        return fill("p#.png", output, more);
-    }
-    LoadedPicture frame(const char* output, int number) const
-    {
-        return load(in(numbered(output, number)));
-    }
-};
-
-// Each area keeps an instance of its own, which lays its own blocks again.
-TEST_F(MatteSequenceTest, EveryAreaRepeatsItsBlocks)
-{
-    paintMatte("both.png", masks({kLow, kMiddle}));
-    paintMatte("low.png", masks({kLow}));
-    paintMatte("middle.png", masks({kMiddle}));
-    const Outcome outcome = fillFrames("both%d.png", "both.png", {"temporalConsistancy=on"});
-    EXPECT_THAT(outcome.out, HasSubstr("frame 1: 2 areas to fill\n"));
-    EXPECT_THAT(outcome.out, Not(HasSubstr("frame 2:")));
-    EXPECT_THAT(outcome.err, Not(HasSubstr("warning")));
-    fillFrames("low%d.png", "low.png", {"temporalConsistancy=on"});
-    fill("low#.png", "chain#.png",
-         {"--frames", "1-4", "--matte", in("middle.png"), "temporalConsistancy=on"});
-    fillFrames("fresh%d.png", "both.png");
-    for (int number = 1; number <= 4; ++number) {
-        EXPECT_EQ(frame("both%d.png", number), frame("chain%d.png", number)) << number;
-    }
-    EXPECT_EQ(frame("both%d.png", 1), frame("fresh%d.png", 1));
-    EXPECT_NE(frame("both%d.png", 3), frame("fresh%d.png", 3));
-}
-
-// When areas come, go or move elsewhere, no area gets the blocks that were laid for another.
-TEST_F(MatteSequenceTest, ChangedAreasBeginAnew)
-{
-    paintMatte("m1.png", masks({kLow, kMiddle}));
-    paintMatte("m2.png", masks({kMiddle}));
-    paintMatte("m3.png", masks({kHigh}));
-    paintMatte("m4.png", masks({kHigh, kMiddle}));
-    const Outcome outcome = fillFrames("on%d.png", "m#.png", {"temporalConsistancy=on"});
-    EXPECT_THAT(outcome.out, AllOf(HasSubstr("frame 1: 2 areas"), HasSubstr("frame 2: 1 area to"),
-                                   HasSubstr("frame 4: 2 areas")));
-    EXPECT_THAT(outcome.err, HasSubstr("m2.png: the areas are not those of the frames before"));
-    EXPECT_THAT(outcome.err, Not(HasSubstr("m3.png")));
-    const Outcome plain = fillFrames("off%d.png", "m#.png");
-    EXPECT_THAT(plain.err, Not(HasSubstr("the areas are not")));
-    for (int number = 1; number <= 4; ++number) {
-        EXPECT_EQ(frame("on%d.png", number), frame("off%d.png", number)) << number;
-    }
-}
-
-TEST_F(MatteSequenceTest, FramesWithoutAMaskAreTheSource)
-{
-    for (const int number : {1, 4}) paintMatte(numbered("m%d.png", number), masks({kLow, kMiddle}));
-    for (const int number : {2, 3}) paintMatte(numbered("m%d.png", number), masks({}));
-    paintMatte("still.png", masks({kLow, kMiddle}));
-    const Outcome outcome = fillFrames("o%d.png", "m#.png", {"temporalConsistancy=on"});
-    EXPECT_THAT(outcome.err, AllOf(HasSubstr("m2.png: masks nothing"), Not(HasSubstr("m3.png"))));
-    EXPECT_EQ(frame("o%d.png", 2), frame("p%d.png", 2));
-    fillFrames("still%d.png", "still.png", {"temporalConsistancy=on"});
-    EXPECT_EQ(frame("o%d.png", 4), frame("still%d.png", 4)) << "the blocks of frame 1 again";
 }
 
 }  // namespace
