@@ -69,11 +69,12 @@ public:
     /// counted from the first masked one.
     void raise(Channel* target, int from, int count, int reach) const
     {
-        const auto length = static_cast<std::size_t>(2 * reach + 1);
-        const auto level = static_cast<std::size_t>(std::bit_width(length) - 1);
+        const std::size_t stretch = 2 * static_cast<std::size_t>(reach) + 1;
+        const std::size_t half = std::bit_floor(stretch);  // at least half of the stretch
+        const auto& maxima = levels_[static_cast<std::size_t>(std::countr_zero(half))];
         const Channel* const left =
-            levels_[level].data() + static_cast<std::ptrdiff_t>(2 * most_) + from - reach;
-        const Channel* const right = left + (length - (std::size_t{1} << level));
+            maxima.data() + static_cast<std::ptrdiff_t>(2 * most_) + from - reach;
+        const Channel* const right = left + (stretch - half);
         for (int i = 0; i < count; ++i) {
             target[i] = std::max(target[i], std::max(left[i], right[i]));
         }

@@ -179,8 +179,8 @@ TEST(MatteAreasOfNoiseTest, AreThoseOfAPlainSearch)
             const OfxRectI box = areas.box(area++);
             for (int y = 0; y < height; ++y) {
                 for (int x = 0; x < width; ++x) {
-                    const auto cell = static_cast<std::size_t>((y + 1) * wide + x + 1);
-                    const bool belongs = inside[cell] == label;
+                    const int cell = (y + 1) * wide + x + 1;
+                    const bool belongs = inside[static_cast<std::size_t>(cell)] == label;
                     ASSERT_EQ(alone.channel(x, y, 0) == 255, belongs) << trial;
                     const bool isBoxed = x >= box.x1 && x < box.x2 && y >= box.y1 && y < box.y2;
                     ASSERT_TRUE(isBoxed || !belongs) << trial;
