@@ -11,6 +11,7 @@
 #include "engine/MaskGradient.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
+#include "tests/fixtures/ReferencePath.h"
 
 namespace Orvane::Engine {
 namespace {
@@ -94,10 +95,54 @@ TYPED_TEST(Boundary, PathIsAClosedLoopInTheBand)
     EXPECT_NEAR(std::abs(turned), 6.2831853, 1e-6) << "once round the region";
 }
 
+bool star(int x, int y)
+{
+    const double angle = std::atan2(y - 58, x - 62);
+    return std::hypot(x - 62, y - 58) < 26.0 + 9.0 * std::cos(5.0 * angle);
+}
+
+/// From cuts all round the region: the same loop as the plain search, whose end is the arrival cell
+/// of least mean cost.
+TYPED_TEST(Boundary, PathIsTheBestThatReachesTheCut)
+{
+    const FakeServices services;
+    int closed = 0;
+    for (const auto& shape : {Shape(disc), Shape(angle), Shape(star)}) {
+        Scene<TypeParam> scene(shape);
+        for (int turn = 0; turn < 24; ++turn) {
+            const double direction = turn * 6.2831853 / 24;
+            PixelPoint start{60, 55};
+            for (double r = 0.0; scene.band->read(start.x, start.y) == 0.0f; r += 0.5) {
+                start = {static_cast<int>(60 + r * std::cos(direction)),
+                         static_cast<int>(55 + r * std::sin(direction))};
+            }
+            PathSearch<TypeParam> search(scene.search());
+            Reference::BoundaryPath plain;
+            plain.band = [&](auto p) { return scene.band->read(p.first, p.second); };
+            plain.cost = [&](auto p) { return search.pixelCost({p.first, p.second}); };
+            plain.gradient = [&](auto p) {
+                const PixelVec2f g = scene.gradient->read(p.first, p.second);
+                return std::pair(g.x, g.y);
+            };
+            const bool expected = plain.search({start.x, start.y}, kSize, kSize);
+            ASSERT_EQ(search.run(start) == PathOutcome::Closed, expected) << turn;
+            if (!expected) continue;
+            ++closed;
+            std::vector<Reference::BoundaryPath::Point> path;
+            for (const PixelPoint p : search.path()) path.emplace_back(p.x, p.y);
+            ASSERT_EQ(path, plain.path) << turn;
+            for (const auto& p : plain.arrivals) {
+                ASSERT_TRUE(plain.count(p) <= 0.0f || plain.mean(p) >= plain.mean(path[0]));
+            }
+        }
+    }
+    EXPECT_GT(closed, 48);
+}
+
 TYPED_TEST(Boundary, EnclosesTheRegionOrTakesItItself)
 {
     const FakeServices services(2);
-    for (const auto& shape : {Shape(disc), Shape(angle)}) {
+    for (const auto& shape : {Shape(disc), Shape(angle), Shape(star)}) {
         int fitted = 0;
         Scene<TypeParam> scene(shape);
         for (int seed = 0; seed < 12; ++seed) {
@@ -201,6 +246,23 @@ TEST(Boundary8, WithoutAWayRoundTheMaskStaysAsItWas)
     Scene<PixelRGBA8> scene(disc);
     services.memory.refuseAll = true;
     EXPECT_EQ(scene.fit(1), BoundaryOutcome::NoPath);
+}
+
+TEST(Boundary8, EndsWhereFloatsCannotTellPixelsApart)
+{
+    const FakeServices services;
+    for (const int far : {1 << 24, 1 << 26, 1'000'000'000}) {
+        Scene<PixelRGBA8> scene(disc);
+        PathSearchInputs<PixelRGBA8> inputs = scene.search();
+        inputs.work = {far, far, far + kSize, far + kSize};
+        scene.fillMask->placeAt(far, far);
+        scene.band->placeAt(far, far);
+        scene.gradient->placeAt(far, far);
+        for (int i = -30; i < 30; i += 7) {
+            PathSearch<PixelRGBA8> search(inputs);
+            EXPECT_NE(search.run({far + 60 + i, far + 55 - 29}), PathOutcome::Closed) << far;
+        }
+    }
 }
 
 TEST(Boundary8, SoftensTheEdgeFromItsThresholdOn)

@@ -216,6 +216,14 @@ TEST(FillMaskFailure, YieldsNothingWhenAbortedAtAnyPoll)
     EXPECT_TRUE(services.memory.live.empty());
 }
 
+TEST(FillMaskFailure, ComesToAnEndWhereTheHostRunsNoThreads)
+{
+    const FakeServices services(2, Testing::FakeThreads::Mode::Refuse);
+    auto mask = maskOf<Pixel8>({"###", "#.#"});
+    // The padded mask was never written: memory without an unmasked pixel, whatever is drawn.
+    EXPECT_TRUE(prepareFillMask(*mask, 1, nullptr).has_value());
+}
+
 TEST(FillMaskFailure, FillsNothingWithoutMemory)
 {
     FakeServices services(2);

@@ -135,6 +135,69 @@ TYPED_TEST(RenderDriver, ReplaySurvivesWhateverChangedInBetween)
     EXPECT_NE(rig.output.pixels(), rig.untouched());
 }
 
+/// A mask for a part of the picture, in any pixel kind and from any place in memory.
+template <typename Pixel, typename Kind>
+std::vector<Pixel> renderWithMatte(int choice)
+{
+    Rig<Pixel> rig;
+    rig.context.numbers["fillRegion"] = choice;
+    rig.context.numbers["pathWidth"] = 2;
+    rig.context.numbers["edgeBlend"] = 1;
+    TestMap<Kind> matte(26, 22, 6, 4);
+    constexpr bool kIsRGBA = requires(Kind k)
+    {
+        k.a;
+    };
+    for (int y = 0; y < 22; ++y) {
+        for (int x = 0; x < 26; ++x) {
+            const bool masked = x >= 5 && x < 17 && y >= 6 && y < 16;
+            const float value = masked == (choice == 3) ? 1.0f : 0.0f;
+            if constexpr (kIsRGBA) {
+                matte.at(x, y) = Testing::grey<Kind>(1.0f - value);  // only the alpha counts
+                matte.at(x, y).a = PixelTraits<Kind>::stored(value * PixelTraits<Kind>::kMax);
+            } else {
+                matte.at(x, y) = static_cast<Kind>(value * MaskTraits<Kind>::kMax);
+            }
+        }
+    }
+    rig.context.connect("Matte", matte);
+    const auto before = matte.pixels();
+    const auto picture = rig.render();
+    EXPECT_TRUE(before == matte.pixels());
+    EXPECT_THAT(rig.observer.notes, SizeIs(0));
+    EXPECT_EQ(rig.context.released, 3);
+    return picture;
+}
+
+TYPED_TEST(RenderDriver, TakesMattesOfEveryKind)
+{
+    const auto expected = renderWithMatte<TypeParam, typename PixelTraits<TypeParam>::Mask>(3);
+    for (const int choice : {3, 4}) {
+        EXPECT_EQ((renderWithMatte<TypeParam, Pixel8>(choice)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, Pixel16>(choice)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, Pixel32f>(choice)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBA8>(choice)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBA16>(choice)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBAf>(choice)), expected);
+    }
+}
+
+TYPED_TEST(RenderDriver, DrawsAnewAfterARenderThatHadNoRoom)
+{
+    Rig<TypeParam> rig;
+    rig.context.numbers["temporalConsistancy"] = 1;
+    rig.services.memory.refuseAll = true;
+    ::testing::internal::CaptureStderr();
+    rig.render(1);
+    ::testing::internal::GetCapturedStderr();
+    EXPECT_THAT(rig.observer.blocks, SizeIs(0));
+    EXPECT_FALSE(rig.state.valid);
+    rig.services.memory.refuseAll = false;
+    rig.render(2);
+    EXPECT_THAT(rig.observer.stages, ElementsAre("quilt", "composite"));
+    EXPECT_TRUE(rig.state.valid);
+}
+
 TEST(RenderDriver8, BlocksOfAnAbortedOrFailedRenderAreNotLaidAgain)
 {
     Rig<PixelRGBA8> rig;
