@@ -100,6 +100,7 @@ TEST(Masked, LengthsOfAnySizeAreDefined)
     MaskedRig rig;
     const auto source = texturePicture(kBounds, Depth::Byte, 1);
     Instance& instance = rig.instance();
+    rig.quirks().memoryLimit = std::size_t{1} << 29;
     instance.set("luminanceMatch", 1);
     instance.set("blockSize", 57);
     instance.set("numSamples", 1);
