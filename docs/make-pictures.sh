@@ -1,29 +1,42 @@
 #!/usr/bin/env bash
-# Makes the README's pictures: each a 512 x 512 photograph beside what is quilted from it, at one scale.
+# Makes all pictures of README.md and docs/guide.md, and writes what the guide says of each parameter.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scripts/install-deps.sh
 scripts/build.sh release tesseret_command tesseret_plugin
-pictures=$(scripts/fetch-pictures.sh build/pictures)
 work=build/docs
-mkdir -p "$work" docs/pictures
-gm convert -size 1920x1080 xc:black "$work/plate.png"
+docs/scenes.sh "$work"
+mkdir -p docs/pictures
 
-# Stones and grass need few candidates; the lines of a brickwork only meet when there are many.
-quilt() {
-    local name=$1 samples=$2
-    build/release/bin/tesseret render --quiet --source "$work/plate.png" \
-        --texture1 "$pictures/$name.png" --sample-box 0,0,512,512 --output "$work/$name.png" \
-        blockSize=100 overlap=25 numSamples="$samples"
-    gm convert "$pictures/$name.png" -background white -gravity center -extent 572x1080 \
-        "$work/before.png"
-    gm convert "$work/before.png" "$work/$name.png" +append -resize 34% -quality 80 \
-        "docs/pictures/$name.jpg"
+# strip NAME HEIGHT FILE... sets pictures side by side, at one height.
+strip() {
+    gm montage -tile "$(($# - 2))x1" -geometry "x$2+3+0" -background gray60 "${@:3}" -quality 82 \
+        "docs/pictures/$1.jpg"
 }
-quilt grass 50
-quilt gravel 50
-quilt brick 1000
+example() { docs/run-example.sh "$1" "$2" "$work" --quiet; }
+
+example README.md no-tripod.png
+strip tripod 300 "$work"/{camera,tripod,no-tripod}.png
+example README.md wide.png
+strip wide 190 "$work"/{corner,rest,wide}.png
+example README.md even.png
+example README.md unmatched.png
+strip uneven 225 "$work"/{uneven,patch,unmatched,even}.png
+
+example README.md grass-plate.png
+gm convert "$work/grass.png" -background white -gravity center -extent 572x1080 "$work/before.png"
+gm convert "$work/before.png" "$work/grass-plate.png" +append -resize 34% -quality 80 \
+    docs/pictures/grass.jpg
+
+example docs/guide.md foot-tight.png
+example docs/guide.md foot-grown.png
+for name in foot-shown foot-tight foot-grown; do
+    gm convert "$work/$name.png" -crop 190x150+300+362 +repage -scale 200% "$work/$name-crop.png"
+done
+strip margin 240 "$work"/foot-{shown,tight,grown}-crop.png
+
+python3 docs/parameters.py --pictures "$work"
 
 bytes=$(cat docs/pictures/*.jpg | wc -c)
-((bytes <= 300 * 1024)) || { echo "make-pictures: $bytes bytes are more than 300 KB" >&2; exit 1; }
+((bytes <= 1500000)) || { echo "make-pictures: $bytes bytes are more than 1.5 MB" >&2; exit 1; }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Unpacks the CC0 pictures of Debian's package python3-skimage into a folder, without installing the
-# package, and prints where they lie: grass.png, gravel.png, brick.png (512 x 512, grey), coffee.png, ...
+# package, and prints where they lie: camera.png, grass.png, gravel.png, brick.png (512 x 512, grey), ...
 # Usage: scripts/fetch-pictures.sh FOLDER
 set -euo pipefail
 

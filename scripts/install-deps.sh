@@ -6,7 +6,8 @@ set -euo pipefail
 
 packages=(
     ccache clang-format cmake g++ graphicsmagick libbenchmark-dev libcli11-dev libgmock-dev libgtest-dev
-    git libopenimageio-dev ninja-build nlohmann-json3-dev pkgconf zlib1g-dev "$@"
+    git libopenimageio-dev ninja-build nlohmann-json3-dev pkgconf python3
+    zlib1g-dev "$@"
 )
 
 installed() {
