@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <regex>
 #include <system_error>
 #include <utility>
 
@@ -26,13 +25,13 @@ constexpr std::string_view kCompositeMask = "composite-mask.png";
 constexpr std::string_view kGain = "luminance-gain.png";
 constexpr std::array kAll{kFillMask, kPathBand, kBlocks, kPath, kCompositeMask, kGain};
 
+/// Whether a file could be one of ours: a map's name after nothing but what prefixes consist of.
 bool isMapName(const fs::path& file)
 {
-    static const std::regex kPrefix("(-?[0-9]+_)?(area[0-9]+_)?");
     const std::string name = file.filename().string();
     return std::ranges::any_of(kAll, [&](std::string_view map) {
         return name.ends_with(map) &&
-               std::regex_match(name.substr(0, name.size() - map.size()), kPrefix);
+               name.find_first_not_of("-0123456789_area") >= name.size() - map.size();
     });
 }
 

@@ -137,6 +137,8 @@ TEST_F(DebugMapsTest, RefuseAFolderThatCannotServe)
         EXPECT_THAT(outcome.err, HasSubstr(said));
     }
     EXPECT_FALSE(fs::exists(in("out.png")));
+    const std::string other = in("maps/building_blocks.png");  // none of the maps' names
+    EXPECT_EQ(run({"render", "-s", in("a.png"), "-o", other, "--debug-maps", in("maps")}).code, 0);
     EXPECT_EQ(load(in("maps/area1_fill-mask.png")), load(in("matte.png")));
 }
 
