@@ -44,9 +44,11 @@ JobInputs::JobInputs(const RenderSettings& settings)
     add("Texture2", settings.textures[1], Files::ReadAs::Picture);
     add("Texture3", settings.textures[2], Files::ReadAs::Picture);
     checkFrames();
-    Files::checkTarget(outputFile(frames_.front()), settings.compression);
     findFilesRead();
-    checkOutputs();
+    if (!settings.output.empty()) {
+        Files::checkTarget(outputFile(frames_.front()), settings.compression);
+        checkOutputs();
+    }
     for (const Input& input : inputs_) {
         infos_.emplace(input.clip, Files::readInfo(input.pattern.file(frames_.front())));
     }
@@ -67,7 +69,7 @@ void JobInputs::checkFrames() const
     if (!isSequence_ && output_.isSequence()) {
         throw UsageError(output_.name().string() + " is a sequence: say which --frames");
     }
-    if (frames_.size() > 1 && !output_.isSequence()) {
+    if (frames_.size() > 1 && !output_.isSequence() && !output_.name().empty()) {
         throw UsageError(output_.name().string() +
                          ": several frames need a mark for the number, as in out.####.png");
     }

@@ -8,10 +8,8 @@
 #include "host/HostError.h"
 #include "host/command/CommandError.h"
 #include "host/command/Interrupt.h"
-#include "host/command/TextList.h"
 #include "host/files/FileError.h"
 #include "host/files/PictureWriter.h"
-#include "ofx/ofxMessage.h"
 
 namespace Tesseret::Command {
 
@@ -52,7 +50,8 @@ RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
       warnings_(listener),
       inputs_(settings_),
       depth_(settings_.depth.value_or(inputs_.source().depth)),
-      session_(settings_.plugin, hostOptions()),
+      messages_(listener, warnings_),
+      session_(settings_.plugin, messages_.hostOptions(settings_.threads)),
       renderer_(settings_, InstanceSetup(session_, settings_, inputs_, depth_), listener,
                 warnings_),
       asColour_(hasColourTexture(inputs_))
@@ -61,30 +60,6 @@ RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
         mattes_.emplace(settings_, fillRegion().polarity);
     }
     if (settings_.window) boxInPicture(*settings_.window, inputs_.source());
-}
-
-Host::HostOptions RenderJob::hostOptions()
-{
-    Host::HostOptions options;
-    options.threads = settings_.threads;
-    options.listener = &listener_;
-    options.onMessage = [this](const Host::Message& message) { return receive(message); };
-    options.onReport = [this](const Host::Report& report) {
-        if (report.kind == Host::Report::Kind::BadCall) {
-            warnings_.tell("the plug-in: " + report.text);
-        }
-    };
-    return options;
-}
-
-OfxStatus RenderJob::receive(const Host::Message& message)
-{
-    if (message.type == kOfxMessageError || message.type == kOfxMessageFatal) {
-        appendItem(errorMessage_, "\n", message.text);
-    } else {
-        listener_.message(message.text);
-    }
-    return message.type == kOfxMessageQuestion ? kOfxStatReplyDefault : kOfxStatOK;
 }
 
 void RenderJob::run()
@@ -142,7 +117,7 @@ RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read
     listener_.frameBegan(frame);
     const ClipPicture& source = read.pictures.at("Source");
     const Host::RenderRequest asked = request(frame, source.info);
-    errorMessage_.clear();
+    messages_.takeErrors();
     try {
         const Stopwatch watch;
         RenderedFrame rendered;
@@ -185,12 +160,13 @@ void RenderJob::writeFrame(RenderedFrame rendered)
     listener_.frameWritten(rendered.result);
 }
 
-void RenderJob::fail(int frame, const std::string& reason) const
+void RenderJob::fail(int frame, const std::string& reason)
 {
     std::string text;
     if (inputs_.isSequence()) text.append("frame ").append(std::to_string(frame)).append(": ");
     text.append("the render failed: ").append(reason);
-    if (!errorMessage_.empty()) text.append("\n").append(errorMessage_);
+    const std::string errors = messages_.takeErrors();
+    if (!errors.empty()) text.append("\n").append(errors);
     throw RenderFailure(text);
 }
 

@@ -9,6 +9,7 @@
 #include "host/command/FrameRenderer.h"
 #include "host/command/JobInputs.h"
 #include "host/command/JobListener.h"
+#include "host/command/PluginMessages.h"
 #include "host/command/PluginSession.h"
 #include "host/command/RenderSettings.h"
 
@@ -45,25 +46,23 @@ private:
         FrameResult result;
     };
 
-    Host::HostOptions hostOptions();
     Host::RenderRequest request(int frame, const Files::PictureInfo& source) const;
     ReadFrame readFrame(int frame);
     RenderedFrame renderFrame(int frame, const ReadFrame& read);
     void writeFrame(RenderedFrame rendered);
     std::optional<OfxRectI> changedDisplay(const Files::PictureInfo& source, OfxRectI window) const;
-    OfxStatus receive(const Host::Message& message);
-    [[noreturn]] void fail(int frame, const std::string& reason) const;
+    [[noreturn]] void fail(int frame, const std::string& reason);
 
     RenderSettings settings_;
     JobListener& listener_;
     WarningFilter warnings_;
     JobInputs inputs_;
     Host::Depth depth_;
+    PluginMessages messages_;
     PluginSession session_;
     FrameRenderer renderer_;
     std::optional<MattePreparation> mattes_;  ///< when the plug-in fills from a matte
     bool asColour_;
-    std::string errorMessage_;  ///< of the plug-in, about the frame being rendered
 };
 
 }  // namespace Tesseret::Command

@@ -16,8 +16,9 @@ namespace Tesseret::Command {
 enum class MaskOption { None, MatteInverted, Alpha, AlphaInverted };
 
 struct RenderSettings {
-    std::filesystem::path source, output;  ///< with a mark for the frame in a sequence
-    std::filesystem::path matte;           ///< empty: none
+    std::filesystem::path source;  ///< with a mark for the frame in a sequence, as all files
+    std::filesystem::path output;  ///< empty: nothing is written
+    std::filesystem::path matte;   ///< empty: none
     MaskOption mask = MaskOption::None;
     bool everyArea = true;                          ///< of the matte; else the first one
     bool cropsAreas = true;                         ///< an area's matte is cut at its box
