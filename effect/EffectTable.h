@@ -23,6 +23,7 @@ inline constexpr std::array kPixelDepths = {"byte", "short", "float"};
 /// The names that code refers to.
 inline constexpr const char* kTemporalConsistency = "temporalConsistancy";
 inline constexpr const char* kAbout = "about";
+inline constexpr const char* kShowWidget = "showWidget";
 inline constexpr const char* kSampleRegion = "sampleRegion";
 /// The clips whose whole region of definition every render needs.
 inline constexpr std::array kPictureClips = {"Source", "Texture1", "Texture2", "Texture3"};

@@ -8,6 +8,8 @@
 #include "effect/EffectRenderContext.h"
 #include "effect/TesseretInterface.h"
 #include "engine/RenderDriver.h"
+#include "overlay/OverlayEntry.h"
+#include "overlay/RectangleControl.h"
 #include "products/OFX/Support/ovOfxMessage.h"
 
 namespace Tesseret {
@@ -129,6 +131,7 @@ void TesseretEffect::fillDescriptor()
     descriptor.supportsTiles = false;
     descriptor.sequentialRender = true;
     descriptor.fieldExtraction = 1;
+    descriptor.overlayEntry = &overlayEntry;
 }
 
 void TesseretEffect::addClips()
@@ -160,6 +163,8 @@ void TesseretEffect::addParameters()
     auto* temporal = paramCast<OvOfxBooleanParam>(paramNamed(general(), kTemporalConsistency));
     temporal->onChange = [this](const OvOfxChangeRecord&) { writeSequentialRender(); };
     temporalConsistency_ = temporal;
+    const auto* shown = paramCast<OvOfxBooleanParam>(paramNamed(general(), kShowWidget));
+    own<RectangleControl>(kSampleRegion, sampleRegion_, *shown);
     paramNamed(general(), kAbout)->onChange = [this](const OvOfxChangeRecord& change) {
         showAbout(change);
     };

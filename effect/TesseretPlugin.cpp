@@ -2,6 +2,7 @@
 
 #include "effect/EffectTable.h"
 #include "effect/TesseretEffect.h"
+#include "overlay/OverlayEntry.h"
 #include "products/OFX/Support/ovOfxPlugin.h"
 
 namespace Orvane {
@@ -18,7 +19,7 @@ const PluginHooks& pluginHooks()
                                       .versionMajor = Tesseret::kVersionMajor,
                                       .versionMinor = Tesseret::kVersionMinor};
             },
-        .unload = nullptr,
+        .unload = &unloadOverlays,
     };
     return hooks;
 }

@@ -129,6 +129,10 @@ OfxStatus OvOfxEffect::writePluginProperties(const OvOfxPropertySet& properties)
     writeFlag(properties, kOfxImageEffectPluginPropHostFrameThreading, false);
     writeFlag(properties, kOfxImageEffectPluginPropFieldRenderTwiceAlways,
               descriptor.fieldRenderTwiceAlways);
+    if (descriptor.overlayEntry != nullptr) {
+        properties.setPointer(kOfxImageEffectPluginPropOverlayInteractV1,
+                              reinterpret_cast<void*>(descriptor.overlayEntry));
+    }
     return kOfxStatOK;
 }
 

@@ -28,6 +28,7 @@ struct OvEffectDescriptor {
     int renderThreadSafety = 1;  ///< 0 unsafe, 1 instance safe, 2 fully safe
     bool fieldRenderTwiceAlways = true;
     bool sequentialRender = false;
+    OfxPluginEntryPoint* overlayEntry = nullptr;  ///< null without an overlay
     int fieldExtraction = 2;  ///< 0 both fields, 1 a single field, 2 a field doubled
 };
 
@@ -84,6 +85,11 @@ public:
     /// Null while describing.
     [[nodiscard]] OvOfxInstanceRecord* instance() const { return record_.get(); }
     [[nodiscard]] OvOfxOutputClip& outputClip() const { return *outputClip_; }
+    /// Everything that `own` made, in that order.
+    [[nodiscard]] const std::vector<std::unique_ptr<OvOfxParam>>& objects() const
+    {
+        return objects_;
+    }
     /// What the effect has in a context, or null for an unknown one.
     [[nodiscard]] OvOfxContextContainer* container(OvContext context);
     /// The parameters defined (while describing) or bound (in an instance), in that order.

@@ -111,6 +111,16 @@ double OvOfxInstanceRecord::pixelAspectRatio() const
     return doubleOr(kOfxImageEffectPropProjectPixelAspectRatio, 1.0);
 }
 
+void OvOfxInstanceRecord::addInteract(OfxInteractHandle interact)
+{
+    interacts_.push_back(interact);
+}
+
+void OvOfxInstanceRecord::removeInteract(OfxInteractHandle interact)
+{
+    std::erase(interacts_, interact);
+}
+
 void OvOfxInstanceRecord::setSequentialRender(bool sequential) const
 {
     setInt(kOfxImageEffectInstancePropSequentialRender, sequential ? 1 : 0);

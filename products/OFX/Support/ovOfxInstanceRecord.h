@@ -1,8 +1,10 @@
 #pragma once
 
 #include <deque>
+#include <vector>
 
 #include "ofx/ofxImageEffect.h"
+#include "ofx/ofxInteract.h"
 #include "ofx/ofxParam.h"
 #include "products/OFX/Support/ovOfxNames.h"
 #include "products/OFX/Support/ovOfxPropertySet.h"
@@ -23,8 +25,14 @@ struct OvOfxChangeRecord {
 /// kOfxStatErrBadHandle when that is 0 and there are none all the same.
 [[nodiscard]] OfxStatus effectProperties(OfxImageEffectHandle effect, OvOfxPropertySet& properties);
 
-/// The actions whose hooks answer through a frame.
-enum class OvActionKind { ClipPreferences = 2, TimeDomain = 10 };
+/// The actions that keep a frame. The last number serves both the pen's release and drawing.
+enum class OvActionKind {
+    ClipPreferences = 2,
+    TimeDomain = 10,
+    PenMotion = 12,
+    PenDown = 13,
+    PenUpOrDraw = 14
+};
 
 /// One action that is running on an instance: hooks write to outArgs and set the status.
 struct OvOfxActionFrame {
@@ -64,6 +72,11 @@ public:
     /// Width over height of a pixel; 1 where the host does not say.
     [[nodiscard]] double pixelAspectRatio() const;
 
+    /// The instance's overlays; removing one that is not there does nothing.
+    void addInteract(OfxInteractHandle interact);
+    void removeInteract(OfxInteractHandle interact);
+    [[nodiscard]] const std::vector<OfxInteractHandle>& interacts() const { return interacts_; }
+
     /// Tells the host whether frames have to be rendered in order.
     void setSequentialRender(bool sequential) const;
 
@@ -75,6 +88,7 @@ private:
     OfxImageEffectHandle effect_ = nullptr;
     OfxParamSetHandle paramSet_ = nullptr;
     std::deque<OvOfxActionFrame> actions_;
+    std::vector<OfxInteractHandle> interacts_;
 };
 
 }  // namespace Orvane

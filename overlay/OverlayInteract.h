@@ -1,0 +1,104 @@
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ofx/ofxInteract.h"
+#include "overlay/ManipulatorGroup.h"
+#include "overlay/ParamBinding.h"
+#include "products/OFX/Support/ovOfxEffect.h"
+#include "products/OFX/Support/ovOfxInstanceRecord.h"
+
+namespace Orvane {
+
+/// What a draw action is told. Members that the host leaves out are 0.
+struct DrawArguments {
+    OvPoint viewport;    ///< screen pixels
+    OvPoint pixelScale;  ///< canonical units for each screen pixel
+    float background[3] = {0.0f, 0.0f, 0.0f};
+    double time = 0.0;
+};
+
+struct PenArguments : DrawArguments {
+    OvPoint position;  ///< canonical
+    double pressure = 0.0;
+};
+
+DrawArguments readDrawArguments(const OvOfxPropertySet& inArgs);
+PenArguments readPenArguments(const OvOfxPropertySet& inArgs);
+
+/// One overlay of one instance: a tree of manipulators that the host's actions are routed to. Lives
+/// from the interact's creation to its destruction; the host keeps its address as the interact's
+/// instance data.
+class OverlayInteract {
+public:
+    /// Finds the effect behind the interact and registers with it. Without one the overlay is there
+    /// and shows nothing.
+    explicit OverlayInteract(OfxInteractHandle interact);
+    OverlayInteract(const OverlayInteract&) = delete;
+    OverlayInteract& operator=(const OverlayInteract&) = delete;
+
+    // Virtual operations, in slot order. Those with inArgs carry out an action and answer its
+    // status.
+    virtual ~OverlayInteract();
+    /// Routes one pen event. An event that arrives while another is routed does nothing.
+    virtual void handleEvent(const OverlayEvent& event);
+    virtual OvPoint penPosition() const { return penPosition_; }
+    virtual OvPoint penDelta() const { return penDelta_; }
+    virtual bool isPenDown() const { return penDown_; }
+    virtual void drawContents();
+    virtual OfxStatus penMotion(const OvOfxPropertySet& inArgs);
+    virtual OfxStatus penDown(const OvOfxPropertySet& inArgs);
+    virtual OfxStatus penUp(const OvOfxPropertySet& inArgs);
+    virtual OfxStatus key(const OvOfxPropertySet&) { return kOfxStatReplyDefault; }
+    virtual OfxStatus gainFocus(const OvOfxPropertySet& inArgs);
+    virtual OfxStatus loseFocus(const OvOfxPropertySet& inArgs);
+    virtual OfxStatus draw(const OvOfxPropertySet& inArgs);
+
+    /// Has the host redraw the overlay when a parameter changes.
+    void slaveTo(const std::string& parameter);
+    /// Null without an effect.
+    OvOfxInstanceRecord* instance() const;
+    /// Whether the host keeps this overlay's address.
+    bool isKept() const { return kept_; }
+
+protected:
+    OvOfxEffect* effect() const { return effect_; }
+    /// Top-level manipulators are borrowed and drawn in the order they were added.
+    void add(Manipulator& child) { children_.push_back(&child); }
+    void addBinding(std::unique_ptr<ParamBinding> binding);
+
+private:
+    class Frame;
+
+    OfxStatus handlePen(OverlayEventType type, OvActionKind kind, const OvOfxPropertySet& inArgs);
+    OfxStatus readFocus(const OvOfxPropertySet& inArgs);
+    void routeDown(OvPoint pen);
+    void routeMotion(OvPoint pen);
+    void routeUp(OvPoint pen);
+    void pickUnder(OvPoint pen);
+    void leaveHover();
+    bool enterHover();
+    void requestRedraw() const;
+
+    OfxInteractHandle interact_;
+    OvOfxPropertySet properties_;
+    std::deque<OvOfxActionFrame> frames_;
+    OvOfxEffect* effect_ = nullptr;  ///< not owned
+    std::vector<std::unique_ptr<ParamBinding>> bindings_;
+    int slaveCount_ = 0;
+    std::vector<Manipulator*> children_;
+    OvPoint penPosition_, penDelta_;
+    bool penDown_ = false;
+    Manipulator* hovered_ = nullptr;
+    Picked picked_;  ///< what answered the last pick
+    OvPoint pickTolerance_{3.0f, 3.0f};
+    bool tooltips_ = true;
+    bool changed_ = false;
+    bool routing_ = false;
+    bool kept_ = false;
+};
+
+}  // namespace Orvane

@@ -1,0 +1,50 @@
+#include "platform/OverlayFont.h"
+#include "platform/OverlayFontData.h"
+
+namespace Orvane {
+namespace {
+
+/// Has OpenGL read our bitmaps as they lie, whatever the host reads its own with.
+void readTightRows(const OpenGL& gl)
+{
+    gl.glPixelStorei(kGlUnpackSwapBytes, 0);
+    gl.glPixelStorei(kGlUnpackLsbFirst, 0);
+    gl.glPixelStorei(kGlUnpackRowLength, 0);
+    gl.glPixelStorei(kGlUnpackSkipRows, 0);
+    gl.glPixelStorei(kGlUnpackSkipPixels, 0);
+    gl.glPixelStorei(kGlUnpackAlignment, 1);
+}
+
+void compileGlyph(const OpenGL& gl, GLuint list, const FontGlyph& glyph)
+{
+    gl.glNewList(list, kGlCompile);
+    gl.glBitmap(glyph.width, glyph.height, static_cast<GLfloat>(-glyph.left),
+                static_cast<GLfloat>(-glyph.bottom), static_cast<GLfloat>(glyph.advance), 0.0f,
+                kFontBits + glyph.offset);
+    gl.glEndList();
+}
+
+}  // namespace
+
+void* currentDeviceContext()
+{
+    // The font is no system object here, so all that counts is that there is a context.
+    static char token = 0;
+    return hasCurrentContext() ? &token : nullptr;
+}
+
+FontLists buildFontLists(void* deviceContext)
+{
+    const OpenGL* gl = openGL();
+    if (deviceContext == nullptr || gl == nullptr) return {};
+    const GLuint base = gl->glGenLists(kFontListCount);
+    if (base == 0) return {};
+    gl->glPushClientAttrib(kGlClientPixelStoreBit);
+    readTightRows(*gl);
+    GLuint list = base;
+    for (const FontGlyph& glyph : kFontGlyphs) compileGlyph(*gl, list++, glyph);
+    gl->glPopClientAttrib();
+    return {.base = base, .isBuilt = true};
+}
+
+}  // namespace Orvane

@@ -1,0 +1,20 @@
+#include <dlfcn.h>
+
+#include "platform/SharedLibrary.h"
+
+namespace Orvane {
+
+void* findFunction(const char* name, std::span<const char* const> libraries)
+{
+    if (void* function = dlsym(RTLD_DEFAULT, name)) return function;
+    for (const char* file : libraries) {
+        // A host that looks functions up itself holds the library without showing its names.
+        void* library = dlopen(file, RTLD_LAZY | RTLD_NOLOAD);
+        if (library == nullptr) library = dlopen(file, RTLD_LAZY | RTLD_LOCAL);
+        if (library == nullptr) continue;
+        if (void* function = dlsym(library, name)) return function;
+    }
+    return nullptr;
+}
+
+}  // namespace Orvane
