@@ -151,6 +151,9 @@ public:
     /// soon as no other action runs. What the plug-in sets in answer to these is not announced
     /// again.
     void pluginEdited(const Parameter& parameter);
+    /// Brings the properties of the project and of the clips up to date, as the quirks have them
+    /// now.
+    void updateProperties();
 
 private:
     Parameter& need(std::string_view parameter) const;
@@ -158,9 +161,6 @@ private:
     OfxStatus announce(const char* objectType, std::string_view name, const char* reason,
                        OfxTime time);
     void announceEdits();
-    /// Brings the properties of the project and of the clips up to date, as the quirks have them
-    /// now.
-    void updateProperties();
     void writeProject();
     void followSource();
     void adoptFormats();

@@ -65,6 +65,7 @@ OfxStatus Interact::action(const char* name, PropertySet* inArgs)
 {
     EmbeddedHost& host = instance_.host();
     const EmbeddedHost::Scope scope(host);
+    instance_.updateProperties();
     OfxStatus status = kOfxStatErrFatal;
     try {
         status = entry_(name, handle(), inArgs ? inArgs->handle() : nullptr, nullptr);

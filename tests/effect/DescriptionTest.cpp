@@ -85,7 +85,8 @@ TEST(Description, TellsTheEffectInOrder)
             "OfxImageEffectPluginPropSingleInstance[0]",
             "OfxImageEffectPluginRenderThreadSafety[0]",
             "OfxImageEffectPluginPropHostFrameThreading[0]",
-            "OfxImageEffectPluginPropFieldRenderTwiceAlways[0]"));
+            "OfxImageEffectPluginPropFieldRenderTwiceAlways[0]",
+            "OfxImageEffectPluginPropOverlayInteractV1[0]"));
     const Host::EffectDescription effect = test.effect().descriptor().describeEffect();
     EXPECT_EQ(effect.label, "Tesseret");
     EXPECT_EQ(effect.grouping, "Brisant");
