@@ -5,9 +5,9 @@
 set -euo pipefail
 
 packages=(
-    ccache clang-format cmake g++ graphicsmagick libbenchmark-dev libcli11-dev libgmock-dev libgtest-dev
-    git libopenimageio-dev ninja-build nlohmann-json3-dev pkgconf python3
-    zlib1g-dev "$@"
+    ccache clang-format cmake fonts-dejavu-core g++ git graphicsmagick libbenchmark-dev libcli11-dev
+    libfreetype-dev libglu1-mesa libgmock-dev libgtest-dev libopenimageio-dev libosmesa6-dev
+    ninja-build nlohmann-json3-dev pkgconf python3 zlib1g-dev "$@"
 )
 
 installed() {
