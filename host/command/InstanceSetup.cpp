@@ -54,6 +54,9 @@ ParameterValues collectValues(const RenderSettings& settings, const ContextDescr
     if (settings.sampleBox) setSampleBox(*settings.sampleBox, inputs, values);
     useTextures(description, inputs, values);
     setFillRegion(settings, description, inputs, values);
+    if (fillRegionOf(description, inputs, values).source != MaskSource::None) {
+        avoidRegionByDefault(description, inputs, values);
+    }
     fitSampleBox(description, inputs, values);
     return values;
 }

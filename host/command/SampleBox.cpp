@@ -118,6 +118,15 @@ void setSampleBox(const ViewBox& box, const JobInputs& inputs, ParameterValues& 
     setCorners({box.x1, top - box.y2, box.x2, top - box.y1}, inputs, values);
 }
 
+void avoidRegionByDefault(const ContextDescription& description, const JobInputs& inputs,
+                          ParameterValues& values)
+{
+    const bool hasTexture =
+        std::ranges::any_of(kTextureClips, [&](const char* clip) { return inputs.has(clip); });
+    if (!hasBox(description) || hasTexture || hasCorners(values)) return;
+    values.try_emplace(kAvoidFillRegion, Host::ParameterValue(1));
+}
+
 void fitSampleBox(const ContextDescription& description, const JobInputs& inputs,
                   ParameterValues& values)
 {

@@ -14,6 +14,12 @@ namespace Tesseret::Command {
 /// `UsageError` when the values have corners already, or the box lies outside.
 void setSampleBox(const ViewBox& box, const JobInputs& inputs, ParameterValues& values);
 
+/// Where nobody said what blocks are to be taken from, a fill keeps clear of what it fills: the
+/// plug-in's own default box lies in the middle of the picture, and so, mostly, does the thing that
+/// is to go.
+void avoidRegionByDefault(const Host::ContextDescription& description, const JobInputs& inputs,
+                          ParameterValues& values);
+
 /// Blocks are taken from inside the sample box, so every texture has to cover it. A box that nobody
 /// asked for moves into the textures; one that was asked for and does not fit is refused with a
 /// `UsageError`.

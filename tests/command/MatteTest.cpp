@@ -244,16 +244,40 @@ TEST_F(MatteTest, TellsWhenTheSampleBoxHoldsWhatIsToGo)
     const auto isTold =
         AllOf(ContainsRegex("note: the sample box takes in part"),
               HasSubstr("--sample-box x1,y1,x2,y2"), HasSubstr("avoidFillRegion=on"));
-    EXPECT_THAT(said({}), isTold);
-    EXPECT_THAT(said({"--render-scale", "0.5"}), isTold);
+    EXPECT_THAT(said({"avoidFillRegion=off"}), isTold);
+    EXPECT_THAT(said({"--render-scale", "0.5", "avoidFillRegion=off"}), isTold);
     EXPECT_THAT(said({"--sample-box", "150,20,190,139"}), isTold);
     EXPECT_THAT(said({"--sample-box", "150,20,190,139", "--window", "0,0,99,99"}), isTold);
     for (const CommandRun::Arguments& more :
          {CommandRun::Arguments{"--sample-box", "70,10,140,150"},
           {"avoidFillRegion=on"},
+          {"seed=1"},
           {"--texture1", in("a.png")}}) {
         EXPECT_THAT(said(more), Not(HasSubstr("sample box"))) << more.front();
     }
+}
+
+TEST_F(MatteTest, TakesNothingOfWhatIsToGoUnlessToldTo)
+{
+    constexpr int kMarked = 255;
+    const auto inside = [](int x, int y) { return kMiddle.holds(x, y); };
+    paint(in("thing.png"), 200, 160, [&](int x, int y) {
+        return std::vector{inside(x, y) ? kMarked : (x * 31 + y * 17) % 90, 40, 60};
+    });
+    paintMatte("m.png", masks({kMiddle}));
+    const auto leftOver = [&](CommandRun::Arguments more) {
+        more.insert(more.end(), {"--matte", in("m.png"), "edgeBlend=0", "pathWidth=2"});
+        EXPECT_EQ(fill("thing.png", "out.png", more).code, 0);
+        const LoadedPicture picture = load(in("out.png"));
+        int count = 0;
+        for (int y = 0; y < picture.height; ++y) {
+            for (int x = 0; x < picture.width; ++x) count += picture.at(x, y, 0) == kMarked;
+        }
+        return count;
+    };
+    EXPECT_EQ(leftOver({}), 0);
+    EXPECT_EQ(leftOver({"seed=7"}), 0);
+    EXPECT_GT(leftOver({"--sample-box", "20,60,70,110"}), 0);
 }
 
 }  // namespace
