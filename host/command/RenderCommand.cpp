@@ -4,8 +4,6 @@
 #include <memory>
 #include <optional>
 
-#include <OpenImageIO/imageio.h>
-
 #include "host/command/DebugMaps.h"
 #include "host/command/Interrupt.h"
 #include "host/command/JobListeners.h"
@@ -64,10 +62,7 @@ void addOwnOptions(CLI::App& command, CommandOptions& options)
 int render(const CommandOptions& options)
 {
     const RenderSettings settings = settingsFrom(options.render);
-    if (settings.threads > 0) {
-        OIIO::attribute("threads", static_cast<int>(settings.threads));
-        OIIO::attribute("exr_threads", static_cast<int>(settings.threads));
-    }
+    useThreads(settings);
     catchInterrupts();
     RenderReporter reporter(options.quiet     ? Loudness::Quiet
                             : options.verbose ? Loudness::Verbose

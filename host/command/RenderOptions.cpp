@@ -4,6 +4,8 @@
 #include <sstream>
 #include <string>
 
+#include <OpenImageIO/imageio.h>
+
 #include "host/command/CommandError.h"
 #include "host/files/FrameRange.h"
 
@@ -155,6 +157,13 @@ RenderSettings settingsFrom(const RenderOptions& options)
     settings.window = boxFrom(options.window, "--window");
     settings.sampleBox = boxFrom(options.sampleBox, "--sample-box");
     return settings;
+}
+
+void useThreads(const RenderSettings& settings)
+{
+    if (settings.threads == 0) return;
+    OIIO::attribute("threads", static_cast<int>(settings.threads));
+    OIIO::attribute("exr_threads", static_cast<int>(settings.threads));
 }
 
 }  // namespace Tesseret::Command

@@ -26,5 +26,7 @@ void addPluginOptions(CLI::App& command, RenderOptions& options);
 
 /// Throws `UsageError` for a text that is none of what its option takes.
 RenderSettings settingsFrom(const RenderOptions& options);
+/// Has picture files read and written by as many threads as the settings say.
+void useThreads(const RenderSettings& settings);
 
 }  // namespace Tesseret::Command

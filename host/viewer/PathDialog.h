@@ -1,0 +1,27 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace Tesseret::Viewer {
+
+/// A small window that asks for the name of a file. One question at a time.
+class PathDialog {
+public:
+    using Use = std::function<void(const std::filesystem::path&)>;
+
+    /// `use` is called with the name once the person has confirmed it.
+    void ask(const std::string& question, const std::filesystem::path& proposed, Use use);
+    /// In every frame of the user interface.
+    void draw();
+
+private:
+    void close();
+
+    std::string question_, text_;
+    Use use_;
+    bool wantsOpening_ = false;
+};
+
+}  // namespace Tesseret::Viewer

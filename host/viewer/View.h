@@ -1,0 +1,55 @@
+#pragma once
+
+/// Where the picture stands in the window: how far in, and which part of it is seen.
+
+#include "ofx/ofxCore.h"
+
+namespace Tesseret::Viewer {
+
+/// The part of the window that shows the picture: screen units from the window's upper left corner,
+/// y downwards.
+struct ScreenArea {
+    double x = 0.0, y = 0.0, width = 1.0, height = 1.0;
+    bool contains(OfxPointD screen) const
+    {
+        return screen.x >= x && screen.x < x + width && screen.y >= y && screen.y < y + height;
+    }
+};
+
+/// Maps canonical units (y upwards) to the screen (y downwards) and back. A new view fits its
+/// picture, and keeps fitting it until it is zoomed or panned.
+class View {
+public:
+    static constexpr double kLeastScale = 1.0 / 256.0, kGreatestScale = 128.0;
+
+    void setArea(const ScreenArea& area);
+    /// What there is to see, canonical. An empty picture is taken as one unit wide and high.
+    void setPicture(const OfxRectD& picture);
+
+    /// As large as the area takes it, in the middle.
+    void fit();
+    /// Keeps what is at the screen position where it is. The scale stays within its limits.
+    void zoomAbout(OfxPointD screen, double factor);
+    /// Moves the picture by screen units.
+    void pan(double x, double y);
+
+    const ScreenArea& area() const { return area_; }
+    const OfxRectD& picture() const { return picture_; }
+    /// Screen units for one canonical unit.
+    double scale() const { return scale_; }
+    OfxPointD toCanonical(OfxPointD screen) const;
+    OfxPointD toScreen(OfxPointD canonical) const;
+    /// What the area shows, canonical; it may reach beyond the picture.
+    OfxRectD visible() const;
+
+private:
+    OfxPointD areaCentre() const;
+
+    ScreenArea area_;
+    OfxRectD picture_{0.0, 0.0, 1.0, 1.0};
+    OfxPointD centre_{0.5, 0.5};  ///< canonical, seen in the middle of the area
+    double scale_ = 1.0;
+    bool isFitted_ = true;
+};
+
+}  // namespace Tesseret::Viewer
