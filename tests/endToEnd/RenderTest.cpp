@@ -154,8 +154,8 @@ TEST(Render, SurvivesInputsThatAreSmallerThanTheySay)
                                    OfxRectI{200, 0, 200, 0}, OfxRectI{-300, 0, -300, 0}}) {
         HostQuirks quirks;
         quirks.boundsChange = change;
-        Rig rig(Depth::Byte, quirks);
-        rig.render();
+        Rig(Depth::Byte, quirks).render();
+        MaskedRig(Depth::Byte, quirks).render();
     }
 }
 

@@ -162,7 +162,7 @@ std::vector<Pixel> renderWithMatte(int choice)
     }
     rig.context.connect("Matte", matte);
     const auto before = matte.pixels();
-    const auto picture = rig.render();
+    auto picture = rig.render();
     EXPECT_TRUE(before == matte.pixels());
     EXPECT_THAT(rig.observer.notes, SizeIs(0));
     EXPECT_EQ(rig.context.released, 3);
