@@ -1,7 +1,6 @@
 #include "overlay/ManipulatorGroup.h"
 
 #include <cmath>
-#include <ranges>
 #include <utility>
 
 #include "platform/OpenGL.h"
@@ -10,8 +9,8 @@ namespace Orvane {
 
 Picked pickAmong(const std::vector<Manipulator*>& children, OvPoint pen, OvPoint tolerance)
 {
-    for (Manipulator* child : std::views::reverse(children)) {
-        if (Manipulator* picked = child->pickIfNear(pen, tolerance)) return {picked, child};
+    for (auto child = children.rbegin(); child != children.rend(); ++child) {
+        if (Manipulator* picked = (*child)->pickIfNear(pen, tolerance)) return {picked, *child};
     }
     return {};
 }
