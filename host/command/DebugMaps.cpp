@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "host/command/CommandError.h"
-#include "host/command/MapPicture.h"
 #include "host/files/FileError.h"
 #include "host/files/PictureWriter.h"
 
@@ -17,21 +16,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kFillMask = "fill-mask.png";
-constexpr std::string_view kPathBand = "path-band.png";
-constexpr std::string_view kBlocks = "blocks.png";
-constexpr std::string_view kPath = "boundary-path.png";
-constexpr std::string_view kCompositeMask = "composite-mask.png";
-constexpr std::string_view kGain = "luminance-gain.png";
-constexpr std::array kAll{kFillMask, kPathBand, kBlocks, kPath, kCompositeMask, kGain};
+constexpr std::string_view kExtension = ".png";
 
 /// Whether a file could be one of ours: a map's name after nothing but what prefixes consist of.
 bool isMapName(const fs::path& file)
 {
     const std::string name = file.filename().string();
-    return std::ranges::any_of(kAll, [&](std::string_view map) {
-        return name.ends_with(map) &&
-               name.find_first_not_of("-0123456789_area") >= name.size() - map.size();
+    return std::ranges::any_of(FillPictures::kAll, [&](std::string_view map) {
+        const std::string end = std::string(map).append(kExtension);
+        return name.ends_with(end) &&
+               name.find_first_not_of("-0123456789_area") >= name.size() - end.size();
     });
 }
 
@@ -40,7 +34,7 @@ void makeFolder(const fs::path& folder)
     std::error_code error;
     fs::create_directories(folder, error);
     if (error) throw Files::FileError(folder, "cannot be made: " + error.message());
-    Files::checkTarget(folder / kFillMask, "");
+    Files::checkTarget(folder / std::string(FillPictures::kFillMask).append(kExtension), "");
 }
 
 }  // namespace
@@ -87,10 +81,8 @@ void DebugMaps::areaBegan(std::size_t area, std::size_t count)
 void DebugMaps::startPictures(std::string prefix)
 {
     prefix_ = std::move(prefix);
-    region_ = {};
-    band_ = {};
-    used_ = {};
-    for (const std::string_view name : kAll) {
+    pictures_.restart();
+    for (const std::string_view name : FillPictures::kAll) {
         std::error_code ignored;
         fs::remove(file(name), ignored);
     }
@@ -103,46 +95,26 @@ bool DebugMaps::wantsMaps(Host::Instance& /*instance*/)
 
 void DebugMaps::mapMade(Host::Instance& /*instance*/, const TesseretMapV1& map)
 {
-    guarded([&] { writeMap(map); });
+    guarded([&] {
+        const std::optional<FillPicture> made = pictures_.make(map);
+        if (made) write(*made);
+        if (made && made->name == FillPictures::kGain) tellGain(map);
+    });
 }
 
 void DebugMaps::pathFound(Host::Instance& /*instance*/, const TesseretPathV1& path)
 {
-    guarded([&] {
-        Host::Picture picture = dimmed(region_, band_);
-        drawPath(path, picture);
-        write(kPath, picture, true);
-    });
-}
-
-void DebugMaps::writeMap(const TesseretMapV1& map)
-{
-    const std::string_view name = map.name;
-    if (name == "fillMask") {
-        region_ = greyPicture(map);
-        write(kFillMask, region_, false);
-    } else if (name == "pathBand") {
-        band_ = bandPicture(map);
-        write(kPathBand, band_, false);
-    } else if (name == "blocks") {
-        write(kBlocks, blockPicture(map), true);
-    } else if (name == "compositeMask") {
-        used_ = greyPicture(map);
-        write(kCompositeMask, used_, false);
-    } else if (name == "luminanceGain") {
-        write(kGain, gainPicture(map, used_), true);
-        tellGain(map);
-    }
+    guarded([&] { write(pictures_.make(path)); });
 }
 
 void DebugMaps::tellGain(const TesseretMapV1& map)
 {
-    const auto [least, greatest] = rangeOf(map, used_);
+    const auto [least, greatest] = pictures_.usedRange(map);
     if (least > greatest) return;
     std::array<char, 96> text{};
     std::snprintf(text.data(), text.size(), ": gain %.3g to %.3g; blue is 1/4, grey 1, orange 4",
                   static_cast<double>(least), static_cast<double>(greatest));
-    told_.message(file(kGain).string() + text.data());
+    told_.message(file(FillPictures::kGain).string() + text.data());
 }
 
 /// No exception may reach the plug-in, which calls from inside its render.
@@ -155,14 +127,14 @@ void DebugMaps::guarded(const std::function<void()>& work)
     }
 }
 
-void DebugMaps::write(std::string_view name, const Host::Picture& picture, bool isColour) const
+void DebugMaps::write(const FillPicture& made) const
 {
-    Files::writeNewPicture(file(name), picture, isColour);
+    Files::writeNewPicture(file(made.name), *made.picture, made.isColour);
 }
 
-fs::path DebugMaps::file(std::string_view name) const
+fs::path DebugMaps::file(std::string_view map) const
 {
-    return folder_ / (prefix_ + std::string(name));
+    return folder_ / std::string(prefix_).append(map).append(kExtension);
 }
 
 }  // namespace Tesseret::Command

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/command/FillPictures.h"
 #include "host/command/RenderJob.h"
 
 namespace Tesseret::Command {
@@ -33,18 +34,16 @@ public:
 private:
     void guarded(const std::function<void()>& work);
     void startPictures(std::string prefix);
-    void writeMap(const TesseretMapV1& map);
     void tellGain(const TesseretMapV1& map);
-    void write(std::string_view name, const Host::Picture& picture, bool isColour) const;
-    std::filesystem::path file(std::string_view name) const;
+    void write(const FillPicture& made) const;
+    std::filesystem::path file(std::string_view map) const;
 
     std::filesystem::path folder_;
     JobListener& told_;
     bool isSequence_ = false;
     std::string framePrefix_, prefix_;
-    Host::Picture region_, band_;  ///< of the fill that runs, for the path's backdrop
-    Host::Picture used_;           ///< its composite mask, for the gain
-    std::string failure_;          ///< the first one; empty while there is none
+    FillPictures pictures_;
+    std::string failure_;  ///< the first one; empty while there is none
 };
 
 }  // namespace Tesseret::Command

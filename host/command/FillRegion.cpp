@@ -61,7 +61,20 @@ void checkAlpha(const Wish& wish, const JobInputs& inputs)
                      " takes the mask from");
 }
 
+/// A choice may be the one wished for, or the inverse of a matte that was given without a word.
+bool agrees(const Wish& wish, const RenderSettings& settings, const std::string& choice)
+{
+    return choice == wish.choice || (settings.mask == MaskOption::None && choice == kMatteInverted);
+}
+
 }  // namespace
+
+bool allowsFillRegion(const RenderSettings& settings, const ContextDescription& description,
+                      const ParameterValues& values)
+{
+    const std::optional<Wish> wish = wishOf(settings);
+    return !wish || agrees(*wish, settings, choiceOf(description, values));
+}
 
 void setFillRegion(const RenderSettings& settings, const ContextDescription& description,
                    const JobInputs& inputs, ParameterValues& values)
@@ -78,8 +91,7 @@ void setFillRegion(const RenderSettings& settings, const ContextDescription& des
     checkAlpha(*wish, inputs);
     if (isGiven) {
         const std::string given = choiceOf(description, values);
-        const bool mayInvert = settings.mask == MaskOption::None && given == kMatteInverted;
-        if (given == wish->choice || mayInvert) return;
+        if (agrees(*wish, settings, given)) return;
         throw UsageError(std::string(wish->option) + " and fillRegion=\"" + given +
                          "\" contradict each other; give one of them");
     }

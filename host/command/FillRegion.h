@@ -17,6 +17,10 @@ struct FillRegion {
     Polarity polarity = Polarity::White;
 };
 
+/// Whether the choice among the values, or its default, is what the options and files ask for.
+bool allowsFillRegion(const RenderSettings& settings, const Host::ContextDescription& description,
+                      const ParameterValues& values);
+
 /// Sets the choice that the options and files ask for. Throws `UsageError` when the values have
 /// another one that contradicts them, when the plug-in has no such choice, or when the source has
 /// no alpha to take.

@@ -36,6 +36,27 @@ OfxRectI scaledBox(const OfxRectI& box, OfxPointD scale)
 
 }  // namespace
 
+/// The instance that an abort has to reach while this object lives.
+class FrameRenderer::Running {
+public:
+    Running(FrameRenderer& renderer, Host::Instance& instance) : renderer_(renderer)
+    {
+        const std::lock_guard lock(renderer_.mutex_);
+        renderer_.running_ = &instance;
+        if (renderer_.isAborted_) instance.abort();
+    }
+    ~Running()
+    {
+        const std::lock_guard lock(renderer_.mutex_);
+        renderer_.running_ = nullptr;
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+private:
+    FrameRenderer& renderer_;
+};
+
 FrameRenderer::FrameRenderer(const RenderSettings& settings, InstanceSetup setup,
                              JobListener& listener, WarningFilter& warnings)
     : setup_(std::move(setup)),
@@ -45,6 +66,13 @@ FrameRenderer::FrameRenderer(const RenderSettings& settings, InstanceSetup setup
       cropsAreas_(settings.cropsAreas)
 {
     slots_.push_back(setup_.make());
+}
+
+void FrameRenderer::abort()
+{
+    const std::lock_guard lock(mutex_);
+    isAborted_ = true;
+    if (running_ != nullptr) running_->abort();
 }
 
 void FrameRenderer::beginSequence(OfxRangeD frames, const RenderRequest& first)
@@ -118,8 +146,9 @@ void FrameRenderer::showMatte(Slot& slot, const RenderRequest& request, const Pr
               request.scale);
 }
 
-void FrameRenderer::renderOn(Slot& slot, const RenderRequest& request, Picture& output) const
+void FrameRenderer::renderOn(Slot& slot, const RenderRequest& request, Picture& output)
 {
+    const Running abortable(*this, *slot.instance);
     const InterruptTarget interruptible(*slot.instance);
     const OfxStatus status = slot.instance->render(request, output);
     if (slot.instance->isAborted()) throw Interrupted("interrupted");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <mutex>
 #include <vector>
 
 #include "host/command/InstanceSetup.h"
@@ -29,7 +30,11 @@ public:
     Host::Picture render(const Host::RenderRequest& request, const FramePictures& pictures,
                          const PreparedMatte* matte);
 
+    /// From any thread: the running render, and every later one, ends with `Interrupted`.
+    void abort();
+
 private:
+    class Running;
     using Slot = ReadyInstance;
     struct Sequence {
         OfxRangeD frames;
@@ -40,7 +45,7 @@ private:
                    const PreparedMatte& matte, Host::Picture& output);
     void showMatte(Slot& slot, const Host::RenderRequest& request, const PreparedMatte& matte,
                    std::size_t area) const;
-    void renderOn(Slot& slot, const Host::RenderRequest& request, Host::Picture& output) const;
+    void renderOn(Slot& slot, const Host::RenderRequest& request, Host::Picture& output);
     void remark(const Host::RenderRequest& request, const PreparedMatte& matte, std::size_t count);
     void followAreas(const Host::RenderRequest& request, const PreparedMatte& matte,
                      std::size_t count);
@@ -54,6 +59,9 @@ private:
     std::optional<Sequence> sequence_;
     std::vector<OfxRectI> recorded_;  ///< boxes of the areas that the instances recorded blocks for
     bool saidNothingMasked_ = false, saidAreasChange_ = false;
+    std::mutex mutex_;  ///< guards what follows
+    bool isAborted_ = false;
+    Host::Instance* running_ = nullptr;
 };
 
 }  // namespace Tesseret::Command

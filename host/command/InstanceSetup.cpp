@@ -5,6 +5,7 @@
 
 #include "host/HostError.h"
 #include "host/command/CommandError.h"
+#include "host/command/ParameterFile.h"
 #include "host/command/SampleBox.h"
 
 namespace Tesseret::Command {
@@ -15,12 +16,16 @@ using Host::ContextDescription;
 namespace {
 
 constexpr const char* kTemporal = "temporalConsistancy";
+constexpr const char* kFillRegion = "fillRegion";
 
 std::string chooseContext(const RenderSettings& settings, const JobInputs& inputs)
 {
     if (!settings.context.empty()) return settings.context;
     const bool isPlain = inputs.infos().size() == 1 && settings.mask == MaskOption::None;
-    return isPlain ? "Filter" : "General";
+    if (!isPlain) return "General";
+    const std::filesystem::path& file = settings.parameterFile;
+    const std::string saved = file.empty() ? "" : contextOfParameters(file);
+    return saved.empty() ? "Filter" : saved;
 }
 
 void checkClips(const ContextDescription& description, const JobInputs& inputs)
@@ -43,8 +48,9 @@ void useTextures(const ContextDescription& description, const JobInputs& inputs,
     }
 }
 
+/// What is said on the command line, by name or by options, comes before the file's values.
 ParameterValues collectValues(const RenderSettings& settings, const ContextDescription& description,
-                              const JobInputs& inputs)
+                              const JobInputs& inputs, ParameterValues filed)
 {
     ParameterValues values;
     for (const std::string& text : settings.parameters) {
@@ -53,7 +59,10 @@ ParameterValues collectValues(const RenderSettings& settings, const ContextDescr
     }
     if (settings.sampleBox) setSampleBox(*settings.sampleBox, inputs, values);
     useTextures(description, inputs, values);
+    if (!allowsFillRegion(settings, description, filed)) filed.erase(kFillRegion);
+    if (const auto region = filed.find(kFillRegion); region != filed.end()) values.insert(*region);
     setFillRegion(settings, description, inputs, values);
+    values.merge(filed);
     if (fillRegionOf(description, inputs, values).source != MaskSource::None) {
         avoidRegionByDefault(description, inputs, values);
     }
@@ -81,11 +90,46 @@ InstanceSetup::InstanceSetup(PluginSession& session, const RenderSettings& setti
 {
     const ContextDescription& description = session.describe(context_);
     checkClips(description, inputs);
-    values_ = collectValues(settings, description, inputs);
-    fillRegion_ = fillRegionOf(description, inputs, values_);
+    ParameterValues filed;
+    if (!settings.parameterFile.empty()) {
+        const std::string plugin = session.effect().description().identifier;
+        filed = loadParameters(settings.parameterFile, plugin, description);
+    }
+    adopt(collectValues(settings, description, inputs, std::move(filed)));
+}
+
+void InstanceSetup::adopt(ParameterValues values)
+{
+    const ContextDescription& description = session_.describe(context_);
+    values_ = std::move(values);
+    fillRegion_ = fillRegionOf(description, inputs_, values_);
     repeatsBlocks_ = description.parameter(kTemporal) != nullptr &&
                      valueOf(kTemporal, values_, description) == Host::ParameterValue(1);
-    boxInSource_ = Command::boxInSource(description, inputs, values_);
+    boxInSource_ = Command::boxInSource(description, inputs_, values_);
+}
+
+InstanceSetup InstanceSetup::with(ParameterValues values) const
+{
+    const ContextDescription& description = session_.describe(context_);
+    fitSampleBox(description, inputs_, values);
+    std::erase_if(values, [&](const auto& value) {
+        const Host::ParameterDescription* const parameter = description.parameter(value.first);
+        return parameter == nullptr || parameter->initial == value.second;
+    });
+    InstanceSetup other = *this;
+    other.adopt(std::move(values));
+    return other;
+}
+
+ParameterValues InstanceSetup::values() const
+{
+    const ContextDescription& description = session_.describe(context_);
+    ParameterValues all;
+    for (const Host::ParameterDescription& parameter : description.parameters) {
+        if (parameter.shape.dimension == 0) continue;
+        all.emplace(parameter.name, valueOf(parameter.name, values_, description));
+    }
+    return all;
 }
 
 ReadyInstance InstanceSetup::make() const

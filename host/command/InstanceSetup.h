@@ -27,9 +27,17 @@ public:
     InstanceSetup(PluginSession& session, const RenderSettings& settings, const JobInputs& inputs,
                   Host::Depth depth);
 
+    /// The same with other values; those not given are the plug-in's defaults. Throws `UsageError`
+    /// when the sample box does not lie in the textures.
+    InstanceSetup with(ParameterValues values) const;
+
     /// Makes an instance, connects its clips and sets its parameters. Throws `UsageError`.
     ReadyInstance make() const;
 
+    /// The short name.
+    const std::string& context() const { return context_; }
+    /// Of all parameters, defaults included.
+    ParameterValues values() const;
     const FillRegion& fillRegion() const { return fillRegion_; }
     /// Whether an instance lays the blocks of one frame again in the next.
     bool repeatsBlocks() const { return repeatsBlocks_; }
@@ -38,6 +46,8 @@ public:
     const std::optional<OfxRectI>& boxInSource() const { return boxInSource_; }
 
 private:
+    void adopt(ParameterValues values);
+
     PluginSession& session_;
     const JobInputs& inputs_;
     Host::Depth depth_;

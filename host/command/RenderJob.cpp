@@ -7,6 +7,7 @@
 
 #include "host/HostError.h"
 #include "host/command/CommandError.h"
+#include "host/command/FrameRequest.h"
 #include "host/command/Interrupt.h"
 #include "host/files/FileError.h"
 #include "host/files/PictureWriter.h"
@@ -28,20 +29,6 @@ private:
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
-/// Blocks of colour textures in a grey picture would lose their colour.
-bool hasColourTexture(const JobInputs& inputs)
-{
-    return std::ranges::any_of(inputs.infos(), [](const auto& input) {
-        return input.first != "Source" && input.first != "Matte" && input.second.isColour;
-    });
-}
-
-OfxRectI scaledRect(const OfxRectI& rect, double scale)
-{
-    return Host::toPixels({double(rect.x1), double(rect.y1), double(rect.x2), double(rect.y2)},
-                          {scale, scale}, 1.0);
-}
-
 }  // namespace
 
 RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
@@ -52,9 +39,7 @@ RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
       depth_(settings_.depth.value_or(inputs_.source().depth)),
       messages_(listener, warnings_),
       session_(settings_.plugin, messages_.hostOptions(settings_.threads)),
-      renderer_(settings_, InstanceSetup(session_, settings_, inputs_, depth_), listener,
-                warnings_),
-      asColour_(hasColourTexture(inputs_))
+      renderer_(settings_, InstanceSetup(session_, settings_, inputs_, depth_), listener, warnings_)
 {
     if (fillRegion().source == MaskSource::Matte) {
         mattes_.emplace(settings_, fillRegion().polarity);
@@ -71,8 +56,9 @@ void RenderJob::run()
     std::future<ReadFrame> next = read(frames.front());
     std::future<void> written;  // both futures wait for their work when an exception passes
     const auto [first, last] = std::ranges::minmax(frames);
-    renderer_.beginSequence({double(first), double(last)},
-                            request(frames.front(), inputs_.source()));
+    renderer_.beginSequence(
+        {double(first), double(last)},
+        requestFor(settings_, inputs_.isSequence(), frames.front(), inputs_.source()));
     for (std::size_t i = 0; i < frames.size(); ++i) {
         const ReadFrame current = next.get();
         if (i + 1 < frames.size()) next = read(frames[i + 1]);
@@ -99,58 +85,34 @@ RenderJob::ReadFrame RenderJob::readFrame(int frame)
     return read;
 }
 
-Host::RenderRequest RenderJob::request(int frame, const PictureInfo& source) const
-{
-    const OfxRectI window =
-        settings_.window ? boxInPicture(*settings_.window, source) : source.dataWindow;
-    Host::RenderRequest request;
-    request.time = frame;
-    request.scale = {settings_.renderScale, settings_.renderScale};
-    request.window = scaledRect(window, settings_.renderScale);
-    request.sequential = inputs_.isSequence();
-    return request;
-}
-
 RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read)
 {
     if (isInterrupted()) throw Interrupted("interrupted");
     listener_.frameBegan(frame);
     const ClipPicture& source = read.pictures.at("Source");
-    const Host::RenderRequest asked = request(frame, source.info);
+    const Host::RenderRequest request =
+        requestFor(settings_, inputs_.isSequence(), frame, source.info);
     messages_.takeErrors();
     try {
         const Stopwatch watch;
         RenderedFrame rendered;
-        rendered.picture = renderer_.render(asked, read.pictures, read.matte.get());
+        rendered.picture = renderer_.render(request, read.pictures, read.matte.get());
         rendered.record = source.record;
-        rendered.displayWindow = changedDisplay(source.info, asked.window);
         rendered.result = {frame, inputs_.outputFile(frame), read.seconds, watch.seconds(), 0.0};
+        rendered.options =
+            writeOptionsFor(settings_, inputs_, rendered.result.file, source.info, request.window);
         return rendered;
     } catch (const Host::HostError& error) {
         fail(frame, error.what());
     }
 }
 
-/// A scaled render has a smaller display window; a part of the picture is a picture of its own
-/// where the file cannot say which part it is.
-std::optional<OfxRectI> RenderJob::changedDisplay(const PictureInfo& source, OfxRectI window) const
-{
-    const std::filesystem::path name = inputs_.outputFile(inputs_.frames().front());
-    if (settings_.window && !Files::keepsDataWindow(name)) return window;
-    if (settings_.renderScale == 1.0) return std::nullopt;
-    return scaledRect(source.displayWindow, settings_.renderScale);
-}
-
 void RenderJob::writeFrame(RenderedFrame rendered)
 {
     const Stopwatch watch;
-    Files::WriteOptions options;
-    options.compression = settings_.compression;
-    options.asColour = asColour_;
-    options.displayWindow = rendered.displayWindow;
     try {
         for (const std::string& warning : Files::writePicture(
-                 rendered.result.file, rendered.picture, *rendered.record, options)) {
+                 rendered.result.file, rendered.picture, *rendered.record, rendered.options)) {
             warnings_.tell(warning);
         }
     } catch (const Files::FileError& error) {

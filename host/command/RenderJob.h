@@ -12,6 +12,7 @@
 #include "host/command/PluginMessages.h"
 #include "host/command/PluginSession.h"
 #include "host/command/RenderSettings.h"
+#include "host/files/PictureWriter.h"
 
 namespace Tesseret::Command {
 
@@ -42,15 +43,13 @@ private:
     struct RenderedFrame {
         Host::Picture picture;
         std::shared_ptr<const Files::FileRecord> record;
-        std::optional<OfxRectI> displayWindow;  ///< when it is not the source's own
+        Files::WriteOptions options;
         FrameResult result;
     };
 
-    Host::RenderRequest request(int frame, const Files::PictureInfo& source) const;
     ReadFrame readFrame(int frame);
     RenderedFrame renderFrame(int frame, const ReadFrame& read);
     void writeFrame(RenderedFrame rendered);
-    std::optional<OfxRectI> changedDisplay(const Files::PictureInfo& source, OfxRectI window) const;
     [[noreturn]] void fail(int frame, const std::string& reason);
 
     RenderSettings settings_;
@@ -62,7 +61,6 @@ private:
     PluginSession session_;
     FrameRenderer renderer_;
     std::optional<MattePreparation> mattes_;  ///< when the plug-in fills from a matte
-    bool asColour_;
 };
 
 }  // namespace Tesseret::Command

@@ -137,6 +137,11 @@ void addPluginOptions(CLI::App& command, RenderOptions& options)
                     "OFX bundle or library (default: the one built with this program, else from "
                     "OFX_PLUGIN_PATH or /usr/OFX/Plugins)")
         ->type_name("FILE");
+    command
+        .add_option("--parameters", settings.parameterFile,
+                    "JSON file with values for the plug-in's parameters; what else is said here "
+                    "comes before it")
+        ->type_name("FILE");
     command.add_option("parameters", settings.parameters, "Values for the plug-in's parameters")
         ->type_name("name=value");
 }

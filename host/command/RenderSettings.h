@@ -33,7 +33,8 @@ struct RenderSettings {
     unsigned int threads = 0;  ///< 0: one for each processor
     std::filesystem::path plugin;
     std::string compression;              ///< empty: the default of the output's format
-    std::vector<std::string> parameters;  ///< "name=value"
+    std::filesystem::path parameterFile;  ///< empty: none
+    std::vector<std::string> parameters;  ///< "name=value", before the file's
 };
 
 }  // namespace Tesseret::Command
