@@ -74,7 +74,6 @@ public:
 
 private:
     void run();
-    void render(const RenderOrder& order, std::uint64_t serial);
 
     std::unique_ptr<RenderWatch> watch_;
     std::unique_ptr<OrderRenderer> renderer_;
@@ -84,7 +83,9 @@ private:
     std::condition_variable changed_;
     std::optional<RenderOrder> next_;
     std::uint64_t lastSerial_ = 0;
-    bool isRendering_ = false, isEnding_ = false;
+    bool isRendering_ = false;
+    bool isBusy_ = false;  ///< rendering, or telling that a render is done
+    bool isEnding_ = false;
     std::shared_ptr<const RenderResult> latest_;
     std::thread thread_;
 };

@@ -101,7 +101,6 @@ private:
     void apply(const std::vector<Command::NamedValue>& values);
     std::vector<ValueChange> takeChanges();
     RenderOrder currentOrder(double scale) const;
-    void showPictures();
 
     Command::RenderSettings settings_;
     PictureCache pictures_;
