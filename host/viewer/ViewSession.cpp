@@ -168,19 +168,23 @@ bool ViewSession::hasFullResult() const
     return latest->order == wanted;
 }
 
-void ViewSession::saveResult(const std::filesystem::path& file)
+void ViewSession::saveResult(const std::filesystem::path& name)
 {
+    const std::filesystem::path file = Files::SequencePattern(name).file(frame_);
     Files::checkTarget(file, settings_.compression);
     if (inputs().reads(file)) {
         throw Command::UsageError(file.string() +
-                                  ": is one of the files shown; nothing is written over those");
+                                  ": is one of the files to read; nothing is written over those");
     }
     if (!hasFullResult()) {
         order(fullScale());
         worker_->wait();
     }
     const std::shared_ptr<const RenderResult> latest = worker_->latest();
-    if (!hasFullResult()) throw Command::RenderFailure(latest ? latest->error : "aborted");
+    if (!hasFullResult()) {
+        throw Command::RenderFailure(latest && !latest->error.empty() ? latest->error
+                                                                      : "the render was aborted");
+    }
     const Command::ClipPicture& source = pictures().at("Source");
     const Files::WriteOptions options =
         Command::writeOptionsFor(settings_, inputs(), file, source.info, latest->picture.bounds());

@@ -84,9 +84,10 @@ public:
     std::uint64_t order(double scale, bool wantsMaps = false);
     /// Whether the worker's latest result is the current state at full scale.
     bool hasFullResult() const;
-    /// Writes the current frame as `tesseret render` would. Waits for a full render when there is
-    /// none of the current state. Throws `RenderFailure`, `FileError` or `UsageError`.
-    void saveResult(const std::filesystem::path& file);
+    /// Writes the current frame as `tesseret render` would; a mark for the frame in the name
+    /// becomes its number. Waits for a full render when there is none of the current state. Throws
+    /// `RenderFailure`, `FileError` or `UsageError`.
+    void saveResult(const std::filesystem::path& name);
     /// The equivalent `tesseret render` command line.
     std::string commandText();
 

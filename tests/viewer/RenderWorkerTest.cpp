@@ -1,0 +1,159 @@
+#include <atomic>
+
+#include "host/HostError.h"
+#include "host/viewer/RenderWorker.h"
+#include "tests/viewer/SessionFixture.h"
+
+namespace Tesseret::Viewer {
+namespace {
+
+using testing::HasSubstr;
+using testing::Key;
+using testing::UnorderedElementsAre;
+
+class RenderWorkerTest : public SessionFixture {
+protected:
+    /// The values that a session starts with.
+    static Command::ParameterValues valuesOf(const Command::RenderSettings& settings)
+    {
+        ViewSession session(settings);
+        session.order(1.0);
+        session.worker().wait();
+        return session.worker().latest()->order.values;
+    }
+    static std::shared_ptr<const RenderResult> rendered(RenderWorker& worker, RenderOrder order)
+    {
+        const std::uint64_t serial = worker.order(std::move(order));
+        worker.wait();
+        EXPECT_EQ(worker.latest()->serial, serial);
+        EXPECT_EQ(worker.latest()->error, "");
+        return worker.latest();
+    }
+    /// Against a file that `tesseret render` wrote.
+    void expectSame(const Host::Picture& picture, const std::string& file) const
+    {
+        const Command::LoadedPicture wanted = load(in(file));
+        ASSERT_EQ(picture.width(), wanted.width);
+        ASSERT_EQ(picture.height(), wanted.height);
+        int differing = 0;
+        for (int y = 0; y < wanted.height; ++y) {
+            for (int x = 0; x < wanted.width; ++x) {
+                const auto* const pixel = picture.pixel<std::uint8_t>(x, wanted.height - 1 - y);
+                if (pixel[0] != wanted.at(x, y, 0)) ++differing;
+            }
+        }
+        EXPECT_EQ(differing, 0) << file;
+    }
+};
+
+TEST_F(RenderWorkerTest, RendersWhatTheCommandRenders)
+{
+    const Command::RenderSettings given = settings("m.png");
+    const Command::ParameterValues values = valuesOf(given);
+    PictureCache pictures(given);
+    RenderWorker worker(given, pictures);
+    for (const char* scale : {"1", "0.5"}) {
+        fill("a.png", "o.png", {"--matte", in("m.png"), "--render-scale", scale});
+        const auto result = rendered(worker, {.scale = std::stod(scale), .values = values});
+        expectSame(result->picture, "o.png");
+        EXPECT_THAT(result->maps, testing::IsEmpty());
+    }
+    const auto result = rendered(worker, {.scale = 1.0, .values = values, .wantsMaps = true});
+    EXPECT_THAT(result->maps,
+                UnorderedElementsAre(Key("fill-mask"), Key("path-band"), Key("blocks"),
+                                     Key("boundary-path"), Key("composite-mask")));
+    const Host::Picture& mask = result->maps.at("fill-mask");
+    EXPECT_EQ(mask.channel(40, 70, 0), 255.0) << "in the middle area, y upwards";
+    EXPECT_EQ(mask.channel(160, 30, 0), 255.0) << "in the low area";
+    EXPECT_EQ(mask.channel(100, 100, 0), 0.0);
+    EXPECT_FALSE(worker.state().isRendering);
+}
+
+TEST_F(RenderWorkerTest, RepeatsTheBlocksOfTheFirstFrame)
+{
+    for (const int frame : {5, 6, 7}) {
+        paint(in(Command::numbered("s.%04d.png", frame)), Command::kWidth, Command::kHeight,
+              Command::noise(frame));
+    }
+    Command::RenderSettings given = settings("m.png");
+    given.source = in("s.####.png");
+    given.frames = {5, 6, 7};
+    given.parameters.emplace_back("temporalConsistancy=on");
+    fill("s.####.png", "o.####.png",
+         {"--matte", in("m.png"), "--frames", "5-7", "temporalConsistancy=on"});
+    const Command::ParameterValues values = valuesOf(given);
+    PictureCache pictures(given);
+    RenderWorker worker(given, pictures);
+    for (const int frame : {7, 6, 5, 6}) {
+        const auto result = rendered(worker, {.frame = frame, .values = values});
+        expectSame(result->picture, Command::numbered("o.%04d.png", frame));
+    }
+}
+
+TEST_F(RenderWorkerTest, TheNewestOrderWins)
+{
+    const Command::RenderSettings given = settings();
+    Command::ParameterValues values = valuesOf(given);
+    PictureCache pictures(given);
+    RenderWorker worker(given, pictures);
+    std::atomic<int> done{0};
+    worker.setOnDone([&] { ++done; });
+    values["numSamples"] = 100000;  // takes minutes, unless it is aborted
+    worker.order({.values = values});
+    while (worker.state().stage.empty()) std::this_thread::yield();
+    EXPECT_TRUE(worker.state().isRendering);
+    values["numSamples"] = 2;
+    rendered(worker, {.values = values});
+    EXPECT_EQ(done, 1) << "an aborted render is no result";
+}
+
+TEST_F(RenderWorkerTest, EndsWhileARenderRuns)
+{
+    const Command::RenderSettings given = settings();
+    Command::ParameterValues values = valuesOf(given);
+    values["numSamples"] = 100000;
+    PictureCache pictures(given);
+    RenderWorker worker(given, pictures);
+    worker.order({.values = values});
+    while (worker.state().stage.empty()) std::this_thread::yield();
+}
+
+TEST_F(RenderWorkerTest, GetsOverFailures)
+{
+    const Command::RenderSettings given = settings();
+    const Command::ParameterValues values = valuesOf(given);
+    PictureCache pictures(given);
+    RenderWorker worker(given, pictures);
+    Command::ParameterValues wrong = values;
+    wrong["blockSize"] = std::string("many");
+    worker.order({.values = wrong});
+    worker.wait();
+    EXPECT_THAT(worker.latest()->error, HasSubstr("does not fit the parameter blockSize"));
+    std::filesystem::resize_file(in("a.png"), 100);
+    worker.order({.values = values});
+    worker.wait();
+    EXPECT_THAT(worker.latest()->error, HasSubstr("a.png"));
+    paint(in("a.png"), Command::kWidth, Command::kHeight, Command::noise(1));
+    rendered(worker, {.values = values});
+}
+
+TEST_F(RenderWorkerTest, ManyOrdersInARow)
+{
+    const Command::RenderSettings given = settings("m.png");
+    Command::ParameterValues values = valuesOf(given);
+    PictureCache pictures(given);
+    RenderWorker worker(given, pictures);
+    for (int i = 0; i < 200; ++i) {
+        values["seed"] = i;
+        worker.order({.scale = i % 2 == 0 ? 1.0 : 0.5, .values = values, .wantsMaps = i % 3 == 0});
+        if (i % 20 == 0) worker.wait();
+        (void)worker.state();
+    }
+    worker.wait();
+    EXPECT_EQ(worker.latest()->order.values.at("seed"), Host::ParameterValue(199));
+    fill("a.png", "o.png", {"--matte", in("m.png"), "--render-scale", "0.5", "seed=199"});
+    expectSame(worker.latest()->picture, "o.png");
+}
+
+}  // namespace
+}  // namespace Tesseret::Viewer

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "host/viewer/ViewSession.h"
+#include "tests/command/MatteFixture.h"
+
+namespace Tesseret::Viewer {
+
+using Command::load;
+using Command::paint;
+
+/// A folder with a picture of noise "a.png" and a matte "m.png" with two areas.
+class SessionFixture : public Command::MatteFixture {
+protected:
+    SessionFixture() { paintMatte("m.png", Command::masks({Command::kLow, Command::kMiddle})); }
+
+    Command::RenderSettings settings(const char* matte = "") const
+    {
+        Command::RenderSettings settings;
+        settings.source = in("a.png");
+        if (*matte != '\0') settings.matte = in(matte);
+        settings.plugin = TESSERET_PLUGIN_FILE;
+        settings.threads = 2;
+        settings.parameters = {"blockSize=30", "overlap=8", "pathWidth=2", "edgeBlend=1"};
+        return settings;
+    }
+    Command::RenderSettings invert() const
+    {
+        Command::RenderSettings settings;
+        settings.source = in("a.png");
+        settings.plugin = INVERT_PLUGIN;
+        return settings;
+    }
+
+    /// What a shell makes of the command, with this program's neighbour as `tesseret`.
+    Command::LoadedPicture pasted(std::string command, const std::string& output) const
+    {
+        std::filesystem::remove(in(output));
+        command.replace(0, std::string("tesseret").size(), TESSERET_COMMAND);
+        EXPECT_EQ(std::system(("cd / && " + command + " --quiet 2>&1").c_str()), 0) << command;
+        return load(in(output));
+    }
+};
+
+inline Host::Interact::Pen penAt(double x, double y)
+{
+    Host::Interact::Pen pen;
+    pen.position = {x, y};
+    return pen;
+}
+
+}  // namespace Tesseret::Viewer
