@@ -11,6 +11,7 @@
 #include "host/command/CommandError.h"
 #include "host/command/DescribeCommand.h"
 #include "host/command/RenderCommand.h"
+#include "host/command/ViewCommand.h"
 #include "host/files/FileError.h"
 
 namespace {
@@ -49,6 +50,7 @@ int run(int argc, char** argv)
     app.footer("\"tesseret render --help\" has the options and examples.");
     Command::Action action;
     Command::addRenderCommand(app, action);
+    Command::addViewCommand(app, action);
     Command::addDescribeCommand(app, action);
     try {
         app.parse(argc, argv);

@@ -13,6 +13,7 @@ public:
 
     /// `use` is called with the name once the person has confirmed it.
     void ask(const std::string& question, const std::filesystem::path& proposed, Use use);
+    bool isAsking() const { return use_ != nullptr; }
     /// In every frame of the user interface.
     void draw();
 

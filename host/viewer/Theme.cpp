@@ -29,6 +29,7 @@ const ImVec4 kFieldHeld{0.290f, 0.310f, 0.340f, 1.0f};
 const ImVec4 kAccent{0.86f, 0.60f, 0.24f, 1.0f};
 const ImVec4 kAccentBright{0.96f, 0.71f, 0.33f, 1.0f};
 const ImVec4 kAccentDim{0.47f, 0.35f, 0.18f, 1.0f};
+const ImVec4 kShade{0.0f, 0.0f, 0.0f, 0.5f};
 const ImVec4 kLine{0.27f, 0.28f, 0.30f, 1.0f};
 
 /// Latin, Greek, Cyrillic, punctuation, arrows: pairs of first and last, ended by 0.
@@ -94,6 +95,8 @@ void applyTheme(double density)
     style.Colors[ImGuiCol_WindowBg] = kPanel;
     style.Colors[ImGuiCol_MenuBarBg] = kBar;
     style.Colors[ImGuiCol_PopupBg] = kBar;
+    style.Colors[ImGuiCol_TitleBgActive] = kField;
+    style.Colors[ImGuiCol_ModalWindowDimBg] = kShade;
     style.Colors[ImGuiCol_Separator] = style.Colors[ImGuiCol_Border] = kLine;
     ImGui::GetIO().ConfigDragClickToInputText = true;
     loadFont(density);

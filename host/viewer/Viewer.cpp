@@ -148,6 +148,7 @@ void Viewer::takeNews()
 
 void Viewer::followKeys()
 {
+    if (dialog_.isAsking()) return;
     for (const KeyEvent& key : window_.keys()) {
         const auto command = userCommandFor(key, ImGui::GetIO().WantTextInput);
         if (command) perform(*command);

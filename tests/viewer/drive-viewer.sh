@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# Uses `tesseret view` as a person does, in a real window on a screen of its own: drags the sample box, types
+# a value, takes it back, saves, quits. Screenshots and files stay in the folder.
+# Usage: drive-viewer.sh TESSERET FOLDER
+set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/screen.sh"
+
+tesseret=$1
+folder=$2
+rm -rf "$folder"
+mkdir -p "$folder"
+cd "$folder"
+
+# A window of 1280 x 800 shows a picture of 600 x 400 in an area of 840 x 598 from (0, 70), with 16 free on
+# each side: 808 / 600 screen units a pixel about (420, 369). The box is at 0.2 and 0.8 of the picture.
+picture=840x598+0+70
+edge_x=178 edge_y=369  # on its left edge
+target_x=97            # 60 pixels to the left: 0.1 of the picture
+beside=250             # a place on the edge that the pointer does not cover
+block_size="1196 198"  # the field
+
+# save_as KEYS FILE: in the dialog that the keys open.
+save_as() {
+    shot before-dialog
+    changes 300x60+490+370 before-dialog dialog "the dialog for $2" key "$1"
+    xdotool type "$2"
+    xdotool key Return
+    until_true "$2" test -s "$2"
+}
+
+# has_edge SHOT X: whether a red line runs through (X, beside).
+has_edge() {
+    gm convert "$1.png" -crop "3x1+$(($2 - 1))+$beside" -depth 8 rgb:- | od -An -tu1 -w3 |
+        awk '$1 > $2 + 60 && $1 > $3 + 60 { red = 1 } END { exit !red }'
+}
+
+value() { python3 -c 'import json, sys; print(json.load(open(sys.argv[1]))["parameters"][sys.argv[2]])' "$@"; }
+expect() { [[ $2 == "$3" ]] || fail "$1 is $2, not $3"; }
+
+gm convert -size 600x400 tile:granite: source.png
+start_viewer "$tesseret" 1280x800 --source source.png --output result.png
+
+xdotool key ctrl+s
+until_true "the first result" test -s result.png
+mv result.png first.png
+
+# The edge lights up under the pointer, is held and dragged, and stays where it was let go.
+shot 1-start
+has_edge 1-start $edge_x || fail "the box is not where it should be"
+changes $picture 1-start 2-hover "the edge to light up" mousemove $edge_x $edge_y
+changes $picture 2-hover 3-held "the edge to be held" mousedown 1
+changes $picture 3-held 4-dragged "the box to move" mousemove 140 $edge_y mousemove $target_x $edge_y
+xdotool mouseup 1 mousemove 420 760
+until_true "the edge in its new place" eval "shot 5-released && has_edge 5-released $target_x"
+! has_edge 5-released $edge_x || fail "the box is still in its old place"
+
+# A typed value, taken back, and again.
+xdotool mousemove $block_size click 1 key ctrl+a type 64
+xdotool key Return
+save_as ctrl+e typed.json
+shot 6-typed
+xdotool key ctrl+z
+save_as ctrl+e undone.json
+xdotool key ctrl+shift+z
+save_as ctrl+e redone.json
+expect "the block size typed" "$(value typed.json blockSize)" 64
+expect "the block size undone" "$(value undone.json blockSize)" 100
+expect "the block size done again" "$(value redone.json blockSize)" 64
+for file in typed undone; do
+    read -r x y < <(value $file.json sampleCorner1 | tr -d '[],')
+    awk -v x="$x" -v y="$y" 'BEGIN { exit !(x > 0.09 && x < 0.11 && y == 0.2) }' ||
+        fail "the lower left corner in $file.json is $x $y"
+done
+
+# The result is the one that the command line renders from the parameters saved.
+xdotool key ctrl+s
+until_true "the last result" test -s result.png
+shot 7-saved
+quit_viewer
+"$tesseret" render --quiet --source source.png --output rendered.png --parameters redone.json
+cmp result.png rendered.png || fail "the viewer's result is not that of the command line"
+! cmp -s result.png first.png || fail "the result has not changed"
