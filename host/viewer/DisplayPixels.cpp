@@ -14,12 +14,13 @@ namespace {
 
 constexpr std::size_t kSteps = 65536;
 
-/// Linear light from 0 to 1, in even steps, to the sRGB curve (IEC 61966-2-1).
+/// Linear light from 0 to 1, in even steps and taken at their middle, to the sRGB curve
+/// (IEC 61966-2-1).
 std::array<std::uint8_t, kSteps> makeCurve()
 {
     std::array<std::uint8_t, kSteps> curve{};
     for (std::size_t i = 0; i < kSteps; ++i) {
-        const double linear = double(i) / double(kSteps - 1);
+        const double linear = (double(i) + 0.5) / double(kSteps);
         const double shown =
             linear <= 0.0031308 ? 12.92 * linear : 1.055 * std::pow(linear, 1.0 / 2.4) - 0.055;
         curve[i] = static_cast<std::uint8_t>(std::lround(255.0 * shown));
@@ -42,7 +43,7 @@ std::uint8_t shown(float value)
     static const std::array<std::uint8_t, kSteps> kCurve = makeCurve();
     if (!(value > 0.0f)) return 0;  // what is no number, too
     if (value >= 1.0f) return 255;
-    return kCurve[static_cast<std::size_t>(value * float(kSteps - 1) + 0.5f)];
+    return kCurve[static_cast<std::size_t>(value * float(kSteps))];
 }
 
 template <typename Channel>
