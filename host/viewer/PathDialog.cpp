@@ -37,7 +37,8 @@ void PathDialog::draw()
     if (!ImGui::BeginPopupModal(title.c_str(), nullptr, ImGuiWindowFlags_AlwaysAutoResize)) return;
     if (std::exchange(wantsOpening_, false)) ImGui::SetKeyboardFocusHere();
     ImGui::SetNextItemWidth(kWidth);
-    bool isConfirmed = ImGui::InputText("##name", &text_, ImGuiInputTextFlags_EnterReturnsTrue);
+    constexpr int kFlags = ImGuiInputTextFlags_EnterReturnsTrue | ImGuiInputTextFlags_AutoSelectAll;
+    bool isConfirmed = ImGui::InputText("##name", &text_, kFlags);
     if (ImGui::Button("OK", {100.0f, 0.0f})) isConfirmed = true;
     ImGui::SameLine();
     const bool isCancelled = ImGui::Button("Cancel", {100.0f, 0.0f}) ||

@@ -9,7 +9,7 @@ namespace Tesseret::Viewer {
 
 namespace {
 
-constexpr float kProgressWidth = 320.0f;  ///< screen units
+constexpr float kProgressWidth = 240.0f;  ///< screen units
 const ImVec4 kErrorColour{0.95f, 0.42f, 0.36f, 1.0f};
 const ImVec4 kMessageColour{0.96f, 0.80f, 0.45f, 1.0f};
 
@@ -56,7 +56,9 @@ void StatusPanel::drawProgress() const
     ImGui::AlignTextToFramePadding();
     if (state.isRendering) {
         const std::string text = stageText(state);
-        ImGui::ProgressBar(float(state.fraction), {kProgressWidth, 0.0f}, text.c_str());
+        ImGui::ProgressBar(float(state.fraction), {kProgressWidth, 0.0f}, "");
+        ImGui::SameLine();
+        ImGui::TextUnformatted(text.c_str());
         return;
     }
     const auto result = session_.worker().latest();
