@@ -105,7 +105,10 @@ void ParameterPanel::drawRow(const ParameterDescription& parameter)
     }
     ImGui::SetCursorPosX(start + kLabelWidth);
     drawValue(parameter, width);
-    if (!parameter.isButton()) drawReset(parameter);
+    if (!parameter.isButton()) {
+        ImGui::SameLine(start + kLabelWidth + width + gap);
+        drawReset(parameter);
+    }
     ImGui::EndDisabled();
     ImGui::PopID();
 }
@@ -130,8 +133,7 @@ void ParameterPanel::drawValue(const ParameterDescription& parameter, float widt
 
 void ParameterPanel::drawReset(const ParameterDescription& parameter)
 {
-    if (session_.value(parameter.name) == parameter.initial) return;
-    ImGui::SameLine(0.0f, ImGui::GetStyle().ItemInnerSpacing.x);
+    if (session_.value(parameter.name) == parameter.initial) return ImGui::NewLine();
     if (ImGui::Button(resetMark(), {ImGui::GetFrameHeight(), 0.0f})) {
         log_.attempt([&] { session_.reset(parameter.name); });
     }

@@ -19,6 +19,12 @@ double draftScale(double width, double height)
     return 0.25;
 }
 
+bool RenderScheduler::isSettled() const
+{
+    const auto latest = session_.worker().latest();
+    return latest && latest->serial == lastSerial_ && !lastWasDraft_;
+}
+
 bool RenderScheduler::mayInterrupt(Clock::time_point now) const
 {
     if (!lastWasDraft_ || !session_.worker().state().isRendering) return true;
@@ -32,7 +38,7 @@ void RenderScheduler::order(bool isDraft, bool wantsMaps, Clock::time_point now)
         const OfxRectI window = session_.inputs().source().dataWindow;
         scale *= draftScale((window.x2 - window.x1) * scale, (window.y2 - window.y1) * scale);
     }
-    session_.order(scale, wantsMaps);
+    lastSerial_ = session_.order(scale, wantsMaps);
     isStale_ = false;
     lastWasDraft_ = isDraft;
     lastHadMaps_ = wantsMaps;

@@ -17,6 +17,10 @@ public:
 
     /// Orders what is missing. `isDragging` while the values are still on their way.
     void update(bool isDragging, bool wantsMaps, Clock::time_point now);
+    /// Has the current state rendered again with the next update.
+    void renew() { isStale_ = true; }
+    /// Whether the last order was one at full scale and has been rendered.
+    bool isSettled() const;
 
 private:
     bool mayInterrupt(Clock::time_point now) const;
@@ -24,6 +28,7 @@ private:
 
     ViewSession& session_;
     bool isStale_ = false;  ///< the state is newer than the last order
+    std::uint64_t lastSerial_ = 0;
     bool lastWasDraft_ = false, lastHadMaps_ = false;
     Clock::time_point lastOrder_{};
 };

@@ -168,8 +168,7 @@ void Viewer::perform(UserCommand command)
             case UserCommand::LoadParameters:
                 return askParameters(/*saves=*/false);
             case UserCommand::CopyCommandLine:
-                window_.copyToClipboard(session_->commandText());
-                return log_.add(MessageLog::Kind::Note, "Copied: " + session_->commandText());
+                return copyCommandLine();
             case UserCommand::Quit:
                 return window_.close();
             case UserCommand::Undo:
@@ -213,13 +212,31 @@ void Viewer::askParameters(bool saves)
     });
 }
 
+void Viewer::copyCommandLine()
+{
+    const std::string text = session_->commandText();
+    window_.copyToClipboard(text);
+    log_.add(MessageLog::Kind::Note, "Copied: " + text);
+}
+
 /// Once the picture is complete, so that nobody has to wait for it here.
 void Viewer::writeWanted()
 {
-    if (wanted_.empty() || !session_->hasFullResult()) return;
-    const std::filesystem::path file = std::exchange(wanted_, {});
-    session_->saveResult(file);
-    log_.add(MessageLog::Kind::Note, "Saved " + file.string());
+    if (wanted_.empty()) return;
+    if (session_->hasFullResult()) {
+        const std::filesystem::path file = std::exchange(wanted_, {});
+        session_->saveResult(file);
+        log_.add(MessageLog::Kind::Note, "Saved " + file.string());
+    } else if (scheduler_.isSettled()) {
+        const bool hasFailed = !session_->worker().latest()->error.empty();
+        if (hasFailed) {
+            log_.add(MessageLog::Kind::Error, "Nothing saved to " + wanted_.string());
+            wanted_.clear();
+        } else {
+            scheduler_.renew();
+            restless_ = kSettlingFrames;
+        }
+    }
 }
 
 void Viewer::step(int frames)

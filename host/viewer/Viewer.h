@@ -41,6 +41,7 @@ private:
     void perform(UserCommand command);
     void saveResult(bool asks);
     void askParameters(bool saves);
+    void copyCommandLine();
     void writeWanted();
     void step(int frames);
     void showFrame(int frame);
