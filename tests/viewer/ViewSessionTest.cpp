@@ -48,6 +48,30 @@ TEST_F(ViewSessionTest, ADragOfTheOverlayIsOneEdit)
     EXPECT_EQ(session.value("sampleCorner1"), after);
 }
 
+TEST_F(ViewSessionTest, DragsWhileTheWorkerRenders)
+{
+    ViewSession session(settings("m.png"));
+    session.set("avoidFillRegion", 0);
+    Host::Interact& overlay = *session.overlay();
+    overlay.draw();
+    for (int i = 0; i < 200; ++i) {
+        const double x = i % 2 == 0 ? 40 : 60;  // the left edge, to and fro
+        session.beginGroup();
+        overlay.penMotion(penAt(x, 80));
+        overlay.penDown(penAt(x, 80));
+        overlay.penMotion(penAt(100 - x, 80));
+        overlay.penUp(penAt(100 - x, 80));
+        session.noticePluginEdits();
+        session.endGroup();
+        ASSERT_TRUE(session.takeChanged()) << i;
+        session.order(0.5);
+    }
+    session.worker().wait();
+    EXPECT_EQ(session.worker().latest()->serial, 200u);
+    EXPECT_EQ(session.worker().latest()->order.values.at("sampleCorner1"),
+              session.value("sampleCorner1"));
+}
+
 TEST_F(ViewSessionTest, ServesAnyPlugin)
 {
     ViewSession session(invert());
