@@ -121,8 +121,11 @@ void ParameterPanel::drawValue(const ParameterDescription& parameter, float widt
     ImGui::BeginGroup();
     const bool changed = drawParameter(parameter, value, width);
     ImGui::EndGroup();
-    if (ImGui::IsItemActive() && !parameter.isButton()) takeHold(parameter.name);
-    drawHint(parameter);
+    if (parameter.isButton()) {
+        drawHint(parameter);
+    } else if (ImGui::IsItemActive()) {
+        takeHold(parameter.name);
+    }
     if (!changed) return;
     if (parameter.isButton()) {
         log_.attempt([&] { session_.press(parameter.name); });
