@@ -63,7 +63,8 @@ ParameterValues collectValues(const RenderSettings& settings, const ContextDescr
     if (const auto region = filed.find(kFillRegion); region != filed.end()) values.insert(*region);
     setFillRegion(settings, description, inputs, values);
     values.merge(filed);
-    if (fillRegionOf(description, inputs, values).source != MaskSource::None) {
+    const bool hasMask = fillRegionOf(description, inputs, values).source != MaskSource::None;
+    if (settings.keepsClear && hasMask) {
         avoidRegionByDefault(description, inputs, values);
     }
     fitSampleBox(description, inputs, values);

@@ -20,9 +20,10 @@ struct RenderSettings {
     std::filesystem::path output;  ///< empty: nothing is written
     std::filesystem::path matte;   ///< empty: none
     MaskOption mask = MaskOption::None;
-    bool everyArea = true;                          ///< of the matte; else the first one
-    bool cropsAreas = true;                         ///< an area's matte is cut at its box
-    double matteGrow = 0.0;                         ///< pixels at full size
+    bool everyArea = true;   ///< of the matte; else the first one
+    bool cropsAreas = true;  ///< an area's matte is cut at its box
+    double matteGrow = 0.0;  ///< pixels at full size
+    bool keepsClear = true;  ///< of what is to go, where nobody said what to take blocks from
     std::array<std::filesystem::path, 3> textures;  ///< each empty: none
     std::vector<int> frames;                        ///< empty: a still
     std::string context;                            ///< "Filter", "General", or empty: as needed

@@ -41,7 +41,9 @@ Viewer::WindowSize sizeFrom(const std::string& text)
 int view(const ViewOptions& options)
 {
     const Viewer::WindowSize size = sizeFrom(options.size);
-    const RenderSettings settings = settingsFrom(options.render);
+    RenderSettings settings = settingsFrom(options.render);
+    // The box is on screen, and whoever drags it sees the fill change.
+    settings.keepsClear = false;
     useThreads(settings);
     Viewer::Viewer viewer(std::make_unique<Viewer::ViewSession>(settings),
                           {settings.output, settings.parameterFile}, size);

@@ -104,6 +104,7 @@ RenderSettings plainSettings(const RenderSettings& settings, const Command::Fill
     plain.parameterFile.clear();
     plain.parameters.clear();
     plain.mask = Command::MaskOption::None;
+    plain.keepsClear = true;  // as the command does by itself
     if (region.source != MaskSource::Matte) plain.matte.clear();
     return plain;
 }
