@@ -1,5 +1,6 @@
 #include <functional>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -85,6 +86,18 @@ TEST(InstanceRecord, TakesItsTimeFromTheNewestFrame)
         EXPECT_EQ(record.popFrame(), kOfxStatReplyDefault);
         EXPECT_EQ(record.time(), 12.0);
     });
+}
+
+TEST(InstanceRecord, KeepsTheOverlaysThatRegister)
+{
+    OvOfxInstanceRecord record(nullptr);
+    int marks[2];
+    const auto overlay = [&](int i) { return reinterpret_cast<OfxInteractHandle>(&marks[i]); };
+    for (const int i : {0, 1, 0}) record.addInteract(overlay(i));
+    record.removeInteract(overlay(0));
+    EXPECT_EQ(record.interacts(), std::vector{overlay(1)}) << "every entry of the one removed";
+    record.removeInteract(overlay(0));
+    EXPECT_EQ(record.interacts().size(), 1u);
 }
 
 }  // namespace
