@@ -8,6 +8,7 @@
 #include "host/command/ParameterText.h"
 #include "host/command/PluginSession.h"
 #include "host/command/TextList.h"
+#include "host/command/ValueJson.h"
 
 namespace Tesseret::Command {
 
@@ -102,19 +103,6 @@ Json clipJson(const ClipDescription& clip)
             {"fieldExtraction", clip.fieldExtraction}};
 }
 
-Json valueJson(const Host::ParameterValue& value)
-{
-    return std::visit(
-        [](const auto& held) -> Json {
-            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::monostate>) {
-                return nullptr;
-            } else {
-                return held;
-            }
-        },
-        value);
-}
-
 Json parameterJson(const ParameterDescription& parameter)
 {
     Json json{{"name", parameter.name},
@@ -130,7 +118,7 @@ Json parameterJson(const ParameterDescription& parameter)
     json["secret"] = parameter.secret;
     json["enabled"] = parameter.enabled;
     if (parameter.isGroup() || parameter.isButton()) return json;
-    json["default"] = valueJson(parameter.initial);
+    json["default"] = valueJson<Json>(parameter.initial);
     json["animates"] = parameter.animates;
     if (!parameter.min.empty()) {
         json["min"] = parameter.min;

@@ -8,6 +8,7 @@
 #include "host/command/CommandError.h"
 #include "host/command/PluginSession.h"
 #include "host/command/TextList.h"
+#include "host/command/ValueJson.h"
 #include "host/files/FileError.h"
 #include "host/files/PartFile.h"
 
@@ -113,15 +114,7 @@ Json jsonOf(const ParameterDescription& parameter, const ParameterValue& value)
         *number < static_cast<int>(parameter.options.size())) {
         return parameter.options[static_cast<std::size_t>(*number)];
     }
-    return std::visit(
-        [](const auto& held) -> Json {
-            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::monostate>) {
-                return nullptr;
-            } else {
-                return held;
-            }
-        },
-        value);
+    return valueJson<Json>(value);
 }
 
 }  // namespace
