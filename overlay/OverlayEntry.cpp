@@ -6,7 +6,6 @@
 
 #include "overlay/AxisGroupOverlay.h"
 #include "overlay/OverlayText.h"
-#include "products/OFX/Support/ovOfxHost.h"
 
 namespace Orvane {
 namespace {
@@ -28,12 +27,8 @@ constexpr std::array<ActionRow, 6> kActions{{
 /// The overlay that the host keeps for an interact, or null.
 OverlayInteract* findOverlay(OfxInteractHandle interact)
 {
-    const OfxInteractSuiteV1* suite = hostDescription().suites.interact;
-    if (suite == nullptr) return nullptr;
-    OfxPropertySetHandle properties = nullptr;
-    suite->interactGetPropertySet(interact, &properties);
     void* overlay = nullptr;
-    static_cast<void>(OvOfxPropertySet(properties).getPointer(kOfxPropInstanceData, overlay));
+    static_cast<void>(interactProperties(interact).getPointer(kOfxPropInstanceData, overlay));
     return static_cast<OverlayInteract*>(overlay);
 }
 

@@ -15,13 +15,6 @@ namespace {
 constexpr float kLeastMotion = 0.001f;      ///< a smaller motion of a lifted pen is none
 constexpr OvPoint kHelpOffset{8.0f, 8.0f};  ///< of a help text from the pen
 
-OvPoint pointOf(const OvOfxPropertySet& arguments, const char* name)
-{
-    std::array<double, 2> values{};
-    if (arguments.getDoubles(name, values) != kOfxStatOK) return {};
-    return {.x = static_cast<float>(values[0]), .y = static_cast<float>(values[1])};
-}
-
 void readInto(const OvOfxPropertySet& inArgs, DrawArguments& arguments)
 {
     std::array<int, 2> viewport{};
@@ -44,11 +37,10 @@ OvOfxEffect* effectOf(const OvOfxPropertySet& interact)
     void* handle = nullptr;
     static_cast<void>(interact.getPointer(kOfxPropEffectInstance, handle));
     OvOfxPropertySet properties;
-    static_cast<void>(effectProperties(static_cast<OfxImageEffectHandle>(handle), properties));
-    void* effect = nullptr;
-    static_cast<void>(properties.getPointer(kOfxPropInstanceData, effect));
-    return static_cast<OvOfxEffect*>(effect);
+    return findInstance(static_cast<OfxImageEffectHandle>(handle), properties);
 }
+
+}  // namespace
 
 OvOfxPropertySet interactProperties(OfxInteractHandle interact)
 {
@@ -57,8 +49,6 @@ OvOfxPropertySet interactProperties(OfxInteractHandle interact)
     if (suite != nullptr) suite->interactGetPropertySet(interact, &properties);
     return OvOfxPropertySet(properties);
 }
-
-}  // namespace
 
 DrawArguments readDrawArguments(const OvOfxPropertySet& inArgs)
 {

@@ -29,6 +29,9 @@ struct PenArguments : DrawArguments {
 DrawArguments readDrawArguments(const OvOfxPropertySet& inArgs);
 PenArguments readPenArguments(const OvOfxPropertySet& inArgs);
 
+/// The properties of an interact; none where the host has none.
+OvOfxPropertySet interactProperties(OfxInteractHandle interact);
+
 /// One overlay of one instance: a tree of manipulators that the host's actions are routed to. Lives
 /// from the interact's creation to its destruction; the host keeps its address as the interact's
 /// instance data.

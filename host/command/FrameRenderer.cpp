@@ -20,8 +20,7 @@ constexpr std::size_t kManyAreas = 100;
 
 constexpr const char* kBoxReachesIn =
     "the sample box takes in part of the region to fill, so that what is to go may come back; "
-    "choose "
-    "another with --sample-box x1,y1,x2,y2, or set avoidFillRegion=on";
+    "choose another with --sample-box x1,y1,x2,y2, or set avoidFillRegion=on";
 
 int frameOf(const RenderRequest& request)
 {

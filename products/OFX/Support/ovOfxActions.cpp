@@ -17,16 +17,6 @@
 namespace Orvane::Actions {
 namespace {
 
-/// The instance behind an effect handle, or null. Its properties come along.
-OvOfxEffect* findInstance(OfxImageEffectHandle effect, OvOfxPropertySet& properties)
-{
-    // Here and below the handle decides whether there is one; some hosts' statuses mean nothing.
-    static_cast<void>(effectProperties(effect, properties));
-    void* instance = nullptr;
-    static_cast<void>(properties.getPointer(kOfxPropInstanceData, instance));
-    return static_cast<OvOfxEffect*>(instance);
-}
-
 OvOfxEffect* findInstance(const Call& call)
 {
     OvOfxPropertySet properties;

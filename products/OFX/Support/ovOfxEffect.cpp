@@ -73,6 +73,15 @@ std::vector<OvOfxParam*> paramsOf(const OvOfxContextContainer& container)
 
 }  // namespace
 
+OvOfxEffect* findInstance(OfxImageEffectHandle effect, OvOfxPropertySet& properties)
+{
+    // The handle decides whether there is one; some hosts' statuses mean nothing.
+    static_cast<void>(effectProperties(effect, properties));
+    void* instance = nullptr;
+    static_cast<void>(properties.getPointer(kOfxPropInstanceData, instance));
+    return static_cast<OvOfxEffect*>(instance);
+}
+
 OvOfxEffect::OvOfxEffect()
     : outputClip_(&own<OvOfxOutputClip>()),
       rowEnd_(&own<OvOfxParam>(kRowEndName)),

@@ -134,4 +134,7 @@ private:
     std::map<std::string, OvOfxClip*, std::less<>> clipTable_;
 };
 
+/// The instance behind an effect handle, or null. Its properties come along.
+[[nodiscard]] OvOfxEffect* findInstance(OfxImageEffectHandle effect, OvOfxPropertySet& properties);
+
 }  // namespace Orvane

@@ -12,14 +12,14 @@ namespace {
 /// Part of the name of hosts whose answers to messages mean nothing.
 constexpr const char* kSilentHost = "film master";
 
+}  // namespace
+
 OvPoint pointOf(const OvOfxPropertySet& properties, const char* name)
 {
     std::array<double, 2> values{};
     if (properties.getDoubles(name, values) != kOfxStatOK) return {};
     return {.x = static_cast<float>(values[0]), .y = static_cast<float>(values[1])};
 }
-
-}  // namespace
 
 OvOfxChangeRecord readChangeRecord(const OvOfxPropertySet& inArgs, bool withTime)
 {

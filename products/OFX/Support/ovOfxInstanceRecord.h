@@ -21,6 +21,9 @@ struct OvOfxChangeRecord {
 /// The record that in-args of a change action hold. Without `withTime` the time is 0.
 [[nodiscard]] OvOfxChangeRecord readChangeRecord(const OvOfxPropertySet& inArgs, bool withTime);
 
+/// Two doubles as floats; (0, 0) where the property cannot be read.
+[[nodiscard]] OvPoint pointOf(const OvOfxPropertySet& properties, const char* name);
+
 /// The properties of an effect, descriptor or instance. Answers the host's status, or
 /// kOfxStatErrBadHandle when that is 0 and there are none all the same.
 [[nodiscard]] OfxStatus effectProperties(OfxImageEffectHandle effect, OvOfxPropertySet& properties);
