@@ -6,6 +6,7 @@
 #include "engine/Quilt.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
+#include "tests/fixtures/ReferenceImage.h"
 #include "tests/fixtures/ReferenceQuilt.h"
 
 namespace Orvane::Engine {
@@ -14,17 +15,9 @@ namespace {
 using ::testing::ElementsAre;
 using Testing::FakeServices;
 using Testing::noise;
+using Testing::referenceOf;
 using Testing::solid;
 using Testing::TestMap;
-
-template <typename Pixel>
-Reference::Image<Pixel> referenceOf(const TestMap<Pixel>& map)
-{
-    Reference::Image<Pixel> image(map->xAxis().offset, map->yAxis().offset, map->width(),
-                                  map->height());
-    image.pixels = map.pixels();
-    return image;
-}
 
 TEST(Random, FollowsItsRecurrence)
 {
