@@ -131,6 +131,22 @@ TEST(BoxBlur, AgreesWithDirectSummationForEveryThreadCount)
     }
 }
 
+/// The exact mean of these samples lies halfway between two floats. Its product with 1 / 49, which
+/// rounds down, lies below; a quotient would be rounded to the other float.
+TEST(BoxBlur, MultipliesByTheReciprocalOfItsWeights)
+{
+    const FakeServices services;
+    TestMap<Pixel32f> input(49, 1), target(49, 1);
+    const auto above1 = [](int units) { return 1.0f + std::ldexp(static_cast<float>(units), -24); };
+    for (int x = 0; x < 49; ++x) input.at(x, 0) = above1(x < 44 ? 6701770 : 6701768);
+    input.at(20, 0) = 1.0f - std::ldexp(1.0f, -24);
+    input.at(48, 0) = above1(6701770);
+    BoxBlur blur(BoxBlur::OneApplication);
+    blur.setRadius(24.0f, 0.0f);
+    blur.process(*input, *target);
+    EXPECT_EQ(target.at(24, 0), above1(6564998)) << "the mean is 6564999 such units above 1";
+}
+
 TEST(BoxBlur, WorksInPlaceAndOnARegion)
 {
     const FakeServices services(2);

@@ -67,6 +67,25 @@ TYPED_TEST(QuiltStages, ErrorAgreesWithTheReferenceForEveryThreadCount)
     }
 }
 
+/// Of the few pixels whose float differs when the terms are added in another order.
+TEST(OverlapError, AddsTheTermsInTheOrderBlueGreenRed)
+{
+    const FakeServices services;
+    TestMap<PixelRGBA16> a(1, 1), b(1, 1);
+    TestMap<Pixel32f> error(1, 1);
+    a.at(0, 0) = {47856, 13852, 24352, 0};
+    OverlapError<PixelRGBA16> node;
+    node.setImages({&*a, 0, 0}, {&*b, 0, 0});
+    const auto term = [](std::uint16_t value) {
+        const auto d = static_cast<double>(static_cast<float>(value) * 1.5259022e-05f);
+        return ((d * d) * (d * d)) * ((d * d) * (d * d));
+    };
+    const double blueGreenRed = term(24352) + term(13852) + term(47856);
+    const double redGreenBlue = term(47856) + term(13852) + term(24352);
+    EXPECT_EQ(node.measure(*error), static_cast<float>(blueGreenRed));
+    EXPECT_NE(node.measure(*error), static_cast<float>(redGreenBlue));
+}
+
 TYPED_TEST(QuiltStages, ErrorCountsOnlyPositiveWeights)
 {
     const FakeServices services;
