@@ -35,6 +35,7 @@ inline constexpr RecordedSums kRecordedSums[] = {
     {"InvertedMatte", {0x9e330c5695d1f4c0, 0xb757709326936bb0, 0x8234b9dd3f6fdf95}},
     {"TwoAreas", {0x76963c70b733a07d, 0x68869bb5d98de19f, 0x710a551c2741f525}},
     {"Corner", {0xed610db4c56b7fd6, 0x72617ce8f0008d88, 0x5042e016c4aa7aa2}},
+    {"Speck", {0x861786c9dd1e8e2e, 0x03aa5c0948ee00e3, 0xe2a916022764a05e}},
     {"Star", {0xc93110c49d51d804, 0xf4b544882850a21f, 0x520fd991842b7a68}},
     {"StarAtHalfSize", {0x023608ede4962429, 0xea730d9416d26732, 0x837f234500b5158b}},
     {"StarInAWindow", {0xcaea47c817950762, 0xefe9fd990cfc047c, 0x9a8f1877578645fe}},

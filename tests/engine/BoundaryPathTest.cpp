@@ -101,14 +101,25 @@ bool star(int x, int y)
     return std::hypot(x - 62, y - 58) < 26.0 + 9.0 * std::cos(5.0 * angle);
 }
 
+bool speck(int x, int y)  // so small that a way round it is hardly longer than one straight on
+{
+    return x >= 59 && x < 62 && y >= 54 && y < 56;
+}
+
 /// From cuts all round the region: the same loop as the plain search, whose end is the arrival cell
 /// of least mean cost.
 TYPED_TEST(Boundary, PathIsTheBestThatReachesTheCut)
 {
     const FakeServices services;
     int closed = 0;
-    for (const auto& shape : {Shape(disc), Shape(angle), Shape(star)}) {
-        Scene<TypeParam> scene(shape);
+    struct Region {
+        Shape shape;
+        float pathWidth;
+    };
+    for (const auto& [shape, pathWidth] :
+         {Region{disc, 6.0f}, Region{angle, 6.0f}, Region{star, 6.0f}, Region{speck, 1.0f},
+          Region{speck, 2.0f}}) {
+        Scene<TypeParam> scene(shape, pathWidth);
         for (int turn = 0; turn < 32; ++turn) {
             if (turn == 24) scene.source.pixels() = scene.texture.pixels();  // nothing but ties
             const double direction = turn * 6.2831853 / 24;
