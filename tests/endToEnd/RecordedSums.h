@@ -26,7 +26,7 @@ inline constexpr RecordedSums kRecordedSums[] = {
     {"Window", {0x6c26d6f6e43de608, 0xec9e82c006740250, 0x769b85dee431473d}},
     {"HalfSize", {0xeee6db8fd655cadb, 0x3945d10dab5d5b84, 0xc64b6ee580515ec2}},
     {"WidePixels", {0xe828e8269569c692, 0x73d982128c8a117c, 0x35f20836c3722034}},
-    {"Replayed", {0x4e20d2ba50bbce8b, 0x499805d5f095d3f9, 0xba02602fbeb9d1c6}},
+    {"Replayed", {0xcf8ed93ce1e7267d, 0xd707ca9a52bd0210, 0x32de9b847531d1c8}},
     {"ReplayedWindow", {0x4b3ca8d47ddc8bab, 0xb69f43dfe2a7d696, 0x0c6e02bdf0b50ca9}},
     {"SourceAlpha", {0x2a4db89720a8c69d, 0xcb598aa07ec6d900, 0x3f0d34d2f86d68ff}},
     {"SourceInvertedAlpha", {0xf438f39cec9d9e58, 0xd213ed0349ad6f6e, 0xe85b81729c1e76a0}},

@@ -215,7 +215,11 @@ TEST(BoundaryCost, IsTheMeanSquaredDifference)
     Scene<PixelRGBAf> floats(disc);
     floats.texture.at(5, 5) = {1.0f, 0.5f, 0.25f, 0.0f};
     floats.source.at(5, 5) = {0.0f, 0.0f, 0.0f, 0.0f};
-    EXPECT_EQ(PathSearch<PixelRGBAf>(floats.search()).pixelCost({5, 5}), 1.3125f * 0.33333334f);
+    floats.texture.at(6, 5) = {0.0625f, 0.125f, 0.0f, 0.0f};
+    floats.source.at(6, 5) = {0.0f, 0.0f, 0.0f, 0.0f};
+    const PathSearch<PixelRGBAf> ofFloats(floats.search());
+    EXPECT_EQ(ofFloats.pixelCost({5, 5}), 1.3125f * 0.33333334f);
+    EXPECT_EQ(ofFloats.pixelCost({6, 5}), 0.01953125f * 0.33333334f) << "a quotient is another";
 }
 
 TEST(Boundary8, WithoutAWayRoundTheMaskStaysAsItWas)
