@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "products/OFX/Support/ovOfxEffect.h"
+#include "products/OFX/Support/Effect.h"
 
 namespace Tesseret {
 

@@ -1,7 +1,7 @@
 #include "effect/EffectRenderContext.h"
 
-#include "products/OFX/Support/ovOfxClip.h"
-#include "products/OFX/Support/ovOfxObserver.h"
+#include "products/OFX/Support/Clip.h"
+#include "products/OFX/Support/Observer.h"
 
 namespace Tesseret {
 namespace {

@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "engine/RenderContext.h"
-#include "products/OFX/Support/ovOfxEffectInterface.h"
-#include "products/OFX/Support/ovOfxHostWrapper.h"
+#include "products/OFX/Support/EffectInterface.h"
+#include "products/OFX/Support/HostWrapper.h"
 
 namespace Tesseret {
 

@@ -10,7 +10,7 @@
 #include "engine/RenderDriver.h"
 #include "overlay/OverlayEntry.h"
 #include "overlay/RectangleControl.h"
-#include "products/OFX/Support/ovOfxMessage.h"
+#include "products/OFX/Support/Message.h"
 
 namespace Tesseret {
 

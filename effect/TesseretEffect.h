@@ -5,9 +5,9 @@
 
 #include "effect/EffectTable.h"
 #include "engine/TemporalState.h"
-#include "products/OFX/Support/ovOfxEffect.h"
-#include "products/OFX/Support/ovOfxPage.h"
-#include "products/OFX/Support/ovOfxParamTypes.h"
+#include "products/OFX/Support/Effect.h"
+#include "products/OFX/Support/Page.h"
+#include "products/OFX/Support/ParamTypes.h"
 
 namespace Tesseret {
 

@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "effect/EffectTable.h"
-#include "products/OFX/Support/ovOfxClip.h"
-#include "products/OFX/Support/ovOfxHostWrapper.h"
+#include "products/OFX/Support/Clip.h"
+#include "products/OFX/Support/HostWrapper.h"
 
 namespace Tesseret {
 

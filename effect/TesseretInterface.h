@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/TemporalState.h"
-#include "products/OFX/Support/ovOfxEffectInterface.h"
+#include "products/OFX/Support/EffectInterface.h"
 
 namespace Tesseret {
 

@@ -3,7 +3,7 @@
 #include "effect/EffectTable.h"
 #include "effect/TesseretEffect.h"
 #include "overlay/OverlayEntry.h"
-#include "products/OFX/Support/ovOfxPlugin.h"
+#include "products/OFX/Support/Plugin.h"
 
 namespace Orvane {
 

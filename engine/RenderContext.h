@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "engine/ClipImage.h"
 #include "engine/RenderObserver.h"
+#include "engine/map/ClipImage.h"
 #include "libraries/Processor/RenderStatus.h"
 
 namespace Orvane::Engine {

@@ -6,9 +6,9 @@
 #include <optional>
 #include <utility>
 
-#include "engine/ExactMath.h"
-#include "engine/RegionMask.h"
 #include "engine/SynthesisNode.h"
+#include "engine/map/ExactMath.h"
+#include "engine/mask/RegionMask.h"
 
 namespace Orvane::Engine {
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "engine/PixelTypes.h"
 #include "engine/RenderContext.h"
 #include "engine/TemporalState.h"
+#include "engine/map/PixelTypes.h"
 
 namespace Orvane::Engine {
 

@@ -2,17 +2,17 @@
 
 #include <algorithm>
 
-#include "engine/BandCut.h"
-#include "engine/BlockLayout.h"
-#include "engine/BlockReplay.h"
-#include "engine/BoundaryPath.h"
-#include "engine/BoxBlur.h"
-#include "engine/ConstantFill.h"
-#include "engine/ExactMath.h"
-#include "engine/LuminanceMatch.h"
-#include "engine/MapRow.h"
-#include "engine/MaskGradient.h"
-#include "engine/PixelMix.h"
+#include "engine/boundary/BoundaryPath.h"
+#include "engine/filter/BandCut.h"
+#include "engine/filter/BoxBlur.h"
+#include "engine/filter/ConstantFill.h"
+#include "engine/filter/LuminanceMatch.h"
+#include "engine/filter/MaskGradient.h"
+#include "engine/map/ExactMath.h"
+#include "engine/map/MapRow.h"
+#include "engine/map/PixelMix.h"
+#include "engine/quilt/BlockLayout.h"
+#include "engine/quilt/BlockReplay.h"
 
 namespace Orvane::Engine {
 namespace {

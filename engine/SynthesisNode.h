@@ -4,11 +4,11 @@
 #include <optional>
 #include <vector>
 
-#include "engine/MapProcessor.h"
-#include "engine/PixelTraits.h"
-#include "engine/Quilt.h"
 #include "engine/RenderObserver.h"
 #include "engine/TemporalState.h"
+#include "engine/map/PixelTraits.h"
+#include "engine/pass/MapProcessor.h"
+#include "engine/quilt/Quilt.h"
 
 namespace Orvane::Engine {
 

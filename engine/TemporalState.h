@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "engine/Map.h"
+#include "engine/map/Map.h"
 
 namespace Orvane::Engine {
 

@@ -138,6 +138,9 @@ OfxStatus Clip::fetch(OfxTime time, OfxPropertySetHandle& image)
     } catch (const HostError& error) {
         host.report(Report::Kind::Note, "clipGetImage: " + name_ + ": " + error.what());
         return error.status().value_or(kOfxStatFailed);
+    } catch (const PictureError& error) {
+        host.report(Report::Kind::Note, "clipGetImage: " + name_ + ": " + error.what());
+        return error.isOutOfMemory() ? kOfxStatErrMemory : kOfxStatFailed;
     }
 }
 

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "host/Picture.h"
+#include "picture/Picture.h"
 
 namespace Tesseret::Host {
 

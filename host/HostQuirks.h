@@ -10,7 +10,7 @@
 #include <set>
 #include <string>
 
-#include "host/Picture.h"
+#include "picture/Picture.h"
 
 namespace Tesseret::Host {
 

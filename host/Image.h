@@ -5,8 +5,8 @@
 
 #include <memory>
 
-#include "host/Picture.h"
 #include "host/PropertySet.h"
+#include "picture/Picture.h"
 
 namespace Tesseret::Host {
 

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "host/EffectObject.h"
-#include "host/Picture.h"
+#include "picture/Picture.h"
 
 namespace Tesseret::Host {
 

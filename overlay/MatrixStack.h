@@ -5,7 +5,7 @@
 
 #include <optional>
 
-#include "products/OFX/Support/ovOfxRect.h"
+#include "products/OFX/Support/Rect.h"
 
 namespace Orvane {
 

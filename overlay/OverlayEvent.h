@@ -1,6 +1,6 @@
 #pragma once
 
-#include "products/OFX/Support/ovOfxRect.h"
+#include "products/OFX/Support/Rect.h"
 
 namespace Orvane {
 

@@ -7,7 +7,7 @@
 #include "overlay/Draw.h"
 #include "overlay/OverlayText.h"
 #include "platform/OpenGL.h"
-#include "products/OFX/Support/ovOfxHost.h"
+#include "products/OFX/Support/Host.h"
 
 namespace Orvane {
 namespace {

@@ -8,8 +8,8 @@
 #include "ofx/ofxInteract.h"
 #include "overlay/ManipulatorGroup.h"
 #include "overlay/ParamBinding.h"
-#include "products/OFX/Support/ovOfxEffect.h"
-#include "products/OFX/Support/ovOfxInstanceRecord.h"
+#include "products/OFX/Support/Effect.h"
+#include "products/OFX/Support/InstanceRecord.h"
 
 namespace Orvane {
 

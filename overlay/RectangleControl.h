@@ -1,6 +1,6 @@
 #pragma once
 
-#include "products/OFX/Support/ovOfxParamTypes.h"
+#include "products/OFX/Support/ParamTypes.h"
 
 namespace Orvane {
 

@@ -3,9 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/command/MatteFixture.h"
+#include "tests/fixtures/MatteFixture.h"
 
 namespace Tesseret::Command {
+
+using namespace Fixtures;
+
 namespace {
 
 using testing::AllOf;

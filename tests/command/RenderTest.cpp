@@ -5,9 +5,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/command/RenderFixture.h"
+#include "tests/fixtures/RenderFixture.h"
 
 namespace Tesseret::Command {
+
+using namespace Fixtures;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -6,11 +6,14 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "tests/command/CommandRun.h"
-#include "tests/command/TestPictures.h"
-#include "tests/files/TemporaryFolder.h"
+#include "tests/fixtures/CommandRun.h"
+#include "tests/fixtures/TemporaryFolder.h"
+#include "tests/fixtures/TestPictures.h"
 
 namespace Tesseret::Command {
+
+using namespace Fixtures;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -40,7 +43,7 @@ protected:
     }
     ~UsageTest() override { fs::current_path("/"); }
 
-    Files::TemporaryFolder folder_;
+    TemporaryFolder folder_;
 };
 
 TEST_F(UsageTest, BadInputIsOneLineAndTwo)

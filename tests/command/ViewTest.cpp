@@ -4,11 +4,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/command/CommandRun.h"
-#include "tests/command/TestPictures.h"
-#include "tests/files/TemporaryFolder.h"
+#include "tests/fixtures/CommandRun.h"
+#include "tests/fixtures/TemporaryFolder.h"
+#include "tests/fixtures/TestPictures.h"
 
 namespace Tesseret::Command {
+
+using namespace Fixtures;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -27,7 +30,7 @@ protected:
     }
     ~ViewTest() override { fs::current_path("/"); }
 
-    Files::TemporaryFolder folder_;
+    TemporaryFolder folder_;
 };
 
 TEST_F(ViewTest, WithoutADisplayItSaysSoInOneLine)

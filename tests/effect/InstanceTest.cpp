@@ -83,12 +83,11 @@ TEST(EffectInstance, WantsTheWholeOfEveryConnectedPicture)
                              Case{2.0, {1.0, 1.0}, {4.0, 4.0, 68.0, 28.0}},
                              Case{2.0, {0.5, 0.25}, {8.0, 16.0, 136.0, 112.0}}}) {
         TestHost test;
-        auto source = texturePicture({2, 4, 34, 28}, Host::Depth::Byte, 1);
+        auto source = texturePicture({2, 4, 34, 28}, Depth::Byte, 1);
         source->setPixelAspectRatio(each.aspect);
         test.create(kGeneral, source);
-        test.connect("Texture2", texturePicture({0, 0, 8, 8}, Host::Depth::Byte, 2));
-        test.connect("Matte",
-                     plainPicture({2, 4, 34, 28}, Host::Depth::Byte, 1.0, Host::Components::Alpha));
+        test.connect("Texture2", texturePicture({0, 0, 8, 8}, Depth::Byte, 2));
+        test.connect("Matte", plainPicture({2, 4, 34, 28}, Depth::Byte, 1.0, Components::Alpha));
         std::map<std::string, OfxRectD> regions;
         test.host().resetCounters();
         EXPECT_EQ(test.instance().regionsOfInterest(0.0, each.scale, {0, 0, 1, 1}, regions),
@@ -125,11 +124,11 @@ TEST(EffectInstance, LeavesOtherQueriesToTheHost)
 
 TEST(EffectInstance, RendersEveryDepthAndReleasesEveryImage)
 {
-    for (const Host::Depth depth : {Host::Depth::Byte, Host::Depth::Short, Host::Depth::Float}) {
+    for (const Depth depth : {Depth::Byte, Depth::Short, Depth::Float}) {
         TestHost test;
         const auto source = texturePicture({0, 0, 64, 48}, depth, 1);
         test.create(kFilter, source);
-        const Host::Picture picture = test.render();
+        const Picture picture = test.render();
         EXPECT_NE(checksum(picture), checksum(*source));
         EXPECT_EQ(checksum(test.render()), checksum(picture));
         const Host::Counters counters = test.host().counters();
@@ -146,13 +145,13 @@ TEST(EffectInstance, ReleasesEveryImageWhicheverFetchFails)
         TestHost test;
         test.create(kGeneral);
         for (const char* clip : {"Texture1", "Texture3"}) {
-            test.connect(clip, texturePicture({0, 0, 40, 40}, Host::Depth::Byte, k));
+            test.connect(clip, texturePicture({0, 0, 40, 40}, Depth::Byte, k));
         }
         test.instance().set("useTexture1", 1);
         test.instance().set("useTexture3", 1);
         test.host().resetCounters();
         test.quirks().failFetch = k;
-        Host::Picture output({0, 0, 64, 48}, Host::Depth::Byte);
+        Picture output({0, 0, 64, 48}, Depth::Byte);
         EXPECT_EQ(test.render(0.0, {0, 0, 64, 48}, output), kOfxStatOK);
         EXPECT_GE(test.host().counters().fetchCalls, k);
         test.expectClean();
@@ -162,7 +161,7 @@ TEST(EffectInstance, ReleasesEveryImageWhicheverFetchFails)
 TEST(EffectInstance, RendersNothingIntoAnOutputThatIsNoColourPicture)
 {
     TestHost test;
-    test.create(kFilter, Host::Depth::Float);
+    test.create(kFilter, Depth::Float);
     test.instance().clip("Output")->properties().assign(kOfxImageEffectPropComponents,
                                                         {std::string(kOfxImageComponentAlpha)});
     Host::PropertySet inArgs(test.host(), "arguments");
@@ -195,10 +194,10 @@ TEST(EffectInstance, ForgetsItsBlocksWhenTheHostPurges)
     test.instance().set("temporalConsistancy", 1);
     test.render(0.0);
     test.instance().set("seed", 77);
-    const Host::Picture replayed = test.render(1.0);  // blocks of frame 0: the new seed is not used
+    const Picture replayed = test.render(1.0);  // blocks of frame 0: the new seed is not used
     EXPECT_EQ(test.instance().purgeCaches(), kOfxStatReplyDefault);
     test.expectClean();  // nothing is kept, image memory included
-    const Host::Picture fresh = test.render(1.0);
+    const Picture fresh = test.render(1.0);
     EXPECT_FALSE(samePixels(replayed, fresh));
     test.destroyInstance();
     test.expectClean();

@@ -76,15 +76,15 @@ inline int reachOf(double pathWidth, double edgeBlend)
 }
 
 /// Whether R, G and B of two pictures of one depth are the same at a pixel, bit for bit.
-inline bool sameColours(const Host::Picture& a, const Host::Picture& b, int x, int y)
+inline bool sameColours(const Picture& a, const Picture& b, int x, int y)
 {
-    const std::size_t bytes = 3 * Host::channelBytes(a.depth());
+    const std::size_t bytes = 3 * channelBytes(a.depth());
     return std::memcmp(a.pixel<char>(x, y), b.pixel<char>(x, y), bytes) == 0;
 }
 
 /// Whether R, G and B outside of an area are the source's, bit for bit.
-inline ::testing::AssertionResult keepsOutside(const Area& area, const Host::Picture& source,
-                                               const Host::Picture& picture)
+inline ::testing::AssertionResult keepsOutside(const Area& area, const Picture& source,
+                                               const Picture& picture)
 {
     const OfxRectI bounds = picture.bounds();
     for (int y = bounds.y1; y < bounds.y2; ++y) {
@@ -97,8 +97,8 @@ inline ::testing::AssertionResult keepsOutside(const Area& area, const Host::Pic
 }
 
 /// Whether nearly all of a region was replaced: the texture may agree with the source by chance.
-inline ::testing::AssertionResult fills(const Shape& region, const Host::Picture& source,
-                                        const Host::Picture& picture)
+inline ::testing::AssertionResult fills(const Shape& region, const Picture& source,
+                                        const Picture& picture)
 {
     const OfxRectI bounds = picture.bounds();
     int pixels = 0, changed = 0;

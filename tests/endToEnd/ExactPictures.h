@@ -8,33 +8,32 @@
 #include <functional>
 #include <memory>
 
-#include "host/Picture.h"
+#include "picture/Picture.h"
 
 namespace Tesseret::EndToEnd {
 
 /// The value of a channel, 0 to 65535.
 using ExactValue = std::function<int(int x, int y, int channel)>;
 
-inline void setExact(Host::Picture& picture, int x, int y, int channel, int value)
+inline void setExact(Picture& picture, int x, int y, int channel, int value)
 {
     switch (picture.depth()) {
-        case Host::Depth::Byte:
+        case Depth::Byte:
             picture.pixel<std::uint8_t>(x, y)[channel] = static_cast<std::uint8_t>(value >> 8);
             break;
-        case Host::Depth::Short:
+        case Depth::Short:
             picture.pixel<std::uint16_t>(x, y)[channel] = static_cast<std::uint16_t>(value);
             break;
-        case Host::Depth::Float:
+        case Depth::Float:
             picture.pixel<float>(x, y)[channel] = static_cast<float>(value) / 65536.0f;
             break;
     }
 }
 
-inline std::shared_ptr<Host::Picture> exactPicture(
-    OfxRectI bounds, Host::Depth depth, const ExactValue& value,
-    Host::Components components = Host::Components::RGBA)
+inline std::shared_ptr<Picture> exactPicture(OfxRectI bounds, Depth depth, const ExactValue& value,
+                                             Components components = Components::RGBA)
 {
-    auto picture = std::make_shared<Host::Picture>(bounds, depth, components);
+    auto picture = std::make_shared<Picture>(bounds, depth, components);
     for (int y = bounds.y1; y < bounds.y2; ++y) {
         for (int x = bounds.x1; x < bounds.x2; ++x) {
             for (int c = 0; c < picture->channels(); ++c) {

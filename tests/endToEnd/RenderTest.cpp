@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/PixelTraits.h"
+#include "engine/map/PixelTraits.h"
 #include "tests/endToEnd/Rig.h"
 #include "tests/fixtures/ReferenceQuilt.h"
 

@@ -17,7 +17,7 @@ inline constexpr OfxRectI kBounds{0, 0, 96, 70};
 
 /// A host whose instance is ready to render a picture of 96 x 70 pixels.
 struct Rig : Fixtures::TestHost {
-    explicit Rig(Host::Depth depth = Host::Depth::Byte, const Host::HostQuirks& quirks = {},
+    explicit Rig(Depth depth = Depth::Byte, const Host::HostQuirks& quirks = {},
                  unsigned int threads = 2, const char* context = kOfxImageEffectContextFilter)
         : TestHost(quirks, threads)
     {
@@ -34,7 +34,7 @@ struct Rig : Fixtures::TestHost {
     }
 };
 
-inline Host::Picture plainRender(Host::Depth depth = Host::Depth::Byte)
+inline Picture plainRender(Depth depth = Depth::Byte)
 {
     return Rig(depth).render();
 }
@@ -47,12 +47,11 @@ inline double disc(int x, int y)
     return (x - 48) * (x - 48) + (y - 35) * (y - 35) < 14 * 14 ? 1.0 : 0.0;
 }
 
-std::shared_ptr<Host::Picture> mattePicture(const Shape& shape, Host::Depth depth,
-                                            OfxRectI bounds = kBounds);
+std::shared_ptr<Picture> mattePicture(const Shape& shape, Depth depth, OfxRectI bounds = kBounds);
 
 /// The same with a matte over a disc in the middle, and lengths that suit so small a picture.
 struct MaskedRig : Rig {
-    explicit MaskedRig(Host::Depth depth = Host::Depth::Byte, const Host::HostQuirks& quirks = {},
+    explicit MaskedRig(Depth depth = Depth::Byte, const Host::HostQuirks& quirks = {},
                        unsigned int threads = 2)
         : Rig(depth, quirks, threads, kOfxImageEffectContextGeneral)
     {
@@ -84,7 +83,7 @@ public:
 };
 
 /// Whether nothing was written into an output that was all zeros.
-bool isBlack(const Host::Picture& picture);
+bool isBlack(const Picture& picture);
 
 /// A call that can be ordered to fail, and how often it was made.
 struct Fault {
@@ -99,8 +98,7 @@ inline constexpr Fault kLock{&Host::HostQuirks::failLock, &Host::Counters::locks
 /// Orders a fault of each call in turn, until a render makes no more of them. After every one
 /// nothing is left behind and the next render on the same instance is right; `check` is given the
 /// number of the call that failed, the status and the output.
-void expectRecovery(
-    Rig& rig, const Fault& fault,
-    const std::function<void(unsigned int call, OfxStatus, const Host::Picture&)>& check);
+void expectRecovery(Rig& rig, const Fault& fault,
+                    const std::function<void(unsigned int call, OfxStatus, const Picture&)>& check);
 
 }  // namespace Tesseret::EndToEnd

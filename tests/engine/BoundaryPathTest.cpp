@@ -5,10 +5,10 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/BandCut.h"
-#include "engine/BoundaryPath.h"
-#include "engine/BoxBlur.h"
-#include "engine/MaskGradient.h"
+#include "engine/boundary/BoundaryPath.h"
+#include "engine/filter/BandCut.h"
+#include "engine/filter/BoxBlur.h"
+#include "engine/filter/MaskGradient.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 #include "tests/fixtures/ReferencePath.h"

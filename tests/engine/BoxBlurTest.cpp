@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/BoxBlur.h"
+#include "engine/filter/BoxBlur.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 

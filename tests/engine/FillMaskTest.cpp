@@ -5,8 +5,8 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/FillMask.h"
-#include "engine/Random.h"
+#include "engine/map/Random.h"
+#include "engine/mask/FillMask.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 

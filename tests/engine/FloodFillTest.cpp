@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/FloodFill.h"
+#include "engine/mask/FloodFill.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/Quilt.h"
+#include "engine/quilt/Quilt.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 #include "tests/fixtures/ReferenceImage.h"

@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/LuminanceMatch.h"
+#include "engine/filter/LuminanceMatch.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 

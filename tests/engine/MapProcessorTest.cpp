@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "engine/ConstantFill.h"
-#include "engine/MapProcessor.h"
-#include "engine/RowCopy.h"
+#include "engine/filter/ConstantFill.h"
+#include "engine/pass/MapProcessor.h"
+#include "engine/quilt/RowCopy.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 

@@ -3,8 +3,8 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/Map.h"
-#include "engine/MapRow.h"
+#include "engine/map/Map.h"
+#include "engine/map/MapRow.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 

@@ -2,12 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/BandCut.h"
-#include "engine/BandWeight.h"
-#include "engine/ConstantFill.h"
-#include "engine/LumaOf.h"
-#include "engine/MapCopy.h"
-#include "engine/MaskGradient.h"
+#include "engine/filter/BandCut.h"
+#include "engine/filter/BandWeight.h"
+#include "engine/filter/ConstantFill.h"
+#include "engine/filter/LumaOf.h"
+#include "engine/filter/MapCopy.h"
+#include "engine/filter/MaskGradient.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 

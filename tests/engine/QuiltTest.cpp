@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/Quilt.h"
+#include "engine/quilt/Quilt.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 #include "tests/fixtures/ReferenceImage.h"

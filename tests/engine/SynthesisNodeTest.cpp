@@ -4,9 +4,9 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/AlphaMask.h"
-#include "engine/PixelMix.h"
 #include "engine/SynthesisNode.h"
+#include "engine/map/PixelMix.h"
+#include "engine/mask/AlphaMask.h"
 #include "tests/fixtures/FakeRenderContext.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapKeeper.h"

@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/WeightedPointPicker.h"
+#include "engine/boundary/WeightedPointPicker.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 

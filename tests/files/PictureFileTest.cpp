@@ -8,16 +8,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/files/FileError.h"
-#include "host/files/PictureReader.h"
-#include "host/files/PictureWriter.h"
-#include "tests/files/TemporaryFolder.h"
+#include "files/FileError.h"
+#include "files/PictureReader.h"
+#include "files/PictureWriter.h"
+#include "tests/fixtures/TemporaryFolder.h"
 
 namespace Tesseret::Files {
 namespace {
 
 namespace fs = std::filesystem;
-using Host::Depth;
 using OIIO::ImageSpec;
 using OIIO::TypeDesc;
 using testing::Each;
@@ -97,7 +96,7 @@ std::string failure(const fs::path& file)
 
 class PictureFileTest : public testing::Test {
 protected:
-    TemporaryFolder folder_;
+    Fixtures::TemporaryFolder folder_;
 };
 
 struct Kind {
@@ -154,7 +153,7 @@ TEST_F(PictureFileTest, TurnsRowsOverAndCompletesGreyAndRgb)
     save(folder_ / "grey.png", ImageSpec(2, 2, 1, OIIO::TypeUInt8), grey);
     const PictureFile file = readPicture(folder_ / "grey.png");
     EXPECT_FALSE(file.info.isColour);
-    EXPECT_EQ(file.info.alpha, Host::Alpha::Opaque);
+    EXPECT_EQ(file.info.alpha, Alpha::Opaque);
     const auto pixel = [&](int x, int y) {
         const auto* p = file.picture.pixel<std::uint8_t>(x, y);
         return std::vector<int>(p, p + 4);
@@ -175,7 +174,7 @@ TEST_F(PictureFileTest, AlphaIsNeverMultiplied)
         spec.attribute("oiio:UnassociatedAlpha", 1);
         const fs::path file = folder_ / (std::string("a") + extension);
         save(file, spec, pixel);
-        EXPECT_EQ(readPicture(file).info.alpha, Host::Alpha::Unpremultiplied);
+        EXPECT_EQ(readPicture(file).info.alpha, Alpha::Unpremultiplied);
         for (const char* other : {"b.png", "b.tif", "b.dpx"}) {
             copyFile(file, folder_ / other);
             EXPECT_EQ(load(folder_ / other).pixels, pixel) << extension << " to " << other;
@@ -306,8 +305,8 @@ TEST_F(PictureFileTest, MatteIsAlphaElseGreyElseLuminance)
     rgba.attribute("oiio:UnassociatedAlpha", 1);
     save(folder_ / "rgba.png", rgba, pixel({255, 100, 0, 33}));
     const auto matte = [&](const char* name) {
-        const Host::Picture picture = readPicture(folder_ / name, ReadAs::Matte).picture;
-        EXPECT_EQ(picture.components(), Host::Components::Alpha);
+        const Picture picture = readPicture(folder_ / name, ReadAs::Matte).picture;
+        EXPECT_EQ(picture.components(), Components::Alpha);
         return picture.channel(0, 0, 0);
     };
     EXPECT_EQ(matte("grey.png"), 90);

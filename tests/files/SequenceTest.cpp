@@ -4,9 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/files/FrameRange.h"
-#include "host/files/SequencePattern.h"
-#include "tests/files/TemporaryFolder.h"
+#include "files/FrameRange.h"
+#include "files/SequencePattern.h"
+#include "tests/fixtures/TemporaryFolder.h"
 
 namespace Tesseret::Files {
 namespace {
@@ -49,7 +49,7 @@ TEST(SequencePatternTest, PutsTheNumberAtTheLastMark)
 
 TEST(SequencePatternTest, ListsAllMissingFrames)
 {
-    const TemporaryFolder folder;
+    const Fixtures::TemporaryFolder folder;
     for (const char* name : {"p.01.png", "p.03.png"}) std::ofstream(folder / name) << "x";
     EXPECT_THAT(SequencePattern(folder / "p.##.png").missing({1, 2, 3, 4}), ElementsAre(2, 4));
 }

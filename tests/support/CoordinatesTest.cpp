@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "products/OFX/Support/ovOfxCoordinates.h"
+#include "products/OFX/Support/Coordinates.h"
 
 namespace Orvane {
 namespace {

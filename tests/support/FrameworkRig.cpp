@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "products/OFX/Support/ovOfxContext.h"
-#include "products/OFX/Support/ovOfxHost.h"
-#include "products/OFX/Support/ovOfxParamDefine.h"
+#include "products/OFX/Support/Context.h"
+#include "products/OFX/Support/Host.h"
+#include "products/OFX/Support/ParamDefine.h"
 
 namespace Tesseret::Fixtures {
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "host/Descriptor.h"
-#include "products/OFX/Support/ovOfxEffect.h"
+#include "products/OFX/Support/Effect.h"
 #include "tests/support/TinyEffect.h"
 
 namespace Tesseret::Fixtures {

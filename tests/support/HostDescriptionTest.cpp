@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "products/OFX/Support/ovOfxHost.h"
+#include "products/OFX/Support/Host.h"
 #include "tests/support/TinyEffect.h"
 
 namespace Tesseret::Fixtures {

@@ -4,8 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "products/OFX/Support/ovOfxHostWrapper.h"
-#include "products/OFX/Support/ovOfxParamTypes.h"
+#include "products/OFX/Support/HostWrapper.h"
+#include "products/OFX/Support/ParamTypes.h"
 #include "tests/support/FrameworkRig.h"
 
 namespace Tesseret::Fixtures {
@@ -252,9 +252,8 @@ TEST_F(HostWrapper, TakesTheSourcesRegionWhereTheProjectHasNoSize)
     Host::HostQuirks quirks;
     quirks.projectProperties = Host::ProjectProperties::Never;
     OvOfxHostWrapper& wrapper = start(quirks);
-    instance().connect(
-        "Source", std::make_shared<Host::StillSource>(
-                      std::make_shared<Host::Picture>(OfxRectI{4, 10, 24, 50}, Host::Depth::Byte)));
+    instance().connect("Source", std::make_shared<Host::StillSource>(std::make_shared<Picture>(
+                                     OfxRectI{4, 10, 24, 50}, Depth::Byte)));
     // Canonical (14, 30), at scale (0.5, 0.25); the aspect ratio cannot be read either.
     EXPECT_EQ(wrapper.double2DAt("position", 0.0f), (OvPoint{7.0f, 7.5f}));
 }

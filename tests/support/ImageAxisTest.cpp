@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "products/OFX/Support/ovOfxImage.h"
+#include "products/OFX/Support/Image.h"
 
 namespace Orvane {
 namespace {

@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "engine/Map.h"
-#include "products/OFX/Support/ovOfxClip.h"
+#include "engine/map/Map.h"
+#include "products/OFX/Support/Clip.h"
 #include "tests/support/FrameworkRig.h"
 
 namespace Tesseret::Fixtures {
@@ -35,19 +35,18 @@ void sourceAndMatte(OvOfxEffect& effect, OvOfxContextContainer& container)
 /// An instance with a source and a matte over the same bounds; every pixel tells its place.
 class ImageView : public ::testing::Test {
 protected:
-    void start(const Host::HostQuirks& quirks, OfxRectI bounds,
-               Host::Depth depth = Host::Depth::Byte)
+    void start(const Host::HostQuirks& quirks, OfxRectI bounds, Depth depth = Depth::Byte)
     {
         rig_.reset();
         rig_ = std::make_unique<FrameworkRig>(sourceAndMatte, quirks);
         ASSERT_EQ(rig_->describe(), kOfxStatOK);
         effect_ = &rig_->bind();
-        connect("Source", bounds, depth, Host::Components::RGBA);
-        connect("Matte", bounds, depth, Host::Components::Alpha);
+        connect("Source", bounds, depth, Components::RGBA);
+        connect("Matte", bounds, depth, Components::Alpha);
     }
-    void connect(const char* clip, OfxRectI bounds, Host::Depth depth, Host::Components components)
+    void connect(const char* clip, OfxRectI bounds, Depth depth, Components components)
     {
-        auto picture = std::make_shared<Host::Picture>(bounds, depth, components);
+        auto picture = std::make_shared<Picture>(bounds, depth, components);
         for (int y = bounds.y1; y < bounds.y2; ++y) {
             for (int x = bounds.x1; x < bounds.x2; ++x) {
                 for (int c = 0; c < picture->channels(); ++c) {
@@ -58,10 +57,10 @@ protected:
         rig_->instance().connect(
             clip, std::make_shared<Host::StillSource>(std::move(picture), OfxRangeD{1.0, 10.0}));
     }
-    static double valueAt(int x, int y, int c, Host::Depth depth)
+    static double valueAt(int x, int y, int c, Depth depth)
     {
         const double value = (x + 20) + 3 * (y + 20) + 50 * c;
-        return depth == Host::Depth::Float ? value / 512.0 : value;
+        return depth == Depth::Float ? value / 512.0 : value;
     }
 
     const OvOfxClipAccessor& clip(const char* name) { return effect_->findClip(name)->accessor(); }
@@ -71,7 +70,7 @@ protected:
     }
     /// Expects the picture's pixels inside `visible` and the edge colour everywhere around it.
     template <typename Pixel>
-    void expectReads(OfxRectI visible, Host::Depth depth, Pixel outside)
+    void expectReads(OfxRectI visible, Depth depth, Pixel outside)
     {
         const auto fetched = image();
         ASSERT_NE(fetched, nullptr);
@@ -106,12 +105,12 @@ constexpr OfxRectI kBounds = {-3, -2, 9, 6};
 
 TEST_F(ImageView, ShowsThePixelsOfEveryDepthAndTheEdgeColourAround)
 {
-    start({}, kBounds, Host::Depth::Byte);
-    expectReads<Engine::PixelRGBA8>(kBounds, Host::Depth::Byte, {0, 127, 255, 63});
-    start({}, kBounds, Host::Depth::Short);
-    expectReads<Engine::PixelRGBA16>(kBounds, Host::Depth::Short, {0, 32767, 65535, 16383});
-    start({}, kBounds, Host::Depth::Float);
-    expectReads<Engine::PixelRGBAf>(kBounds, Host::Depth::Float, {0.0f, 0.5f, 1.0f, 0.25f});
+    start({}, kBounds, Depth::Byte);
+    expectReads<Engine::PixelRGBA8>(kBounds, Depth::Byte, {0, 127, 255, 63});
+    start({}, kBounds, Depth::Short);
+    expectReads<Engine::PixelRGBA16>(kBounds, Depth::Short, {0, 32767, 65535, 16383});
+    start({}, kBounds, Depth::Float);
+    expectReads<Engine::PixelRGBAf>(kBounds, Depth::Float, {0.0f, 0.5f, 1.0f, 0.25f});
     expectAllReleased();
 }
 
@@ -119,7 +118,7 @@ TEST_F(ImageView, StandsWhateverBoundsAndRowsAHostHandsOver)
 {
     struct Case {
         const char* what;
-        std::optional<Host::RowLayout> rows;
+        std::optional<RowLayout> rows;
         std::optional<OfxRectI> change;
         bool infinite;
         OfxRectI visible;
@@ -127,12 +126,12 @@ TEST_F(ImageView, StandsWhateverBoundsAndRowsAHostHandsOver)
     const OfxRectI none = {0, 0, 0, 0};
     const OfxRectI larger = {-4, -3, 2, 5};
     const Case cases[] = {
-        {"top down", Host::RowLayout{.topDown = true}, {}, false, kBounds},
-        {"padded", Host::RowLayout{.padding = 12}, {}, false, kBounds},
-        {"top down and padded", Host::RowLayout{.topDown = true, .padding = 4}, {}, false, kBounds},
+        {"top down", RowLayout{.topDown = true}, {}, false, kBounds},
+        {"padded", RowLayout{.padding = 12}, {}, false, kBounds},
+        {"top down and padded", RowLayout{.topDown = true, .padding = 4}, {}, false, kBounds},
         {"smaller bounds", {}, OfxRectI{2, 1, -3, -2}, false, {-1, -1, 6, 4}},
         {"larger bounds", {}, larger, false, kBounds},
-        {"larger bounds, top down", Host::RowLayout{.topDown = true}, larger, false, kBounds},
+        {"larger bounds, top down", RowLayout{.topDown = true}, larger, false, kBounds},
         {"shifted bounds", {}, OfxRectI{5, -3, 5, -3}, false, {2, -2, 9, 3}},
         {"disjoint bounds", {}, OfxRectI{15, 0, 15, 0}, false, none},
         {"no bounds", {}, OfxRectI{0, 0, 0, -8}, false, none},
@@ -146,7 +145,7 @@ TEST_F(ImageView, StandsWhateverBoundsAndRowsAHostHandsOver)
         quirks.boundsChange = each.change;
         quirks.infiniteRegion = each.infinite;
         start(quirks, kBounds);
-        expectReads<Engine::PixelRGBA8>(each.visible, Host::Depth::Byte, {0, 127, 255, 63});
+        expectReads<Engine::PixelRGBA8>(each.visible, Depth::Byte, {0, 127, 255, 63});
         expectAllReleased();
     }
 }
@@ -157,7 +156,7 @@ TEST_F(ImageView, BelievesTheImageBeforeTheClip)
     EXPECT_EQ(image("Matte")->kind(), PixelKind::Alpha8);
     Host::HostQuirks quirks;
     quirks.matte = Host::MatteDelivery::RgbaUnannounced;
-    start(quirks, kBounds, Host::Depth::Short);
+    start(quirks, kBounds, Depth::Short);
     EXPECT_EQ(effect_->findClip("Matte")->components(), OvComponents::Alpha);
     EXPECT_EQ(image("Matte")->kind(), PixelKind::RGBA16);
     rig_->host().quirks().refusedReads[kOfxImageEffectPropComponents] = kOfxStatErrUnknown;

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "products/OFX/Support/ovOfxInstanceRecord.h"
+#include "products/OFX/Support/InstanceRecord.h"
 #include "tests/support/TinyEffect.h"
 
 namespace Tesseret::Fixtures {

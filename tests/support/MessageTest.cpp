@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "products/OFX/Support/ovOfxMessage.h"
+#include "products/OFX/Support/Message.h"
 #include "tests/support/TinyEffect.h"
 
 namespace Tesseret::Fixtures {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "products/OFX/Support/ovOfxNames.h"
-#include "products/OFX/Support/ovOfxRect.h"
+#include "products/OFX/Support/Names.h"
+#include "products/OFX/Support/Rect.h"
 
 namespace Orvane {
 namespace {

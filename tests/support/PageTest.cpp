@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "products/OFX/Support/ovOfxPage.h"
+#include "products/OFX/Support/Page.h"
 
 namespace Orvane {
 namespace {

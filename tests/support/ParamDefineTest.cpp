@@ -4,8 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "products/OFX/Support/ovOfxPage.h"
-#include "products/OFX/Support/ovOfxParamTypes.h"
+#include "products/OFX/Support/Page.h"
+#include "products/OFX/Support/ParamTypes.h"
 #include "tests/support/FrameworkRig.h"
 
 namespace Tesseret::Fixtures {

@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "libraries/services/HostServices.h"
-#include "products/OFX/Support/ovOfxObserver.h"
+#include "products/OFX/Support/Observer.h"
 #include "tests/support/TinyEffect.h"
 
 namespace Tesseret::Fixtures {

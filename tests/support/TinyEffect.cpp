@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "products/OFX/Support/ovOfxParamTypes.h"
-#include "products/OFX/Support/ovOfxPlugin.h"
+#include "products/OFX/Support/ParamTypes.h"
+#include "products/OFX/Support/Plugin.h"
 
 namespace Tesseret::Fixtures {
 namespace {
@@ -165,7 +165,7 @@ std::vector<std::string> TinyHost::writesTo(std::string_view set) const
 std::shared_ptr<Host::ClipSource> tinySource()
 {
     return std::make_shared<Host::StillSource>(
-        std::make_shared<Host::Picture>(OfxRectI{0, 0, 8, 4}, Host::Depth::Byte));
+        std::make_shared<Picture>(OfxRectI{0, 0, 8, 4}, Depth::Byte));
 }
 
 }  // namespace Tesseret::Fixtures

@@ -13,7 +13,7 @@
 #include "host/Effect.h"
 #include "host/EmbeddedHost.h"
 #include "host/Instance.h"
-#include "products/OFX/Support/ovOfxEffect.h"
+#include "products/OFX/Support/Effect.h"
 
 namespace Tesseret::Fixtures {
 

@@ -3,14 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/viewer/DisplayPixels.h"
+#include "viewer/model/DisplayPixels.h"
 
 namespace Tesseret::Viewer {
 namespace {
 
-using Host::Components;
-using Host::Depth;
-using Host::Picture;
 using testing::ElementsAre;
 
 /// One pixel of equal colours and an alpha of a half.

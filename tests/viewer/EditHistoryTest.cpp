@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "host/viewer/EditHistory.h"
+#include "viewer/model/EditHistory.h"
 
 namespace Tesseret::Viewer {
 namespace {
 
 /// "a=1 b=2", in the order to be set.
-std::string text(const std::vector<Command::NamedValue>& values)
+std::string text(const std::vector<Render::NamedValue>& values)
 {
     std::string all;
     for (const auto& [name, value] : values) {

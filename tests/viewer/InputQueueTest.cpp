@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/viewer/InputQueue.h"
+#include "viewer/model/InputQueue.h"
 
 namespace Tesseret::Viewer {
 namespace {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/viewer/PanelPages.h"
+#include "viewer/model/PanelPages.h"
 
 namespace Tesseret::Viewer {
 namespace {

@@ -1,5 +1,5 @@
-#include "host/viewer/RenderScheduler.h"
 #include "tests/viewer/SessionFixture.h"
+#include "viewer/model/RenderScheduler.h"
 
 namespace Tesseret::Viewer {
 namespace {
@@ -9,8 +9,8 @@ class RenderSchedulerTest : public SessionFixture {
 protected:
     RenderSchedulerTest()
     {
-        paint(in("big.png"), 1200, 1000, Command::noise(3));
-        Command::RenderSettings wanted = settings();
+        paint(in("big.png"), 1200, 1000, Fixtures::noise(3));
+        Render::RenderSettings wanted = settings();
         wanted.source = in("big.png");
         wanted.parameters = {"blockSize=200"};
         session_ = std::make_unique<ViewSession>(wanted);

@@ -1,8 +1,8 @@
 #include <atomic>
 
 #include "host/HostError.h"
-#include "host/viewer/RenderWorker.h"
 #include "tests/viewer/SessionFixture.h"
+#include "viewer/model/RenderWorker.h"
 
 namespace Tesseret::Viewer {
 namespace {
@@ -14,7 +14,7 @@ using testing::UnorderedElementsAre;
 class RenderWorkerTest : public SessionFixture {
 protected:
     /// The values that a session starts with.
-    static Command::ParameterValues valuesOf(const Command::RenderSettings& settings)
+    static Render::ParameterValues valuesOf(const Render::RenderSettings& settings)
     {
         ViewSession session(settings);
         session.order(1.0);
@@ -30,9 +30,9 @@ protected:
         return worker.latest();
     }
     /// Against a file that `tesseret render` wrote.
-    void expectSame(const Host::Picture& picture, const std::string& file) const
+    void expectSame(const Picture& picture, const std::string& file) const
     {
-        const Command::LoadedPicture wanted = load(in(file));
+        const Fixtures::LoadedPicture wanted = load(in(file));
         ASSERT_EQ(picture.width(), wanted.width);
         ASSERT_EQ(picture.height(), wanted.height);
         int differing = 0;
@@ -48,8 +48,8 @@ protected:
 
 TEST_F(RenderWorkerTest, RendersWhatTheCommandRenders)
 {
-    const Command::RenderSettings given = settings("m.png");
-    const Command::ParameterValues values = valuesOf(given);
+    const Render::RenderSettings given = settings("m.png");
+    const Render::ParameterValues values = valuesOf(given);
     PictureCache pictures(given);
     RenderWorker worker(given, pictures);
     for (const char* scale : {"1", "0.5"}) {
@@ -62,7 +62,7 @@ TEST_F(RenderWorkerTest, RendersWhatTheCommandRenders)
     EXPECT_THAT(result->maps,
                 UnorderedElementsAre(Key("fill-mask"), Key("path-band"), Key("blocks"),
                                      Key("boundary-path"), Key("composite-mask")));
-    const Host::Picture& mask = result->maps.at("fill-mask");
+    const Picture& mask = result->maps.at("fill-mask");
     EXPECT_EQ(mask.channel(40, 70, 0), 255.0) << "in the middle area, y upwards";
     EXPECT_EQ(mask.channel(160, 30, 0), 255.0) << "in the low area";
     EXPECT_EQ(mask.channel(100, 100, 0), 0.0);
@@ -72,28 +72,28 @@ TEST_F(RenderWorkerTest, RendersWhatTheCommandRenders)
 TEST_F(RenderWorkerTest, RepeatsTheBlocksOfTheFirstFrame)
 {
     for (const int frame : {5, 6, 7}) {
-        paint(in(Command::numbered("s.%04d.png", frame)), Command::kWidth, Command::kHeight,
-              Command::noise(frame));
+        paint(in(Fixtures::numbered("s.%04d.png", frame)), Fixtures::kWidth, Fixtures::kHeight,
+              Fixtures::noise(frame));
     }
-    Command::RenderSettings given = settings("m.png");
+    Render::RenderSettings given = settings("m.png");
     given.source = in("s.####.png");
     given.frames = {5, 6, 7};
     given.parameters.emplace_back("temporalConsistancy=on");
     fill("s.####.png", "o.####.png",
          {"--matte", in("m.png"), "--frames", "5-7", "temporalConsistancy=on"});
-    const Command::ParameterValues values = valuesOf(given);
+    const Render::ParameterValues values = valuesOf(given);
     PictureCache pictures(given);
     RenderWorker worker(given, pictures);
     for (const int frame : {7, 6, 5, 6}) {
         const auto result = rendered(worker, {.frame = frame, .values = values});
-        expectSame(result->picture, Command::numbered("o.%04d.png", frame));
+        expectSame(result->picture, Fixtures::numbered("o.%04d.png", frame));
     }
 }
 
 TEST_F(RenderWorkerTest, TheNewestOrderWins)
 {
-    const Command::RenderSettings given = settings();
-    Command::ParameterValues values = valuesOf(given);
+    const Render::RenderSettings given = settings();
+    Render::ParameterValues values = valuesOf(given);
     PictureCache pictures(given);
     RenderWorker worker(given, pictures);
     std::atomic<int> done{0};
@@ -109,8 +109,8 @@ TEST_F(RenderWorkerTest, TheNewestOrderWins)
 
 TEST_F(RenderWorkerTest, EndsWhileARenderRuns)
 {
-    const Command::RenderSettings given = settings();
-    Command::ParameterValues values = valuesOf(given);
+    const Render::RenderSettings given = settings();
+    Render::ParameterValues values = valuesOf(given);
     values["numSamples"] = 100000;
     PictureCache pictures(given);
     RenderWorker worker(given, pictures);
@@ -120,11 +120,11 @@ TEST_F(RenderWorkerTest, EndsWhileARenderRuns)
 
 TEST_F(RenderWorkerTest, GetsOverFailures)
 {
-    const Command::RenderSettings given = settings();
-    const Command::ParameterValues values = valuesOf(given);
+    const Render::RenderSettings given = settings();
+    const Render::ParameterValues values = valuesOf(given);
     PictureCache pictures(given);
     RenderWorker worker(given, pictures);
-    Command::ParameterValues wrong = values;
+    Render::ParameterValues wrong = values;
     wrong["blockSize"] = std::string("many");
     worker.order({.values = wrong});
     worker.wait();
@@ -133,14 +133,14 @@ TEST_F(RenderWorkerTest, GetsOverFailures)
     worker.order({.values = values});
     worker.wait();
     EXPECT_THAT(worker.latest()->error, HasSubstr("a.png"));
-    paint(in("a.png"), Command::kWidth, Command::kHeight, Command::noise(1));
+    paint(in("a.png"), Fixtures::kWidth, Fixtures::kHeight, Fixtures::noise(1));
     rendered(worker, {.values = values});
 }
 
 TEST_F(RenderWorkerTest, ManyOrdersInARow)
 {
-    const Command::RenderSettings given = settings("m.png");
-    Command::ParameterValues values = valuesOf(given);
+    const Render::RenderSettings given = settings("m.png");
+    Render::ParameterValues values = valuesOf(given);
     PictureCache pictures(given);
     RenderWorker worker(given, pictures);
     for (int i = 0; i < 200; ++i) {

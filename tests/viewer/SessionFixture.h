@@ -6,22 +6,22 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/viewer/ViewSession.h"
-#include "tests/command/MatteFixture.h"
+#include "tests/fixtures/MatteFixture.h"
+#include "viewer/model/ViewSession.h"
 
 namespace Tesseret::Viewer {
 
-using Command::load;
-using Command::paint;
+using Fixtures::load;
+using Fixtures::paint;
 
 /// A folder with a picture of noise "a.png" and a matte "m.png" with two areas.
-class SessionFixture : public Command::MatteFixture {
+class SessionFixture : public Fixtures::MatteFixture {
 protected:
-    SessionFixture() { paintMatte("m.png", Command::masks({Command::kLow, Command::kMiddle})); }
+    SessionFixture() { paintMatte("m.png", Fixtures::masks({Fixtures::kLow, Fixtures::kMiddle})); }
 
-    Command::RenderSettings settings(const char* matte = "") const
+    Render::RenderSettings settings(const char* matte = "") const
     {
-        Command::RenderSettings settings;
+        Render::RenderSettings settings;
         settings.source = in("a.png");
         if (*matte != '\0') settings.matte = in(matte);
         settings.plugin = TESSERET_PLUGIN_FILE;
@@ -29,16 +29,16 @@ protected:
         settings.parameters = {"blockSize=30", "overlap=8", "pathWidth=2", "edgeBlend=1"};
         return settings;
     }
-    Command::RenderSettings invert() const
+    Render::RenderSettings invert() const
     {
-        Command::RenderSettings settings;
+        Render::RenderSettings settings;
         settings.source = in("a.png");
         settings.plugin = INVERT_PLUGIN;
         return settings;
     }
 
     /// What a shell makes of the command, with this program's neighbour as `tesseret`.
-    Command::LoadedPicture pasted(std::string command, const std::string& output) const
+    Fixtures::LoadedPicture pasted(std::string command, const std::string& output) const
     {
         std::filesystem::remove(in(output));
         command.replace(0, std::string("tesseret").size(), TESSERET_COMMAND);

@@ -1,10 +1,10 @@
 #include <fstream>
 
+#include "files/FileError.h"
 #include "host/HostError.h"
-#include "host/command/CommandError.h"
-#include "host/files/FileError.h"
-#include "host/viewer/ViewSession.h"
+#include "render/JobError.h"
 #include "tests/viewer/SessionFixture.h"
+#include "viewer/model/ViewSession.h"
 
 namespace Tesseret::Viewer {
 namespace {
@@ -107,7 +107,7 @@ TEST_F(ViewSessionTest, ParameterSetsAreOneEdit)
               ParameterValue(session.description().parameter("seed")->initial));
     EXPECT_FALSE(session.canUndo());
     std::ofstream(in("q.json")) << R"({"parameters": {"seed": "x"}})";
-    EXPECT_THROW(session.loadParameters(in("q.json")), Command::UsageError);
+    EXPECT_THROW(session.loadParameters(in("q.json")), Render::UsageError);
     EXPECT_THROW(session.saveParameters(in("none/p.json")), Files::FileError);
 }
 
@@ -123,7 +123,7 @@ TEST_F(ViewSessionTest, SavesWhatTheCommandWouldRender)
     EXPECT_EQ(load(in("o.png")), filled({"--matte", in("m.png"), "seed=5"}));
     session.set("seed", 6);
     EXPECT_FALSE(session.hasFullResult());
-    EXPECT_THROW(session.saveResult(in("a.png")), Command::UsageError);
+    EXPECT_THROW(session.saveResult(in("a.png")), Render::UsageError);
     EXPECT_THROW(session.saveResult(in("none/o.png")), Files::FileError);
 }
 
@@ -146,7 +146,7 @@ struct Edited {
 TEST_F(ViewSessionTest, ThePastedCommandRendersTheSamePicture)
 {
     std::filesystem::create_directory(in("it's here"));
-    Command::RenderSettings given = settings("m.png");
+    Render::RenderSettings given = settings("m.png");
     given.output = in("it's here/$o.png");
     given.parameters.emplace_back("seed=3");
     given.matteGrow = 1.5;
@@ -164,7 +164,7 @@ TEST_F(ViewSessionTest, ThePastedCommandRendersTheSamePicture)
         if (*each.name != '\0') {
             const std::string assignment = std::string(each.name) + "=" + each.value;
             session.set(each.name,
-                        Command::parseAssignment(assignment, session.description()).value);
+                        Render::parseAssignment(assignment, session.description()).value);
         }
         session.saveResult(in("seen.png"));
         EXPECT_EQ(pasted(session.commandText(), "it's here/$o.png"), load(in("seen.png")));
@@ -173,7 +173,7 @@ TEST_F(ViewSessionTest, ThePastedCommandRendersTheSamePicture)
 
 TEST_F(ViewSessionTest, TheCommandSaysNoMoreThanItMust)
 {
-    Command::RenderSettings given = settings("m.png");
+    Render::RenderSettings given = settings("m.png");
     given.parameters.clear();
     given.threads = 0;
     given.plugin.clear();
@@ -189,9 +189,9 @@ TEST_F(ViewSessionTest, TheCommandSaysNoMoreThanItMust)
 TEST_F(ViewSessionTest, GoesThroughASequence)
 {
     for (const int frame : {8, 9}) {
-        paint(in(Command::numbered("s.%d.png", frame)), 100, 80, Command::noise(frame));
+        paint(in(Fixtures::numbered("s.%d.png", frame)), 100, 80, Fixtures::noise(frame));
     }
-    Command::RenderSettings given = settings();
+    Render::RenderSettings given = settings();
     given.source = in("s.#.png");
     given.frames = {8, 9};
     ViewSession session(given);

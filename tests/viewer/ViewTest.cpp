@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/viewer/View.h"
+#include "viewer/model/View.h"
 
 namespace Tesseret::Viewer {
 namespace {

@@ -10,11 +10,11 @@
 #include "libraries/exceptions/Exceptions.h"
 #include "ofx/ofxImageEffect.h"
 #include "ofx/ofxMessage.h"
-#include "products/OFX/Support/ovOfxActions.h"
-#include "products/OFX/Support/ovOfxHost.h"
-#include "products/OFX/Support/ovOfxMessage.h"
-#include "products/OFX/Support/ovOfxPlugin.h"
-#include "products/OFX/Support/ovOfxServices.h"
+#include "products/OFX/Support/Actions.h"
+#include "products/OFX/Support/Host.h"
+#include "products/OFX/Support/Message.h"
+#include "products/OFX/Support/Plugin.h"
+#include "products/OFX/Support/Services.h"
 
 namespace Orvane {
 namespace {

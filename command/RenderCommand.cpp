@@ -1,0 +1,96 @@
+#include "command/RenderCommand.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "command/RenderOptions.h"
+#include "command/RenderReporter.h"
+#include "render/DebugMaps.h"
+#include "render/Interrupt.h"
+#include "render/JobListeners.h"
+#include "render/RenderJob.h"
+
+namespace Tesseret::Command {
+
+namespace {
+
+constexpr const char* kFooter =
+    R"(Parameters are given by name, choices by name or number; "tesseret describe"
+lists them. Files are PNG, JPEG, TIFF, DPX and EXR.
+
+Examples:
+  tesseret render --source plate.png --output out.png blockSize=64 seed=7
+  tesseret render --source plate.png --matte hole.png --matte-grow 10 --output out.png
+  tesseret render --source wall.exr --output out.exr --sample-box 100,80,600,500
+  tesseret render --source sky.png --texture1 grass.png --sample-box 0,0,512,512 \
+      --output out.png numSamples=50
+  tesseret render --source plate.####.exr --frames 1001-1100 --output out.####.exr \
+      temporalConsistancy=on)";
+
+/// As they stand on the command line.
+struct CommandOptions {
+    RenderOptions render;
+    std::filesystem::path debugMaps;  ///< empty: none
+    bool quiet = false, verbose = false;
+};
+
+void addOwnOptions(CLI::App& command, CommandOptions& options)
+{
+    command
+        .add_option("--window", options.render.window,
+                    "The part of the source to render, x1,y1,x2,y2 in pixels from the upper left "
+                    "corner, y downwards")
+        ->type_name("BOX");
+    command
+        .add_option("--render-scale", options.render.settings.renderScale,
+                    "Renders smaller or larger, as a host's proxy does: 0.5 is half")
+        ->check(CLI::Range(0.01, 16.0))
+        ->type_name("FACTOR");
+    command
+        .add_option(
+            "--debug-maps", options.debugMaps,
+            "Writes what a fill was made with into this folder, as PNGs: the prepared mask, "
+            "the band and the path of its boundary, the blocks, the composite mask, the "
+            "luminance gain")
+        ->type_name("DIR");
+    auto* const quiet = command.add_flag("-q,--quiet", options.quiet, "Only warnings and errors");
+    command.add_flag("-v,--verbose", options.verbose, "Time by stage, blocks laid, peak memory")
+        ->excludes(quiet);
+}
+
+int render(const CommandOptions& options)
+{
+    const Render::RenderSettings settings = settingsFrom(options.render);
+    useThreads(settings);
+    Render::catchInterrupts();
+    RenderReporter reporter(options.quiet     ? Loudness::Quiet
+                            : options.verbose ? Loudness::Verbose
+                                              : Loudness::Normal);
+    std::optional<Render::DebugMaps> maps;
+    if (!options.debugMaps.empty()) maps.emplace(options.debugMaps, reporter);
+    Render::JobListeners listeners{&reporter, maps ? &*maps : nullptr};
+    Render::RenderJob job(settings, listeners);
+    if (maps) maps->begin(job.inputs());
+    reporter.begin(job);
+    job.run();
+    reporter.finish();
+    if (maps) maps->finish();
+    return 0;
+}
+
+}  // namespace
+
+void addRenderCommand(CLI::App& app, Action& action)
+{
+    const auto options = std::make_shared<CommandOptions>();
+    CLI::App* const command = app.add_subcommand("render", "Renders a picture or a sequence");
+    command->footer(kFooter);
+    addFileOptions(*command, options->render, /*wantsOutput=*/true);
+    addMatteOptions(*command, options->render);
+    addOwnOptions(*command, *options);
+    addPluginOptions(*command, options->render);
+    command->callback([options, &action] { action = [options] { return render(*options); }; });
+}
+
+}  // namespace Tesseret::Command

@@ -1,0 +1,177 @@
+#include "command/RenderOptions.h"
+
+#include <cmath>
+#include <sstream>
+#include <string>
+
+#include <OpenImageIO/imageio.h>
+
+#include "files/FrameRange.h"
+#include "render/JobError.h"
+
+namespace Tesseret::Command {
+
+namespace {
+
+std::optional<Render::ViewBox> boxFrom(const std::string& text, const char* option)
+{
+    if (text.empty()) return std::nullopt;
+    std::istringstream stream(text);
+    Render::ViewBox box{};
+    char comma1 = 0, comma2 = 0, comma3 = 0;
+    stream >> box.x1 >> comma1 >> box.y1 >> comma2 >> box.x2 >> comma3 >> box.y2;
+    const bool isComplete = stream && stream.peek() == EOF && comma1 == ',' && comma2 == ',' &&
+                            comma3 == ',' && std::isfinite(box.x2 - box.x1 + box.y2 - box.y1);
+    if (!isComplete)
+        throw Render::UsageError(std::string(option) + " " + text + ": x1,y1,x2,y2 is wanted");
+    if (box.x1 < box.x2 && box.y1 < box.y2) return box;
+    throw Render::UsageError(std::string(option) + " " + text +
+                             ": x1 must be left of x2, and y1 above y2");
+}
+
+}  // namespace
+
+void addFileOptions(CLI::App& command, RenderOptions& options, bool wantsOutput)
+{
+    Render::RenderSettings& settings = options.settings;
+    command.add_option("-s,--source", settings.source, "Picture to render over")
+        ->required()
+        ->type_name("FILE");
+    command
+        .add_option("-o,--output", settings.output,
+                    "Where the result goes; its extension says "
+                    "which kind of file it becomes")
+        ->required(wantsOutput)
+        ->type_name("FILE");
+    for (std::size_t i = 0; i < settings.textures.size(); ++i) {
+        const std::string number = std::to_string(i + 1);
+        command
+            .add_option("--texture" + number, settings.textures[i],
+                        "Picture to take blocks from instead of the source; selects the context "
+                        "General and useTexture" +
+                            number + "=true")
+            ->type_name("FILE");
+    }
+    command
+        .add_option("-f,--frames", options.frames,
+                    "Frames of a sequence: 1001-1100, 1-9x2, 1,5,8; files then have #### or "
+                    "%04d in their name, and those that have not are used for every frame")
+        ->type_name("RANGE");
+    command
+        .add_option("--compression", settings.compression,
+                    "PNG: level 0 to 9 (default: a fast one); JPEG: quality 1 to 100 (default "
+                    "95); TIFF: none, lzw, zip, packbits; EXR: none, rle, zip, zips, piz, pxr24, "
+                    "b44, b44a, dwaa, dwab (default: the source's)")
+        ->type_name("VALUE");
+}
+
+void addMatteOptions(CLI::App& command, RenderOptions& options)
+{
+    Render::RenderSettings& settings = options.settings;
+    auto* const matte =
+        command
+            .add_option("-m,--matte", settings.matte,
+                        "Region to fill, white on black or as alpha, of the source's size; selects "
+                        "the context General and fillRegion=\"Matte->Alpha\"")
+            ->type_name("FILE");
+    command
+        .add_flag("--matte-inverted", options.matteInverted,
+                  "Fills where the matte is black or transparent: "
+                  "fillRegion=\"Matte->Inverted Alpha\"")
+        ->needs(matte);
+    command
+        .add_option("--areas", options.areas,
+                    "Of a matte with separate areas: all, one after another, or first (default: "
+                    "all)")
+        ->needs(matte)
+        ->check(CLI::IsMember({"all", "first"}))
+        ->type_name("WHICH");
+    command
+        .add_option("--matte-window", options.matteWindow,
+                    "How much of the matte the plug-in is given: area, the box round the area to "
+                    "fill, or full (default: area)")
+        ->needs(matte)
+        ->check(CLI::IsMember({"area", "full"}))
+        ->type_name("WHICH");
+    command
+        .add_option("--matte-grow", settings.matteGrow,
+                    "Widens the region to fill by so many pixels first, 0 to 1000")
+        ->needs(matte)
+        ->check(CLI::Range(0.0, 1000.0))
+        ->type_name("PIXELS");
+    auto* const alpha =
+        command
+            .add_flag("--fill-alpha", options.fillAlpha,
+                      "Fills where the source's own alpha is set; selects the context General and "
+                      "fillRegion=\"Source->Alpha\"")
+            ->excludes(matte);
+    command
+        .add_flag("--fill-alpha-inverted", options.fillAlphaInverted,
+                  "Fills where the source is transparent: fillRegion=\"Source->Inverted Alpha\"")
+        ->excludes(matte)
+        ->excludes(alpha);
+}
+
+void addPluginOptions(CLI::App& command, RenderOptions& options)
+{
+    Render::RenderSettings& settings = options.settings;
+    command
+        .add_option("--sample-box", options.sampleBox,
+                    "Where blocks are taken from: x1,y1,x2,y2 in pixels from the upper left "
+                    "corner, y downwards, of the first texture, or of the source when no texture "
+                    "is given")
+        ->type_name("BOX");
+    command
+        .add_option("--depth", options.depth,
+                    "byte, short or float: depth of the render and of the result (default: the "
+                    "source's own)")
+        ->check(CLI::IsMember({"byte", "short", "float"}))
+        ->type_name("DEPTH");
+    command
+        .add_option("--context", settings.context,
+                    "Filter or General (default: Filter, or what the files ask for)")
+        ->type_name("NAME");
+    command.add_option("--threads", settings.threads, "Worker threads (default: one a processor)")
+        ->check(CLI::Range(1, 1024))
+        ->type_name("COUNT");
+    command
+        .add_option("--plugin", settings.plugin,
+                    "OFX bundle or library (default: the one built with this program, else from "
+                    "OFX_PLUGIN_PATH or /usr/OFX/Plugins)")
+        ->type_name("FILE");
+    command
+        .add_option("--parameters", settings.parameterFile,
+                    "JSON file with values for the plug-in's parameters; what else is said here "
+                    "comes before it")
+        ->type_name("FILE");
+    command.add_option("parameters", settings.parameters, "Values for the plug-in's parameters")
+        ->type_name("name=value");
+}
+
+Render::RenderSettings settingsFrom(const RenderOptions& options)
+{
+    Render::RenderSettings settings = options.settings;
+    if (!options.frames.empty()) settings.frames = Files::parseFrames(options.frames);
+    if (options.matteInverted) settings.mask = Render::MaskOption::MatteInverted;
+    if (options.fillAlpha) settings.mask = Render::MaskOption::Alpha;
+    if (options.fillAlphaInverted) settings.mask = Render::MaskOption::AlphaInverted;
+    if (std::isnan(settings.matteGrow))
+        throw Render::UsageError("--matte-grow: a number is wanted");
+    settings.everyArea = options.areas == "all";
+    settings.cropsAreas = options.matteWindow == "area";
+    if (options.depth == "byte") settings.depth = Depth::Byte;
+    if (options.depth == "short") settings.depth = Depth::Short;
+    if (options.depth == "float") settings.depth = Depth::Float;
+    settings.window = boxFrom(options.window, "--window");
+    settings.sampleBox = boxFrom(options.sampleBox, "--sample-box");
+    return settings;
+}
+
+void useThreads(const Render::RenderSettings& settings)
+{
+    if (settings.threads == 0) return;
+    OIIO::attribute("threads", static_cast<int>(settings.threads));
+    OIIO::attribute("exr_threads", static_cast<int>(settings.threads));
+}
+
+}  // namespace Tesseret::Command

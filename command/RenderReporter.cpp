@@ -1,0 +1,240 @@
+#include "command/RenderReporter.h"
+
+#include <cstdio>
+
+#include <sys/resource.h>
+
+namespace Tesseret::Command {
+
+namespace {
+
+double milliseconds(double seconds)
+{
+    return seconds * 1e3;
+}
+
+/// The most memory that the process ever had, in megabytes.
+double peakMemory()
+{
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024.0;  // kilobytes on Linux
+}
+
+const char* depthWord(Depth depth)
+{
+    switch (depth) {
+        case Depth::Byte:
+            return "byte";
+        case Depth::Short:
+            return "short";
+        case Depth::Float:
+            break;
+    }
+    return "float";
+}
+
+std::string fixed(double number, int digits)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", digits, number);
+    return text;
+}
+
+}  // namespace
+
+RenderReporter::RenderReporter(Loudness loudness)
+    : loudness_(loudness), bar_(stderr, loudness != Loudness::Quiet)
+{}
+
+RenderReporter::~RenderReporter()
+{
+    bar_.clear();
+}
+
+double RenderReporter::elapsed() const
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+}
+
+void RenderReporter::begin(Render::RenderJob& job)
+{
+    const std::lock_guard lock(mutex_);
+    frameCount_ = job.inputs().frames().size();
+    if (loudness_ == Loudness::Verbose) sayJob(job);
+    if (loudness_ != Loudness::Quiet) sayMask(job);
+    std::fflush(stdout);
+}
+
+void RenderReporter::sayJob(Render::RenderJob& job)
+{
+    const Host::EffectDescription effect = job.session().effect().description();
+    std::printf("plug-in      %s, %s %u.%u\n", job.session().file().c_str(), effect.label.c_str(),
+                effect.versionMajor, effect.versionMinor);
+    const Files::PictureInfo& source = job.inputs().source();
+    std::printf("source       %d x %d pixels, %s\n", source.displayWindow.x2,
+                source.displayWindow.y2, depthWord(source.depth));
+    std::printf("render       %s, %s, threads %u\n",
+                Render::shortContextName(job.instance().context()).c_str(),
+                depthWord(job.instance().outputFormat().depth), job.session().host().threads());
+}
+
+/// Which channel was taken cannot be seen from a file's looks.
+void RenderReporter::sayMask(const Render::RenderJob& job)
+{
+    if (job.fillRegion().source == Render::MaskSource::Alpha) {
+        std::printf("matte taken from the source's alpha\n");
+    } else if (job.fillRegion().source == Render::MaskSource::Matte) {
+        const Files::PictureInfo& matte = job.inputs().infos().at("Matte");
+        std::printf("matte taken from its %s\n", matte.hasAlpha   ? "alpha"
+                                                 : matte.isColour ? "luminance"
+                                                                  : "grey");
+    }
+}
+
+void RenderReporter::finish()
+{
+    const std::lock_guard lock(mutex_);
+    bar_.clear();
+    if (loudness_ != Loudness::Verbose) return;
+    std::printf("%-30s %7s %11s\n", "stage", "times", "ms");
+    for (const StageTimes::Stage& stage : stages_.all()) {
+        const std::string name = std::string(stage.level * 2, ' ') + stage.name;
+        std::printf("%-30s %7d %11.1f\n", name.c_str(), stage.count, milliseconds(stage.seconds));
+    }
+    std::printf("blocks laid  %ld\n", blocks_);
+    std::printf("read         %.1f ms\nrender       %.1f ms\nwrite        %.1f ms\n",
+                milliseconds(total_.readTime), milliseconds(total_.renderTime),
+                milliseconds(total_.writeTime));
+    std::printf("all          %.1f ms\npeak memory  %.1f MB\n", milliseconds(elapsed()),
+                peakMemory());
+    std::fflush(stdout);
+}
+
+void RenderReporter::frameBegan(int frame)
+{
+    const std::lock_guard lock(mutex_);
+    frame_ = frame;
+    ++framesBegun_;
+    area_ = 0;
+    areaCount_ = 1;
+    stageFraction_ = 0.0;
+    drawBar();
+}
+
+/// A sequence says the number of areas again where it changes.
+void RenderReporter::areaBegan(std::size_t area, std::size_t count)
+{
+    const std::lock_guard lock(mutex_);
+    area_ = area;
+    areaCount_ = count;
+    if (loudness_ != Loudness::Quiet && area == 0 && count != areaCountSaid_) {
+        areaCountSaid_ = count;
+        bar_.clear();
+        if (frameCount_ > 1) std::printf("frame %d: ", frame_);
+        std::printf("%zu area%s to fill\n", count, count == 1 ? "" : "s");
+        std::fflush(stdout);
+    }
+    stageFraction_ = 0.0;
+    drawBar();
+}
+
+void RenderReporter::frameWritten(const Render::FrameResult& result)
+{
+    const std::lock_guard lock(mutex_);
+    ++framesWritten_;
+    total_.readTime += result.readTime;
+    total_.renderTime += result.renderTime;
+    total_.writeTime += result.writeTime;
+    if (loudness_ == Loudness::Quiet) return;
+    if (bar_.isShown() && framesWritten_ < frameCount_) {
+        drawBar();
+        return;
+    }
+    bar_.clear();
+    std::printf("%s", result.file.c_str());
+    if (frameCount_ > 1) std::printf("  %zu of %zu", framesWritten_, frameCount_);
+    std::printf("  %s s\n", fixed(elapsed(), 2).c_str());
+    std::fflush(stdout);
+}
+
+void RenderReporter::tell(const std::string& kind, const std::string& text)
+{
+    bar_.clear();
+    std::fprintf(stderr, "tesseret: %s%s\n", kind.c_str(), text.c_str());
+    std::fflush(stderr);
+}
+
+void RenderReporter::warning(const std::string& text)
+{
+    const std::lock_guard lock(mutex_);
+    tell("warning: ", text);
+}
+
+void RenderReporter::message(const std::string& text)
+{
+    const std::lock_guard lock(mutex_);
+    tell("", text);
+}
+
+void RenderReporter::note(Host::Instance& /*instance*/, std::string_view text)
+{
+    const std::lock_guard lock(mutex_);
+    if (notes_.emplace(text).second) tell("note: ", std::string(text));
+}
+
+void RenderReporter::stageBegan(Host::Instance& /*instance*/, std::string_view stage)
+{
+    const std::lock_guard lock(mutex_);
+    stages_.began(stage);
+    stageFraction_ = 0.0;
+    drawBar();
+}
+
+void RenderReporter::stageEnded(Host::Instance& /*instance*/, std::string_view /*stage*/)
+{
+    const std::lock_guard lock(mutex_);
+    stages_.ended();
+}
+
+void RenderReporter::progress(Host::Instance& /*instance*/, double fraction)
+{
+    const std::lock_guard lock(mutex_);
+    stageFraction_ = fraction;
+    drawBar();
+}
+
+void RenderReporter::blockLaid(Host::Instance& /*instance*/, const TesseretBlockV1& /*block*/)
+{
+    const std::lock_guard lock(mutex_);
+    ++blocks_;
+}
+
+/// A still shows its stage; a sequence its frames, with their rate and the time that is left.
+void RenderReporter::drawBar()
+{
+    if (!bar_.isShown()) return;
+    const double fraction =
+        (static_cast<double>(area_) + stageFraction_) / static_cast<double>(areaCount_);
+    std::string area;
+    if (areaCount_ > 1) {
+        area = "area " + std::to_string(area_ + 1) + " of " + std::to_string(areaCount_) + "  ";
+    }
+    if (frameCount_ == 1) {
+        bar_.update(fraction, area + stages_.current());
+        return;
+    }
+    const auto done = static_cast<double>(framesWritten_);
+    const double begun = framesBegun_ > 0 ? static_cast<double>(framesBegun_ - 1) : 0.0;
+    std::string text = "frame " + std::to_string(frame_) + "  " + area +
+                       std::to_string(framesWritten_) + " of " + std::to_string(frameCount_) +
+                       " done";
+    if (framesWritten_ > 0) {
+        const double rate = done / elapsed();
+        const double left = (static_cast<double>(frameCount_) - done) / rate;
+        text += "  " + fixed(rate, 2) + " frames/s  " + durationText(left) + " left";
+    }
+    bar_.update((begun + fraction) / static_cast<double>(frameCount_), text);
+}
+
+}  // namespace Tesseret::Command

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <chrono>
+#include <mutex>
+#include <set>
+#include <string>
+
+#include "command/ProgressBar.h"
+#include "command/StageTimes.h"
+#include "render/RenderJob.h"
+
+namespace Tesseret::Command {
+
+enum class Loudness { Quiet, Normal, Verbose };
+
+/// Shows a job to the person who started it: a progress bar on a terminal, else a line for each
+/// file on standard output; notes and warnings on standard error, also when quiet.
+class RenderReporter final : public Render::JobListener {
+public:
+    explicit RenderReporter(Loudness loudness);
+    ~RenderReporter() override;
+
+    /// Before the first frame.
+    void begin(Render::RenderJob& job);
+    /// After the last frame: where time and memory went, when verbose.
+    void finish();
+
+    void frameBegan(int frame) override;
+    void areaBegan(std::size_t area, std::size_t count) override;
+    void frameWritten(const Render::FrameResult& result) override;
+    void warning(const std::string& text) override;
+    void message(const std::string& text) override;
+    void stageBegan(Host::Instance& instance, std::string_view stage) override;
+    void stageEnded(Host::Instance& instance, std::string_view stage) override;
+    void progress(Host::Instance& instance, double fraction) override;
+    void blockLaid(Host::Instance& instance, const TesseretBlockV1& block) override;
+    void note(Host::Instance& instance, std::string_view text) override;
+
+private:
+    void drawBar();
+    void sayJob(Render::RenderJob& job);
+    void sayMask(const Render::RenderJob& job);
+    void tell(const std::string& kind, const std::string& text);
+    double elapsed() const;
+
+    const Loudness loudness_;
+    const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    std::mutex mutex_;  ///< guards everything below
+    ProgressBar bar_;
+    StageTimes stages_;
+    std::set<std::string> notes_;
+    std::size_t frameCount_ = 1, framesWritten_ = 0, framesBegun_ = 0;
+    std::size_t area_ = 0, areaCount_ = 1, areaCountSaid_ = 1;
+    int frame_ = 0;
+    double stageFraction_ = 0.0;
+    long blocks_ = 0;
+    Render::FrameResult total_;
+};
+
+}  // namespace Tesseret::Command

@@ -1,0 +1,332 @@
+#include "engine/boundary/PathSearch.h"
+
+#include <cmath>
+#include <cstdint>
+#include <type_traits>
+
+#include "engine/map/ExactMath.h"
+#include "engine/map/MapRow.h"
+#include "engine/map/PixelTraits.h"
+
+namespace Orvane::Engine {
+namespace {
+
+// States of a cell, kept in its count.
+constexpr float kNotReached = 0.0f;
+constexpr float kBesideCut = -1.0f;  ///< may still be reached
+constexpr float kBlocked = -2.0f;    ///< or queued in the front being processed
+constexpr float kOnCut = 1.0f;
+
+/// In mask units at every depth, so it is a larger share of M at float depth than at 8 bits.
+constexpr float kWalkThreshold = 0.01f;
+
+/// How much longer than the path so far a predecessor's may be when the trace follows it.
+constexpr int kTraceSlack = 10;
+
+/// More steps of length 1 than it takes to leave a pixel, unless the coordinates are so large that
+/// floats cannot tell neighbours apart.
+constexpr int kLeavingSteps = 8;
+
+/// The neighbours, also by angle: entry k lies at 45 degrees times k, x to the right and y down the
+/// rows.
+constexpr std::array<PixelPoint, 8> kDirections{
+    {{1, 0}, {1, 1}, {0, 1}, {-1, 1}, {-1, 0}, {-1, -1}, {0, -1}, {1, -1}}};
+
+PixelPoint operator+(PixelPoint a, PixelPoint b)
+{
+    return {a.x + b.x, a.y + b.y};
+}
+
+PixelPoint pixelOf(const PixelVec2f& position)
+{
+    return {truncateToInt(position.x), truncateToInt(position.y)};
+}
+
+PixelVec2f positionOf(PixelPoint p)
+{
+    return {static_cast<float>(p.x), static_cast<float>(p.y)};
+}
+
+/// `v` at length 1, or (0, 0) for a vector without length.
+PixelVec2f normalised(const PixelVec2f& v)
+{
+    const float length = std::sqrt(v.x * v.x + v.y * v.y);
+    if (!(length > 0.0f)) return {0.0f, 0.0f};
+    return {v.x / length, v.y / length};
+}
+
+/// The direction along the band at a gradient, as an index into kDirections.
+std::size_t octantOf(const PixelVec2f& g)
+{
+    // exact: the angle is rounded to a float and compared with float constants (odd multiples of pi
+    // / 8).
+    constexpr float kEighth = 0.3926991f;
+    constexpr float kThreeEighths = 1.1780972f;
+    constexpr float kFiveEighths = 1.9634955f;
+    constexpr float kSevenEighths = 2.7488937f;
+    const double angle = std::atan2(-static_cast<double>(g.x), static_cast<double>(g.y));
+    const auto theta = static_cast<float>(angle);
+    if (theta > kSevenEighths || theta <= -kSevenEighths) return 4;
+    if (theta > kFiveEighths) return 3;
+    if (theta > kThreeEighths) return 2;
+    if (theta > kEighth) return 1;
+    if (theta > -kEighth) return 0;
+    if (theta > -kThreeEighths) return 7;
+    if (theta > -kFiveEighths) return 6;
+    return 5;
+}
+
+}  // namespace
+
+template <typename Pixel>
+PathOutcome PathSearch<Pixel>::run(PixelPoint start)
+{
+    cut_.clear();
+    arrivals_.clear();
+    path_.clear();
+    if (!blockCells() || !cutBand(start)) return PathOutcome::NotReached;
+    orientCut();
+    advanceFront();
+    const std::optional<PixelPoint> end = endPoint();
+    if (!end) return PathOutcome::NotReached;
+    return trace(*end) && closeLoop(*end) ? PathOutcome::Closed : PathOutcome::TraceFailed;
+}
+
+template <typename Pixel>
+float PathSearch<Pixel>::pixelCost(PixelPoint p) const
+{
+    const Pixel a = in_.synthesised->read(p.x, p.y);
+    const Pixel b = in_.source->read(p.x, p.y);
+    using Channel = typename PixelTraits<Pixel>::Channel;
+    if constexpr (std::is_integral_v<Channel>) {
+        // exact: 64-bit whole numbers, and a division that drops the fraction.
+        const auto square = [](std::int64_t d) { return d * d; };
+        const std::int64_t sum = square(std::int64_t{a.r} - b.r) + square(std::int64_t{a.g} - b.g) +
+                                 square(std::int64_t{a.b} - b.b);
+        const std::int64_t mean = sum / 3;
+        return static_cast<float>(mean);
+    } else {
+        // exact: float, one rounding for each operation, in the order R, G, B.
+        const auto square = [](float d) { return d * d; };
+        float sum = square(a.r - b.r);
+        sum += square(a.g - b.g);
+        sum += square(a.b - b.b);
+        return sum * 0.33333334f;
+    }
+}
+
+/// Makes the cells; those off the band are blocked. False without memory for them.
+template <typename Pixel>
+bool PathSearch<Pixel>::blockCells()
+{
+    cells_.copyGeometry(*in_.band);
+    cells_.setEdgeMode(EdgeMode::EdgeNone, EdgeMode::EdgeNone);
+    cells_.allocate();
+    if (!cells_.isUsable()) return false;
+    for (int row = 0; row < cells_.yAxis().storeLength; ++row) {
+        for (int column = 0; column < cells_.xAxis().storeLength; ++column) {
+            *cells_.pixelAt(column, row) = {0.0f, kNotReached};
+        }
+    }
+    for (int y = in_.work.y0; y < in_.work.y1; ++y) {
+        const RowReader band(*in_.band, y);
+        for (int x = in_.work.x0; x < in_.work.x1; ++x) {
+            if (band[x] != 0.0f) continue;
+            if (Cell* blocked = cell({x, y})) blocked->y = kBlocked;
+        }
+    }
+    return true;
+}
+
+/// Lays the cut from the band's outer edge to the fill region. False when a walk cannot end, as
+/// where the band has no slope.
+template <typename Pixel>
+bool PathSearch<Pixel>::cutBand(PixelPoint start)
+{
+    const PixelVec2f d = normalised(gradientAt(start));
+    if (d.x == 0.0f && d.y == 0.0f) return false;
+    // A walk that takes more steps than this has left the region.
+    const int longest = 2 * (in_.work.x1 - in_.work.x0 + in_.work.y1 - in_.work.y0) + 2;
+    PixelVec2f position = positionOf(start);
+    int steps = 0;
+    while (bandAt(pixelOf(position)) > kWalkThreshold) {
+        if (++steps > longest) return false;
+        position = {position.x - d.x, position.y - d.y};
+    }
+    position = {position.x + d.x, position.y + d.y};
+    for (steps = 0; bandAt(pixelOf(position)) > kWalkThreshold; ++steps) {
+        if (steps > longest) return false;
+        const PixelPoint p = pixelOf(position);
+        if (Cell* here = cell(p)) {
+            cut_.push_back(p);
+            *here = {pixelCost(p), kOnCut};
+        }
+        position = {position.x + d.x, position.y + d.y};
+    }
+    return true;
+}
+
+/// Tells the two sides of the cut apart: the search leaves from one and arrives at the other.
+template <typename Pixel>
+void PathSearch<Pixel>::orientCut()
+{
+    for (const PixelPoint p : cut_) {
+        const PixelVec2f g = gradientAt(p);
+        for (const PixelPoint o : kDirections) {
+            Cell* neighbour = cell(p + o);
+            if (neighbour == nullptr || neighbour->y != kNotReached) continue;
+            const float ahead = -g.y * static_cast<float>(o.x) + g.x * static_cast<float>(o.y);
+            if (ahead >= 0.0f) neighbour->y = kBesideCut;
+        }
+    }
+    for (const PixelPoint p : cut_) {
+        for (const PixelPoint o : kDirections) {
+            Cell* neighbour = cell(p + o);
+            if (neighbour == nullptr || neighbour->y != kNotReached) continue;
+            arrivals_.push_back(p + o);
+            neighbour->y = kBesideCut;
+        }
+    }
+}
+
+/// Moves the front round the region, breadth first, until it has nowhere to go.
+template <typename Pixel>
+void PathSearch<Pixel>::advanceFront()
+{
+    std::vector<PixelPoint> front = cut_;
+    std::vector<PixelPoint> next;
+    while (!front.empty()) {
+        collectFront(front, next);
+        for (const PixelPoint q : next) finalise(q);
+        front.swap(next);
+        next.clear();
+    }
+}
+
+template <typename Pixel>
+void PathSearch<Pixel>::collectFront(const std::vector<PixelPoint>& front,
+                                     std::vector<PixelPoint>& next)
+{
+    for (const PixelPoint p : front) {
+        for (const PixelPoint o : kDirections) {
+            const PixelPoint q = p + o;
+            Cell* reached = cell(q);
+            if (reached == nullptr) continue;
+            if (reached->y != kNotReached && reached->y != kBesideCut) continue;
+            bool hasPredecessor = false;
+            for (const PixelPoint before : predecessors(q)) {
+                hasPredecessor = hasPredecessor || count(before) > 0.0f;
+            }
+            if (!hasPredecessor) continue;
+            next.push_back(q);
+            reached->y = kBlocked;
+        }
+    }
+}
+
+template <typename Pixel>
+void PathSearch<Pixel>::finalise(PixelPoint q)
+{
+    const auto best = bestPredecessor(q, [this](PixelPoint p) { return count(p) > 0.0f; });
+    if (!best) return;
+    const Cell& before = *cell(*best);
+    const int length = static_cast<int>(before.y) + 1;
+    *cell(q) = {pixelCost(q) + before.x, static_cast<float>(length)};
+}
+
+template <typename Pixel>
+std::optional<PixelPoint> PathSearch<Pixel>::endPoint() const
+{
+    std::optional<PixelPoint> best;
+    for (const PixelPoint p : arrivals_) {
+        if (!(count(p) > 0.0f)) continue;
+        if (!best || mean(p) < mean(*best)) best = p;
+    }
+    return best;
+}
+
+/// Follows the least mean cost back from the end point to the cut. False where there is no way on,
+/// or where it runs in circles.
+template <typename Pixel>
+bool PathSearch<Pixel>::trace(PixelPoint end)
+{
+    const auto cells =
+        static_cast<std::size_t>(cells_.width()) * static_cast<std::size_t>(cells_.height());
+    path_.push_back(end);
+    PixelPoint s = end;
+    while (count(s) != kOnCut) {
+        if (path_.size() > cells) return false;
+        const auto limit = static_cast<float>(static_cast<int>(count(s)) + kTraceSlack);
+        const auto next =
+            bestPredecessor(s, [&](PixelPoint p) { return count(p) > 0.0f && count(p) < limit; });
+        if (!next) return false;
+        path_.push_back(*next);
+        s = *next;
+    }
+    return true;
+}
+
+/// Walks from where the trace met the cut straight to the end point.
+template <typename Pixel>
+bool PathSearch<Pixel>::closeLoop(PixelPoint end)
+{
+    const int longest = 4 * (cells_.width() + cells_.height());
+    PixelPoint s = path_.back();
+    for (int steps = 0; s != end; ++steps) {
+        if (steps > longest) return false;
+        const PixelVec2f u = normalised({static_cast<float>(end.x) - static_cast<float>(s.x),
+                                         static_cast<float>(end.y) - static_cast<float>(s.y)});
+        PixelVec2f position = positionOf(s);
+        PixelPoint pixel = s;
+        for (int tries = 0; pixel == s; ++tries) {
+            if (tries == kLeavingSteps) return false;
+            position = {position.x + u.x, position.y + u.y};
+            pixel = pixelOf(position);
+        }
+        path_.push_back(pixel);
+        s = pixel;
+    }
+    return true;
+}
+
+/// A pixel without a cell is blocked.
+template <typename Pixel>
+float PathSearch<Pixel>::count(PixelPoint p) const
+{
+    const Cell* here = cells_.translate(p.x, p.y);
+    return here != nullptr ? here->y : kBlocked;
+}
+
+/// The mean cost per pixel of the path that ends here.
+template <typename Pixel>
+float PathSearch<Pixel>::mean(PixelPoint p) const
+{
+    const Cell* here = cells_.translate(p.x, p.y);
+    return here->x / here->y;
+}
+
+template <typename Pixel>
+std::array<PixelPoint, 3> PathSearch<Pixel>::predecessors(PixelPoint q) const
+{
+    const std::size_t k = octantOf(gradientAt(q));
+    return {q + kDirections[(k + 7) % 8], q + kDirections[k], q + kDirections[(k + 1) % 8]};
+}
+
+/// The accepted predecessor of least mean cost, the earlier one of two.
+template <typename Pixel>
+template <typename Accept>
+std::optional<PixelPoint> PathSearch<Pixel>::bestPredecessor(PixelPoint q,
+                                                             const Accept& accept) const
+{
+    std::optional<PixelPoint> best;
+    for (const PixelPoint p : predecessors(q)) {
+        if (accept(p) && (!best || mean(p) < mean(*best))) best = p;
+    }
+    return best;
+}
+
+template class PathSearch<PixelRGBA8>;
+template class PathSearch<PixelRGBA16>;
+template class PathSearch<PixelRGBAf>;
+
+}  // namespace Orvane::Engine

@@ -1,0 +1,135 @@
+#include "engine/boundary/WeightedPointPicker.h"
+
+#include <algorithm>
+
+#include "engine/map/MapRow.h"
+
+namespace Orvane::Engine {
+namespace {
+
+/// Integer noise: a value in (0, 1] for each seed.
+class Noise {
+public:
+    explicit Noise(std::uint32_t seed) : seed_(seed) {}
+
+    double next()
+    {
+        // exact: unsigned 32-bit arithmetic that wraps around, then double. r has 31 bits and the
+        // float constant is 2^-30, so no step in double rounds: the value is 1 - r / 2^31. Floats
+        // would round the largest r up and yield 0.
+        const std::uint32_t n = (seed_ << 13) ^ seed_;
+        const std::uint32_t r = (n * (n * n * 15731u + 789221u) + 0xD208DD0Du) & 0x7FFFFFFFu;
+        seed_ += 100;
+        const double fraction = r * static_cast<double>(9.313226e-10f);
+        return ((1.0 - fraction) + 1.0) * 0.5;
+    }
+
+private:
+    std::uint32_t seed_;
+};
+
+}  // namespace
+
+void WeightedPointPicker::setNumPoints(int count)
+{
+    points_.assign(static_cast<std::size_t>(std::max(count, 0)), std::nullopt);
+}
+
+std::optional<PixelVec2f> WeightedPointPicker::getPoint(int i) const
+{
+    const auto index = static_cast<std::size_t>(i);  // a negative i lies behind the last point
+    return index < points_.size() ? points_[index] : PixelVec2f{0.0f, 0.0f};
+}
+
+void WeightedPointPicker::process(const Map<Pixel32f>& map)
+{
+    std::fill(points_.begin(), points_.end(), std::nullopt);
+    if (!map.isUsable()) {
+        reportMap("Sampler", "bogus");
+        return;
+    }
+    const Borrowed borrowMap(map_, &map);
+    MapProcessor::process(map);
+}
+
+float WeightedPointPicker::weight(float value) const
+{
+    // exact: float difference, float product. The comparison sends NaN to 0.
+    const float above = value - low_;
+    const float scaled = above * scale_;
+    return scaled > 0.0f ? std::min(scaled, weightCap_) : 0.0f;
+}
+
+void WeightedPointPicker::begin()
+{
+    // exact: float difference, float quotient.
+    const float range = high_ - low_;
+    scale_ = high_ == low_ ? 0.0f : weightCap_ / range;
+    // A thread with a row to do has an index below the number of rows.
+    const int rows = std::max(region().y1 - region().y0, 0);
+    partialSums_.assign(static_cast<std::size_t>(rows), 0.0);
+}
+
+void WeightedPointPicker::processPass()
+{
+    const RowRange rows = threadRows();
+    if (rows.isEmpty()) return;
+    double sum = 0.0;
+    for (int y = rows.begin; y < rows.end; ++y) {
+        const RowReader row(*map_, y);
+        for (int x = region().x0; x < region().x1; ++x) sum += static_cast<double>(weight(row[x]));
+    }
+    partialSums_[static_cast<std::size_t>(threadIndex())] = sum;
+}
+
+void WeightedPointPicker::end()
+{
+    double total = 0.0;
+    for (const double partialSum : partialSums_) total += partialSum;
+    if (total == 0.0) return;  // nothing to draw from, or the pass did not run
+
+    Noise noise(seed_);
+    std::vector<double> targets(points_.size());
+    for (double& target : targets) target = noise.next() * total;
+    std::sort(targets.begin(), targets.end());
+
+    const std::vector<int> rows = matchRows(targets);
+    for (std::size_t k = 0; k < rows.size(); ++k) points_[k] = drawInRow(rows[k], noise.next());
+}
+
+/// The row in which the running weight reaches each target, at most one target for each pixel. The
+/// last targets may find none.
+std::vector<int> WeightedPointPicker::matchRows(const std::vector<double>& targets) const
+{
+    std::vector<int> rows;
+    double sum = 0.0;  // exact: float weights added in double, in scan order
+    for (int y = region().y0; y < region().y1; ++y) {
+        const RowReader row(*map_, y);
+        for (int x = region().x0; x < region().x1; ++x) {
+            if (rows.size() == targets.size()) return rows;
+            sum += static_cast<double>(weight(row[x]));
+            if (targets[rows.size()] <= sum) rows.push_back(y);
+        }
+    }
+    return rows;
+}
+
+std::optional<PixelVec2f> WeightedPointPicker::drawInRow(int y, double noise) const
+{
+    const RowReader row(*map_, y);
+    // exact: the row's weight is a double sum, the running weight a float sum, both from the left;
+    // they are compared in double.
+    double total = 0.0;
+    for (int x = region().x0; x < region().x1; ++x) total += static_cast<double>(weight(row[x]));
+    const double drawn = noise * total;
+    float running = 0.0f;
+    for (int x = region().x0; x < region().x1; ++x) {
+        running += weight(row[x]);
+        if (drawn < static_cast<double>(running)) {
+            return PixelVec2f{static_cast<float>(x), static_cast<float>(y)};
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace Orvane::Engine

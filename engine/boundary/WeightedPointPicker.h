@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "engine/pass/MapProcessor.h"
+
+namespace Orvane::Engine {
+
+/// Draws pixels of a map at random, each with probability proportional to its weight: first a row
+/// by the weights summed over the region, then a column within that row. What is drawn depends on
+/// the map, the region and the seed only.
+///
+/// A pixel of value v weighs (v - low) * weightCap / (high - low), cut to [0, weightCap]; 0 when
+/// `high` equals `low` or v is NaN.
+class WeightedPointPicker final : public MapProcessor {
+public:
+    /// `weightCap` is M, the channel maximum of the render depth.
+    explicit WeightedPointPicker(int weightCap) : weightCap_(static_cast<float>(weightCap)) {}
+
+    /// How many points to draw; fewer than 1 draws none.
+    void setNumPoints(int count);
+    void setSeed(int seed) { seed_ = static_cast<std::uint32_t>(seed); }
+    /// The values that weigh nothing and everything.
+    void setRange(float low, float high) { low_ = low, high_ = high; }
+
+    /// Draws the points from the node's region of a map, which is only read.
+    void process(const Map<Pixel32f>& map);
+
+    /// Point i in absolute coordinates; (0, 0) when i is not below the number of points. Nothing
+    /// when that draw hit no pixel: the weights add up to 0, the column's draw equals the weight of
+    /// its row, more points were asked for than pixels lie behind the first, or the render was
+    /// aborted.
+    std::optional<PixelVec2f> getPoint(int i) const;
+
+    void begin() override;
+    void processPass() override;
+    void end() override;
+
+private:
+    using MapProcessor::process;
+    float weight(float value) const;
+    std::vector<int> matchRows(const std::vector<double>& targets) const;
+    std::optional<PixelVec2f> drawInRow(int y, double noise) const;
+
+    float weightCap_;
+    std::uint32_t seed_ = 0;
+    float low_ = 0.0f, high_ = 0.0f, scale_ = 0.0f;
+    const Map<Pixel32f>* map_ = nullptr;
+    std::vector<double> partialSums_;  ///< one for each worker thread
+    std::vector<std::optional<PixelVec2f>> points_;
+};
+
+}  // namespace Orvane::Engine

@@ -1,0 +1,288 @@
+#include "engine/filter/BoxBlur.h"
+
+#include <algorithm>
+#include <array>
+
+#include "engine/filter/MapCopy.h"
+#include "engine/map/ExactMath.h"
+#include "engine/map/MapRow.h"
+
+namespace Orvane::Engine {
+namespace {
+
+/// Farther than any picture is wide; bounds the line buffers.
+constexpr float kMostPixels = 100'000.0f;
+
+/// Lines are filtered in bundles: the columns of one so fill a cache line of each row.
+constexpr int kLanes = 16;
+
+/// One sample of every line of a bundle.
+using Sample = std::array<float, kLanes>;
+using Sums = std::array<double, kLanes>;
+
+/// A radius as it is used; NaN counts as 0.
+float limited(float radius, float most)
+{
+    return radius > 0.0f ? std::min(radius, most) : 0.0f;
+}
+
+BoxFilter filterOf(float radius)
+{
+    const int whole = truncateToInt(radius);
+    return {whole, radius - static_cast<float>(whole)};
+}
+
+/// The stored index that each coordinate of [first, end) reads, or -1.
+std::vector<int> resolveAll(const MapAxis& axis, int first, int end)
+{
+    std::vector<int> indices;
+    indices.reserve(static_cast<std::size_t>(end) - static_cast<std::size_t>(first));
+    for (int p = first; p < end; ++p) indices.push_back(axis.resolve(p).value_or(-1));
+    return indices;
+}
+
+/// Sets `lanes` stored rows of a map side by side, each at the given columns; -1 is the fill value.
+/// A bundle that is not full repeats its last row.
+void gatherRows(const Map<Pixel32f>& map, int firstRow, int lanes, const std::vector<int>& columns,
+                std::vector<Sample>& samples)
+{
+    std::array<const float*, kLanes> rows;
+    for (int lane = 0; lane < kLanes; ++lane) {
+        rows[static_cast<std::size_t>(lane)] = map.pixelAt(0, firstRow + std::min(lane, lanes - 1));
+    }
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        if (columns[i] < 0) {
+            samples[i].fill(map.fillValue());
+        } else {
+            for (std::size_t lane = 0; lane < kLanes; ++lane) {
+                samples[i][lane] = rows[lane][columns[i]];
+            }
+        }
+    }
+}
+
+/// A bundle of lines and the filter that works on it. Each worker has its own.
+class LineBundle {
+public:
+    LineBundle(const BoxFilter& filter, int applications, int count)
+        : box_(static_cast<std::size_t>(filter.whole) * 2 + 1),
+          fraction_(filter.fraction),
+          norm_(1.0 / (static_cast<double>(box_) + 2.0 * fraction_)),
+          applications_(applications),
+          samples_(static_cast<std::size_t>(count) +
+                   static_cast<std::size_t>(applications) * (box_ + 1)),
+          tails_(std::min(box_, samples_.size()))
+    {}
+
+    /// The lines with their padding; after `filter` the first `count` samples are the result.
+    std::vector<Sample>& samples() { return samples_; }
+
+    void filter()
+    {
+        std::size_t outputs = samples_.size();
+        for (int i = 0; i < applications_; ++i) applyBox(outputs -= box_ + 1);
+    }
+
+private:
+    void applyBox(std::size_t outputs);
+    void sumTails(const Sample* box, std::size_t outputs);
+    void writeBoxes(Sample* ends, std::size_t outputs);
+
+    std::size_t box_;  ///< samples that count fully
+    double fraction_, norm_;
+    int applications_;
+    std::vector<Sample> samples_;
+    std::vector<Sums> tails_;
+};
+
+/// Replaces sample i by the filter over samples i to i + box + 1.
+///
+/// The line is cut into stretches as long as the box, so that every box is the tail of one stretch
+/// and the head of the next (van Herk 1992). Three additions for each sample, and none of them is
+/// taken back: no rounding error of a bright place is carried along into the dark.
+void LineBundle::applyBox(std::size_t outputs)
+{
+    for (std::size_t first = 0; first < outputs; first += box_) {
+        const std::size_t count = std::min(box_, outputs - first);
+        sumTails(&samples_[first + 1], count);
+        writeBoxes(&samples_[first], count);
+    }
+}
+
+/// tails_[j] = the sum of a stretch from its sample j to its end, for the first `outputs` j.
+void LineBundle::sumTails(const Sample* stretch, std::size_t outputs)
+{
+    Sums sum{};
+    for (std::size_t j = box_; j-- > 0;) {
+        for (std::size_t lane = 0; lane < kLanes; ++lane) sum[lane] += stretch[j][lane];
+        if (j < outputs) tails_[j] = sum;
+    }
+}
+
+/// Writes the outputs whose boxes start in a stretch; `ends` points at the sample in front of it.
+void LineBundle::writeBoxes(Sample* ends, std::size_t outputs)
+{
+    Sums head{};
+    for (std::size_t j = 0; j < outputs; ++j) {
+        Sums sum = tails_[j];
+        for (std::size_t lane = 0; lane < kLanes; ++lane) sum[lane] += head[lane];
+        const Sample entering = ends[j + box_ + 1];
+        if (fraction_ != 0.0) {
+            const Sample leaving = ends[j];
+            for (std::size_t lane = 0; lane < kLanes; ++lane) {
+                const double both = static_cast<double>(leaving[lane]) + entering[lane];
+                sum[lane] += fraction_ * both;
+            }
+        }
+        Sample result;
+        for (std::size_t lane = 0; lane < kLanes; ++lane) {
+            result[lane] = static_cast<float>(sum[lane] * norm_);
+            head[lane] += entering[lane];
+        }
+        ends[j] = result;
+    }
+}
+
+}  // namespace
+
+BoxBlur::BoxBlur(Variant variant, float radius)
+    : variant_(variant), radiusX_(radius), radiusY_(radius)
+{}
+
+void BoxBlur::process(const Map<Pixel32f>& input, Map<Pixel32f>& target)
+{
+    if (!input.isUsable()) {
+        reportMap("Generator", "bogus");
+        return;
+    }
+    const Borrowed borrowInput(input_, &input);
+    Generator::process(&target);
+}
+
+void BoxBlur::begin()
+{
+    setNumPasses(prepare() ? 2 : 0);
+}
+
+/// Whether the two passes, along x and along y, are to run.
+bool BoxBlur::prepare()
+{
+    if (region().isEmpty()) return false;
+    target().setEdgeMode(input_->xAxis().edgeMode, input_->yAxis().edgeMode);
+    target().setFillValue(input_->fillValue());
+
+    const bool three = variant_ == ThreeApplications;
+    const float scaledX = three ? radiusX_ / radiusScaleX() : radiusX_ * radiusScaleY();
+    const float largerSide = static_cast<float>(std::max(target().width(), target().height()));
+    const float most = three ? 3.0f * largerSide : kMostPixels;
+    const float x = limited(scaledX, most);
+    const float y = limited(radiusY_, most);
+    if (x == 0.0f && y == 0.0f) {
+        copyInput();
+        return false;
+    }
+    filterX_ = filterOf(x);
+    filterY_ = filterOf(y);
+    if (makeRoom()) return true;
+    if (RenderStatus* status = statusRecord()) {
+        status->aborted = 1;
+        status->errorCode = kErrorOutOfMemory;
+    }
+    return false;
+}
+
+void BoxBlur::copyInput()
+{
+    if (input_ == &target()) return;
+    MapCopy<Pixel32f> copy;
+    copy.setStatusRecord(statusRecord());
+    copy.setRegion(region());
+    copy.process(*input_, target());
+}
+
+/// Finds out what is read, and makes the temporary map hold the rows among it that the input has.
+/// All others are flat: blurred along x they are what they were, the fill value.
+bool BoxBlur::makeRoom()
+{
+    const Region& area = region();
+    const int padX = applications() * filterX_.reach();
+    const int padY = applications() * filterY_.reach();
+    columns_ = resolveAll(input_->xAxis(), area.x0 - padX, area.x1 + padX);
+    rows_ = resolveAll(input_->yAxis(), area.y0 - padY, area.y1 + padY);
+
+    const int lastRow = *std::max_element(rows_.begin(), rows_.end());
+    firstRow_ = lastRow;
+    for (const int row : rows_) {
+        if (row >= 0) firstRow_ = std::min(firstRow_, row);
+    }
+    for (int& row : rows_) {
+        if (row >= 0) row -= firstRow_;
+    }
+    const int width = area.x1 - area.x0;
+    const int height = lastRow < 0 ? 0 : lastRow - firstRow_ + 1;
+    if (temporary_.width() != width || temporary_.height() != height || !temporary_.isUsable()) {
+        temporary_.setSize(width, height);
+        temporary_.allocate();
+    }
+    return height == 0 || temporary_.isUsable();
+}
+
+void BoxBlur::processPass()
+{
+    if (currentPass() == 0) {
+        blurRows();
+    } else {
+        blurColumns();
+    }
+}
+
+/// From the input into the temporary map, this worker's share of its rows.
+void BoxBlur::blurRows()
+{
+    RowRange rows{0, temporary_.height()};
+    threadRange(rows.begin, rows.end);
+    if (rows.isEmpty()) return;
+    const int width = temporary_.width();
+    LineBundle bundle(filterX_, applications(), width);
+    std::vector<Sample>& samples = bundle.samples();
+    for (int y = rows.begin; y < rows.end; y += kLanes) {
+        const int lanes = std::min(kLanes, rows.end - y);
+        gatherRows(*input_, firstRow_ + y, lanes, columns_, samples);
+        bundle.filter();
+        for (int lane = 0; lane < lanes; ++lane) {
+            const auto l = static_cast<std::size_t>(lane);
+            float* row = temporary_.pixelAt(0, y + lane);
+            for (int x = 0; x < width; ++x) row[x] = samples[static_cast<std::size_t>(x)][l];
+        }
+    }
+}
+
+/// From the temporary map into the target. Columns are shared out, not rows: so each is summed from
+/// end to end, in the same way whatever the number of threads.
+void BoxBlur::blurColumns()
+{
+    const Region& area = region();
+    RowRange columns{0, area.x1 - area.x0};
+    threadRange(columns.begin, columns.end);
+    if (columns.isEmpty()) return;
+    LineBundle bundle(filterY_, applications(), area.y1 - area.y0);
+    std::vector<Sample>& samples = bundle.samples();
+    for (int x = columns.begin; x < columns.end; x += kLanes) {
+        const int lanes = std::min(kLanes, columns.end - x);
+        for (std::size_t i = 0; i < samples.size(); ++i) {
+            if (rows_[i] >= 0) {
+                std::copy_n(temporary_.pixelAt(x, rows_[i]), lanes, samples[i].begin());
+            } else {
+                samples[i].fill(input_->fillValue());
+            }
+        }
+        bundle.filter();
+        for (int y = area.y0; y < area.y1; ++y) {
+            RowWriter row(target(), y);
+            std::copy_n(samples[static_cast<std::size_t>(y - area.y0)].begin(), lanes,
+                        row.from(area.x0 + x));
+        }
+    }
+}
+
+}  // namespace Orvane::Engine

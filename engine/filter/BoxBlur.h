@@ -1,0 +1,68 @@
+#pragma once
+
+#include <vector>
+
+#include "engine/pass/MapProcessor.h"
+
+namespace Orvane::Engine {
+
+/// The box of one axis: whole samples on both sides of the centre, and one more at each end that
+/// counts by a fraction. Its weights add up to 1.
+struct BoxFilter {
+    int whole = 0;
+    float fraction = 0.0f;
+
+    /// How many samples on either side an application may read.
+    int reach() const { return whole + 1; }
+};
+
+/// Softens a map of floats with a box of fractional radius along x and then along y: once, or three
+/// times in succession, which comes close to a Gaussian bell (Kovesi 2010).
+///
+/// The target may be the input; it takes over the input's edge modes and fill value, and samples
+/// outside the input are read through those. The cost of a pixel does not depend on the radius, and
+/// the result does not depend on the number of threads. A pixel owes nothing to samples that its
+/// box does not reach: a flat field stays exactly flat, far from anything else zero stays zero, and
+/// NaN spreads no farther than the box.
+///
+/// Without memory for the horizontal result the render status says aborted, error code 1000, and
+/// the target keeps its pixels.
+class BoxBlur final : public Generator<Map<Pixel32f>> {
+public:
+    enum Variant { ThreeApplications, OneApplication };
+
+    explicit BoxBlur(Variant variant, float radius = 0.0f);
+
+    /// Radii in pixels; a negative one and NaN count as 0. Along x, three applications divide the
+    /// radius by `radiusScaleX`, one multiplies it by `radiusScaleY`. Three applications cut both
+    /// at 3 times the larger side of the target, one at 100000 pixels.
+    void setRadius(float radiusX, float radiusY) { radiusX_ = radiusX, radiusY_ = radiusY; }
+
+    /// Skipped, with a line on standard error, when either map has no pixels.
+    void process(const Map<Pixel32f>& input, Map<Pixel32f>& target);
+
+    void begin() override;
+    void processPass() override;
+
+private:
+    bool prepare();
+    void copyInput();
+    bool makeRoom();
+    void blurRows();
+    void blurColumns();
+    int applications() const { return variant_ == ThreeApplications ? 3 : 1; }
+
+    Variant variant_;
+    float radiusX_, radiusY_;
+    const Map<Pixel32f>* input_ = nullptr;
+
+    // Of the current call.
+    BoxFilter filterX_, filterY_;
+    std::vector<int> columns_;  ///< the input's stored column for each x that is read, or -1
+    std::vector<int> rows_;     ///< the temporary map's row for each y that is read, or -1
+    int firstRow_ = 0;          ///< the input's stored row that the temporary map starts with
+
+    Map<Pixel32f> temporary_;  ///< rows of the input blurred along x, as wide as the region
+};
+
+}  // namespace Orvane::Engine

@@ -1,0 +1,275 @@
+#include "engine/filter/LuminanceMatch.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "engine/filter/BandWeight.h"
+#include "engine/filter/ConstantFill.h"
+#include "engine/filter/LumaOf.h"
+#include "engine/filter/MapCopy.h"
+#include "engine/map/ExactMath.h"
+#include "engine/map/MapRow.h"
+#include "engine/map/PixelTraits.h"
+
+namespace Orvane::Engine {
+namespace {
+
+constexpr float kLeastBandWeight = 0.01f;  ///< a weaker band pixel is no measurement
+constexpr float kKnown = 0.1f;             ///< from here on a pixel counts as known
+constexpr int kLumaRadius = 5;             ///< pixels
+
+Region united(const Region& a, const Region& b)
+{
+    if (a.isEmpty()) return b;
+    if (b.isEmpty()) return a;
+    return {std::min(a.x0, b.x0), std::min(a.y0, b.y0), std::max(a.x1, b.x1), std::max(a.y1, b.y1)};
+}
+
+bool contains(const Region& outer, const Region& inner)
+{
+    return inner.isEmpty() || (inner.x0 >= outer.x0 && inner.y0 >= outer.y0 &&
+                               inner.x1 <= outer.x1 && inner.y1 <= outer.y1);
+}
+
+/// No correction where the texture is black.
+float lumaRatio(float source, float destination)
+{
+    return destination == 0.0f ? 1.0f : source / destination;
+}
+
+}  // namespace
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::process(const Map<Pixel>& destination)
+{
+    if (!destination.isUsable()) {
+        reportMap("Sampler", "bogus");
+        return;
+    }
+    const Borrowed borrowDestination(destination_, &destination);
+    MapProcessor::process(destination);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::begin()
+{
+    setNumPasses(0);
+    if (region().isEmpty()) return;
+    if (!makeMaps()) {
+        if (RenderStatus* status = statusRecord()) {
+            status->aborted = 1;
+            status->errorCode = kErrorOutOfMemory;
+        }
+        return;
+    }
+    limitReach();
+    active_ = {};
+    clear(ratio_);
+    clear(knownBefore_);
+    BandWeight weight(PixelTraits<Pixel>::kMax);
+    weight.setStatusRecord(statusRecord());
+    weight.process(*band_, known_);
+    takeLuma(*destination_, destLuma_);
+    takeLuma(*source_, sourceLuma_);
+    // Each pass orders the next, so that an abort ends the node at once.
+    setNumPasses(1);
+}
+
+template <typename Pixel>
+bool LuminanceMatch<Pixel>::makeMaps()
+{
+    const Region& area = region();
+    for (Map<Pixel32f>* map : {&ratio_, &known_, &knownBefore_, &sourceLuma_, &destLuma_}) {
+        map->setSize(area.x1 - area.x0, area.y1 - area.y0);
+        map->placeAt(area.x0, area.y0);
+        map->allocate();
+        if (!map->isUsable()) return false;
+    }
+    return true;
+}
+
+/// Whole radii from `luminanceBlur`.
+template <typename Pixel>
+void LuminanceMatch<Pixel>::limitReach()
+{
+    // Beyond twice the region's longer side every box holds the whole region: the mean it yields
+    // and whether four known pixels are enough no longer change.
+    const Region& area = region();
+    const int longerSide = std::max(area.x1 - area.x0, area.y1 - area.y0);
+    const auto farthest = 2.0f * (static_cast<float>(longerSide) + 2.0f);
+    const float limited = luminanceBlur_ > 0.0f ? std::min(luminanceBlur_, farthest) : 0.0f;
+    reach_ = truncateToInt(limited);
+    halfReach_ = truncateToInt(limited * 0.5f);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::takeLuma(const Map<Pixel>& picture, Map<Pixel32f>& luma)
+{
+    LumaOf<Pixel> lumaOf;
+    lumaOf.setStatusRecord(statusRecord());
+    lumaOf.process(picture, luma);
+    blur(luma, luma, kLumaRadius);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::clear(Map<Pixel32f>& map)
+{
+    ConstantFill<Pixel32f> fill(0.0f);
+    fill.setStatusRecord(statusRecord());
+    fill.process(&map);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::blur(const Map<Pixel32f>& from, Map<Pixel32f>& to, int radius)
+{
+    const auto pixels = static_cast<float>(radius);
+    blur_.setStatusRecord(statusRecord());
+    blur_.setRegion(active_.isEmpty() ? region() : active_);
+    blur_.setRadius(pixels, pixels);
+    blur_.process(from, to);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::beginPass()
+{
+    if (currentPass() > 0) widenActive();
+    // A thread with a row to do has an index below the number of rows.
+    outcomes_.assign(static_cast<std::size_t>(region().y1 - region().y0), Outcome{});
+    if (currentPass() == 0) return;
+    blur(known_, support_, halfReach_);
+    blur(known_, known_, reach_);
+    blur(ratio_, ratio_, reach_);
+}
+
+template <typename Pixel>
+Region LuminanceMatch<Pixel>::neededPart() const
+{
+    const Region& area = region();
+    const Region part = needed_.value_or(area);
+    return {std::max(part.x0, area.x0), std::max(part.y0, area.y0), std::min(part.x1, area.x1),
+            std::min(part.y1, area.y1)};
+}
+
+/// The next pass changes nothing farther from a known pixel than a blur reaches.
+template <typename Pixel>
+void LuminanceMatch<Pixel>::widenActive()
+{
+    Region known;
+    for (const Outcome& outcome : outcomes_) known = united(known, outcome.knownBounds);
+    if (known.isEmpty()) return;
+    const Region& area = region();
+    const int reach = reach_ + 1;
+    active_ =
+        united(active_, {std::max(known.x0 - reach, area.x0), std::max(known.y0 - reach, area.y0),
+                         std::min(known.x1 + reach, area.x1), std::min(known.y1 + reach, area.y1)});
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::processPass()
+{
+    const RowRange rows = threadRows();
+    if (rows.isEmpty()) return;
+    Outcome outcome;
+    const bool measures = currentPass() == 0;
+    outcome.allKnown = measures || contains(active_, neededPart());
+    for (int y = rows.begin; y < rows.end; ++y) {
+        if (measures) {
+            measureRow(y, outcome);
+        } else if (y >= active_.y0 && y < active_.y1) {
+            spreadRow(y, outcome);
+        }
+    }
+    outcomes_[static_cast<std::size_t>(threadIndex())] = outcome;
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::measureRow(int y, Outcome& outcome)
+{
+    RowWriter known(known_, y);
+    RowWriter ratio(ratio_, y);
+    const RowReader source(sourceLuma_, y);
+    const RowReader destination(destLuma_, y);
+    for (int x = region().x0; x < region().x1; ++x) {
+        const float measured = lumaRatio(source[x], destination[x]);
+        const bool counts = known[x] > kLeastBandWeight && std::isfinite(measured);
+        known[x] = counts ? 1.0f : 0.0f;
+        if (!counts) continue;
+        ratio[x] = measured;
+        outcome.knownBounds = united(outcome.knownBounds, {x, y, x + 1, y + 1});
+    }
+}
+
+/// One step of the spread. The blurred ratio over the blurred weight is the mean ratio of the known
+/// pixels around.
+template <typename Pixel>
+void LuminanceMatch<Pixel>::spreadRow(int y, Outcome& outcome)
+{
+    const float k = 1.0f + static_cast<float>(halfReach_);
+    const float threshold = 1.0f / (k * k);
+    RowWriter known(known_, y);
+    RowWriter ratio(ratio_, y);
+    const RowReader support(support_, y);
+    const RowReader before(knownBefore_, y);
+    const RowReader earlier(knownEarlier_, y);
+    const Region needed = neededPart();
+    const bool rowNeeded = y >= needed.y0 && y < needed.y1;
+    int firstKnown = active_.x1, lastKnown = active_.x0 - 1;
+    for (int x = active_.x0; x < active_.x1; ++x) {
+        const bool isKnown = support[x] >= threshold;
+        ratio[x] = isKnown ? ratio[x] / known[x] : 0.0f;
+        known[x] = isKnown ? 1.0f : 0.0f;
+        if (isKnown) {
+            firstKnown = std::min(firstKnown, x);
+            lastKnown = x;
+        }
+        if (isKnown && before[x] < kKnown) {
+            outcome.becameKnown = true;
+            if (Pixel32f* gain = luminanceGain_->translate(x, y)) *gain = ratio[x];
+        }
+        if (!isKnown && rowNeeded && x >= needed.x0 && x < needed.x1) outcome.allKnown = false;
+        if (known[x] != earlier[x]) outcome.leftEarlier = true;
+    }
+    outcome.knownBounds = united(outcome.knownBounds, {firstKnown, y, lastKnown + 1, y + 1});
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::endPass()
+{
+    const int pass = currentPass();
+    if (pass == 0) {
+        // What later passes need takes over the storage of what they do not.
+        support_ = std::move(sourceLuma_);
+        knownEarlier_ = std::move(destLuma_);
+        clear(knownEarlier_);
+    } else {
+        std::swap(knownEarlier_, knownBefore_);
+        MapCopy<Pixel32f> copy;
+        copy.setStatusRecord(statusRecord());
+        copy.process(known_, knownBefore_);
+    }
+    if (pass < maxPasses_ && (pass == 0 || canSpread())) setNumPasses(pass + 2);
+}
+
+/// Whether some pixel still needs a gain and another pass may change that.
+template <typename Pixel>
+bool LuminanceMatch<Pixel>::canSpread() const
+{
+    Outcome all;
+    for (const Outcome& outcome : outcomes_) {
+        all.allKnown = all.allKnown && outcome.allKnown;
+        all.becameKnown = all.becameKnown || outcome.becameKnown;
+        all.leftEarlier = all.leftEarlier || outcome.leftEarlier;
+    }
+    // What is known next depends on what is known now alone, and more of it never makes less known.
+    // So a pass that adds nothing is followed by others that add nothing, and one that ends where
+    // the pass before last did, as three pixels in a line do, goes round in circles. There are no
+    // longer circles (Goles and Olivos 1981), so the node ends.
+    return !all.allKnown && all.becameKnown && all.leftEarlier;
+}
+
+template class LuminanceMatch<PixelRGBA8>;
+template class LuminanceMatch<PixelRGBA16>;
+template class LuminanceMatch<PixelRGBAf>;
+
+}  // namespace Orvane::Engine

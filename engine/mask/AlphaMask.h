@@ -1,0 +1,44 @@
+#pragma once
+
+#include "engine/map/PixelTraits.h"
+#include "engine/pass/MapProcessor.h"
+
+namespace Orvane::Engine {
+
+enum class MaskSense {
+    AsItIs,   ///< M is to be filled
+    Inverted  ///< 0 is to be filled
+};
+
+/// Takes the mask out of a picture's alpha, cut to [0, M]. `Pixel` is the picture's; the mask is
+/// the single-channel kind of the same depth.
+template <typename Pixel>
+class AlphaMask final : public Sampler<const Map<Pixel>, Map<typename PixelTraits<Pixel>::Mask>> {
+public:
+    explicit AlphaMask(MaskSense sense) : sense_(sense) {}
+    void processPass() override;
+
+private:
+    MaskSense sense_;
+};
+
+/// Writes M minus a mask into another map, since an image of the host is never written to.
+template <typename Pixel>
+class InvertedMask final : public Sampler<const Map<typename PixelTraits<Pixel>::Mask>,
+                                          Map<typename PixelTraits<Pixel>::Mask>> {
+public:
+    void processPass() override;
+};
+
+/// Makes `mask` the alpha of `picture`, with the picture's geometry and storage of its own. Its
+/// fill value is the mean of R, G and B of the picture's.
+template <typename Pixel>
+void extractMask(const Map<Pixel>& picture, MaskSense sense, RenderStatus* statusRecord,
+                 Map<typename PixelTraits<Pixel>::Mask>& mask);
+
+/// Makes `mask` the inversion of `matte`, with the matte's geometry and storage of its own.
+template <typename Pixel>
+void invertMask(const Map<typename PixelTraits<Pixel>::Mask>& matte, RenderStatus* statusRecord,
+                Map<typename PixelTraits<Pixel>::Mask>& mask);
+
+}  // namespace Orvane::Engine

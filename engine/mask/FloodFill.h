@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+#include "engine/pass/MapProcessor.h"
+
+namespace Orvane::Engine {
+
+/// Marks the connected area around a seed pixel: a scan-line fill (after Fishkin 1990), whose cost
+/// grows with the area filled.
+///
+/// Every pixel of the region that is connected to the seed through pixels which read exactly the
+/// target value gets the paint value in the written map. Connected means side by side or one above
+/// the other: a closed curve of diagonal steps stops the fill. All other pixels get the clear value
+/// first. When the seed itself does not read the target value nothing is filled, nor after an
+/// abort.
+///
+/// `Pixel` is Pixel32f or Pixel32i. The map read is read through its edge modes. The fill runs on
+/// the calling thread, whatever `setMultiThreaded` says.
+template <typename Pixel>
+class FloodFill : public TwoMapProcessor<const Map<Pixel>, Map<Pixel>> {
+public:
+    /// Masks are painted with M, the channel maximum of the render depth.
+    explicit FloodFill(Pixel paintValue);
+    /// The integer form paints 2147483647 unless told otherwise.
+    FloodFill() requires std::is_integral_v<Pixel> : FloodFill(std::numeric_limits<Pixel>::max()) {}
+
+    /// Absolute coordinates, (0, 0) at first; moved to the nearest pixel of the region, then cut to
+    /// whole numbers toward zero.
+    void setSeed(float x, float y) { seedX_ = x, seedY_ = y; }
+    void setPaintValue(Pixel value) { paintValue_ = value; }
+    void setClearValue(Pixel value) { clearValue_ = value; }
+    void setTargetValue(Pixel value) { targetValue_ = value; }
+    /// When on, the written map is not cleared first.
+    void setKeepWritten(bool on) { keepWritten_ = on; }
+
+    /// How many pixels the last call filled.
+    std::int64_t filledCount() const { return filledCount_; }
+
+    void begin() override;
+
+protected:
+    /// Called once for every pixel filled.
+    virtual void pixelFilled(int /*x*/, int /*y*/) {}
+
+private:
+    /// Neighbouring filled pixels of one row: x from left to right, right exclusive.
+    struct Run {
+        int y, left, right;
+    };
+
+    void clear();
+    void forgetRuns();
+    void fillRunsTouching(int y, int left, int right);
+    void fillRun(const Run& run);
+    std::vector<bool>::iterator mark(int x, int y);
+
+    Pixel paintValue_;
+    Pixel clearValue_ = 0, targetValue_ = 0;
+    float seedX_ = 0.0f, seedY_ = 0.0f;
+    bool keepWritten_ = false;
+    std::int64_t filledCount_ = 0;
+    // Both keep their storage from call to call.
+    std::vector<Run> runs_;    ///< all runs of the last fill; those not looked at yet come last
+    std::vector<bool> marks_;  ///< set on the pixels of the runs, over `marked_`
+    Region marked_;
+};
+
+}  // namespace Orvane::Engine

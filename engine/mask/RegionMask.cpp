@@ -1,0 +1,101 @@
+#include "engine/mask/RegionMask.h"
+
+#include "engine/map/MapRow.h"
+#include "engine/mask/FillMask.h"
+
+namespace Orvane::Engine {
+namespace {
+
+/// The choices of "fillRegion".
+enum FillRegion { EntireImage, SourceAlpha, SourceInvertedAlpha, MatteAlpha, MatteInvertedAlpha };
+
+/// Gives the region of a solid mask another value.
+void setRegionValue(Map<Pixel32f>& mask, float value)
+{
+    if (!mask.isUsable()) return;
+    const MapAxis& xAxis = mask.xAxis();
+    const MapAxis& yAxis = mask.yAxis();
+    for (int y = yAxis.origin; y < yAxis.origin + yAxis.size; ++y) {
+        RowWriter row(mask, y);
+        for (int x = xAxis.origin; x < xAxis.origin + xAxis.size; ++x) {
+            if (row[x] != 0.0f) row[x] = value;
+        }
+    }
+}
+
+}  // namespace
+
+template <typename Pixel>
+void RegionMask<Pixel>::fetch(RenderContext& context, int choice, const Map<Pixel>& source)
+{
+    using Mask = typename PixelTraits<Pixel>::Mask;
+    RenderStatus& status = context.renderStatus();
+    if (choice == SourceAlpha || choice == SourceInvertedAlpha) {
+        const bool inverts = choice == SourceInvertedAlpha;
+        extractMask(source, inverts ? MaskSense::Inverted : MaskSense::AsItIs, &status,
+                    mask_.template emplace<Map<Mask>>());
+    } else if (choice == MatteAlpha || choice == MatteInvertedAlpha) {
+        if (!context.isClipConnected("Matte")) return;
+        matte_ = context.clipImage("Matte", context.time());
+        if (matte_ == nullptr) return;
+        takeMatte(choice == MatteInvertedAlpha ? MaskSense::Inverted : MaskSense::AsItIs, status);
+    }
+}
+
+/// A matte has one channel; of one that arrives with four the alpha counts.
+template <typename Pixel>
+void RegionMask<Pixel>::takeMatte(MaskSense sense, RenderStatus& status)
+{
+    [[maybe_unused]] const bool taken =
+        takeGrey<PixelRGBA8>(sense, status) || takeGrey<PixelRGBA16>(sense, status) ||
+        takeGrey<PixelRGBAf>(sense, status) || takeAlpha<PixelRGBA8>(sense, status) ||
+        takeAlpha<PixelRGBA16>(sense, status) || takeAlpha<PixelRGBAf>(sense, status);
+}
+
+template <typename Pixel>
+template <typename MattePixel>
+bool RegionMask<Pixel>::takeAlpha(MaskSense sense, RenderStatus& status)
+{
+    const Map<MattePixel>* picture = matte_->as<MattePixel>();
+    if (picture == nullptr) return false;
+    using Mask = typename PixelTraits<MattePixel>::Mask;
+    extractMask(*picture, sense, &status, mask_.template emplace<Map<Mask>>());
+    return true;
+}
+
+template <typename Pixel>
+template <typename MattePixel>
+bool RegionMask<Pixel>::takeGrey(MaskSense sense, RenderStatus& status)
+{
+    using Mask = typename PixelTraits<MattePixel>::Mask;
+    Map<Mask>* matte = matte_->as<Mask>();
+    if (matte == nullptr) return false;
+    auto& mask = mask_.template emplace<Map<Mask>>();
+    if (sense == MaskSense::Inverted) {
+        invertMask<MattePixel>(*matte, &status, mask);
+    } else {
+        mask.assign(*matte);
+    }
+    return true;
+}
+
+template <typename Pixel>
+std::optional<Map<Pixel32f>> RegionMask<Pixel>::prepare(int seed, RenderStatus& status)
+{
+    const auto prepared = [&]<typename Mask>(Map<Mask>& mask) {
+        auto region = prepareFillMask(mask, seed, &status);
+        constexpr float kMax = PixelTraits<Pixel>::kMax;
+        if (region && MaskTraits<Mask>::kMax != kMax) setRegionValue(*region, kMax);
+        return region;
+    };
+    if (auto* mask = std::get_if<Map<Pixel8>>(&mask_)) return prepared(*mask);
+    if (auto* mask = std::get_if<Map<Pixel16>>(&mask_)) return prepared(*mask);
+    if (auto* mask = std::get_if<Map<Pixel32f>>(&mask_)) return prepared(*mask);
+    return std::nullopt;
+}
+
+template class RegionMask<PixelRGBA8>;
+template class RegionMask<PixelRGBA16>;
+template class RegionMask<PixelRGBAf>;
+
+}  // namespace Orvane::Engine

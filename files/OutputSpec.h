@@ -1,0 +1,27 @@
+#pragma once
+
+/// How a picture is going to lie in a file: type, channels, windows, metadata and compression.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "files/FileRecord.h"
+
+namespace Tesseret::Files {
+
+struct OutputSpec {
+    OIIO::ImageSpec spec;
+    Depth depth = Depth::Byte;        ///< what the picture is brought to before it is written
+    OfxRectI window{0, 0, 0, 0};      ///< what is written, in the picture's pixels
+    std::vector<int> channels;        ///< of the picture, in file order
+    bool keepsExtra = false;          ///< the record's extra channels stand at their old places
+    std::vector<std::string> losses;  ///< what the file cannot hold, one phrase each
+};
+
+/// For a picture of these bounds and this depth that came from `record`.
+OutputSpec makeOutputSpec(const FileFormat& format, const FileRecord& record, Depth depth,
+                          OfxRectI bounds, std::optional<OfxRectI> displayWindow, bool asColour,
+                          const std::string& compression);
+
+}  // namespace Tesseret::Files

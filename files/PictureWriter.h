@@ -1,0 +1,41 @@
+#pragma once
+
+/// Pictures into files, which appear whole or not at all. Channels, type, windows and metadata are
+/// those of the file that the picture came from, as far as the new file's format can hold them.
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "picture/Picture.h"
+
+namespace Tesseret::Files {
+
+struct FileRecord;
+
+struct WriteOptions {
+    std::string compression;  ///< as `parseCompression` understands it; empty is the default
+    bool asColour = false;    ///< a grey file becomes a colour file
+    /// In place of the record's, in the picture's pixels.
+    std::optional<OfxRectI> displayWindow;
+};
+
+/// Finds out before any work whether a file of this name could be written. Throws `FileError` for
+/// the name and its folder, `std::invalid_argument` for the compression.
+void checkTarget(const std::filesystem::path& file, const std::string& compression);
+
+/// Whether the format keeps a data window apart from the display window.
+bool keepsDataWindow(const std::filesystem::path& file);
+
+/// Writes an RGBA picture. Values go to the file's type rounded and clamped, nothing else is done
+/// to them: a picture of the record's depth takes the record's type (half, 10 bits), another its
+/// own, each brought to the nearest that the format has. Returns a line for each thing of the
+/// record that the new file cannot hold. Throws `FileError`.
+std::vector<std::string> writePicture(const std::filesystem::path& file, const Picture& picture,
+                                      const FileRecord& record, const WriteOptions& options = {});
+
+/// Writes R, G and B of a picture that came from no file, or R alone as grey. Throws `FileError`.
+void writeNewPicture(const std::filesystem::path& file, const Picture& picture, bool isColour);
+
+}  // namespace Tesseret::Files

@@ -1,0 +1,113 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/map/ClipImage.h"
+#include "ofx/ofxImageEffect.h"
+#include "products/OFX/Support/Names.h"
+#include "products/OFX/Support/Param.h"
+#include "products/OFX/Support/PropertySet.h"
+#include "products/OFX/Support/Rect.h"
+
+namespace Orvane {
+
+class OvOfxClip;
+
+/// What lies outside an image: the edge colour, or the image clamped, mirrored or repeated.
+enum class OvEdgeMethod { Colour = 0, Repeat = 1, Reflect = 2, Wrap = 3 };
+
+/// The host's side of one clip of an instance. The record outlives it.
+class OvOfxClipHandle {
+public:
+    /// Asks the host for the clip and, when it has one, for its property set.
+    OvOfxClipHandle(const OvOfxInstanceRecord& record, std::string name, bool isOutput);
+
+    /// Null when the host has no such clip.
+    [[nodiscard]] OfxImageClipHandle clip() const { return clip_; }
+    [[nodiscard]] const OvOfxPropertySet& properties() const { return properties_; }
+    [[nodiscard]] const OvOfxInstanceRecord& record() const { return *record_; }
+    [[nodiscard]] bool isOutput() const { return isOutput_; }
+
+private:
+    OvOfxPropertySet properties_;
+    std::string name_;
+    OfxImageClipHandle clip_ = nullptr;
+    const OvOfxInstanceRecord* record_;
+    bool isOutput_;
+};
+
+/// What effect code gets to see of a clip.
+class OvOfxClipAccessor {
+public:
+    explicit OvOfxClipAccessor(const OvOfxClip& clip) : clip_(clip) {}
+
+    /// The image at that time, or null outside the clip's frame range. A range that the host does
+    /// not tell keeps no time out. `region` is canonical and may be null.
+    [[nodiscard]] std::unique_ptr<Engine::ClipImage> image(double time, const OvRect* region) const;
+    /// The region of definition with x divided by the project's pixel aspect ratio.
+    [[nodiscard]] OvRect pixelRegionOfDefinition(double time) const;
+    [[nodiscard]] bool isConnected() const;
+
+private:
+    const OvOfxClip& clip_;
+};
+
+/// A clip. Every query answers zeros, false or null on a clip that is unbound or not in use.
+class OvOfxClip : public OvOfxCoded<OvOfxParam, 47> {
+public:
+    explicit OvOfxClip(const std::string& objectName);
+
+    [[nodiscard]] bool isConnected() const;
+    /// Canonical units.
+    [[nodiscard]] OvRect regionOfDefinition(double time) const;
+    /// First and last frame, both included. Answers whether the host tells them; if not, both are
+    /// 0.
+    bool frameRange(float& first, float& last) const;
+    [[nodiscard]] double frameRate() const;
+    [[nodiscard]] OvComponents components() const;
+    [[nodiscard]] OvDepth pixelDepth() const;
+    /// The image at that time as a view of the host's memory, or null. `region` is canonical and
+    /// may be null.
+    [[nodiscard]] std::unique_ptr<Engine::ClipImage> imageAsMap(double time,
+                                                                const OvRect* region) const;
+    [[nodiscard]] const OvOfxClipAccessor& accessor() const { return accessor_; }
+
+    /// Makes the handle object under the given name.
+    void bind(const OvOfxInstanceRecord& record, const char* boundName);
+    /// The handle object while the clip is bound and in use, else null.
+    [[nodiscard]] const OvOfxClipHandle* boundHandle() const;
+
+    std::unique_ptr<OvOfxClipHandle> clipHandle;  ///< null until bound
+    std::string clipName;
+    bool optional = false;
+    std::vector<std::string> supportedComponents;  ///< "RGBA" and "alpha"
+    bool temporalAccess = false;
+    bool isMask = false;
+    bool supportsTiles = true;
+
+    // How images of the clip become maps.
+    OvEdgeMethod edgeMethodX = OvEdgeMethod::Reflect;
+    OvEdgeMethod edgeMethodY = OvEdgeMethod::Reflect;
+    std::array<float, 4> edgeColour{};   ///< 0 to 1
+    OvPoint cropBottomLeft{0.0f, 0.0f};  ///< parts of the image's width and height
+    OvPoint cropTopRight{1.0f, 1.0f};
+
+private:
+    OvOfxClipAccessor accessor_{*this};
+};
+
+/// The clip that the effect renders to.
+class OvOfxOutputClip final : public OvOfxCoded<OvOfxClip, 48> {
+public:
+    OvOfxOutputClip();
+};
+
+/// Defines a clip to the host under the given name. `fieldExtraction` is the effect's setting.
+/// Answers the host's status, or kOfxStatFailed for a component name that nobody knows.
+[[nodiscard]] OfxStatus defineClip(OfxImageEffectHandle effect, const OvOfxClip& clip,
+                                   const char* name, int fieldExtraction);
+
+}  // namespace Orvane

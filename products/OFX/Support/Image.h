@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "engine/map/ClipImage.h"
+#include "ofx/ofxImageEffect.h"
+#include "products/OFX/Support/Names.h"
+#include "products/OFX/Support/PropertySet.h"
+#include "products/OFX/Support/Rect.h"
+
+namespace Orvane {
+
+class OvOfxClip;
+class OvOfxClipHandle;
+
+/// One image fetched from the host, released by the destructor. Queries answer zeros where the host
+/// does not say.
+class OvOfxImage {
+public:
+    /// The clip's image at that time, or null. `region` is canonical and may be null.
+    [[nodiscard]] static std::unique_ptr<OvOfxImage> fetch(const OvOfxClipHandle& clip, double time,
+                                                           const OvRect* region);
+    ~OvOfxImage();
+    OvOfxImage(const OvOfxImage&) = delete;
+    OvOfxImage& operator=(const OvOfxImage&) = delete;
+
+    /// The lower left pixel of the bounds.
+    [[nodiscard]] void* data() const;
+    /// Bytes from one row to the one above; negative for images stored top down.
+    [[nodiscard]] int rowBytes() const;
+    /// What is stored, in pixels of the image.
+    [[nodiscard]] OfxRectI bounds() const;
+    /// What is defined, in pixels of the image; may be infinite.
+    [[nodiscard]] OfxRectI regionOfDefinition() const;
+    [[nodiscard]] double pixelAspectRatio() const;
+    [[nodiscard]] OvField field() const;
+    /// The kind of the pixels: depth and components as the image tells them, as the clip does where
+    /// the image tells nothing. None for a kind that no map holds.
+    [[nodiscard]] Engine::PixelKind kind(const OvOfxClip& clip) const;
+
+private:
+    explicit OvOfxImage(OfxPropertySetHandle image) : properties_(image) {}
+
+    OvOfxPropertySet properties_;
+};
+
+/// One axis of an image as a map: index 0 is the pixel at `origin`, of `size` pixels those from
+/// `storeFirst` to `storeLast` are stored, and the host's memory starts `skipped` pixels before.
+struct OvImageAxis {
+    int origin = 0;
+    int size = 0;
+    int storeFirst = 0;
+    int storeLast = -1;
+    int skipped = 0;
+
+    [[nodiscard]] bool isEmpty() const { return storeLast < storeFirst; }
+};
+
+/// The axis of an image that is defined from `definedMin` to `definedMax` and stored from
+/// `storedMin` to `storedMax`, the maxima excluded. An infinite or empty region of definition, or
+/// one whose extent no int holds, is replaced by what is stored.
+[[nodiscard]] OvImageAxis imageAxis(int definedMin, int definedMax, int storedMin, int storedMax);
+
+/// The image as a map that borrows its memory, read outside as the clip says. Null for a kind that
+/// no map holds; an image without a single pixel to read becomes a map without storage.
+[[nodiscard]] std::unique_ptr<Engine::ClipImage> makeImageView(std::unique_ptr<OvOfxImage> image,
+                                                               const OvOfxClip& clip);
+
+}  // namespace Orvane

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "render/FillPictures.h"
+#include "render/RenderJob.h"
+
+namespace Tesseret::Render {
+
+/// Writes what the stages of a fill made into a folder, one PNG for each map and one for the
+/// boundary path: "fill-mask.png" and so on, after "0005_" for frame 5 of a sequence and "area2_"
+/// for the second of several areas. Pictures of an earlier render by the same names are removed.
+class DebugMaps final : public JobListener {
+public:
+    /// `told` gets a message with the numbers that a picture alone does not say; it outlives this.
+    DebugMaps(std::filesystem::path folder, JobListener& told);
+
+    /// Before the first render: makes the folder when it is missing. Throws `FileError` when
+    /// nothing can be written there, and `UsageError` when that would replace a file that the job
+    /// reads or writes.
+    void begin(const JobInputs& inputs);
+    /// After the last frame. Throws `RenderFailure` when a picture could not be written.
+    void finish() const;
+
+    void frameBegan(int frame) override;
+    void areaBegan(std::size_t area, std::size_t count) override;
+    bool wantsMaps(Host::Instance& instance) override;
+    void mapMade(Host::Instance& instance, const TesseretMapV1& map) override;
+    void pathFound(Host::Instance& instance, const TesseretPathV1& path) override;
+
+private:
+    void guarded(const std::function<void()>& work);
+    void startPictures(std::string prefix);
+    void tellGain(const TesseretMapV1& map);
+    void write(const FillPicture& made) const;
+    std::filesystem::path file(std::string_view map) const;
+
+    std::filesystem::path folder_;
+    JobListener& told_;
+    bool isSequence_ = false;
+    std::string framePrefix_, prefix_;
+    FillPictures pictures_;
+    std::string failure_;  ///< the first one; empty while there is none
+};
+
+}  // namespace Tesseret::Render

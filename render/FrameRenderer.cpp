@@ -1,0 +1,212 @@
+#include "render/FrameRenderer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "host/HostError.h"
+#include "render/Interrupt.h"
+#include "render/JobError.h"
+
+namespace Tesseret::Render {
+
+using Host::RenderRequest;
+
+namespace {
+
+/// From here on a matte looks speckled rather than painted.
+constexpr std::size_t kManyAreas = 100;
+
+constexpr const char* kBoxReachesIn =
+    "the sample box takes in part of the region to fill, so that what is to go may come back; "
+    "choose another with --sample-box x1,y1,x2,y2, or set avoidFillRegion=on";
+
+int frameOf(const RenderRequest& request)
+{
+    return static_cast<int>(std::lround(request.time));
+}
+
+OfxRectI scaledBox(const OfxRectI& box, OfxPointD scale)
+{
+    return toPixels({double(box.x1), double(box.y1), double(box.x2), double(box.y2)}, scale, 1.0);
+}
+
+}  // namespace
+
+/// The instance that an abort has to reach while this object lives.
+class FrameRenderer::Running {
+public:
+    Running(FrameRenderer& renderer, Host::Instance& instance) : renderer_(renderer)
+    {
+        const std::lock_guard lock(renderer_.mutex_);
+        renderer_.running_ = &instance;
+        if (renderer_.isAborted_) instance.abort();
+    }
+    ~Running()
+    {
+        const std::lock_guard lock(renderer_.mutex_);
+        renderer_.running_ = nullptr;
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+private:
+    FrameRenderer& renderer_;
+};
+
+FrameRenderer::FrameRenderer(const RenderSettings& settings, InstanceSetup setup,
+                             JobListener& listener, WarningFilter& warnings)
+    : setup_(std::move(setup)),
+      listener_(listener),
+      warnings_(warnings),
+      everyArea_(settings.everyArea),
+      cropsAreas_(settings.cropsAreas)
+{
+    slots_.push_back(setup_.make());
+}
+
+void FrameRenderer::abort()
+{
+    const std::lock_guard lock(mutex_);
+    isAborted_ = true;
+    if (running_ != nullptr) running_->abort();
+}
+
+void FrameRenderer::beginSequence(OfxRangeD frames, const RenderRequest& first)
+{
+    sequence_ = {frames, first};
+    for (Slot& slot : slots_) slot.instance->beginSequence(frames, 1.0, first);
+}
+
+void FrameRenderer::endSequence()
+{
+    sequence_.reset();
+    for (Slot& slot : slots_) slot.instance->endSequence();
+}
+
+Picture FrameRenderer::render(const RenderRequest& request, const FramePictures& pictures,
+                              const PreparedMatte* matte)
+{
+    FrameSource& source = *slots_.front().clips.at("Source");
+    source.show(frameOf(request), pictures.at("Source").picture);
+    Picture output = source.picture(request.time, request.scale)->copied(request.window, {});
+    output.setRegionOfDefinition(request.window);
+    if (matte != nullptr) {
+        fillAreas(request, pictures, *matte, output);
+        return output;
+    }
+    for (const auto& [clip, picture] : pictures) {
+        slots_.front().clips.at(clip)->show(frameOf(request), picture.picture);
+    }
+    renderOn(slots_.front(), request, output);
+    return output;
+}
+
+void FrameRenderer::fillAreas(const RenderRequest& request, const FramePictures& pictures,
+                              const PreparedMatte& matte, Picture& output)
+{
+    const std::size_t count = std::min(matte.areas.count(), everyArea_ ? matte.areas.count() : 1);
+    remark(request, matte, count);
+    followAreas(request, matte, count);
+    std::shared_ptr<const Picture> filled;  // what the areas before have made of the source
+    for (std::size_t area = 0; area < count; ++area) {
+        if (isInterrupted()) throw Interrupted("interrupted");
+        listener_.areaBegan(area, count);
+        Slot& slot = slotFor(area);
+        for (const auto& [clip, picture] : pictures) {
+            slot.clips.at(clip)->show(frameOf(request), picture.picture);
+        }
+        FrameSource& source = *slot.clips.at("Source");
+        if (filled) source.show(frameOf(request), filled, request.scale);
+        showMatte(slot, request, matte, area);
+        renderOn(slot, request, output);
+        if (area + 1 < count) {
+            Picture next = source.picture(request.time, request.scale)->copied();
+            next.paste(output);
+            filled = std::make_shared<const Picture>(std::move(next));
+        }
+        source.hide();  // instances that wait for the next frame hold no pictures
+        slot.clips.at("Matte")->hide();
+    }
+}
+
+void FrameRenderer::showMatte(Slot& slot, const RenderRequest& request, const PreparedMatte& matte,
+                              std::size_t area) const
+{
+    FrameSource& clip = *slot.clips.at("Matte");
+    if (!everyArea_ && !cropsAreas_) {
+        clip.show(frameOf(request), matte.whole);
+        return;
+    }
+    const OfxRectI window = cropsAreas_ ? matte.areas.box(area) : matte.areas.matte().bounds();
+    clip.show(frameOf(request), std::make_shared<const Picture>(matte.areas.alone(area, window)),
+              request.scale);
+}
+
+void FrameRenderer::renderOn(Slot& slot, const RenderRequest& request, Picture& output)
+{
+    const Running abortable(*this, *slot.instance);
+    const InterruptTarget interruptible(*slot.instance);
+    const OfxStatus status = slot.instance->render(request, output);
+    if (slot.instance->isAborted()) throw Interrupted("interrupted");
+    if (status != kOfxStatOK) throw Host::HostError(Host::statusText(status), status);
+}
+
+/// Says what is worth knowing of a matte before it is filled.
+void FrameRenderer::remark(const RenderRequest& request, const PreparedMatte& matte,
+                           std::size_t count)
+{
+    const std::string file = matte.file.string();
+    if (count == 0 && !std::exchange(saidNothingMasked_, true)) {
+        warnings_.tell(file + ": masks nothing, so nothing is filled");
+    }
+    if (count > kManyAreas) {
+        warnings_.tell(file + ": has " + std::to_string(count) +
+                       " separate areas, each of which is filled by itself; --matte-grow joins "
+                       "what lies close, --areas first fills one");
+    }
+    const std::optional<OfxRectI>& box = setup_.boxInSource();
+    if (box && matte.areas.reachInto(scaledBox(*box, request.scale), count)) {
+        listener_.note(instance(), kBoxReachesIn);
+    }
+}
+
+/// An instance lays the blocks again that it recorded for an area, at the place where that was.
+/// While every area still overlaps its recorded place they are taken for the same ones; otherwise
+/// an area could get the blocks of another, so that all instances forget what they recorded. The
+/// plug-in itself starts anew at frame 0.
+void FrameRenderer::followAreas(const RenderRequest& request, const PreparedMatte& matte,
+                                std::size_t count)
+{
+    if (!setup_.repeatsBlocks() || count == 0) return;
+    std::vector<OfxRectI> boxes;
+    for (std::size_t area = 0; area < count; ++area) boxes.push_back(matte.areas.box(area));
+    const bool areSame = std::ranges::equal(
+        boxes, recorded_,
+        [](const OfxRectI& a, const OfxRectI& b) { return !isEmpty(intersection(a, b)); });
+    if (areSame && frameOf(request) != 0) return;
+    if (!areSame && !recorded_.empty()) {
+        for (Slot& slot : slots_) slot.instance->purgeCaches();
+        if (!std::exchange(saidAreasChange_, true)) {
+            warnings_.tell(matte.file.string() +
+                           ": the areas are not those of the frames before; wherever they change, "
+                           "temporalConsistancy begins anew");
+        }
+    }
+    recorded_ = std::move(boxes);
+}
+
+/// Only an instance that repeats blocks remembers anything of an area; else one does for all, of
+/// which there may be hundreds.
+FrameRenderer::Slot& FrameRenderer::slotFor(std::size_t area)
+{
+    const std::size_t slot = setup_.repeatsBlocks() ? area : 0;
+    while (slots_.size() <= slot) {
+        slots_.push_back(setup_.make());
+        if (sequence_)
+            slots_.back().instance->beginSequence(sequence_->frames, 1.0, sequence_->first);
+    }
+    return slots_[slot];
+}
+
+}  // namespace Tesseret::Render

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <deque>
+#include <mutex>
+#include <vector>
+
+#include "render/InstanceSetup.h"
+#include "render/JobListener.h"
+#include "render/PreparedMatte.h"
+
+namespace Tesseret::Render {
+
+/// Renders frames on instances of the plug-in. The separate areas of a matte are filled one after
+/// another, each over the result of the one before.
+class FrameRenderer {
+public:
+    /// Makes the first instance. Throws `UsageError`. Listener and warnings outlive the object.
+    FrameRenderer(const RenderSettings& settings, InstanceSetup setup, JobListener& listener,
+                  WarningFilter& warnings);
+
+    const InstanceSetup& setup() const { return setup_; }
+    Host::Instance& instance() { return *slots_.front().instance; }
+
+    void beginSequence(OfxRangeD frames, const Host::RenderRequest& first);
+    void endSequence();
+
+    /// The picture of the request's window, which starts as the source's. `matte` is null when the
+    /// plug-in does not fill from a matte. Throws `HostError` when the plug-in fails, and
+    /// `Interrupted`.
+    Picture render(const Host::RenderRequest& request, const FramePictures& pictures,
+                   const PreparedMatte* matte);
+
+    /// From any thread: the running render, and every later one, ends with `Interrupted`.
+    void abort();
+
+private:
+    class Running;
+    using Slot = ReadyInstance;
+    struct Sequence {
+        OfxRangeD frames;
+        Host::RenderRequest first;
+    };
+
+    void fillAreas(const Host::RenderRequest& request, const FramePictures& pictures,
+                   const PreparedMatte& matte, Picture& output);
+    void showMatte(Slot& slot, const Host::RenderRequest& request, const PreparedMatte& matte,
+                   std::size_t area) const;
+    void renderOn(Slot& slot, const Host::RenderRequest& request, Picture& output);
+    void remark(const Host::RenderRequest& request, const PreparedMatte& matte, std::size_t count);
+    void followAreas(const Host::RenderRequest& request, const PreparedMatte& matte,
+                     std::size_t count);
+    Slot& slotFor(std::size_t area);
+
+    InstanceSetup setup_;
+    JobListener& listener_;
+    WarningFilter& warnings_;
+    bool everyArea_, cropsAreas_;
+    std::deque<Slot> slots_;  ///< at least one
+    std::optional<Sequence> sequence_;
+    std::vector<OfxRectI> recorded_;  ///< boxes of the areas that the instances recorded blocks for
+    bool saidNothingMasked_ = false, saidAreasChange_ = false;
+    std::mutex mutex_;  ///< guards what follows
+    bool isAborted_ = false;
+    Host::Instance* running_ = nullptr;
+};
+
+}  // namespace Tesseret::Render

@@ -1,0 +1,62 @@
+#include "render/FrameRequest.h"
+
+#include <algorithm>
+
+namespace Tesseret::Render {
+
+using Files::PictureInfo;
+
+namespace {
+
+OfxRectI scaledRect(const OfxRectI& rect, double scale)
+{
+    return toPixels({double(rect.x1), double(rect.y1), double(rect.x2), double(rect.y2)},
+                    {scale, scale}, 1.0);
+}
+
+/// Blocks of colour textures in a grey picture would lose their colour.
+bool hasColourTexture(const JobInputs& inputs)
+{
+    return std::ranges::any_of(inputs.infos(), [](const auto& input) {
+        return input.first != "Source" && input.first != "Matte" && input.second.isColour;
+    });
+}
+
+/// A scaled render has a smaller display window; a part of the picture is a picture of its own
+/// where the file cannot say which part it is.
+std::optional<OfxRectI> changedDisplay(const RenderSettings& settings,
+                                       const std::filesystem::path& file, const PictureInfo& source,
+                                       OfxRectI window)
+{
+    if (settings.window && !Files::keepsDataWindow(file)) return window;
+    if (settings.renderScale == 1.0) return std::nullopt;
+    return scaledRect(source.displayWindow, settings.renderScale);
+}
+
+}  // namespace
+
+Host::RenderRequest requestFor(const RenderSettings& settings, bool isSequence, int frame,
+                               const PictureInfo& source)
+{
+    const OfxRectI window =
+        settings.window ? boxInPicture(*settings.window, source) : source.dataWindow;
+    Host::RenderRequest request;
+    request.time = frame;
+    request.scale = {settings.renderScale, settings.renderScale};
+    request.window = scaledRect(window, settings.renderScale);
+    request.sequential = isSequence;
+    return request;
+}
+
+Files::WriteOptions writeOptionsFor(const RenderSettings& settings, const JobInputs& inputs,
+                                    const std::filesystem::path& file, const PictureInfo& source,
+                                    OfxRectI window)
+{
+    Files::WriteOptions options;
+    options.compression = settings.compression;
+    options.asColour = hasColourTexture(inputs);
+    options.displayWindow = changedDisplay(settings, file, source, window);
+    return options;
+}
+
+}  // namespace Tesseret::Render

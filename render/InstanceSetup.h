@@ -1,0 +1,61 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "render/FillRegion.h"
+#include "render/FrameSource.h"
+#include "render/JobInputs.h"
+#include "render/PluginSession.h"
+#include "render/RenderSettings.h"
+
+namespace Tesseret::Render {
+
+struct ReadyInstance {
+    std::unique_ptr<Host::Instance> instance;
+    std::map<std::string, std::shared_ptr<FrameSource>> clips;  ///< by name; only the connected
+};
+
+/// From settings and files to instances that are ready to render, one like the other.
+class InstanceSetup {
+public:
+    /// Chooses the context and the parameter values: those given, those that the options and files
+    /// given ask for (a matte is filled from, a texture is used), and the sample box. Throws
+    /// `UsageError`. Session and inputs outlive the object.
+    InstanceSetup(PluginSession& session, const RenderSettings& settings, const JobInputs& inputs,
+                  Depth depth);
+
+    /// The same with other values; those not given are the plug-in's defaults. Throws `UsageError`
+    /// when the sample box does not lie in the textures.
+    InstanceSetup with(ParameterValues values) const;
+
+    /// Makes an instance, connects its clips and sets its parameters. Throws `UsageError`.
+    ReadyInstance make() const;
+
+    /// The short name.
+    const std::string& context() const { return context_; }
+    /// Of all parameters, defaults included.
+    ParameterValues values() const;
+    const FillRegion& fillRegion() const { return fillRegion_; }
+    /// Whether an instance lays the blocks of one frame again in the next.
+    bool repeatsBlocks() const { return repeatsBlocks_; }
+    /// The part of the source that blocks are taken from, in pixels; none when they come from a
+    /// texture or keep clear of the region to fill.
+    const std::optional<OfxRectI>& boxInSource() const { return boxInSource_; }
+
+private:
+    void adopt(ParameterValues values);
+
+    PluginSession& session_;
+    const JobInputs& inputs_;
+    Depth depth_;
+    std::string context_;
+    ParameterValues values_;
+    FillRegion fillRegion_;
+    bool repeatsBlocks_ = false;
+    std::optional<OfxRectI> boxInSource_;
+};
+
+}  // namespace Tesseret::Render

@@ -1,0 +1,122 @@
+#include "render/JobInputs.h"
+
+#include "files/FileError.h"
+#include "files/FrameRange.h"
+#include "files/PictureWriter.h"
+#include "render/JobError.h"
+
+namespace Tesseret::Render {
+
+using Files::PictureInfo;
+
+namespace {
+
+constexpr int kStillFrame = 0;
+
+std::string sizeText(const OfxRectI& window)
+{
+    return std::to_string(window.x2 - window.x1) + " x " + std::to_string(window.y2 - window.y1);
+}
+
+/// A matte covers the source pixel by pixel; its data window may be smaller.
+void checkMatte(const PictureInfo& matte, const PictureInfo& source)
+{
+    const std::string mine = sizeText(matte.displayWindow);
+    const std::string wanted = sizeText(source.displayWindow);
+    if (mine == wanted) return;
+    throw UsageError(matte.file.string() + ": the matte is " + mine + ", but the source is " +
+                     wanted);
+}
+
+}  // namespace
+
+JobInputs::JobInputs(const RenderSettings& settings)
+    : output_(settings.output),
+      frames_(settings.frames.empty() ? std::vector<int>{kStillFrame} : settings.frames),
+      isSequence_(!settings.frames.empty())
+{
+    const auto add = [this](const char* clip, const std::filesystem::path& file, Files::ReadAs as) {
+        if (!file.empty()) inputs_.push_back({clip, Files::SequencePattern(file), as});
+    };
+    add("Source", settings.source, Files::ReadAs::Picture);
+    add("Matte", settings.matte, Files::ReadAs::Matte);
+    add("Texture1", settings.textures[0], Files::ReadAs::Picture);
+    add("Texture2", settings.textures[1], Files::ReadAs::Picture);
+    add("Texture3", settings.textures[2], Files::ReadAs::Picture);
+    checkFrames();
+    findFilesRead();
+    if (!settings.output.empty()) {
+        Files::checkTarget(outputFile(frames_.front()), settings.compression);
+        checkOutputs();
+    }
+    for (const Input& input : inputs_) {
+        infos_.emplace(input.clip, Files::readInfo(input.pattern.file(frames_.front())));
+    }
+    if (has("Matte")) checkMatte(infos_.at("Matte"), source());
+}
+
+void JobInputs::checkFrames() const
+{
+    for (const Input& input : inputs_) {
+        if (!input.pattern.isSequence()) continue;
+        const std::string name = input.pattern.name().string();
+        if (!isSequence_) throw UsageError(name + " is a sequence: say which --frames");
+        const std::vector<int> missing = input.pattern.missing(frames_);
+        if (!missing.empty()) {
+            throw UsageError(name + ": missing frames " + Files::framesText(missing));
+        }
+    }
+    if (!isSequence_ && output_.isSequence()) {
+        throw UsageError(output_.name().string() + " is a sequence: say which --frames");
+    }
+    if (frames_.size() > 1 && !output_.isSequence() && !output_.name().empty()) {
+        throw UsageError(output_.name().string() +
+                         ": several frames need a mark for the number, as in out.####.png");
+    }
+}
+
+void JobInputs::findFilesRead()
+{
+    for (const int frame : frames_) {
+        for (const Input& input : inputs_) {
+            if (const auto file = Files::fileIdentity(input.pattern.file(frame)))
+                filesRead_.insert(*file);
+        }
+    }
+}
+
+bool JobInputs::reads(const std::filesystem::path& file) const
+{
+    const auto found = Files::fileIdentity(file);
+    return found && filesRead_.contains(*found);
+}
+
+void JobInputs::checkOutputs() const
+{
+    for (const int frame : frames_) {
+        if (reads(outputFile(frame))) {
+            throw UsageError(outputFile(frame).string() +
+                             ": is one of the files to read; nothing is written over those");
+        }
+    }
+}
+
+FramePictures JobInputs::read(int frame, Depth depth)
+{
+    FramePictures pictures;
+    for (const Input& input : inputs_) {
+        if (const auto still = stills_.find(input.clip); still != stills_.end()) {
+            pictures.insert(*still);
+            continue;
+        }
+        Files::PictureFile file = Files::readPicture(input.pattern.file(frame), input.as, depth);
+        const ClipPicture picture{std::make_shared<const Picture>(std::move(file.picture)),
+                                  file.record, file.info, file.warnings};
+        pictures.emplace(input.clip, picture);
+        if (!input.pattern.isSequence() && isSequence_) stills_.emplace(input.clip, picture);
+    }
+    if (has("Matte")) checkMatte(pictures.at("Matte").info, pictures.at("Source").info);
+    return pictures;
+}
+
+}  // namespace Tesseret::Render

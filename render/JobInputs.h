@@ -1,0 +1,71 @@
+#pragma once
+
+/// The files that a render reads: which there are, whether they fit together, and one frame of
+/// them.
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "files/PartFile.h"
+#include "files/PictureReader.h"
+#include "files/SequencePattern.h"
+#include "render/RenderSettings.h"
+
+namespace Tesseret::Render {
+
+/// One clip's picture of a frame.
+struct ClipPicture {
+    std::shared_ptr<const Picture> picture;
+    std::shared_ptr<const Files::FileRecord> record;
+    Files::PictureInfo info;
+    std::vector<std::string> warnings;
+};
+
+/// By clip name.
+using FramePictures = std::map<std::string, ClipPicture>;
+
+class JobInputs {
+public:
+    /// Finds every file and reads the headers of the first frame. Throws `UsageError` or
+    /// `FileError`: a sequence without frames, missing frames (all of them listed), an output that
+    /// is an input, files that cannot be used, a matte of another size than the source.
+    explicit JobInputs(const RenderSettings& settings);
+
+    const std::vector<int>& frames() const { return frames_; }
+    bool isSequence() const { return isSequence_; }
+    std::filesystem::path outputFile(int frame) const { return output_.file(frame); }
+    /// Of the first frame; only connected clips.
+    const std::map<std::string, Files::PictureInfo>& infos() const { return infos_; }
+    const Files::PictureInfo& source() const { return infos_.at("Source"); }
+    bool has(const std::string& clip) const { return infos_.contains(clip); }
+    /// Whether a file is read for any of the frames, whatever name or link leads to it.
+    bool reads(const std::filesystem::path& file) const;
+
+    /// All pictures of a frame at a depth. Stills are read once. Throws `FileError`, and
+    /// `UsageError` for a matte of another size. One call at a time.
+    FramePictures read(int frame, Depth depth);
+
+private:
+    struct Input {
+        std::string clip;
+        Files::SequencePattern pattern;
+        Files::ReadAs as;
+    };
+
+    void checkFrames() const;
+    void findFilesRead();
+    void checkOutputs() const;
+
+    std::vector<Input> inputs_;
+    Files::SequencePattern output_;
+    std::vector<int> frames_;
+    bool isSequence_;
+    std::set<Files::FileIdentity> filesRead_;
+    std::map<std::string, Files::PictureInfo> infos_;
+    FramePictures stills_;
+};
+
+}  // namespace Tesseret::Render

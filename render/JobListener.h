@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <mutex>
+#include <set>
+#include <string>
+
+#include "host/HostSinks.h"
+
+namespace Tesseret::Render {
+
+/// What became of one frame; times in seconds.
+struct FrameResult {
+    int frame = 0;
+    std::filesystem::path file;
+    double readTime = 0.0, renderTime = 0.0, writeTime = 0.0;
+};
+
+/// Told how a job goes on, beside what the plug-in tells. Calls come from the thread of
+/// `RenderJob::run` unless said otherwise.
+class JobListener : public Host::RenderListener {
+public:
+    virtual void frameBegan(int /*frame*/) {}
+    /// One of the areas that the frame's matte was taken apart into is about to be filled; they
+    /// count from 0.
+    virtual void areaBegan(std::size_t /*area*/, std::size_t /*count*/) {}
+    /// From another thread, while the next frame renders.
+    virtual void frameWritten(const FrameResult& /*result*/) {}
+    /// One line about a file or from the host; the same line comes once. From any thread.
+    virtual void warning(const std::string& /*text*/) {}
+    /// A message of the plug-in that is no error.
+    virtual void message(const std::string& /*text*/) {}
+};
+
+/// Passes every warning on once. From any thread.
+class WarningFilter {
+public:
+    explicit WarningFilter(JobListener& listener) : listener_(listener) {}
+
+    void tell(const std::string& warning)
+    {
+        const std::lock_guard lock(mutex_);
+        if (told_.insert(warning).second) listener_.warning(warning);
+    }
+
+private:
+    JobListener& listener_;
+    std::mutex mutex_;
+    std::set<std::string> told_;  ///< guarded by mutex_
+};
+
+}  // namespace Tesseret::Render

@@ -1,0 +1,80 @@
+#include "render/JobListeners.h"
+
+#include <algorithm>
+
+namespace Tesseret::Render {
+
+JobListeners::JobListeners(std::initializer_list<JobListener*> listeners)
+{
+    for (JobListener* const listener : listeners) {
+        if (listener) listeners_.push_back(listener);
+    }
+}
+
+void JobListeners::frameBegan(int frame)
+{
+    tell(&JobListener::frameBegan, frame);
+}
+
+void JobListeners::areaBegan(std::size_t area, std::size_t count)
+{
+    tell(&JobListener::areaBegan, area, count);
+}
+
+void JobListeners::frameWritten(const FrameResult& result)
+{
+    tell(&JobListener::frameWritten, result);
+}
+
+void JobListeners::warning(const std::string& text)
+{
+    tell(&JobListener::warning, text);
+}
+
+void JobListeners::message(const std::string& text)
+{
+    tell(&JobListener::message, text);
+}
+
+void JobListeners::stageBegan(Host::Instance& instance, std::string_view stage)
+{
+    tell(&JobListener::stageBegan, instance, stage);
+}
+
+void JobListeners::stageEnded(Host::Instance& instance, std::string_view stage)
+{
+    tell(&JobListener::stageEnded, instance, stage);
+}
+
+void JobListeners::progress(Host::Instance& instance, double fraction)
+{
+    tell(&JobListener::progress, instance, fraction);
+}
+
+void JobListeners::blockLaid(Host::Instance& instance, const TesseretBlockV1& block)
+{
+    tell(&JobListener::blockLaid, instance, block);
+}
+
+void JobListeners::note(Host::Instance& instance, std::string_view text)
+{
+    tell(&JobListener::note, instance, text);
+}
+
+bool JobListeners::wantsMaps(Host::Instance& instance)
+{
+    return std::ranges::any_of(
+        listeners_, [&](JobListener* listener) { return listener->wantsMaps(instance); });
+}
+
+void JobListeners::mapMade(Host::Instance& instance, const TesseretMapV1& map)
+{
+    tell(&JobListener::mapMade, instance, map);
+}
+
+void JobListeners::pathFound(Host::Instance& instance, const TesseretPathV1& path)
+{
+    tell(&JobListener::pathFound, instance, path);
+}
+
+}  // namespace Tesseret::Render

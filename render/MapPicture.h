@@ -1,0 +1,42 @@
+#pragma once
+
+/// What the stages of a fill made, as pictures for the eye: 8 bits, one pixel a pixel over the
+/// whole fill rectangle.
+
+#include "ofx/tesseretObserver.h"
+#include "picture/Picture.h"
+
+namespace Tesseret::Render {
+
+/// Black for 0 to white for the map's full value; black outside the map.
+Picture greyPicture(const TesseretMapV1& map);
+
+/// As `greyPicture`, but from a dark grey for the weakest positive value to white for the
+/// strongest, so that all of a band can be seen.
+Picture bandPicture(const TesseretMapV1& map);
+
+/// Every block in a colour of its own with dark lines between blocks; black where none lies.
+Picture blockPicture(const TesseretMapV1& map);
+
+/// Grey where the factor is 1, bluer below and more orange above; the full colours stand for a
+/// quarter and for four, and what lies beyond them. Darker where the texture is not used: where
+/// `used`, a grey picture over the fill rectangle, is black.
+Picture gainPicture(const TesseretMapV1& map, const Picture& used);
+
+/// The least and the greatest of some numbers; of none the least is the greater one.
+struct MapRange {
+    float least, greatest;
+};
+/// Of the whole map.
+MapRange rangeOf(const TesseretMapV1& map);
+/// Of the pixels where `used` is not black.
+MapRange rangeOf(const TesseretMapV1& map, const Picture& used);
+
+/// The backdrop for the path: the region of a grey picture and its band, both dimmed. The pictures
+/// are as large as each other.
+Picture dimmed(const Picture& region, const Picture& band);
+
+/// Draws the path in yellow with a darker rim, inside the picture's bounds.
+void drawPath(const TesseretPathV1& path, Picture& picture);
+
+}  // namespace Tesseret::Render

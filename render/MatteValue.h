@@ -1,0 +1,66 @@
+#pragma once
+
+/// What the values of a matte mean: how strongly a pixel is masked, from 0 to full scale.
+
+#include <cstdint>
+
+#include "picture/Picture.h"
+
+namespace Tesseret::Render {
+
+/// The end of the scale that is to be filled.
+enum class Polarity { White, Black };
+
+template <typename Channel>
+struct MatteScale;
+
+/// `kToByte` scales a value to 0 to 255, with the plug-in's own constants.
+template <>
+struct MatteScale<std::uint8_t> {
+    static constexpr std::uint8_t kFull = 255;
+    static constexpr float kToByte = 1.0f;
+};
+template <>
+struct MatteScale<std::uint16_t> {
+    static constexpr std::uint16_t kFull = 65535;
+    static constexpr float kToByte = 0.0038910506f;
+};
+template <>
+struct MatteScale<float> {
+    static constexpr float kFull = 1.0f;
+    static constexpr float kToByte = 255.0f;
+};
+
+/// From a value of the matte to how strongly it masks, and back.
+template <typename Channel>
+Channel masking(Channel value, Polarity polarity)
+{
+    if (polarity == Polarity::White) return value;
+    return static_cast<Channel>(MatteScale<Channel>::kFull - value);
+}
+
+/// Whether the plug-in fills a pixel that is masked so strongly: NaN and less than 1 of 255 do not
+/// count.
+template <typename Channel>
+bool isMasked(Channel strength)
+{
+    // exact: one float product, as where the plug-in scales it
+    return static_cast<float>(strength) * MatteScale<Channel>::kToByte >= 1.0f;
+}
+
+/// Calls `work` with a zero of the depth's channel type.
+template <typename Work>
+auto atDepth(Depth depth, const Work& work)
+{
+    switch (depth) {
+        case Depth::Byte:
+            return work(std::uint8_t{});
+        case Depth::Short:
+            return work(std::uint16_t{});
+        case Depth::Float:
+            break;
+    }
+    return work(float{});
+}
+
+}  // namespace Tesseret::Render

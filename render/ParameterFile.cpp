@@ -1,0 +1,167 @@
+#include "render/ParameterFile.h"
+
+#include <algorithm>
+#include <fstream>
+
+#include <nlohmann/json.hpp>
+
+#include "files/FileError.h"
+#include "files/PartFile.h"
+#include "render/JobError.h"
+#include "render/PluginSession.h"
+#include "render/TextList.h"
+#include "render/ValueJson.h"
+
+namespace Tesseret::Render {
+
+using Files::FileError;
+using Host::ContextDescription;
+using Host::ParameterDescription;
+using Host::ParameterValue;
+using Json = nlohmann::ordered_json;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kPlugin = "plugin";
+constexpr const char* kContext = "context";
+constexpr const char* kParameters = "parameters";
+
+std::string readText(const fs::path& file)
+{
+    std::error_code ignored;
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream || fs::is_directory(file, ignored)) throw FileError(file, "cannot be read");
+    std::string text(std::istreambuf_iterator<char>(stream), {});
+    return text;
+}
+
+Json parse(const fs::path& file)
+{
+    const std::string text = readText(file);
+    Json json;
+    try {
+        json = Json::parse(text);
+    } catch (const Json::parse_error& error) {
+        const auto end =
+            text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
+        throw FileError(file, "is no JSON from line " +
+                                  std::to_string(1 + std::count(text.begin(), end, '\n')) + " on");
+    }
+    if (!json.is_object() || !json.contains(kParameters) || !json[kParameters].is_object()) {
+        throw FileError(file, "holds no parameters: {\"parameters\": {\"name\": value}} is wanted");
+    }
+    for (const char* key : {kPlugin, kContext}) {
+        if (json.contains(key) && !json[key].is_string()) {
+            throw FileError(file, std::string("\"") + key + "\" must be a text");
+        }
+    }
+    return json;
+}
+
+bool isPoint(const ParameterDescription& parameter, const Json& value)
+{
+    return parameter.shape.dimension > 1 && value.is_array() &&
+           std::ranges::all_of(value, [](const Json& item) { return item.is_number(); });
+}
+
+/// Whether the kind of value is the parameter's; what it is worth, others look at.
+bool isOfKind(const ParameterDescription& parameter, const Json& value)
+{
+    if (parameter.shape.dimension > 1) return isPoint(parameter, value);
+    if (parameter.type == kOfxParamTypeBoolean) return value.is_boolean();
+    if (parameter.type == kOfxParamTypeChoice) {
+        return value.is_string() || value.is_number_integer();
+    }
+    if (parameter.shape.type == Host::PropertyType::String) return value.is_string();
+    return value.is_number();
+}
+
+const char* kindText(const ParameterDescription& parameter)
+{
+    if (parameter.shape.dimension > 1) return "a list of numbers";
+    if (parameter.type == kOfxParamTypeBoolean) return "true or false";
+    if (parameter.type == kOfxParamTypeChoice) return "the name of a choice";
+    if (parameter.shape.type == Host::PropertyType::String) return "a text";
+    return parameter.shape.type == Host::PropertyType::Int ? "a whole number" : "a number";
+}
+
+std::string textOf(const Json& value)
+{
+    if (value.is_string()) return value.get<std::string>();
+    if (!value.is_array()) return value.dump();
+    std::string text;
+    for (const Json& item : value) appendItem(text, ",", item.dump());
+    return text;
+}
+
+NamedValue understand(const std::string& name, const Json& value,
+                      const ContextDescription& description)
+{
+    const ParameterDescription* const parameter = description.parameter(name);
+    if (parameter != nullptr && parameter->shape.dimension > 0 && !isOfKind(*parameter, value)) {
+        throw UsageError(name + ": " + value.dump() + " is not " + kindText(*parameter));
+    }
+    return parseAssignment(name + "=" + textOf(value), description);
+}
+
+Json jsonOf(const ParameterDescription& parameter, const ParameterValue& value)
+{
+    const int* const number = std::get_if<int>(&value);
+    if (number != nullptr && parameter.type == kOfxParamTypeBoolean) return *number != 0;
+    if (number != nullptr && parameter.type == kOfxParamTypeChoice && *number >= 0 &&
+        *number < static_cast<int>(parameter.options.size())) {
+        return parameter.options[static_cast<std::size_t>(*number)];
+    }
+    return valueJson<Json>(value);
+}
+
+}  // namespace
+
+std::string contextOfParameters(const fs::path& file)
+{
+    return parse(file).value(kContext, "");
+}
+
+ParameterValues loadParameters(const fs::path& file, const std::string& plugin,
+                               const ContextDescription& description)
+{
+    const Json json = parse(file);
+    const std::string theirs = json.value(kPlugin, plugin);
+    if (theirs != plugin) {
+        throw UsageError(file.string() + ": holds parameters of " + theirs + ", not of " + plugin);
+    }
+    ParameterValues values;
+    for (const auto& [name, value] : json[kParameters].items()) {
+        try {
+            NamedValue understood = understand(name, value, description);
+            values.insert_or_assign(std::move(understood.name), std::move(understood.value));
+        } catch (const UsageError& error) {
+            throw UsageError(file.string() + ": " + error.what());
+        }
+    }
+    return values;
+}
+
+void saveParameters(const fs::path& file, const std::string& plugin,
+                    const ContextDescription& description, const ParameterValues& values)
+{
+    Json parameters = Json::object();
+    for (const ParameterDescription& parameter : description.parameters) {
+        if (parameter.shape.dimension == 0 || !parameter.persistent) continue;
+        parameters[parameter.name] =
+            jsonOf(parameter, valueOf(parameter.name, values, description));
+    }
+    const Json json{{kPlugin, plugin},
+                    {kContext, shortContextName(description.context)},
+                    {kParameters, std::move(parameters)}};
+    Files::PartFile part(file);
+    std::ofstream stream(part.path(), std::ios::binary);
+    stream << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    stream.close();
+    if (!stream) throw FileError(file, "cannot be written");
+    part.keep();
+}
+
+}  // namespace Tesseret::Render

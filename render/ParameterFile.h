@@ -1,0 +1,27 @@
+#pragma once
+
+/// Parameter values in a file: JSON with the keys "plugin", "context" and "parameters". Choices
+/// stand there by name or number, points as lists of numbers.
+
+#include <filesystem>
+#include <string>
+
+#include "render/ParameterText.h"
+
+namespace Tesseret::Render {
+
+/// The short name of the context that the values were saved in; empty when the file names none.
+/// Throws `FileError` when it cannot be read or is no JSON of this kind.
+std::string contextOfParameters(const std::filesystem::path& file);
+
+/// The values in the file. Throws `FileError` as above, and `UsageError` for values of another
+/// plug-in, an unknown parameter, a value of another kind, out of range or no choice.
+ParameterValues loadParameters(const std::filesystem::path& file, const std::string& plugin,
+                               const Host::ContextDescription& description);
+
+/// Writes all parameters that a project would keep, those without a value given at their defaults.
+/// The file appears whole or not at all. Throws `FileError`.
+void saveParameters(const std::filesystem::path& file, const std::string& plugin,
+                    const Host::ContextDescription& description, const ParameterValues& values);
+
+}  // namespace Tesseret::Render

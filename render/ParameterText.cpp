@@ -1,0 +1,265 @@
+#include "render/ParameterText.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <numeric>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "render/JobError.h"
+#include "render/PluginSession.h"
+#include "render/TextList.h"
+
+namespace Tesseret::Render {
+
+using Host::ParameterDescription;
+using Host::ParameterValue;
+using Host::PropertyType;
+
+namespace {
+
+std::string inQuotes(std::string_view text)
+{
+    return std::string(1, '"').append(text).append(1, '"');
+}
+
+std::string lowered(std::string_view text)
+{
+    std::string result(text);
+    std::ranges::transform(result, result.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return result;
+}
+
+/// Levenshtein's distance: how many letters to insert, delete or replace.
+std::size_t distance(std::string_view a, std::string_view b)
+{
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+bool isSettable(const ParameterDescription& parameter)
+{
+    return parameter.shape.dimension > 0;
+}
+
+const ParameterDescription& findParameter(std::string_view name,
+                                          const Host::ContextDescription& description)
+{
+    const ParameterDescription* nearest = nullptr;
+    std::size_t nearestDistance = 0;
+    for (const ParameterDescription& parameter : description.parameters) {
+        if (!isSettable(parameter)) continue;
+        if (parameter.name == name) return parameter;
+        const std::size_t away = distance(lowered(name), lowered(parameter.name));
+        if (nearest == nullptr || away < nearestDistance) {
+            nearest = &parameter;
+            nearestDistance = away;
+        }
+    }
+    throw UsageError("no parameter " + inQuotes(name) + " in the context " +
+                     shortContextName(description.context) +
+                     (nearest == nullptr ? "" : "; did you mean " + inQuotes(nearest->name) + "?"));
+}
+
+template <typename Number>
+std::optional<Number> parseNumber(std::string_view text)
+{
+    if (text.starts_with('+')) text.remove_prefix(1);
+    Number number{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return number;
+}
+
+[[noreturn]] void refuse(const ParameterDescription& parameter, std::string_view text,
+                         const std::string& wanted)
+{
+    throw UsageError(parameter.name + "=" + std::string(text) + ": " + wanted);
+}
+
+int parseBoolean(const ParameterDescription& parameter, std::string_view text)
+{
+    const std::string word = lowered(text);
+    for (const char* yes : {"true", "1", "on", "yes"}) {
+        if (word == yes) return 1;
+    }
+    for (const char* no : {"false", "0", "off", "no"}) {
+        if (word == no) return 0;
+    }
+    refuse(parameter, text, "true or false is wanted");
+}
+
+int parseChoice(const ParameterDescription& parameter, std::string_view text)
+{
+    const auto& options = parameter.options;
+    for (const bool exactly : {true, false}) {
+        for (std::size_t i = 0; i < options.size(); ++i) {
+            if (exactly ? options[i] == text : lowered(options[i]) == lowered(text)) {
+                return static_cast<int>(i);
+            }
+        }
+    }
+    const std::optional<int> index = parseNumber<int>(text);
+    if (index && *index >= 0 && *index < static_cast<int>(options.size())) return *index;
+    std::string choices;
+    for (std::size_t i = 0; i < options.size(); ++i) {
+        appendItem(choices, ", ", inQuotes(options[i]) + " (" + std::to_string(i) + ")");
+    }
+    refuse(parameter, text, "the choices are " + choices);
+}
+
+void checkRange(const ParameterDescription& parameter, std::string_view text, std::size_t dimension,
+                double number)
+{
+    const bool tooLow = dimension < parameter.min.size() && !(number >= parameter.min[dimension]);
+    const bool tooHigh = dimension < parameter.max.size() && !(number <= parameter.max[dimension]);
+    if (tooLow || tooHigh || !std::isfinite(number)) {
+        refuse(parameter, text, "the range is " + rangeText(parameter.min, parameter.max));
+    }
+}
+
+/// As many numbers as the parameter has dimensions, with commas between.
+template <typename Number>
+std::vector<Number> parseNumbers(const ParameterDescription& parameter, std::string_view text)
+{
+    constexpr bool isWhole = std::is_same_v<Number, int>;
+    const std::size_t count = parameter.shape.dimension;
+    const char* const noun = isWhole ? "whole number" : "number";
+    std::string wanted = count == 1 ? "a" : std::to_string(count);
+    wanted.append(" ").append(noun).append(count == 1 ? " is wanted"
+                                                      : "s are wanted, with commas between them");
+    std::vector<Number> numbers;
+    for (std::string_view rest = text;;) {
+        const std::size_t comma = rest.find(',');
+        const std::string_view part = rest.substr(0, comma);
+        const std::optional<Number> number = parseNumber<Number>(part);
+        if (!number) {
+            // Too large for its type, perhaps: the range says more than a complaint about the form.
+            if (const auto real = parseNumber<double>(part);
+                real && isWhole && count == 1 && *real == std::floor(*real)) {
+                checkRange(parameter, text, 0, *real);
+            }
+            refuse(parameter, text, wanted);
+        }
+        numbers.push_back(*number);
+        if (comma == std::string_view::npos) break;
+        rest.remove_prefix(comma + 1);
+    }
+    if (numbers.size() != count) refuse(parameter, text, wanted);
+    for (std::size_t i = 0; i < count; ++i) {
+        checkRange(parameter, text, i, static_cast<double>(numbers[i]));
+    }
+    return numbers;
+}
+
+template <typename Number>
+ParameterValue numbersValue(std::vector<Number> numbers)
+{
+    if (numbers.size() == 1) return numbers.front();
+    return numbers;
+}
+
+ParameterValue parseValue(const ParameterDescription& parameter, std::string_view text)
+{
+    if (parameter.type == kOfxParamTypeBoolean) return parseBoolean(parameter, text);
+    if (parameter.type == kOfxParamTypeChoice) return parseChoice(parameter, text);
+    switch (parameter.shape.type) {
+        case PropertyType::Int:
+            return numbersValue(parseNumbers<int>(parameter, text));
+        case PropertyType::Double:
+            return numbersValue(parseNumbers<double>(parameter, text));
+        default:
+            return std::string(text);
+    }
+}
+
+struct ValueWriter {
+    const ParameterDescription& parameter;
+
+    std::string operator()(std::monostate /*none*/) const { return {}; }
+    std::string operator()(const std::string& text) const { return text; }
+    std::string operator()(double number) const { return numberText(number); }
+    std::string operator()(int number) const
+    {
+        if (parameter.type == kOfxParamTypeBoolean) return number != 0 ? "true" : "false";
+        const bool named = parameter.type == kOfxParamTypeChoice && number >= 0 &&
+                           number < static_cast<int>(parameter.options.size());
+        return named ? parameter.options[static_cast<std::size_t>(number)] : std::to_string(number);
+    }
+    template <typename Number>
+    std::string operator()(const std::vector<Number>& numbers) const
+    {
+        std::string text;
+        for (const Number number : numbers) {
+            appendItem(text, ",", numberText(static_cast<double>(number)));
+        }
+        return text;
+    }
+};
+
+}  // namespace
+
+const Host::ParameterValue& valueOf(const std::string& name, const ParameterValues& values,
+                                    const Host::ContextDescription& description)
+{
+    const auto set = values.find(name);
+    return set != values.end() ? set->second : description.parameter(name)->initial;
+}
+
+NamedValue parseAssignment(std::string_view text, const Host::ContextDescription& description)
+{
+    const std::size_t equals = text.find('=');
+    if (equals == std::string_view::npos || equals == 0) {
+        throw UsageError(inQuotes(text) + " is no option and no name=value");
+    }
+    const ParameterDescription& parameter = findParameter(text.substr(0, equals), description);
+    return {parameter.name, parseValue(parameter, text.substr(equals + 1))};
+}
+
+std::string valueText(const ParameterDescription& parameter, const ParameterValue& value)
+{
+    return std::visit(ValueWriter{parameter}, value);
+}
+
+std::string rangeText(const std::vector<double>& min, const std::vector<double>& max)
+{
+    if (min.empty() || min.size() != max.size()) return {};
+    std::string text;
+    for (std::size_t i = 0; i < min.size(); ++i) {
+        const std::string range = numberText(min[i]) + " to " + numberText(max[i]);
+        if (range == text) continue;
+        appendItem(text, ", ", range);
+    }
+    return text;
+}
+
+std::string numberText(double number)
+{
+    std::array<char, 64> text{};
+    char* const begin = text.data();
+    char* const end = begin + text.size();
+    const auto format =
+        std::fabs(number) < 1e15 ? std::chars_format::fixed : std::chars_format::general;
+    // Plug-ins that hold floats say 0.2f, which is a long double-precision number.
+    const auto single = static_cast<float>(number);
+    const std::to_chars_result result = static_cast<double>(single) == number
+                                            ? std::to_chars(begin, end, single, format)
+                                            : std::to_chars(begin, end, number, format);
+    return result.ec == std::errc() ? std::string(begin, result.ptr) : std::to_string(number);
+}
+
+}  // namespace Tesseret::Render

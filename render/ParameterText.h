@@ -1,0 +1,41 @@
+#pragma once
+
+/// Parameter values as text, checked against what the plug-in described.
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "host/Descriptor.h"
+
+namespace Tesseret::Render {
+
+struct NamedValue {
+    std::string name;
+    Host::ParameterValue value;
+};
+
+/// By name; those that are not the plug-in's own defaults.
+using ParameterValues = std::map<std::string, Host::ParameterValue>;
+
+/// The value set, else the default. The parameter exists.
+const Host::ParameterValue& valueOf(const std::string& name, const ParameterValues& values,
+                                    const Host::ContextDescription& description);
+
+/// Understands "blockSize=64", "fillRegion=Entire Image" or "fillRegion=0", "luminanceMatch=on",
+/// "sampleCorner1=0.1,0.2". Throws `UsageError`: no "=", an unknown name (with the nearest), a
+/// value of another kind, out of range (with the range), a choice that does not exist (with the
+/// choices).
+NamedValue parseAssignment(std::string_view text, const Host::ContextDescription& description);
+
+/// The value as `parseAssignment` takes it, choices by name.
+std::string valueText(const Host::ParameterDescription& parameter,
+                      const Host::ParameterValue& value);
+
+/// "30 to 9000000", with a range for each dimension where they differ; empty when there is none.
+std::string rangeText(const std::vector<double>& min, const std::vector<double>& max);
+
+/// A number without superfluous digits.
+std::string numberText(double number);
+
+}  // namespace Tesseret::Render

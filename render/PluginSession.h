@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "host/Effect.h"
+
+namespace Tesseret::Render {
+
+/// A plug-in that is loaded and described, with the host it lives in.
+class PluginSession {
+public:
+    /// An empty path looks for the plug-in. Throws `UsageError` when it cannot be found or used.
+    PluginSession(std::filesystem::path plugin, Host::HostOptions options = {});
+
+    Host::Effect& effect() { return *effect_; }
+    Host::EmbeddedHost& host() { return host_; }
+    const std::filesystem::path& file() const { return file_; }
+
+    /// By the short name, "Filter" or "General". Throws `UsageError` that lists the contexts there
+    /// are.
+    const Host::ContextDescription& describe(const std::string& context);
+
+private:
+    std::filesystem::path file_;
+    Host::EmbeddedHost host_;
+    std::unique_ptr<Host::Effect> effect_;
+};
+
+/// "OfxImageEffectContextFilter" from "Filter" and back.
+std::string longContextName(const std::string& name);
+std::string shortContextName(const std::string& name);
+
+}  // namespace Tesseret::Render

@@ -1,0 +1,137 @@
+#include "render/RenderJob.h"
+
+#include <algorithm>
+#include <chrono>
+#include <future>
+#include <utility>
+
+#include "files/FileError.h"
+#include "files/PictureWriter.h"
+#include "host/HostError.h"
+#include "render/FrameRequest.h"
+#include "render/Interrupt.h"
+#include "render/JobError.h"
+
+namespace Tesseret::Render {
+
+using Files::PictureInfo;
+
+namespace {
+
+class Stopwatch {
+public:
+    double seconds() const
+    {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+    }
+
+private:
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+}  // namespace
+
+RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
+    : settings_(std::move(settings)),
+      listener_(listener),
+      warnings_(listener),
+      inputs_(settings_),
+      depth_(settings_.depth.value_or(inputs_.source().depth)),
+      messages_(listener, warnings_),
+      session_(settings_.plugin, messages_.hostOptions(settings_.threads)),
+      renderer_(settings_, InstanceSetup(session_, settings_, inputs_, depth_), listener, warnings_)
+{
+    if (fillRegion().source == MaskSource::Matte) {
+        mattes_.emplace(settings_, fillRegion().polarity);
+    }
+    if (settings_.window) boxInPicture(*settings_.window, inputs_.source());
+}
+
+void RenderJob::run()
+{
+    const std::vector<int>& frames = inputs_.frames();
+    const auto read = [this](int frame) {
+        return std::async(std::launch::async, [this, frame] { return readFrame(frame); });
+    };
+    std::future<ReadFrame> next = read(frames.front());
+    std::future<void> written;  // both futures wait for their work when an exception passes
+    const auto [first, last] = std::ranges::minmax(frames);
+    renderer_.beginSequence(
+        {double(first), double(last)},
+        requestFor(settings_, inputs_.isSequence(), frames.front(), inputs_.source()));
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        const ReadFrame current = next.get();
+        if (i + 1 < frames.size()) next = read(frames[i + 1]);
+        RenderedFrame rendered = renderFrame(frames[i], current);
+        if (written.valid()) written.get();
+        written = std::async(std::launch::async, [this, done = std::move(rendered)]() mutable {
+            writeFrame(std::move(done));
+        });
+    }
+    renderer_.endSequence();
+    written.get();
+}
+
+RenderJob::ReadFrame RenderJob::readFrame(int frame)
+{
+    const Stopwatch watch;
+    ReadFrame read;
+    read.pictures = inputs_.read(frame, depth_);
+    for (const auto& [clip, picture] : read.pictures) {
+        for (const std::string& warning : picture.warnings) warnings_.tell(warning);
+    }
+    if (mattes_) read.matte = mattes_->prepare(read.pictures.at("Matte"));
+    read.seconds = watch.seconds();
+    return read;
+}
+
+RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read)
+{
+    if (isInterrupted()) throw Interrupted("interrupted");
+    listener_.frameBegan(frame);
+    const ClipPicture& source = read.pictures.at("Source");
+    const Host::RenderRequest request =
+        requestFor(settings_, inputs_.isSequence(), frame, source.info);
+    messages_.takeErrors();
+    try {
+        const Stopwatch watch;
+        RenderedFrame rendered;
+        rendered.picture = renderer_.render(request, read.pictures, read.matte.get());
+        rendered.record = source.record;
+        rendered.result = {frame, inputs_.outputFile(frame), read.seconds, watch.seconds(), 0.0};
+        rendered.options =
+            writeOptionsFor(settings_, inputs_, rendered.result.file, source.info, request.window);
+        return rendered;
+    } catch (const Host::HostError& error) {
+        fail(frame, error.what());
+    } catch (const PictureError& error) {
+        fail(frame, error.what());
+    }
+}
+
+void RenderJob::writeFrame(RenderedFrame rendered)
+{
+    const Stopwatch watch;
+    try {
+        for (const std::string& warning : Files::writePicture(
+                 rendered.result.file, rendered.picture, *rendered.record, rendered.options)) {
+            warnings_.tell(warning);
+        }
+    } catch (const Files::FileError& error) {
+        throw RenderFailure(error.what());  // the render came through, but its result did not
+    }
+    rendered.result.writeTime = watch.seconds();
+    listener_.frameWritten(rendered.result);
+}
+
+void RenderJob::fail(int frame, const std::string& reason)
+{
+    std::string text;
+    if (inputs_.isSequence()) text.append("frame ").append(std::to_string(frame)).append(": ");
+    text.append("the render failed: ").append(reason);
+    const std::string errors = messages_.takeErrors();
+    if (!errors.empty()) text.append("\n").append(errors);
+    throw RenderFailure(text);
+}
+
+}  // namespace Tesseret::Render

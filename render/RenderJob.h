@@ -1,0 +1,66 @@
+#pragma once
+
+/// A whole render: from files through the plug-in to files. The next frame is read and the last one
+/// written while one renders.
+
+#include <optional>
+#include <string>
+
+#include "files/PictureWriter.h"
+#include "render/FrameRenderer.h"
+#include "render/JobInputs.h"
+#include "render/JobListener.h"
+#include "render/PluginMessages.h"
+#include "render/PluginSession.h"
+#include "render/RenderSettings.h"
+
+namespace Tesseret::Render {
+
+class RenderJob {
+public:
+    /// Checks everything that can be known before the first render, loads the plug-in, and makes
+    /// the instance. Throws `UsageError`, `FileError` or `std::invalid_argument`. The listener
+    /// outlives the job.
+    RenderJob(RenderSettings settings, JobListener& listener);
+
+    /// Renders all frames in order. Throws `RenderFailure` with the plug-in's message,
+    /// `Interrupted` after an abort, and `FileError` or `UsageError` for a file that turns out to
+    /// be unusable.
+    void run();
+
+    const JobInputs& inputs() const { return inputs_; }
+    const FillRegion& fillRegion() const { return renderer_.setup().fillRegion(); }
+    /// The first one; there may be more, for more areas of a matte.
+    Host::Instance& instance() { return renderer_.instance(); }
+    PluginSession& session() { return session_; }
+
+private:
+    struct ReadFrame {
+        FramePictures pictures;
+        std::shared_ptr<const PreparedMatte> matte;  ///< null when it is not filled from
+        double seconds = 0.0;
+    };
+    struct RenderedFrame {
+        Picture picture;
+        std::shared_ptr<const Files::FileRecord> record;
+        Files::WriteOptions options;
+        FrameResult result;
+    };
+
+    ReadFrame readFrame(int frame);
+    RenderedFrame renderFrame(int frame, const ReadFrame& read);
+    void writeFrame(RenderedFrame rendered);
+    [[noreturn]] void fail(int frame, const std::string& reason);
+
+    RenderSettings settings_;
+    JobListener& listener_;
+    WarningFilter warnings_;
+    JobInputs inputs_;
+    Depth depth_;
+    PluginMessages messages_;
+    PluginSession session_;
+    FrameRenderer renderer_;
+    std::optional<MattePreparation> mattes_;  ///< when the plug-in fills from a matte
+};
+
+}  // namespace Tesseret::Render

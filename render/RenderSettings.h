@@ -1,0 +1,41 @@
+#pragma once
+
+/// What a render is to do, before anything was looked at.
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "render/ViewBox.h"
+
+namespace Tesseret::Render {
+
+/// What is to be filled, beyond what the files given imply.
+enum class MaskOption { None, MatteInverted, Alpha, AlphaInverted };
+
+struct RenderSettings {
+    std::filesystem::path source;  ///< with a mark for the frame in a sequence, as all files
+    std::filesystem::path output;  ///< empty: nothing is written
+    std::filesystem::path matte;   ///< empty: none
+    MaskOption mask = MaskOption::None;
+    bool everyArea = true;   ///< of the matte; else the first one
+    bool cropsAreas = true;  ///< an area's matte is cut at its box
+    double matteGrow = 0.0;  ///< pixels at full size
+    bool keepsClear = true;  ///< of what is to go, where nobody said what to take blocks from
+    std::array<std::filesystem::path, 3> textures;  ///< each empty: none
+    std::vector<int> frames;                        ///< empty: a still
+    std::string context;                            ///< "Filter", "General", or empty: as needed
+    std::optional<Depth> depth;                     ///< else the source file's own
+    std::optional<ViewBox> window;                  ///< of the source; else all of it
+    std::optional<ViewBox> sampleBox;               ///< of the first texture, else of the source
+    double renderScale = 1.0;
+    unsigned int threads = 0;  ///< 0: one for each processor
+    std::filesystem::path plugin;
+    std::string compression;              ///< empty: the default of the output's format
+    std::filesystem::path parameterFile;  ///< empty: none
+    std::vector<std::string> parameters;  ///< "name=value", before the file's
+};
+
+}  // namespace Tesseret::Render

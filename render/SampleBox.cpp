@@ -1,0 +1,159 @@
+#include "render/SampleBox.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "render/JobError.h"
+
+namespace Tesseret::Render {
+
+using Files::PictureInfo;
+using Host::ContextDescription;
+
+namespace {
+
+constexpr auto kTextureClips = std::to_array<const char*>({"Texture1", "Texture2", "Texture3"});
+constexpr const char* kCorner1 = "sampleCorner1";
+constexpr const char* kCorner2 = "sampleCorner2";
+constexpr const char* kAvoidFillRegion = "avoidFillRegion";
+
+/// The picture that the sample box lies over.
+const PictureInfo& sampled(const JobInputs& inputs)
+{
+    for (const char* clip : kTextureClips) {
+        if (inputs.has(clip)) return inputs.infos().at(clip);
+    }
+    return inputs.source();
+}
+
+/// Corners of the sample box for whole pixels. The plug-in computes in single precision and drops
+/// fractions, so a quarter of a pixel keeps a corner from falling into the pixel before.
+void setCorners(const OfxRectD& pixels, const JobInputs& inputs, ParameterValues& values)
+{
+    constexpr double kInsidePixel = 0.25;
+    const OfxRectI project = inputs.source().displayWindow;
+    const auto normalised = [&](double x, double y) {
+        return std::vector<double>{(std::floor(x) + kInsidePixel) / project.x2,
+                                   (std::floor(y) + kInsidePixel) / project.y2};
+    };
+    values[kCorner1] = normalised(pixels.x1, pixels.y1);
+    values[kCorner2] = normalised(pixels.x2, pixels.y2);
+}
+
+bool hasCorners(const ParameterValues& values)
+{
+    return values.contains(kCorner1) || values.contains(kCorner2);
+}
+
+/// The sample box in pixels, corners in order.
+OfxRectI sampleBoxOf(const ContextDescription& description, const JobInputs& inputs,
+                     const ParameterValues& values)
+{
+    const auto a = std::get<std::vector<double>>(valueOf(kCorner1, values, description));
+    const auto b = std::get<std::vector<double>>(valueOf(kCorner2, values, description));
+    const OfxRectI project = inputs.source().displayWindow;
+    const auto pixel = [](double part, int size) { return static_cast<int>(part * size); };
+    return {pixel(std::min(a[0], b[0]), project.x2), pixel(std::min(a[1], b[1]), project.y2),
+            pixel(std::max(a[0], b[0]), project.x2), pixel(std::max(a[1], b[1]), project.y2)};
+}
+
+bool covers(const OfxRectI& window, const OfxRectI& box)
+{
+    return box.x1 >= window.x1 && box.y1 >= window.y1 && box.x2 <= window.x2 && box.y2 <= window.y2;
+}
+
+/// The first texture that does not cover the sample box, or null.
+const PictureInfo* uncovered(const JobInputs& inputs, const OfxRectI& box)
+{
+    for (const char* clip : kTextureClips) {
+        if (!inputs.has(clip)) continue;
+        const PictureInfo& texture = inputs.infos().at(clip);
+        if (!covers(texture.dataWindow, box)) return &texture;
+    }
+    return nullptr;
+}
+
+/// The middle of what all textures have, in the proportions of the plug-in's own default.
+OfxRectD middleOfTextures(const JobInputs& inputs)
+{
+    constexpr double kMargin = 0.2;
+    OfxRectI common = sampled(inputs).dataWindow;
+    for (const char* clip : kTextureClips) {
+        if (!inputs.has(clip)) continue;
+        common = intersection(common, inputs.infos().at(clip).dataWindow);
+    }
+    const double width = common.x2 - common.x1;
+    const double height = common.y2 - common.y1;
+    return {common.x1 + kMargin * width, common.y1 + kMargin * height, common.x2 - kMargin * width,
+            common.y2 - kMargin * height};
+}
+
+bool isOn(const std::string& name, const ContextDescription& description,
+          const ParameterValues& values)
+{
+    return valueOf(name, values, description) == Host::ParameterValue(1);
+}
+
+/// Whether the plug-in has a sample box.
+bool hasBox(const ContextDescription& description)
+{
+    return description.parameter(kCorner1) != nullptr &&
+           description.parameter(kCorner2) != nullptr &&
+           description.parameter(kAvoidFillRegion) != nullptr;
+}
+
+}  // namespace
+
+void setSampleBox(const ViewBox& box, const JobInputs& inputs, ParameterValues& values)
+{
+    if (hasCorners(values)) {
+        throw UsageError(
+            "--sample-box and the parameters sampleCorner1 and sampleCorner2 say the "
+            "same thing; give one of them");
+    }
+    const PictureInfo& picture = sampled(inputs);
+    boxInPicture(box, picture);
+    const double top = picture.displayWindow.y2;  // the corners count from below
+    setCorners({box.x1, top - box.y2, box.x2, top - box.y1}, inputs, values);
+}
+
+void avoidRegionByDefault(const ContextDescription& description, const JobInputs& inputs,
+                          ParameterValues& values)
+{
+    const bool hasTexture =
+        std::ranges::any_of(kTextureClips, [&](const char* clip) { return inputs.has(clip); });
+    if (!hasBox(description) || hasTexture || hasCorners(values)) return;
+    values.try_emplace(kAvoidFillRegion, Host::ParameterValue(1));
+}
+
+void fitSampleBox(const ContextDescription& description, const JobInputs& inputs,
+                  ParameterValues& values)
+{
+    if (!hasBox(description) || isOn(kAvoidFillRegion, description, values)) return;
+    const OfxRectI box = sampleBoxOf(description, inputs, values);
+    const PictureInfo* texture = uncovered(inputs, box);
+    if (texture == nullptr) return;
+    if (!hasCorners(values)) {
+        setCorners(middleOfTextures(inputs), inputs, values);
+        return;
+    }
+    throw UsageError(texture->file.string() + ": the sample box of " +
+                     std::to_string(box.x2 - box.x1) + " x " + std::to_string(box.y2 - box.y1) +
+                     " pixels reaches beyond this texture; say with --sample-box which part of "
+                     "the texture to use");
+}
+
+std::optional<OfxRectI> boxInSource(const ContextDescription& description, const JobInputs& inputs,
+                                    const ParameterValues& values)
+{
+    if (!hasBox(description) || isOn(kAvoidFillRegion, description, values)) return std::nullopt;
+    for (const char* clip : kTextureClips) {
+        const std::string toggle = std::string("use") + clip;
+        const bool hasToggle = description.parameter(toggle) != nullptr;
+        if (hasToggle && inputs.has(clip) && isOn(toggle, description, values)) return std::nullopt;
+    }
+    return sampleBoxOf(description, inputs, values);
+}
+
+}  // namespace Tesseret::Render

@@ -1,0 +1,103 @@
+#!/usr/bin/env python3
+"""Checks who includes whom: every folder includes only what ARROWS allows, and no folder reaches itself.
+
+Prints each include line that breaks the rules and ends with 1; prints nothing when all is well.
+docs/architecture.md draws the same arrows. Usage: scripts/check-layers.py [FOLDER OF THE TREE]
+"""
+
+import pathlib
+import re
+import sys
+
+# Folder, or single header: what it may include, itself apart. Nothing else of ours is reachable.
+ARROWS = {
+    "ofx": [],
+    "platform": [],
+    "libraries/services": [],
+    "libraries/exceptions": ["libraries/services", "platform"],
+    "libraries/Processor": ["libraries/exceptions", "libraries/services", "platform"],
+    "engine/map": ["libraries"],
+    "engine/pass": ["engine/map", "libraries"],
+    "engine/filter": ["engine/map", "engine/pass", "libraries"],
+    # What the driver is given and the stages report to; headers that need maps only.
+    "engine/TemporalState.h": ["engine/map"],
+    "engine/RenderObserver.h": ["engine/map", "engine/TemporalState.h"],
+    "engine/RenderContext.h": ["engine/map", "engine/RenderObserver.h", "libraries"],
+    "engine/mask": ["engine/map", "engine/pass", "engine/filter", "engine/RenderContext.h", "libraries"],
+    "engine/boundary": ["engine/map", "engine/pass", "engine/filter", "engine/mask", "libraries"],
+    "engine/quilt": ["engine/map", "engine/pass", "engine/filter", "engine/TemporalState.h",
+                     "engine/RenderObserver.h", "libraries"],
+    "engine": ["engine/map", "engine/pass", "engine/filter", "engine/mask", "engine/boundary", "engine/quilt",
+               "engine/TemporalState.h", "engine/RenderObserver.h", "engine/RenderContext.h", "libraries"],
+    "products/OFX/Support": ["ofx", "engine/map", "engine/pass", "engine", "libraries", "platform"],
+    "overlay": ["products/OFX/Support", "ofx", "platform", "libraries"],
+    "effect": ["overlay", "products/OFX/Support", "ofx", "engine", "libraries", "platform"],
+    "picture": ["ofx"],
+    "host": ["picture", "ofx", "platform"],
+    "files": ["picture", "ofx"],
+    "render": ["host", "files", "picture", "ofx", "platform"],
+    "viewer/model": ["render", "host", "files", "picture", "ofx"],
+    "viewer/window": ["viewer/model", "render", "host", "files", "picture", "ofx"],
+    "command": ["viewer/model", "viewer/window", "render", "host", "files", "picture", "ofx"],
+}
+# Tests and benchmarks include anything, and nothing includes them.
+FREE = ["tests", "bench"]
+
+
+def room_of(path):
+    """The most special entry of ARROWS that holds a path; None for a path in none of them."""
+    rooms = [room for room in ARROWS if path == room or path.startswith(room + "/")]
+    return max(rooms, key=len, default=None)
+
+
+def allowed(room, other):
+    return room == other or any(other == arrow or other.startswith(arrow + "/") for arrow in ARROWS[room])
+
+
+def wrong_includes(root):
+    for source in sorted(root.rglob("*")):
+        path = source.relative_to(root).as_posix()
+        if source.suffix not in (".h", ".cpp") or path.startswith(("build/", *(f + "/" for f in FREE))):
+            continue
+        room = room_of(path)
+        if room is None:
+            yield f"{path}: its folder is not in the list of scripts/check-layers.py"
+            continue
+        for number, line in enumerate(source.read_text(encoding="utf-8").splitlines(), 1):
+            include = re.match(r'\s*#\s*include\s+"([^"]+)"', line)
+            if not include:
+                continue
+            other = room_of(include.group(1))
+            if other is None or not (root / include.group(1)).is_file():
+                yield f"{path}:{number}: {include.group(1)} is no file of the tree, written from its root"
+            elif not allowed(room, other):
+                yield f"{path}:{number}: {room} may not include {include.group(1)}"
+
+
+def circle():
+    """Folders that lead back to the first of them, or None."""
+    def walk(room, trail):
+        if room in trail:
+            return trail[trail.index(room):] + [room]
+        for arrow in ARROWS[room] if room in ARROWS else []:
+            for other in [r for r in ARROWS if r == arrow or r.startswith(arrow + "/")]:
+                # A folder that holds others may stand above them.
+                if other != room and (found := walk(other, trail + [room])):
+                    return found
+        return None
+
+    return next((found for room in ARROWS if (found := walk(room, []))), None)
+
+
+def main():
+    root = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).parent.parent).resolve()
+    problems = list(wrong_includes(root))
+    if found := circle():
+        problems.append("a circle: " + " -> ".join(found))
+    for problem in problems:
+        print(problem)
+    return 1 if problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

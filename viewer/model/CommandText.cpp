@@ -1,0 +1,215 @@
+#include "viewer/model/CommandText.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <set>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "files/FrameRange.h"
+#include "render/TextList.h"
+
+namespace Tesseret::Viewer {
+
+using Host::ParameterDescription;
+using Host::ParameterValue;
+using Render::InstanceSetup;
+using Render::JobInputs;
+using Render::MaskSource;
+using Render::ParameterValues;
+using Render::RenderSettings;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// As one word of a POSIX shell.
+std::string quoted(const std::string& word)
+{
+    constexpr std::string_view kPlain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_@%+=:,./-";
+    if (!word.empty() && word.find_first_not_of(kPlain) == std::string::npos) return word;
+    std::string text = "'";
+    for (const char letter : word) {
+        if (letter == '\'') {
+            text += R"('\'')";
+        } else {
+            text += letter;
+        }
+    }
+    return text + "'";
+}
+
+/// Enough digits to be read as the same number again.
+std::string exactText(double number)
+{
+    std::array<char, 64> text{};
+    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
+}
+
+/// The value as text that `parseAssignment` reads as just this value.
+std::string exactText(const ParameterDescription& parameter, const ParameterValue& value)
+{
+    if (const auto* const number = std::get_if<double>(&value)) return exactText(*number);
+    const auto* const numbers = std::get_if<std::vector<double>>(&value);
+    if (numbers == nullptr) return Render::valueText(parameter, value);
+    std::string text;
+    for (const double number : *numbers) Render::appendItem(text, ",", exactText(number));
+    return text;
+}
+
+std::string framesText(const std::vector<int>& frames)
+{
+    if (std::ranges::is_sorted(frames)) return Files::framesText(frames);
+    std::string text;
+    for (const int frame : frames) Render::appendItem(text, ",", std::to_string(frame));
+    return text;
+}
+
+const char* depthText(Depth depth)
+{
+    if (depth == Depth::Byte) return "byte";
+    return depth == Depth::Short ? "short" : "float";
+}
+
+std::string boxText(const Render::ViewBox& box)
+{
+    std::string text;
+    for (const double edge : {box.x1, box.y1, box.x2, box.y2}) {
+        Render::appendItem(text, ",", exactText(edge));
+    }
+    return text;
+}
+
+/// Beside the source, with its extension and its mark for the frame.
+fs::path outputFor(const RenderSettings& settings)
+{
+    if (!settings.output.empty()) return settings.output;
+    const fs::path& source = settings.source;
+    const bool isSequence = Files::SequencePattern(source).isSequence();
+    const std::string mark = settings.frames.size() > 1 && !isSequence ? ".####" : "";
+    return source.parent_path() /
+           ("filled-" + source.stem().string() + mark + source.extension().string());
+}
+
+/// The settings without what the values say. A matte that is not filled from is left out, since
+/// giving one asks for it.
+RenderSettings plainSettings(const RenderSettings& settings, const Render::FillRegion& region)
+{
+    RenderSettings plain = settings;
+    plain.output = outputFor(settings);
+    plain.sampleBox.reset();
+    plain.parameterFile.clear();
+    plain.parameters.clear();
+    plain.mask = Render::MaskOption::None;
+    plain.keepsClear = true;  // as the command does by itself
+    if (region.source != MaskSource::Matte) plain.matte.clear();
+    return plain;
+}
+
+/// What the command says of the values, and the settings that it says it with.
+struct Wording {
+    RenderSettings settings;
+    std::vector<std::string> assignments;  ///< "name=value"
+};
+
+/// The fewest words that lead a command to the values: what it sets by itself may depend on what it
+/// is told, so that it is asked until nothing differs.
+Wording findWording(RenderSettings settings, const InstanceSetup& wanted,
+                    Render::PluginSession& session)
+{
+    const Host::ContextDescription& description = session.describe(wanted.context());
+    const JobInputs inputs(settings);
+    const Depth depth = settings.depth.value_or(inputs.source().depth);
+    if (InstanceSetup(session, settings, inputs, depth).context() != wanted.context()) {
+        settings.context = wanted.context();
+    }
+    const ParameterValues values = wanted.values();
+    std::set<std::string> said;
+    for (bool isComplete = false; !isComplete;) {
+        const ParameterValues reached = InstanceSetup(session, settings, inputs, depth).values();
+        isComplete = true;
+        for (const auto& [name, value] : values) {
+            if (value == reached.at(name) || !said.insert(name).second) continue;
+            const std::string text = exactText(*description.parameter(name), value);
+            settings.parameters.push_back(std::string(name).append("=").append(text));
+            isComplete = false;
+        }
+    }
+    std::vector<std::string> assignments = std::exchange(settings.parameters, {});
+    return {std::move(settings), std::move(assignments)};
+}
+
+/// A command line in the making.
+class CommandLine {
+public:
+    void word(const std::string& word) { Render::appendItem(text_, " ", quoted(word)); }
+    void option(const char* name, const std::string& value)
+    {
+        word(name);
+        word(value);
+    }
+    /// Found from any folder.
+    void file(const char* name, const fs::path& file)
+    {
+        if (!file.empty()) option(name, fs::absolute(file).string());
+    }
+    void addFiles(const RenderSettings& settings);
+    void addMatte(const RenderSettings& settings);
+    void addRender(const RenderSettings& settings);
+    const std::string& text() const { return text_; }
+
+private:
+    std::string text_;
+};
+
+void CommandLine::addFiles(const RenderSettings& settings)
+{
+    file("--source", settings.source);
+    file("--texture1", settings.textures[0]);
+    file("--texture2", settings.textures[1]);
+    file("--texture3", settings.textures[2]);
+    if (!settings.frames.empty()) option("--frames", framesText(settings.frames));
+    file("--output", settings.output);
+    if (!settings.compression.empty()) option("--compression", settings.compression);
+}
+
+void CommandLine::addMatte(const RenderSettings& settings)
+{
+    if (settings.matte.empty()) return;
+    file("--matte", settings.matte);
+    if (!settings.everyArea) option("--areas", "first");
+    if (!settings.cropsAreas) option("--matte-window", "full");
+    if (settings.matteGrow > 0.0) option("--matte-grow", exactText(settings.matteGrow));
+}
+
+void CommandLine::addRender(const RenderSettings& settings)
+{
+    if (settings.window) option("--window", boxText(*settings.window));
+    if (settings.renderScale != 1.0) option("--render-scale", exactText(settings.renderScale));
+    if (settings.depth) option("--depth", depthText(*settings.depth));
+    if (!settings.context.empty()) option("--context", settings.context);
+    if (settings.threads > 0) option("--threads", std::to_string(settings.threads));
+    file("--plugin", settings.plugin);
+}
+
+}  // namespace
+
+std::string commandText(const RenderSettings& settings, const InstanceSetup& setup,
+                        Render::PluginSession& session)
+{
+    const Wording wording =
+        findWording(plainSettings(settings, setup.fillRegion()), setup, session);
+    CommandLine line;
+    line.word("tesseret");
+    line.word("render");
+    line.addFiles(wording.settings);
+    line.addMatte(wording.settings);
+    line.addRender(wording.settings);
+    for (const std::string& assignment : wording.assignments) line.word(assignment);
+    return line.text();
+}
+
+}  // namespace Tesseret::Viewer

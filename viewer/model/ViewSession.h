@@ -1,0 +1,124 @@
+#pragma once
+
+/// What a viewer shows and changes, without any window: the files, the plug-in's instance with its
+/// overlay, the history of edits, and the worker that renders. Everything is called from one
+/// thread.
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/Interact.h"
+#include "render/InstanceSetup.h"
+#include "viewer/model/EditHistory.h"
+#include "viewer/model/MessageList.h"
+#include "viewer/model/PanelPages.h"
+#include "viewer/model/PictureCache.h"
+#include "viewer/model/RenderWorker.h"
+
+namespace Tesseret::Viewer {
+
+class ViewSession {
+public:
+    /// Opens what `tesseret render` would render; the output may be empty. Throws `UsageError` or
+    /// `FileError`.
+    explicit ViewSession(Render::RenderSettings settings);
+    /// With the overlay, so that an OpenGL context that it was drawn in is still current.
+    ~ViewSession();
+
+    // What there is.
+
+    Host::EffectDescription effect() { return session_.effect().description(); }
+    const Host::ContextDescription& description() const { return description_; }
+    const std::vector<PanelPage>& pages() const { return pages_; }
+    const Render::JobInputs& inputs() const { return pictures_.inputs(); }
+    Host::Instance& instance() { return *ready_.instance; }
+    /// Made at the first call; null when the plug-in has none or refuses.
+    Host::Interact* overlay();
+    RenderWorker& worker() { return *worker_; }
+
+    // Frames.
+
+    const std::vector<int>& frames() const { return inputs().frames(); }
+    int frame() const { return frame_; }
+    /// Throws `FileError` or `UsageError` when the frame's files cannot be read.
+    void setFrame(int frame);
+    /// Of the current frame at full size, by clip: "Source", "Matte" and so on.
+    const Render::FramePictures& pictures() const { return *shown_; }
+
+    // Values of parameters. What the plug-in sets in answer belongs to the same edit.
+
+    Host::ParameterValue value(const std::string& name) const
+    {
+        return ready_.instance->value(name);
+    }
+    /// Throws `HostError` for a value of another shape.
+    void set(const std::string& name, Host::ParameterValue value);
+    /// To the plug-in's default.
+    void reset(const std::string& name);
+    /// A push button.
+    void press(const std::string& name);
+    /// All edits up to the end of the group are undone as one.
+    void beginGroup() { history_.beginGroup(); }
+    void endGroup() { history_.endGroup(); }
+    bool canUndo() const { return history_.canUndo(); }
+    bool canRedo() const { return history_.canRedo(); }
+    void undo();
+    void redo();
+    /// Records what the plug-in has set by itself; to be called after every action of the overlay.
+    void noticePluginEdits();
+    /// Whether the frame or a value that the picture depends on has changed since the last call;
+    /// true at the first.
+    bool takeChanged();
+    /// What the plug-in had to say to the person, beside what it said in renders.
+    std::vector<std::string> takeMessages();
+
+    // Renders.
+
+    /// The scale of a full render; 1 unless the settings say otherwise.
+    double fullScale() const { return settings_.renderScale; }
+    /// Orders the current state from the worker, and returns the order's serial number.
+    std::uint64_t order(double scale, bool wantsMaps = false);
+    /// Whether the worker's latest result is the current state at full scale.
+    bool hasFullResult() const;
+    /// Writes the current frame as `tesseret render` would; a mark for the frame in the name
+    /// becomes its number. Waits for a full render when there is none of the current state. Throws
+    /// `RenderFailure`, `FileError` or `UsageError`.
+    void saveResult(const std::filesystem::path& name);
+    /// The equivalent `tesseret render` command line.
+    std::string commandText();
+
+    // Parameter sets as files; both throw `FileError` or `UsageError`.
+
+    void saveParameters(const std::filesystem::path& file);
+    /// As one edit.
+    void loadParameters(const std::filesystem::path& file);
+
+private:
+    Render::ParameterValues values() const;
+    void apply(const std::vector<Render::NamedValue>& values);
+    std::vector<ValueChange> takeChanges();
+    RenderOrder currentOrder(double scale) const;
+
+    Render::RenderSettings settings_;
+    PictureCache pictures_;
+    MessageList messages_;
+    Render::PluginSession session_;
+    Render::InstanceSetup setup_;
+    const Host::ContextDescription& description_;
+    std::vector<PanelPage> pages_;
+    Render::ReadyInstance ready_;
+    std::unique_ptr<Host::Interact> overlay_;
+    bool hasTriedOverlay_ = false;
+    std::unique_ptr<RenderWorker> worker_;
+    int frame_;
+    std::shared_ptr<const Render::FramePictures> shown_;
+    Render::ParameterValues known_;  ///< the values that the history has reached
+    EditHistory history_;
+    bool hasChanged_ = true;
+};
+
+}  // namespace Tesseret::Viewer

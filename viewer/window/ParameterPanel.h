@@ -1,0 +1,43 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "viewer/model/MessageLog.h"
+#include "viewer/model/ViewSession.h"
+
+namespace Tesseret::Viewer {
+
+/// Every parameter of the plug-in, page by page, built from what the plug-in described. What is
+/// done to one parameter from taking hold of it to letting go is one step to undo.
+class ParameterPanel {
+public:
+    /// Both outlive the object.
+    ParameterPanel(ViewSession& session, MessageLog& log) : session_(session), log_(log) {}
+
+    /// Inside the user interface's current window.
+    void draw();
+    /// Whether a slider or number is held.
+    bool isDragging() const;
+
+private:
+    void drawPage(const PanelPage& page);
+    void drawColumn(const std::vector<std::string>& column);
+    void drawRow(const Host::ParameterDescription& parameter);
+    void drawValue(const Host::ParameterDescription& parameter, float width);
+    void drawReset(const Host::ParameterDescription& parameter);
+    /// While a value is typed it counts only when it is finished.
+    void keepOrSet(const std::string& name, const Host::ParameterValue& value);
+    void takeHold(const std::string& name);
+    void letGo();
+
+    void set(const std::string& name, const Host::ParameterValue& value);
+
+    ViewSession& session_;
+    MessageLog& log_;
+    std::string held_;  ///< the parameter that is being edited; empty while there is none
+    bool isHeldNow_ = false;
+    std::optional<Host::ParameterValue> typed_;  ///< for held_, not set yet
+};
+
+}  // namespace Tesseret::Viewer

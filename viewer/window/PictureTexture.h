@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "picture/Picture.h"
+
+namespace Tesseret::Viewer {
+
+/// A picture on the graphics card, in tiles where it is larger than a texture may be. Every call
+/// needs the same OpenGL context to be current, the destructor too.
+class PictureTexture {
+public:
+    PictureTexture() = default;
+    ~PictureTexture();
+    PictureTexture(const PictureTexture&) = delete;
+    PictureTexture& operator=(const PictureTexture&) = delete;
+
+    /// Takes over what the picture shows; the same picture as last time costs nothing. Null shows
+    /// nothing. One pixel covers 1 / scale canonical units, across times the pixel aspect ratio.
+    void show(std::shared_ptr<const Picture> picture, OfxPointD scale);
+    bool isEmpty() const { return tiles_.empty(); }
+
+    /// Draws in canonical units: sharp pixels when enlarged, averaged when made smaller.
+    void draw() const;
+
+private:
+    struct Tile {
+        unsigned int texture;
+        OfxRectD place;  ///< canonical
+    };
+
+    void clear();
+    void addTile(const OfxRectI& part, OfxPointD scale);
+
+    std::shared_ptr<const Picture> picture_;
+    std::vector<Tile> tiles_;
+};
+
+}  // namespace Tesseret::Viewer

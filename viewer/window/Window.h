@@ -1,0 +1,62 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "viewer/model/InputQueue.h"
+
+struct GLFWwindow;
+
+namespace Tesseret::Viewer {
+
+struct WindowSize {
+    int width = 1280, height = 800;
+};
+
+/// One window of the system with an OpenGL context, which is current while the object lives, and
+/// the user interface library set up in it. One at a time.
+class Window {
+public:
+    /// Throws `UsageError` where there is no window system.
+    Window(const std::string& title, WindowSize size);
+    ~Window();
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+
+    /// Sleeps until there is input, `wake` is called or the time has passed.
+    void wait(double seconds);
+    /// Ends the sleep of a window; from any thread.
+    static void wake();
+
+    /// Shows input to the user interface and begins its frame; the frame's keys are pressed or
+    /// repeated ones. Where more input waits than one frame can show, `wait` returns at once.
+    void beginFrame();
+    const std::vector<KeyEvent>& keys() const { return keys_; }
+    /// Whether the frame shows any input.
+    bool hadInput() const { return hadInput_; }
+    /// Draws the user interface over what was drawn and shows the frame.
+    void endFrame();
+
+    /// Whether the person closes the window.
+    bool isClosing() const;
+    void close();
+    void copyToClipboard(const std::string& text);
+
+    /// In screen units.
+    WindowSize size() const;
+    /// Pixels for one screen unit, more than 1 on dense displays.
+    double density() const;
+
+private:
+    void listen();
+    void pass(const InputEvent& event);
+
+    GLFWwindow* window_ = nullptr;
+    InputQueue input_;
+    double pointerX_ = -1.0, pointerY_ = -1.0;
+    std::vector<KeyEvent> keys_;
+    bool hadInput_ = false;
+};
+
+}  // namespace Tesseret::Viewer
