@@ -1,93 +1,63 @@
 #include "effect/EffectRenderContext.h"
 
+#include "effect/ParameterNames.h"
 #include "products/OFX/Support/Clip.h"
 #include "products/OFX/Support/Observer.h"
 
 namespace Tesseret {
-namespace {
 
-using Orvane::Engine::Vec2;
-
-/// Parameters are asked for in single precision, whatever the host's times are.
-float paramTime(double time)
-{
-    return static_cast<float>(time);
-}
-
-}  // namespace
+using Orvane::Engine::ClipImage;
+using Orvane::Engine::RenderPlace;
 
 EffectRenderContext::EffectRenderContext(Orvane::OvOfxHostWrapper& wrapper,
                                          Orvane::OvOfxEffectInterface& effectInterface)
     : wrapper_(wrapper),
-      interface_(effectInterface),
       observer_(Orvane::makeHostObserver(
-          static_cast<OfxImageEffectHandle>(wrapper.renderStatus().abortHandle)))
+          static_cast<OfxImageEffectHandle>(wrapper.renderStatus().abortHandle))),
+      time_(wrapper.time()),
+      reader_(wrapper, effectInterface, time_)
 {}
 
-double EffectRenderContext::time()
+std::unique_ptr<ClipImage> EffectRenderContext::outputImage()
 {
-    return wrapper_.time();
+    return image(kOfxImageEffectOutputClipName);
 }
 
-Vec2 EffectRenderContext::renderScale()
-{
-    const Orvane::OvPoint scale = wrapper_.renderScale();
-    return {scale.x, scale.y};
-}
-
-double EffectRenderContext::pixelAspectRatio()
-{
-    return wrapper_.pixelAspectRatio();
-}
-
-Orvane::Engine::Window EffectRenderContext::renderWindow()
+RenderPlace EffectRenderContext::place()
 {
     const OfxRectI window = wrapper_.renderWindow();
-    return {window.x1, window.y1, window.x2, window.y2};
+    reader_.readScale();
+    return {.time = time_, .window = {window.x1, window.y1, window.x2, window.y2}};
 }
 
-Orvane::RenderStatus& EffectRenderContext::renderStatus()
+std::unique_ptr<ClipImage> EffectRenderContext::sourceImage()
 {
-    return wrapper_.renderStatus();
+    return image(Names::kSource);
 }
 
-bool EffectRenderContext::hasParam(const char* name)
+std::unique_ptr<ClipImage> EffectRenderContext::matteImage()
 {
-    return wrapper_.hasParam(name);
+    return isConnected(Names::kMatte) ? image(Names::kMatte) : nullptr;
 }
 
-double EffectRenderContext::doubleAt(const char* name, double time)
+std::unique_ptr<ClipImage> EffectRenderContext::textureImage(std::size_t index)
 {
-    return interface_.doubleAt(name, paramTime(time));
+    const char* clip = Names::kTextures.at(index);
+    const bool isUsed =
+        reader_.hasTexture(index) && isConnected(clip) && reader_.usesTexture(index);
+    return isUsed ? image(clip) : nullptr;
 }
 
-int EffectRenderContext::intAt(const char* name, double time)
+bool EffectRenderContext::isConnected(const char* clip) const
 {
-    return interface_.intAt(name, paramTime(time));
+    const Orvane::OvOfxClipAccessor* accessor = wrapper_.clip(clip);
+    return accessor != nullptr && accessor->isConnected();
 }
 
-bool EffectRenderContext::boolAt(const char* name, double time)
+std::unique_ptr<ClipImage> EffectRenderContext::image(const char* clip) const
 {
-    return interface_.boolAt(name, paramTime(time));
-}
-
-Vec2 EffectRenderContext::double2DAt(const char* name, double time)
-{
-    const Orvane::OvPoint position = interface_.double2DAt(name, paramTime(time));
-    return {position.x, position.y};
-}
-
-bool EffectRenderContext::isClipConnected(const char* name)
-{
-    const Orvane::OvOfxClipAccessor* clip = wrapper_.clip(name);
-    return clip != nullptr && clip->isConnected();
-}
-
-std::unique_ptr<Orvane::Engine::ClipImage> EffectRenderContext::clipImage(const char* name,
-                                                                          double time)
-{
-    const Orvane::OvOfxClipAccessor* clip = wrapper_.clip(name);
-    return clip != nullptr ? clip->image(time, nullptr) : nullptr;
+    const Orvane::OvOfxClipAccessor* accessor = wrapper_.clip(clip);
+    return accessor != nullptr ? accessor->image(time_, nullptr) : nullptr;
 }
 
 }  // namespace Tesseret

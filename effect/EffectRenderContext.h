@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 
+#include "effect/FillParameters.h"
 #include "engine/RenderContext.h"
 #include "products/OFX/Support/EffectInterface.h"
 #include "products/OFX/Support/HostWrapper.h"
@@ -12,31 +14,30 @@ namespace Tesseret {
 /// effect's interface.
 class EffectRenderContext final : public Orvane::Engine::RenderContext {
 public:
-    /// Both outlive the context. Asks the host whether somebody watches the render.
+    /// Both outlive the context. Asks the host whether somebody watches the render, and for its
+    /// time.
     EffectRenderContext(Orvane::OvOfxHostWrapper& wrapper,
                         Orvane::OvOfxEffectInterface& effectInterface);
 
-    double time() override;
-    Orvane::Engine::Vec2 renderScale() override;
-    double pixelAspectRatio() override;
-    Orvane::Engine::Window renderWindow() override;
-    Orvane::RenderStatus& renderStatus() override;
+    std::unique_ptr<Orvane::Engine::ClipImage> outputImage() override;
+    Orvane::Engine::RenderPlace place() override;
+    std::unique_ptr<Orvane::Engine::ClipImage> sourceImage() override;
+    void readRegion(Orvane::Engine::FillParameters& fill) override { reader_.readRegion(fill); }
+    std::unique_ptr<Orvane::Engine::ClipImage> matteImage() override;
+    void readFill(Orvane::Engine::FillParameters& fill) override { reader_.readFill(fill); }
+    std::unique_ptr<Orvane::Engine::ClipImage> textureImage(std::size_t index) override;
 
-    bool hasParam(const char* name) override;
-    double doubleAt(const char* name, double time) override;
-    int intAt(const char* name, double time) override;
-    bool boolAt(const char* name, double time) override;
-    Orvane::Engine::Vec2 double2DAt(const char* name, double time) override;
-
-    bool isClipConnected(const char* name) override;
-    std::unique_ptr<Orvane::Engine::ClipImage> clipImage(const char* name, double time) override;
-
+    Orvane::RenderStatus& renderStatus() override { return wrapper_.renderStatus(); }
     Orvane::Engine::RenderObserver* observer() override { return observer_.get(); }
 
 private:
+    [[nodiscard]] bool isConnected(const char* clip) const;
+    [[nodiscard]] std::unique_ptr<Orvane::Engine::ClipImage> image(const char* clip) const;
+
     Orvane::OvOfxHostWrapper& wrapper_;
-    Orvane::OvOfxEffectInterface& interface_;
     std::unique_ptr<Orvane::Engine::RenderObserver> observer_;
+    double time_;
+    FillParameterReader reader_;
 };
 
 }  // namespace Tesseret

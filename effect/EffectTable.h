@@ -1,7 +1,7 @@
 #pragma once
 
-/// Everything a host gets to see of the effect, as data: names, labels, hints, values, pages.
-/// Projects are saved by these names, so they keep their spelling for ever, odd ones included.
+/// Everything a host gets to see of the effect, as data: labels, hints, values, pages, and the
+/// names of effect/ParameterNames.h.
 
 #include <array>
 #include <span>
@@ -19,14 +19,6 @@ extern const char* const kDescription;
 
 inline constexpr std::array kContexts = {"Filter", "General"};
 inline constexpr std::array kPixelDepths = {"byte", "short", "float"};
-
-/// The names that code refers to.
-inline constexpr const char* kTemporalConsistency = "temporalConsistancy";
-inline constexpr const char* kAbout = "about";
-inline constexpr const char* kShowWidget = "showWidget";
-inline constexpr const char* kSampleRegion = "sampleRegion";
-/// The clips whose whole region of definition every render needs.
-inline constexpr std::array kPictureClips = {"Source", "Texture1", "Texture2", "Texture3"};
 
 /// In which contexts something exists.
 enum class In { Both, FilterOnly, GeneralOnly };

@@ -6,6 +6,7 @@
 
 #include "effect/AboutText.h"
 #include "effect/EffectRenderContext.h"
+#include "effect/ParameterNames.h"
 #include "effect/TesseretInterface.h"
 #include "engine/RenderDriver.h"
 #include "overlay/OverlayEntry.h"
@@ -111,7 +112,7 @@ PixelKind kindOf(OvDepth depth)
 
 }  // namespace
 
-TesseretEffect::TesseretEffect() : sampleRegion_(own<Rect2D>(kSampleRegion))
+TesseretEffect::TesseretEffect() : sampleRegion_(own<Rect2D>(Names::kSampleRegion))
 {
     sampleRegion_.label = "Region";
     sampleRegion_.hint = "Region to remove.";
@@ -160,12 +161,13 @@ void TesseretEffect::addParameters()
         if (row.contexts != In::GeneralOnly) filter().params.push_back(&param);
         if (row.contexts != In::FilterOnly) general().params.push_back(&param);
     }
-    auto* temporal = paramCast<OvOfxBooleanParam>(paramNamed(general(), kTemporalConsistency));
+    auto* temporal =
+        paramCast<OvOfxBooleanParam>(paramNamed(general(), Names::kTemporalConsistency));
     temporal->onChange = [this](const OvOfxChangeRecord&) { writeSequentialRender(); };
     temporalConsistency_ = temporal;
-    const auto* shown = paramCast<OvOfxBooleanParam>(paramNamed(general(), kShowWidget));
-    own<RectangleControl>(kSampleRegion, sampleRegion_, *shown);
-    paramNamed(general(), kAbout)->onChange = [this](const OvOfxChangeRecord& change) {
+    const auto* shown = paramCast<OvOfxBooleanParam>(paramNamed(general(), Names::kShowWidget));
+    own<RectangleControl>(Names::kSampleRegion, sampleRegion_, *shown);
+    paramNamed(general(), Names::kAbout)->onChange = [this](const OvOfxChangeRecord& change) {
         showAbout(change);
     };
 }

@@ -3,18 +3,26 @@
 #include <algorithm>
 #include <string_view>
 
-#include "effect/EffectTable.h"
+#include "effect/ParameterNames.h"
 #include "products/OFX/Support/Clip.h"
 #include "products/OFX/Support/HostWrapper.h"
 
 namespace Tesseret {
+namespace {
+
+/// Whether every render needs the whole region of definition of that clip.
+bool isPicture(std::string_view clip)
+{
+    return clip == Names::kSource ||
+           std::ranges::find(Names::kTextures, clip) != Names::kTextures.end();
+}
+
+}  // namespace
 
 bool TesseretInterface::getRegionOfInterest(const char* clipName, const Orvane::OvRect&,
                                             Orvane::OvRect& rect)
 {
-    if (std::ranges::find(kPictureClips, std::string_view(clipName)) == kPictureClips.end()) {
-        return false;
-    }
+    if (!isPicture(clipName)) return false;
     const Orvane::OvOfxClipAccessor* clip = wrapper().clip(clipName);
     if (clip == nullptr) return false;
     rect = clip->pixelRegionOfDefinition(wrapper().time());

@@ -1,47 +1,40 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 
+#include "engine/FillParameters.h"
 #include "engine/RenderObserver.h"
 #include "engine/map/ClipImage.h"
 #include "libraries/Processor/RenderStatus.h"
 
 namespace Orvane::Engine {
 
-struct Vec2 {
-    float x, y;
+/// When and where a render happens.
+struct RenderPlace {
+    double time = 0.0;
+    Region window;  ///< pixels
 };
 
-/// A window in pixels, half-open: x1 <= x < x2, y1 <= y < y2.
-struct Window {
-    int x1, y1, x2, y2;
-};
-
-/// Everything one render may ask of its host: when, where, at which scale, values by name, images
-/// by clip name. Nothing here fails; what the host does not have answers zero, false or null.
+/// The images of one render, what it is asked to do, and whom it tells. Images are those of the
+/// render's time, null where there is none. Nothing here fails. All but the last two are called at
+/// most once, the textures' once for each, and in the order given here: hosts see it.
 class RenderContext {
 public:
     virtual ~RenderContext() = default;
 
-    virtual double time() = 0;
-    virtual Vec2 renderScale() = 0;
-    virtual double pixelAspectRatio() = 0;
-    virtual Window renderWindow() = 0;
+    virtual std::unique_ptr<ClipImage> outputImage() = 0;
+    virtual RenderPlace place() = 0;
+    virtual std::unique_ptr<ClipImage> sourceImage() = 0;
+    /// Sets the temporal consistency and where the mask comes from.
+    virtual void readRegion(FillParameters& fill) = 0;
+    virtual std::unique_ptr<ClipImage> matteImage() = 0;
+    /// Sets everything else.
+    virtual void readFill(FillParameters& fill) = 0;
+    /// Of texture 0, 1 or 2, in that order; null when it is not in use.
+    virtual std::unique_ptr<ClipImage> textureImage(std::size_t index) = 0;
+
     virtual RenderStatus& renderStatus() = 0;
-
-    virtual bool hasParam(const char* name) = 0;
-    virtual double doubleAt(const char* name, double time) = 0;
-    /// An integer, the index of a choice, or 0 and 1 for a boolean.
-    virtual int intAt(const char* name, double time) = 0;
-    virtual bool boolAt(const char* name, double time) = 0;
-    /// Positions arrive in pixels of the image being rendered.
-    virtual Vec2 double2DAt(const char* name, double time) = 0;
-
-    /// Whether the context has a clip of that name and something is connected to it.
-    virtual bool isClipConnected(const char* name) = 0;
-    /// The clip's image at that time, or null.
-    virtual std::unique_ptr<ClipImage> clipImage(const char* name, double time) = 0;
-
     /// Null when nobody watches.
     virtual RenderObserver* observer() = 0;
 };

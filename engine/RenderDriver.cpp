@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -13,7 +14,6 @@
 namespace Orvane::Engine {
 namespace {
 
-constexpr int kEntireImage = 0;  ///< the choice of "fillRegion" that needs no mask
 constexpr int kSeamStep = 2;
 constexpr int kMaxLuminancePasses = 2147483647;
 constexpr const char* kNoMask = "there is no mask to fill, so the whole picture is filled";
@@ -24,11 +24,7 @@ struct FetchedMap {
     std::unique_ptr<ClipImage> image;
     Map<Pixel> map;
 
-    /// Whether there is an image of this kind.
-    bool fetch(RenderContext& context, const char* clip, double time)
-    {
-        return adopt(context.clipImage(clip, time));
-    }
+    /// Takes an image over. False, and the image is released, without one of this kind.
     bool adopt(std::unique_ptr<ClipImage> fetched)
     {
         Map<Pixel>* view = fetched != nullptr ? fetched->as<Pixel>() : nullptr;
@@ -58,32 +54,57 @@ private:
     bool kept_ = false;
 };
 
+template <typename Pixel>
+SynthesisSettings<Pixel> settingsOf(const FillParameters& fill)
+{
+    SynthesisSettings<Pixel> settings;
+    settings.sampleBox = fill.sampleBox;
+    settings.avoidFillRegion = fill.avoidFillRegion;
+    settings.seed = fill.seed;
+    settings.blocks = {.blockW = fill.blockSize,
+                       .blockH = fill.blockSize,
+                       .overlapW = fill.overlap,
+                       .overlapH = fill.overlap,
+                       .blendW = fill.blendWidth,
+                       .blendH = fill.blendHeight,
+                       .seamStep = kSeamStep,
+                       .numSamples = fill.numSamples};
+    settings.pathWidth = fill.pathWidth;
+    settings.edgeBlend = fill.edgeBlend;
+    settings.luminanceMatch = fill.luminanceMatch;
+    settings.luminanceBlur = fill.luminanceBlur;
+    settings.maxPasses = kMaxLuminancePasses;
+    return settings;
+}
+
 /// One render at one depth.
 template <typename Pixel>
 class DepthRender {
 public:
-    DepthRender(RenderContext& context, TemporalState& state)
-        : context_(context), state_(state), time_(context.time())
-    {}
+    DepthRender(RenderContext& context, TemporalState& state) : context_(context), state_(state) {}
 
     void render(std::unique_ptr<ClipImage> output)
     {
         FetchedMap<Pixel> target;
         FetchedMap<Pixel> source;
         const bool hasOutput = target.adopt(std::move(output)) && target.map.isUsable();
-        const Window window = context_.renderWindow();
-        const bool hasSource = source.fetch(context_, "Source", time_);
-        if (!hasOutput || !hasSource || window.x2 <= window.x1 || window.y2 <= window.y1) return;
+        const RenderPlace place = context_.place();
+        const bool hasSource = source.adopt(context_.sourceImage());
+        if (!hasOutput || !hasSource || place.window.isEmpty()) return;
 
-        SynthesisSettings<Pixel> settings;
-        settings.useStoredBlocks = decideReplay();
+        const bool hasBlocks = holdsBlocksFor(place.time);
+        FillParameters fill;
+        context_.readRegion(fill);
+        state_.valid = fill.temporalConsistency;  // else the next render starts anew
+        const bool useStoredBlocks = hasBlocks && fill.temporalConsistency;
         StateKeeper keeper(state_);
-        if (settings.useStoredBlocks) keeper.keep();
-        const int choice = context_.intAt("fillRegion", time_);
-        mask_.fetch(context_, choice, source.map);
-        readSettings(settings);
+        if (useStoredBlocks) keeper.keep();
+        takeMask(fill, source.map);
+        context_.readFill(fill);
+        auto settings = settingsOf<Pixel>(fill);
+        settings.useStoredBlocks = useStoredBlocks;
         if (!mask_.exists()) {
-            sayThatThereIsNoMask(choice);
+            sayThatThereIsNoMask(fill.maskOrigin);
         } else if (!prepareMask(settings)) {
             return;
         }
@@ -91,28 +112,31 @@ public:
         fetchTextures(textures, source.map, settings);
 
         SynthesisNode<Pixel> node(settings, state_, context_.observer());
-        node.setRegion({window.x1, window.y1, window.x2, window.y2});
+        node.setRegion(place.window);
         node.setStatusRecord(&context_.renderStatus());
         node.process(source.map, target.map);
         if (state_.valid && context_.renderStatus().aborted == 0) keeper.keep();
     }
 
 private:
-    /// Starts the state anew at frame 0 and when there is nothing to lay again.
-    bool decideReplay()
+    /// Whether the state holds blocks for that time; at frame 0, and when its blocks are of no more
+    /// use, it is emptied.
+    bool holdsBlocksFor(double time)
     {
-        const bool firstFrame = floorToInt(time_ + 0.5) == 0;
-        bool replays = true;
-        if (firstFrame || !state_.valid) {
-            state_.discard();
-            state_.valid = true;
-            replays = false;
+        const bool firstFrame = floorToInt(time + 0.5) == 0;
+        if (!firstFrame && state_.valid) return true;
+        state_.discard();
+        return false;
+    }
+
+    void takeMask(const FillParameters& fill, const Map<Pixel>& source)
+    {
+        RenderStatus& status = context_.renderStatus();
+        if (fill.maskOrigin == MaskOrigin::SourceAlpha) {
+            mask_.takeSourceAlpha(source, fill.maskSense, status);
+        } else if (fill.maskOrigin == MaskOrigin::Matte) {
+            mask_.takeMatte(context_.matteImage(), fill.maskSense, status);
         }
-        if (!context_.boolAt("temporalConsistancy", time_)) {
-            replays = false;
-            state_.valid = false;  // the next render starts anew
-        }
-        return replays;
     }
 
     /// Whether the render goes on: it ends when the host asks to while the mask is prepared.
@@ -126,74 +150,19 @@ private:
         return true;
     }
 
-    void sayThatThereIsNoMask(int choice)
+    void sayThatThereIsNoMask(MaskOrigin wanted)
     {
         RenderObserver* observer = context_.observer();
-        if (choice != kEntireImage && observer != nullptr) observer->note(kNoMask);
+        if (wanted != MaskOrigin::None && observer != nullptr) observer->note(kNoMask);
     }
 
-    void readSettings(SynthesisSettings<Pixel>& settings)
-    {
-        settings.sampleBox = readSampleBox();
-        settings.seed = context_.intAt("seed", time_);
-        settings.blocks.blockW = settings.blocks.blockH = scaledInt("blockSize");
-        settings.blocks.overlapW = settings.blocks.overlapH = scaledInt("overlap");
-        const int blend = scaledInt("blendSize");
-        settings.blocks.blendW = floorToInt(blend / context_.pixelAspectRatio() + 0.5);
-        settings.blocks.blendH = blend;
-        settings.blocks.numSamples = context_.intAt("numSamples", time_);
-        settings.blocks.seamStep = kSeamStep;
-        settings.pathWidth = lengthAt("pathWidth");
-        settings.edgeBlend = lengthAt("edgeBlend");
-        settings.avoidFillRegion = context_.boolAt("avoidFillRegion", time_);
-        settings.luminanceMatch = context_.boolAt("luminanceMatch", time_);
-        settings.luminanceBlur = lengthAt("luminanceBlur");
-        settings.maxPasses = kMaxLuminancePasses;
-    }
-
-    /// A length in pixels of this render; a negative one and NaN count as 0.
-    float lengthAt(const char* name)
-    {
-        const auto length = static_cast<float>(context_.doubleAt(name, time_));
-        return length > 0.0f ? length : 0.0f;
-    }
-
-    /// A length in pixels at full size, as pixels of this render; the horizontal scale serves both
-    /// axes.
-    int scaledInt(const char* name)
-    {
-        const auto pixels = static_cast<float>(context_.intAt(name, time_));
-        return truncateToInt(pixels * context_.renderScale().x);
-    }
-
-    /// The corners arrive in pixels, in any order.
-    Region readSampleBox()
-    {
-        const Vec2 a = context_.double2DAt("sampleCorner1", time_);
-        const Vec2 b = context_.double2DAt("sampleCorner2", time_);
-        const auto [xMin, xMax] = std::minmax({truncateToInt(a.x), truncateToInt(b.x)});
-        const auto [yMin, yMax] = std::minmax({truncateToInt(a.y), truncateToInt(b.y)});
-        return {xMin, yMin, xMax, yMax};
-    }
-
-    /// Textures that are connected, switched on and deliver an image; the source when there is
-    /// none.
+    /// The textures in use; the source when there is none.
     void fetchTextures(std::array<FetchedMap<Pixel>, 3>& textures, Map<Pixel>& source,
                        SynthesisSettings<Pixel>& settings)
     {
-        struct TextureClip {
-            const char* clip;
-            const char* toggle;
-        };
-        constexpr std::array<TextureClip, 3> kClips{{{"Texture1", "useTexture1"},
-                                                     {"Texture2", "useTexture2"},
-                                                     {"Texture3", "useTexture3"}}};
         bool any = false;
-        for (std::size_t i = 0; i < kClips.size(); ++i) {
-            const auto& [clip, toggle] = kClips[i];
-            if (!context_.hasParam(toggle) || !context_.isClipConnected(clip)) continue;
-            if (!context_.boolAt(toggle, time_)) continue;
-            if (!textures[i].fetch(context_, clip, time_)) continue;
+        for (std::size_t i = 0; i < textures.size(); ++i) {
+            if (!textures[i].adopt(context_.textureImage(i))) continue;
             settings.textures[i] = &textures[i].map;
             any = true;
         }
@@ -204,7 +173,6 @@ private:
 
     RenderContext& context_;
     TemporalState& state_;
-    double time_;
     RegionMask<Pixel> mask_;
     std::optional<Map<Pixel32f>> preparedMask_;
 };
@@ -219,7 +187,7 @@ void renderDepth(RenderContext& context, TemporalState& state, std::unique_ptr<C
 
 void renderFrame(RenderContext& context, TemporalState& state, PixelKind depth)
 {
-    std::unique_ptr<ClipImage> output = context.clipImage("Output", context.time());
+    std::unique_ptr<ClipImage> output = context.outputImage();
     switch (output != nullptr ? output->kind() : depth) {
         case PixelKind::RGBA8:
             return renderDepth<PixelRGBA8>(context, state, std::move(output));

@@ -6,8 +6,8 @@
 
 namespace Orvane::Engine {
 
-/// Renders one frame: fetches the images, reads every parameter at the render time, decides whether
-/// the recorded blocks are laid again, and runs the synthesis node over the render window.
+/// Renders one frame: fetches the images, asks what is to be done, decides whether the recorded
+/// blocks are laid again, and runs the synthesis node over the render window.
 ///
 /// `depth` is the RGBA kind that the host announced for the output; an output image that says
 /// otherwise of itself is believed. Without an output image, without a source image of the same

@@ -1,14 +1,10 @@
 #pragma once
 
 #include "engine/map/PixelTraits.h"
+#include "engine/mask/MaskOrigin.h"
 #include "engine/pass/MapProcessor.h"
 
 namespace Orvane::Engine {
-
-enum class MaskSense {
-    AsItIs,   ///< M is to be filled
-    Inverted  ///< 0 is to be filled
-};
 
 /// Takes the mask out of a picture's alpha, cut to [0, M]. `Pixel` is the picture's; the mask is
 /// the single-channel kind of the same depth.

@@ -1,13 +1,12 @@
 #include "engine/mask/RegionMask.h"
 
+#include <utility>
+
 #include "engine/map/MapRow.h"
 #include "engine/mask/FillMask.h"
 
 namespace Orvane::Engine {
 namespace {
-
-/// The choices of "fillRegion".
-enum FillRegion { EntireImage, SourceAlpha, SourceInvertedAlpha, MatteAlpha, MatteInvertedAlpha };
 
 /// Gives the region of a solid mask another value.
 void setRegionValue(Map<Pixel32f>& mask, float value)
@@ -26,26 +25,20 @@ void setRegionValue(Map<Pixel32f>& mask, float value)
 }  // namespace
 
 template <typename Pixel>
-void RegionMask<Pixel>::fetch(RenderContext& context, int choice, const Map<Pixel>& source)
+void RegionMask<Pixel>::takeSourceAlpha(const Map<Pixel>& source, MaskSense sense,
+                                        RenderStatus& status)
 {
     using Mask = typename PixelTraits<Pixel>::Mask;
-    RenderStatus& status = context.renderStatus();
-    if (choice == SourceAlpha || choice == SourceInvertedAlpha) {
-        const bool inverts = choice == SourceInvertedAlpha;
-        extractMask(source, inverts ? MaskSense::Inverted : MaskSense::AsItIs, &status,
-                    mask_.template emplace<Map<Mask>>());
-    } else if (choice == MatteAlpha || choice == MatteInvertedAlpha) {
-        if (!context.isClipConnected("Matte")) return;
-        matte_ = context.clipImage("Matte", context.time());
-        if (matte_ == nullptr) return;
-        takeMatte(choice == MatteInvertedAlpha ? MaskSense::Inverted : MaskSense::AsItIs, status);
-    }
+    extractMask(source, sense, &status, mask_.template emplace<Map<Mask>>());
 }
 
 /// A matte has one channel; of one that arrives with four the alpha counts.
 template <typename Pixel>
-void RegionMask<Pixel>::takeMatte(MaskSense sense, RenderStatus& status)
+void RegionMask<Pixel>::takeMatte(std::unique_ptr<ClipImage> matte, MaskSense sense,
+                                  RenderStatus& status)
 {
+    matte_ = std::move(matte);
+    if (matte_ == nullptr) return;
     [[maybe_unused]] const bool taken =
         takeGrey<PixelRGBA8>(sense, status) || takeGrey<PixelRGBA16>(sense, status) ||
         takeGrey<PixelRGBAf>(sense, status) || takeAlpha<PixelRGBA8>(sense, status) ||

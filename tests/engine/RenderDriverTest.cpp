@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "engine/RenderDriver.h"
+#include "engine/map/ExactMath.h"
 #include "tests/fixtures/FakeRenderContext.h"
 #include "tests/fixtures/FakeServices.h"
 
@@ -19,15 +20,13 @@ using ::testing::SizeIs;
 using Testing::solid;
 using Testing::TestMap;
 
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-
 /// An instance with a source of 40 x 30 noise, rendered at one depth.
 template <typename Pixel>
 struct Rig {
     Rig()
     {
-        context.connect("Source", source);
-        context.connect("Output", output);
+        context.connect(context.source, source);
+        context.connect(context.output, output);
         context.window = {0, 0, 40, 30};
         context.watcher = &observer;
     }
@@ -83,8 +82,8 @@ TYPED_TEST(RenderDriver, LaysTheSameBlocksAgainWhileConsistent)
 {
     for (const int blend : {0, 1}) {
         Rig<TypeParam> rig;
-        rig.context.numbers["temporalConsistancy"] = 1;
-        rig.context.numbers["blendSize"] = blend;
+        rig.context.fill.temporalConsistency = true;
+        rig.context.fill.blendWidth = rig.context.fill.blendHeight = blend;
         const auto first = rig.render(0);
         const auto again = rig.render(5);
         EXPECT_THAT(rig.observer.stages, ElementsAre("replay", "composite"));
@@ -93,12 +92,12 @@ TYPED_TEST(RenderDriver, LaysTheSameBlocksAgainWhileConsistent)
         }
         EXPECT_EQ(first[0], again[0]) << "no fringe at the corner";
 
-        rig.context.numbers["seed"] = 4;
+        rig.context.fill.seed = 4;
         EXPECT_EQ(rig.render(6), again) << "recorded, not drawn";
         EXPECT_NE(rig.render(0), first) << "frame 0 draws anew";
-        rig.context.numbers["temporalConsistancy"] = 0;
+        rig.context.fill.temporalConsistency = false;
         rig.render(7);
-        rig.context.numbers["temporalConsistancy"] = 1;
+        rig.context.fill.temporalConsistency = true;
         rig.render(8);
         EXPECT_THAT(rig.observer.stages, ElementsAre("quilt", "composite"))
             << "switched off in between";
@@ -112,10 +111,9 @@ TYPED_TEST(RenderDriver, LaysTheSameBlocksAgainWhileConsistent)
 TYPED_TEST(RenderDriver, ReplaySurvivesWhateverChangedInBetween)
 {
     Rig<TypeParam> rig;
-    rig.context.numbers["temporalConsistancy"] = 1;
+    rig.context.fill.temporalConsistency = true;
     auto texture = noise<TypeParam>(30, 30, 9);
-    rig.context.connect("Texture2", texture);
-    rig.context.numbers["useTexture2"] = 1;
+    rig.context.connect(rig.context.textures[1], texture);
     rig.render(0);
     const auto full = rig.render(1);
 
@@ -127,7 +125,7 @@ TYPED_TEST(RenderDriver, ReplaySurvivesWhateverChangedInBetween)
     EXPECT_EQ(rig.render(3), full);
 
     auto large = noise<TypeParam>(90, 80, 2);
-    rig.context.connect("Source", large);
+    rig.context.connect(rig.context.source, large);
     EXPECT_EQ(rig.render(4), full) << "the blocks come from the texture";
     rig.state.blockList[0].textureIndex = 2;  // a texture that is no longer there
     rig.state.blockList[1].seamH.clear();     // a row that was never finished
@@ -137,12 +135,13 @@ TYPED_TEST(RenderDriver, ReplaySurvivesWhateverChangedInBetween)
 
 /// A mask for a part of the picture, in any pixel kind and from any place in memory.
 template <typename Pixel, typename Kind>
-std::vector<Pixel> renderWithMatte(int choice)
+std::vector<Pixel> renderWithMatte(MaskSense sense)
 {
     Rig<Pixel> rig;
-    rig.context.numbers["fillRegion"] = choice;
-    rig.context.numbers["pathWidth"] = 2;
-    rig.context.numbers["edgeBlend"] = 1;
+    rig.context.fill.maskOrigin = MaskOrigin::Matte;
+    rig.context.fill.maskSense = sense;
+    rig.context.fill.pathWidth = 2.0f;
+    rig.context.fill.edgeBlend = 1.0f;
     TestMap<Kind> matte(26, 22, 6, 4);
     constexpr bool kIsRGBA = requires(Kind k)
     {
@@ -151,7 +150,7 @@ std::vector<Pixel> renderWithMatte(int choice)
     for (int y = 0; y < 22; ++y) {
         for (int x = 0; x < 26; ++x) {
             const bool masked = x >= 5 && x < 17 && y >= 6 && y < 16;
-            const float value = masked == (choice == 3) ? 1.0f : 0.0f;
+            const float value = masked == (sense == MaskSense::AsItIs) ? 1.0f : 0.0f;
             if constexpr (kIsRGBA) {
                 matte.at(x, y) = Testing::grey<Kind>(1.0f - value);  // only the alpha counts
                 matte.at(x, y).a = PixelTraits<Kind>::stored(value * PixelTraits<Kind>::kMax);
@@ -160,7 +159,7 @@ std::vector<Pixel> renderWithMatte(int choice)
             }
         }
     }
-    rig.context.connect("Matte", matte);
+    rig.context.connect(rig.context.matte, matte);
     const auto before = matte.pixels();
     auto picture = rig.render();
     EXPECT_TRUE(before == matte.pixels());
@@ -171,21 +170,22 @@ std::vector<Pixel> renderWithMatte(int choice)
 
 TYPED_TEST(RenderDriver, TakesMattesOfEveryKind)
 {
-    const auto expected = renderWithMatte<TypeParam, typename PixelTraits<TypeParam>::Mask>(3);
-    for (const int choice : {3, 4}) {
-        EXPECT_EQ((renderWithMatte<TypeParam, Pixel8>(choice)), expected);
-        EXPECT_EQ((renderWithMatte<TypeParam, Pixel16>(choice)), expected);
-        EXPECT_EQ((renderWithMatte<TypeParam, Pixel32f>(choice)), expected);
-        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBA8>(choice)), expected);
-        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBA16>(choice)), expected);
-        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBAf>(choice)), expected);
+    const auto expected =
+        renderWithMatte<TypeParam, typename PixelTraits<TypeParam>::Mask>(MaskSense::AsItIs);
+    for (const MaskSense sense : {MaskSense::AsItIs, MaskSense::Inverted}) {
+        EXPECT_EQ((renderWithMatte<TypeParam, Pixel8>(sense)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, Pixel16>(sense)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, Pixel32f>(sense)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBA8>(sense)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBA16>(sense)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBAf>(sense)), expected);
     }
 }
 
 TYPED_TEST(RenderDriver, DrawsAnewAfterARenderThatHadNoRoom)
 {
     Rig<TypeParam> rig;
-    rig.context.numbers["temporalConsistancy"] = 1;
+    rig.context.fill.temporalConsistency = true;
     rig.services.memory.refuseAll = true;
     ::testing::internal::CaptureStderr();
     rig.render(1);
@@ -201,7 +201,7 @@ TYPED_TEST(RenderDriver, DrawsAnewAfterARenderThatHadNoRoom)
 TEST(RenderDriver8, BlocksOfAnAbortedOrFailedRenderAreNotLaidAgain)
 {
     Rig<PixelRGBA8> rig;
-    rig.context.numbers["temporalConsistancy"] = 1;
+    rig.context.fill.temporalConsistency = true;
     const auto abortAt = [](void* counter, int*) {
         return --*static_cast<int*>(counter) < 0 ? 1 : 0;
     };
@@ -237,8 +237,8 @@ TEST(RenderDriver8, RendersNothingWithoutWhatItNeeds)
         void (*spoil)(Rig<PixelRGBA8>&);
     };
     const Case cases[] = {
-        {"no source", [](auto& rig) { rig.context.clips.erase("Source"); }},
-        {"no output", [](auto& rig) { rig.context.clips.erase("Output"); }},
+        {"no source", [](auto& rig) { rig.context.source = nullptr; }},
+        {"no output", [](auto& rig) { rig.context.output = nullptr; }},
         {"empty window",
          [](auto& rig) {
              rig.context.window = {7, 3, 7, 20};
@@ -251,12 +251,12 @@ TEST(RenderDriver8, RendersNothingWithoutWhatItNeeds)
         {"source of another depth",
          [](auto& rig) {
              static auto deep = noise<PixelRGBA16>(40, 30, 5);
-             rig.context.connect("Source", deep);
+             rig.context.connect(rig.context.source, deep);
          }},
     };
     for (const Case& c : cases) {
         Rig<PixelRGBA8> rig;
-        rig.context.numbers["temporalConsistancy"] = 1;
+        rig.context.fill.temporalConsistency = true;
         c.spoil(rig);
         EXPECT_EQ(rig.render(), rig.untouched()) << c.what;
         EXPECT_FALSE(rig.state.valid) << c.what;
@@ -277,12 +277,8 @@ TEST(RenderDriver8, TakesTheTexturesInUse)
         for (const bool third : {false, true}) {
             Rig<PixelRGBA8> rig;
             auto a = solid<PixelRGBA8>(30, 30, 0.5f), b = solid<PixelRGBA8>(30, 30, 0.75f);
-            rig.context.connect("Texture1", a);
-            rig.context.connect("Texture3", b);
-            rig.context.clips["Texture2"] = nullptr;  // connected, but gives no image
-            rig.context.numbers["useTexture2"] = 1;
-            rig.context.numbers["useTexture1"] = first;
-            rig.context.numbers["useTexture3"] = third;
+            if (first) rig.context.connect(rig.context.textures[0], a);
+            if (third) rig.context.connect(rig.context.textures[2], b);
             const auto picture = rig.render();
             const auto expected = first ? a.at(0, 0) : b.at(0, 0);
             if (first || third) {
@@ -297,29 +293,23 @@ TEST(RenderDriver8, TakesTheTexturesInUse)
     }
 }
 
-TEST(RenderDriver8, ScalesBlocksAndSurvivesValuesOutOfRange)
+TEST(RenderDriver8, SurvivesValuesOutOfRange)
 {
     Rig<PixelRGBA8> rig;
-    rig.context.scale = {0.5f, 0.25f};
-    rig.context.numbers["blockSize"] = 51;
-    rig.context.numbers["overlap"] = 3;
+    rig.context.fill.sampleBox = {-kNumberLimit, 0, 0, kNumberLimit};
+    rig.context.fill.blockSize = 9000000;
+    rig.context.fill.blendWidth = kNumberLimit;
+    rig.context.fill.blendHeight = 9000000;
     rig.render();
-    EXPECT_EQ(rig.observer.blocks[0].width, 25);
-    EXPECT_EQ(rig.observer.blocks[1].x, 24) << "an overlap of 1.5 is 1";
+    EXPECT_NE(rig.output.pixels(), rig.untouched());
 
-    rig.context.points["sampleCorner1"] = {kNaN, 1e30f};
-    rig.context.points["sampleCorner2"] = {-1e30f, kNaN};
-    rig.context.numbers["blockSize"] = 9000000;
-    rig.context.numbers["blendSize"] = 9000000;
-    rig.context.aspect = 0.0;
-    rig.render();
-    rig.context.aspect = std::numeric_limits<double>::quiet_NaN();
-    rig.context.scale = {kNaN, kNaN};
-    rig.context.frame = std::numeric_limits<double>::quiet_NaN();
-    rig.context.points["sampleCorner1"] = {kNaN, kNaN};
-    rig.context.numbers["numSamples"] = -3;
+    rig.context.fill.sampleBox = {};
+    rig.context.fill.blockSize = 0;
+    rig.context.fill.overlap = -5;
+    rig.context.fill.blendWidth = -kNumberLimit;
+    rig.context.fill.numSamples = -3;
     rig.context.window = {0, 0, 8, 8};  // a block is one pixel here
-    rig.render(rig.context.frame);
+    rig.render(std::numeric_limits<double>::quiet_NaN());
     EXPECT_NE(rig.output.pixels(), rig.untouched());
 }
 
@@ -328,7 +318,7 @@ TEST(RenderDriver8, SaysThatItFillsEverythingWhereAMaskWasAskedFor)
     Rig<PixelRGBA8> rig;
     rig.render();
     EXPECT_THAT(rig.observer.notes, SizeIs(0));
-    rig.context.numbers["fillRegion"] = 3;
+    rig.context.fill.maskOrigin = MaskOrigin::Matte;
     rig.render();
     EXPECT_THAT(rig.observer.notes, SizeIs(1));
 }
