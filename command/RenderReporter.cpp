@@ -4,6 +4,8 @@
 
 #include <sys/resource.h>
 
+#include "effect/ParameterNames.h"
+
 namespace Tesseret::Command {
 
 namespace {
@@ -85,7 +87,7 @@ void RenderReporter::sayMask(const Render::RenderJob& job)
     if (job.fillRegion().source == Render::MaskSource::Alpha) {
         std::printf("matte taken from the source's alpha\n");
     } else if (job.fillRegion().source == Render::MaskSource::Matte) {
-        const Files::PictureInfo& matte = job.inputs().infos().at("Matte");
+        const Files::PictureInfo& matte = job.inputs().infos().at(Names::kMatte);
         std::printf("matte taken from its %s\n", matte.hasAlpha   ? "alpha"
                                                  : matte.isColour ? "luminance"
                                                                   : "grey");

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "effect/ParameterNames.h"
 #include "render/JobError.h"
 
 namespace Tesseret::Render {
@@ -10,13 +11,6 @@ namespace Tesseret::Render {
 using Host::ContextDescription;
 
 namespace {
-
-constexpr const char* kFillRegion = "fillRegion";
-constexpr std::string_view kEntireImage = "Entire Image";
-constexpr std::string_view kSourceAlpha = "Source->Alpha";
-constexpr std::string_view kSourceInverted = "Source->Inverted Alpha";
-constexpr std::string_view kMatteAlpha = "Matte->Alpha";
-constexpr std::string_view kMatteInverted = "Matte->Inverted Alpha";
 
 /// An option and the choice it stands for.
 struct Wish {
@@ -28,34 +22,36 @@ std::optional<Wish> wishOf(const RenderSettings& settings)
 {
     switch (settings.mask) {
         case MaskOption::MatteInverted:
-            return Wish{"--matte-inverted", kMatteInverted};
+            return Wish{"--matte-inverted", Names::kMatteInvertedAlpha};
         case MaskOption::Alpha:
-            return Wish{"--fill-alpha", kSourceAlpha};
+            return Wish{"--fill-alpha", Names::kSourceAlpha};
         case MaskOption::AlphaInverted:
-            return Wish{"--fill-alpha-inverted", kSourceInverted};
+            return Wish{"--fill-alpha-inverted", Names::kSourceInvertedAlpha};
         case MaskOption::None:
             break;
     }
-    if (!settings.matte.empty()) return Wish{"--matte", kMatteAlpha};
+    if (!settings.matte.empty()) return Wish{"--matte", Names::kMatteAlpha};
     return std::nullopt;
 }
 
 std::string choiceOf(const ContextDescription& description, const ParameterValues& values)
 {
-    const Host::ParameterDescription* const parameter = description.parameter(kFillRegion);
+    const Host::ParameterDescription* const parameter = description.parameter(Names::kFillRegion);
     if (parameter == nullptr || parameter->options.empty()) return "";
-    return valueText(*parameter, valueOf(kFillRegion, values, description));
+    return valueText(*parameter, valueOf(Names::kFillRegion, values, description));
 }
 
 void set(std::string_view choice, const ContextDescription& description, ParameterValues& values)
 {
-    values[kFillRegion] =
-        parseAssignment(std::string(kFillRegion).append("=").append(choice), description).value;
+    values[Names::kFillRegion] =
+        parseAssignment(std::string(Names::kFillRegion).append("=").append(choice), description)
+            .value;
 }
 
 void checkAlpha(const Wish& wish, const JobInputs& inputs)
 {
-    const bool wantsAlpha = wish.choice == kSourceAlpha || wish.choice == kSourceInverted;
+    const bool wantsAlpha =
+        wish.choice == Names::kSourceAlpha || wish.choice == Names::kSourceInvertedAlpha;
     if (!wantsAlpha || inputs.source().hasAlpha) return;
     throw UsageError(inputs.source().file.string() + ": has no alpha, which " + wish.option +
                      " takes the mask from");
@@ -64,7 +60,8 @@ void checkAlpha(const Wish& wish, const JobInputs& inputs)
 /// A choice may be the one wished for, or the inverse of a matte that was given without a word.
 bool agrees(const Wish& wish, const RenderSettings& settings, const std::string& choice)
 {
-    return choice == wish.choice || (settings.mask == MaskOption::None && choice == kMatteInverted);
+    return choice == wish.choice ||
+           (settings.mask == MaskOption::None && choice == Names::kMatteInvertedAlpha);
 }
 
 }  // namespace
@@ -80,12 +77,12 @@ void setFillRegion(const RenderSettings& settings, const ContextDescription& des
                    const JobInputs& inputs, ParameterValues& values)
 {
     const std::optional<Wish> wish = wishOf(settings);
-    const bool isGiven = values.contains(kFillRegion);
+    const bool isGiven = values.contains(Names::kFillRegion);
     if (!wish) {
         // Without its matte the plug-in's own default would fill everything all the same.
-        const bool hasMatte = description.clip("Matte") != nullptr;
-        const bool hasChoice = description.parameter(kFillRegion) != nullptr;
-        if (hasMatte && hasChoice && !isGiven) set(kEntireImage, description, values);
+        const bool hasMatte = description.clip(Names::kMatte) != nullptr;
+        const bool hasChoice = description.parameter(Names::kFillRegion) != nullptr;
+        if (hasMatte && hasChoice && !isGiven) set(Names::kEntireImage, description, values);
         return;
     }
     checkAlpha(*wish, inputs);
@@ -97,7 +94,7 @@ void setFillRegion(const RenderSettings& settings, const ContextDescription& des
     }
     // Another plug-in may make of a matte what it likes.
     const bool isImplied = settings.mask == MaskOption::None;
-    if (isImplied && description.parameter(kFillRegion) == nullptr) return;
+    if (isImplied && description.parameter(Names::kFillRegion) == nullptr) return;
     set(wish->choice, description, values);
 }
 
@@ -105,11 +102,11 @@ FillRegion fillRegionOf(const ContextDescription& description, const JobInputs& 
                         const ParameterValues& values)
 {
     const std::string choice = choiceOf(description, values);
-    if (choice == kSourceAlpha) return {MaskSource::Alpha, Polarity::White};
-    if (choice == kSourceInverted) return {MaskSource::Alpha, Polarity::Black};
-    if (!inputs.has("Matte")) return {};
-    if (choice == kMatteAlpha) return {MaskSource::Matte, Polarity::White};
-    if (choice == kMatteInverted) return {MaskSource::Matte, Polarity::Black};
+    if (choice == Names::kSourceAlpha) return {MaskSource::Alpha, Polarity::White};
+    if (choice == Names::kSourceInvertedAlpha) return {MaskSource::Alpha, Polarity::Black};
+    if (!inputs.has(Names::kMatte)) return {};
+    if (choice == Names::kMatteAlpha) return {MaskSource::Matte, Polarity::White};
+    if (choice == Names::kMatteInvertedAlpha) return {MaskSource::Matte, Polarity::Black};
     return {};
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "effect/ParameterNames.h"
 #include "host/HostError.h"
 #include "render/Interrupt.h"
 #include "render/JobError.h"
@@ -87,8 +88,8 @@ void FrameRenderer::endSequence()
 Picture FrameRenderer::render(const RenderRequest& request, const FramePictures& pictures,
                               const PreparedMatte* matte)
 {
-    FrameSource& source = *slots_.front().clips.at("Source");
-    source.show(frameOf(request), pictures.at("Source").picture);
+    FrameSource& source = *slots_.front().clips.at(Names::kSource);
+    source.show(frameOf(request), pictures.at(Names::kSource).picture);
     Picture output = source.picture(request.time, request.scale)->copied(request.window, {});
     output.setRegionOfDefinition(request.window);
     if (matte != nullptr) {
@@ -116,7 +117,7 @@ void FrameRenderer::fillAreas(const RenderRequest& request, const FramePictures&
         for (const auto& [clip, picture] : pictures) {
             slot.clips.at(clip)->show(frameOf(request), picture.picture);
         }
-        FrameSource& source = *slot.clips.at("Source");
+        FrameSource& source = *slot.clips.at(Names::kSource);
         if (filled) source.show(frameOf(request), filled, request.scale);
         showMatte(slot, request, matte, area);
         renderOn(slot, request, output);
@@ -126,14 +127,14 @@ void FrameRenderer::fillAreas(const RenderRequest& request, const FramePictures&
             filled = std::make_shared<const Picture>(std::move(next));
         }
         source.hide();  // instances that wait for the next frame hold no pictures
-        slot.clips.at("Matte")->hide();
+        slot.clips.at(Names::kMatte)->hide();
     }
 }
 
 void FrameRenderer::showMatte(Slot& slot, const RenderRequest& request, const PreparedMatte& matte,
                               std::size_t area) const
 {
-    FrameSource& clip = *slot.clips.at("Matte");
+    FrameSource& clip = *slot.clips.at(Names::kMatte);
     if (!everyArea_ && !cropsAreas_) {
         clip.show(frameOf(request), matte.whole);
         return;

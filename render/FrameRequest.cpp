@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "effect/ParameterNames.h"
+
 namespace Tesseret::Render {
 
 using Files::PictureInfo;
@@ -18,7 +20,8 @@ OfxRectI scaledRect(const OfxRectI& rect, double scale)
 bool hasColourTexture(const JobInputs& inputs)
 {
     return std::ranges::any_of(inputs.infos(), [](const auto& input) {
-        return input.first != "Source" && input.first != "Matte" && input.second.isColour;
+        return input.first != Names::kSource && input.first != Names::kMatte &&
+               input.second.isColour;
     });
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "effect/ParameterNames.h"
 #include "host/HostError.h"
 #include "render/JobError.h"
 #include "render/ParameterFile.h"
@@ -14,9 +15,6 @@ using Files::PictureInfo;
 using Host::ContextDescription;
 
 namespace {
-
-constexpr const char* kTemporal = "temporalConsistancy";
-constexpr const char* kFillRegion = "fillRegion";
 
 std::string chooseContext(const RenderSettings& settings, const JobInputs& inputs)
 {
@@ -41,9 +39,9 @@ void checkClips(const ContextDescription& description, const JobInputs& inputs)
 void useTextures(const ContextDescription& description, const JobInputs& inputs,
                  ParameterValues& values)
 {
-    for (const char* clip : {"Texture1", "Texture2", "Texture3"}) {
-        const std::string toggle = std::string("use") + clip;
-        if (!inputs.has(clip) || description.parameter(toggle) == nullptr) continue;
+    for (std::size_t i = 0; i < Names::kTextures.size(); ++i) {
+        const std::string toggle = Names::kUseTextures[i];
+        if (!inputs.has(Names::kTextures[i]) || description.parameter(toggle) == nullptr) continue;
         values.try_emplace(toggle, parseAssignment(toggle + "=true", description).value);
     }
 }
@@ -59,8 +57,10 @@ ParameterValues collectValues(const RenderSettings& settings, const ContextDescr
     }
     if (settings.sampleBox) setSampleBox(*settings.sampleBox, inputs, values);
     useTextures(description, inputs, values);
-    if (!allowsFillRegion(settings, description, filed)) filed.erase(kFillRegion);
-    if (const auto region = filed.find(kFillRegion); region != filed.end()) values.insert(*region);
+    if (!allowsFillRegion(settings, description, filed)) filed.erase(Names::kFillRegion);
+    if (const auto region = filed.find(Names::kFillRegion); region != filed.end()) {
+        values.insert(*region);
+    }
     setFillRegion(settings, description, inputs, values);
     values.merge(filed);
     const bool hasMask = fillRegionOf(description, inputs, values).source != MaskSource::None;
@@ -104,8 +104,9 @@ void InstanceSetup::adopt(ParameterValues values)
     const ContextDescription& description = session_.describe(context_);
     values_ = std::move(values);
     fillRegion_ = fillRegionOf(description, inputs_, values_);
-    repeatsBlocks_ = description.parameter(kTemporal) != nullptr &&
-                     valueOf(kTemporal, values_, description) == Host::ParameterValue(1);
+    repeatsBlocks_ =
+        description.parameter(Names::kTemporalConsistency) != nullptr &&
+        valueOf(Names::kTemporalConsistency, values_, description) == Host::ParameterValue(1);
     boxInSource_ = Render::boxInSource(description, inputs_, values_);
 }
 
@@ -142,7 +143,7 @@ ReadyInstance InstanceSetup::make() const
         ready.instance->setProject(projectOf(inputs_));
         ready.instance->setDepth(depth_);
         for (const auto& [name, info] : inputs_.infos()) {
-            const auto components = name == "Matte" ? Components::Alpha : Components::RGBA;
+            const auto components = name == Names::kMatte ? Components::Alpha : Components::RGBA;
             auto source = std::make_shared<FrameSource>(info, depth_, components,
                                                         OfxRangeD{double(first), double(last)});
             ready.clips.emplace(name, source);

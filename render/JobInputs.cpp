@@ -1,5 +1,6 @@
 #include "render/JobInputs.h"
 
+#include "effect/ParameterNames.h"
 #include "files/FileError.h"
 #include "files/FrameRange.h"
 #include "files/PictureWriter.h"
@@ -38,11 +39,11 @@ JobInputs::JobInputs(const RenderSettings& settings)
     const auto add = [this](const char* clip, const std::filesystem::path& file, Files::ReadAs as) {
         if (!file.empty()) inputs_.push_back({clip, Files::SequencePattern(file), as});
     };
-    add("Source", settings.source, Files::ReadAs::Picture);
-    add("Matte", settings.matte, Files::ReadAs::Matte);
-    add("Texture1", settings.textures[0], Files::ReadAs::Picture);
-    add("Texture2", settings.textures[1], Files::ReadAs::Picture);
-    add("Texture3", settings.textures[2], Files::ReadAs::Picture);
+    add(Names::kSource, settings.source, Files::ReadAs::Picture);
+    add(Names::kMatte, settings.matte, Files::ReadAs::Matte);
+    for (std::size_t i = 0; i < settings.textures.size(); ++i) {
+        add(Names::kTextures.at(i), settings.textures[i], Files::ReadAs::Picture);
+    }
     checkFrames();
     findFilesRead();
     if (!settings.output.empty()) {
@@ -52,7 +53,7 @@ JobInputs::JobInputs(const RenderSettings& settings)
     for (const Input& input : inputs_) {
         infos_.emplace(input.clip, Files::readInfo(input.pattern.file(frames_.front())));
     }
-    if (has("Matte")) checkMatte(infos_.at("Matte"), source());
+    if (has(Names::kMatte)) checkMatte(infos_.at(Names::kMatte), source());
 }
 
 void JobInputs::checkFrames() const
@@ -115,7 +116,9 @@ FramePictures JobInputs::read(int frame, Depth depth)
         pictures.emplace(input.clip, picture);
         if (!input.pattern.isSequence() && isSequence_) stills_.emplace(input.clip, picture);
     }
-    if (has("Matte")) checkMatte(pictures.at("Matte").info, pictures.at("Source").info);
+    if (has(Names::kMatte)) {
+        checkMatte(pictures.at(Names::kMatte).info, pictures.at(Names::kSource).info);
+    }
     return pictures;
 }
 

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "effect/ParameterNames.h"
 #include "files/PartFile.h"
 #include "files/PictureReader.h"
 #include "files/SequencePattern.h"
@@ -39,7 +40,7 @@ public:
     std::filesystem::path outputFile(int frame) const { return output_.file(frame); }
     /// Of the first frame; only connected clips.
     const std::map<std::string, Files::PictureInfo>& infos() const { return infos_; }
-    const Files::PictureInfo& source() const { return infos_.at("Source"); }
+    const Files::PictureInfo& source() const { return infos_.at(Names::kSource); }
     bool has(const std::string& clip) const { return infos_.contains(clip); }
     /// Whether a file is read for any of the frames, whatever name or link leads to it.
     bool reads(const std::filesystem::path& file) const;

@@ -5,6 +5,7 @@
 #include <future>
 #include <utility>
 
+#include "effect/ParameterNames.h"
 #include "files/FileError.h"
 #include "files/PictureWriter.h"
 #include "host/HostError.h"
@@ -80,7 +81,7 @@ RenderJob::ReadFrame RenderJob::readFrame(int frame)
     for (const auto& [clip, picture] : read.pictures) {
         for (const std::string& warning : picture.warnings) warnings_.tell(warning);
     }
-    if (mattes_) read.matte = mattes_->prepare(read.pictures.at("Matte"));
+    if (mattes_) read.matte = mattes_->prepare(read.pictures.at(Names::kMatte));
     read.seconds = watch.seconds();
     return read;
 }
@@ -89,7 +90,7 @@ RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read
 {
     if (isInterrupted()) throw Interrupted("interrupted");
     listener_.frameBegan(frame);
-    const ClipPicture& source = read.pictures.at("Source");
+    const ClipPicture& source = read.pictures.at(Names::kSource);
     const Host::RenderRequest request =
         requestFor(settings_, inputs_.isSequence(), frame, source.info);
     messages_.takeErrors();

@@ -1,9 +1,9 @@
 #include "render/SampleBox.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
+#include "effect/ParameterNames.h"
 #include "render/JobError.h"
 
 namespace Tesseret::Render {
@@ -13,15 +13,10 @@ using Host::ContextDescription;
 
 namespace {
 
-constexpr auto kTextureClips = std::to_array<const char*>({"Texture1", "Texture2", "Texture3"});
-constexpr const char* kCorner1 = "sampleCorner1";
-constexpr const char* kCorner2 = "sampleCorner2";
-constexpr const char* kAvoidFillRegion = "avoidFillRegion";
-
 /// The picture that the sample box lies over.
 const PictureInfo& sampled(const JobInputs& inputs)
 {
-    for (const char* clip : kTextureClips) {
+    for (const char* clip : Names::kTextures) {
         if (inputs.has(clip)) return inputs.infos().at(clip);
     }
     return inputs.source();
@@ -37,21 +32,23 @@ void setCorners(const OfxRectD& pixels, const JobInputs& inputs, ParameterValues
         return std::vector<double>{(std::floor(x) + kInsidePixel) / project.x2,
                                    (std::floor(y) + kInsidePixel) / project.y2};
     };
-    values[kCorner1] = normalised(pixels.x1, pixels.y1);
-    values[kCorner2] = normalised(pixels.x2, pixels.y2);
+    values[Names::kSampleCorner1] = normalised(pixels.x1, pixels.y1);
+    values[Names::kSampleCorner2] = normalised(pixels.x2, pixels.y2);
 }
 
 bool hasCorners(const ParameterValues& values)
 {
-    return values.contains(kCorner1) || values.contains(kCorner2);
+    return values.contains(Names::kSampleCorner1) || values.contains(Names::kSampleCorner2);
 }
 
 /// The sample box in pixels, corners in order.
 OfxRectI sampleBoxOf(const ContextDescription& description, const JobInputs& inputs,
                      const ParameterValues& values)
 {
-    const auto a = std::get<std::vector<double>>(valueOf(kCorner1, values, description));
-    const auto b = std::get<std::vector<double>>(valueOf(kCorner2, values, description));
+    const auto a =
+        std::get<std::vector<double>>(valueOf(Names::kSampleCorner1, values, description));
+    const auto b =
+        std::get<std::vector<double>>(valueOf(Names::kSampleCorner2, values, description));
     const OfxRectI project = inputs.source().displayWindow;
     const auto pixel = [](double part, int size) { return static_cast<int>(part * size); };
     return {pixel(std::min(a[0], b[0]), project.x2), pixel(std::min(a[1], b[1]), project.y2),
@@ -66,7 +63,7 @@ bool covers(const OfxRectI& window, const OfxRectI& box)
 /// The first texture that does not cover the sample box, or null.
 const PictureInfo* uncovered(const JobInputs& inputs, const OfxRectI& box)
 {
-    for (const char* clip : kTextureClips) {
+    for (const char* clip : Names::kTextures) {
         if (!inputs.has(clip)) continue;
         const PictureInfo& texture = inputs.infos().at(clip);
         if (!covers(texture.dataWindow, box)) return &texture;
@@ -79,7 +76,7 @@ OfxRectD middleOfTextures(const JobInputs& inputs)
 {
     constexpr double kMargin = 0.2;
     OfxRectI common = sampled(inputs).dataWindow;
-    for (const char* clip : kTextureClips) {
+    for (const char* clip : Names::kTextures) {
         if (!inputs.has(clip)) continue;
         common = intersection(common, inputs.infos().at(clip).dataWindow);
     }
@@ -98,9 +95,9 @@ bool isOn(const std::string& name, const ContextDescription& description,
 /// Whether the plug-in has a sample box.
 bool hasBox(const ContextDescription& description)
 {
-    return description.parameter(kCorner1) != nullptr &&
-           description.parameter(kCorner2) != nullptr &&
-           description.parameter(kAvoidFillRegion) != nullptr;
+    return description.parameter(Names::kSampleCorner1) != nullptr &&
+           description.parameter(Names::kSampleCorner2) != nullptr &&
+           description.parameter(Names::kAvoidFillRegion) != nullptr;
 }
 
 }  // namespace
@@ -122,15 +119,15 @@ void avoidRegionByDefault(const ContextDescription& description, const JobInputs
                           ParameterValues& values)
 {
     const bool hasTexture =
-        std::ranges::any_of(kTextureClips, [&](const char* clip) { return inputs.has(clip); });
+        std::ranges::any_of(Names::kTextures, [&](const char* clip) { return inputs.has(clip); });
     if (!hasBox(description) || hasTexture || hasCorners(values)) return;
-    values.try_emplace(kAvoidFillRegion, Host::ParameterValue(1));
+    values.try_emplace(Names::kAvoidFillRegion, Host::ParameterValue(1));
 }
 
 void fitSampleBox(const ContextDescription& description, const JobInputs& inputs,
                   ParameterValues& values)
 {
-    if (!hasBox(description) || isOn(kAvoidFillRegion, description, values)) return;
+    if (!hasBox(description) || isOn(Names::kAvoidFillRegion, description, values)) return;
     const OfxRectI box = sampleBoxOf(description, inputs, values);
     const PictureInfo* texture = uncovered(inputs, box);
     if (texture == nullptr) return;
@@ -147,11 +144,15 @@ void fitSampleBox(const ContextDescription& description, const JobInputs& inputs
 std::optional<OfxRectI> boxInSource(const ContextDescription& description, const JobInputs& inputs,
                                     const ParameterValues& values)
 {
-    if (!hasBox(description) || isOn(kAvoidFillRegion, description, values)) return std::nullopt;
-    for (const char* clip : kTextureClips) {
-        const std::string toggle = std::string("use") + clip;
+    if (!hasBox(description) || isOn(Names::kAvoidFillRegion, description, values)) {
+        return std::nullopt;
+    }
+    for (std::size_t i = 0; i < Names::kTextures.size(); ++i) {
+        const char* const toggle = Names::kUseTextures[i];
         const bool hasToggle = description.parameter(toggle) != nullptr;
-        if (hasToggle && inputs.has(clip) && isOn(toggle, description, values)) return std::nullopt;
+        if (hasToggle && inputs.has(Names::kTextures[i]) && isOn(toggle, description, values)) {
+            return std::nullopt;
+        }
     }
     return sampleBoxOf(description, inputs, values);
 }

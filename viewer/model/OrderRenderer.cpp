@@ -4,6 +4,7 @@
 #include <chrono>
 #include <utility>
 
+#include "effect/ParameterNames.h"
 #include "host/HostError.h"
 #include "render/FrameRequest.h"
 #include "render/JobError.h"
@@ -131,7 +132,7 @@ Picture OrderRenderer::renderFrame(int frame, bool wantsMaps)
     stopIfAborted();
     const std::shared_ptr<const Render::PreparedMatte> matte = matteOf(*pictures);
     stopIfAborted();
-    const Files::PictureInfo& source = pictures->at("Source").info;
+    const Files::PictureInfo& source = pictures->at(Names::kSource).info;
     const Host::RenderRequest request =
         Render::requestFor(current_->settings, pictures_.inputs().isSequence(), frame, source);
     if (wantsMaps) watch_.wantMaps(request.window);
@@ -149,7 +150,7 @@ std::shared_ptr<const Render::PreparedMatte> OrderRenderer::matteOf(const FrameP
         matteScale_ = settings.renderScale;
         mattePolarity_ = region.polarity;
     }
-    return mattes_->prepare(pictures.at("Matte"));
+    return mattes_->prepare(pictures.at(Names::kMatte));
 }
 
 }  // namespace Tesseret::Viewer

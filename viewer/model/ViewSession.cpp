@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "effect/ParameterNames.h"
 #include "files/PictureWriter.h"
 #include "host/HostError.h"
 #include "render/FrameRequest.h"
@@ -185,7 +186,7 @@ void ViewSession::saveResult(const std::filesystem::path& name)
         throw Render::RenderFailure(latest && !latest->error.empty() ? latest->error
                                                                      : "the render was aborted");
     }
-    const Render::ClipPicture& source = pictures().at("Source");
+    const Render::ClipPicture& source = pictures().at(Names::kSource);
     const Files::WriteOptions options =
         Render::writeOptionsFor(settings_, inputs(), file, source.info, latest->picture.bounds());
     for (const std::string& warning :

@@ -4,6 +4,7 @@
 
 #include <imgui/imgui.h>
 
+#include "effect/ParameterNames.h"
 #include "viewer/window/Gl.h"
 
 namespace Tesseret::Viewer {
@@ -30,7 +31,7 @@ PictureArea::PictureArea(ViewSession& session) : session_(session), overlay_(ses
 
 void PictureArea::update()
 {
-    const std::shared_ptr<const Picture> source = session_.pictures().at("Source").picture;
+    const std::shared_ptr<const Picture> source = session_.pictures().at(Names::kSource).picture;
     view_.setPicture(toCanonical(source->bounds(), {1.0, 1.0}, source->pixelAspectRatio()));
     layers_.showSource(source);
     layers_.showResult(session_.worker().latest());
