@@ -16,9 +16,9 @@ struct RenderPlace {
     Region window;  ///< pixels
 };
 
-/// The images of one render, what it is asked to do, and whom it tells. Images are those of the
-/// render's time, null where there is none. Nothing here fails. All but the last two are called at
-/// most once, the textures' once for each, and in the order given here: hosts see it.
+/// The images of one render, what it is asked to do, its status and its observer. Images are those
+/// of the render's time, null where there is none. Nothing here fails. All but the last two are
+/// called at most once, the textures' once for each, and in the order given here: hosts see it.
 class RenderContext {
 public:
     virtual ~RenderContext() = default;
