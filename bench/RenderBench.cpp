@@ -1,6 +1,7 @@
 // The whole render action of the built plug-in in the embedded host with default parameters:
 // "Entire Image", and a masked hole. Arguments are width, height, depth (0 byte, 1 short, 2 float)
-// and threads, or whether luminance is matched and the matte is cropped to the hole.
+// and threads, or whether luminance is matched, whether the matte is cropped to the hole, and the
+// hole's side.
 
 #include <algorithm>
 #include <memory>
@@ -76,15 +77,15 @@ BENCHMARK(renderEntireImage)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
 
-/// A matte with a hole of 300 x 300 pixels in the middle of the picture: as large as the picture,
-/// or cropped to the hole.
-std::shared_ptr<Picture> holeMatte(OfxRectI picture, Depth depth, bool cropped)
+/// A matte with a square hole in the middle of the picture: as large as the picture, or cropped to
+/// the hole.
+std::shared_ptr<Picture> holeMatte(OfxRectI picture, Depth depth, bool cropped, int side)
 {
-    const int x = (picture.x2 - 300) / 2, y = (picture.y2 - 300) / 2;
-    const OfxRectI hole{x, y, x + 300, y + 300};
+    const int x = (picture.x2 - side) / 2, y = (picture.y2 - side) / 2;
+    const OfxRectI hole{x, y, x + side, y + side};
     Picture matte(cropped ? hole : picture, Depth::Byte, Components::Alpha);
     for (int row = hole.y1; row < hole.y2; ++row) {
-        std::fill_n(matte.pixel<std::uint8_t>(hole.x1, row), 300, std::uint8_t{255});
+        std::fill_n(matte.pixel<std::uint8_t>(hole.x1, row), side, std::uint8_t{255});
     }
     return std::make_shared<Picture>(matte.converted(depth, Components::Alpha));
 }
@@ -93,24 +94,26 @@ void renderMasked(benchmark::State& state)
 {
     const auto depth = static_cast<Depth>(state.range(2));
     const bool cropped = state.range(4) != 0;
+    const int side = static_cast<int>(state.range(5));
     Rig rig(kOfxImageEffectContextGeneral, static_cast<int>(state.range(0)),
             static_cast<int>(state.range(1)), depth, 2);
-    rig.instance->connect("Matte",
-                          std::make_shared<StillSource>(holeMatte(rig.window, depth, cropped)));
+    rig.instance->connect(
+        "Matte", std::make_shared<StillSource>(holeMatte(rig.window, depth, cropped, side)));
     rig.instance->set("luminanceMatch", static_cast<int>(state.range(3)));
     rig.run(state);
     // The margin is five times pathWidth and edgeBlend, which are 10 and 5, on every side of the
     // mask and its border of one pixel.
     constexpr double kMargins = 2 * 5 * (10 + 5) + 2;
-    const double width = cropped ? 300 : static_cast<double>(state.range(0));
-    const double height = cropped ? 300 : static_cast<double>(state.range(1));
+    const double width = cropped ? side : static_cast<double>(state.range(0));
+    const double height = cropped ? side : static_cast<double>(state.range(1));
     state.counters["bytes per filled pixel"] = static_cast<double>(rig.host.counters().bytesPeak) /
                                                ((width + kMargins) * (height + kMargins));
 }
 BENCHMARK(renderMasked)
-    ->ArgNames({"width", "height", "depth", "luminance", "cropped"})
-    ->ArgsProduct({{1920}, {1080}, {0, 1, 2}, {0, 1}, {0, 1}})
-    ->ArgsProduct({{3840}, {2160}, {0, 1, 2}, {0, 1}, {0, 1}})
+    ->ArgNames({"width", "height", "depth", "luminance", "cropped", "hole"})
+    ->ArgsProduct({{1920}, {1080}, {0, 1, 2}, {0, 1}, {0, 1}, {300}})
+    ->ArgsProduct({{3840}, {2160}, {0, 1, 2}, {0, 1}, {0, 1}, {300}})
+    ->ArgsProduct({{1920}, {1080}, {0, 1, 2}, {0, 1}, {1}, {12}})
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();

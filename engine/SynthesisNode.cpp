@@ -1,6 +1,8 @@
 #include "engine/SynthesisNode.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 
 #include "engine/boundary/BoundaryPath.h"
 #include "engine/filter/BandCut.h"
@@ -11,7 +13,6 @@
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
 #include "engine/map/PixelMix.h"
-#include "engine/quilt/BlockLayout.h"
 #include "engine/quilt/BlockReplay.h"
 
 namespace Orvane::Engine {
@@ -107,12 +108,36 @@ Pixel composited(const Pixel& texture, const Pixel& source, float share)
     return result;
 }
 
+/// Copies R, G and B of `count` pixels; alpha stays. Whole runs are copied and get their alpha
+/// back: writing three channels of each pixel takes several times as long.
+template <typename Pixel>
+void copyColours(const Pixel* from, Pixel* to, int count)
+{
+    constexpr int kRun = 64;
+    std::array<typename Pixel::Channel, kRun> alphas;
+    for (int done = 0; done < count; done += kRun) {
+        const int run = std::min(kRun, count - done);
+        std::transform(to + done, to + done + run, alphas.begin(),
+                       [](const Pixel& p) { return p.a; });
+        std::copy_n(from + done, run, to + done);
+        for (int i = 0; i < run; ++i) to[done + i].a = alphas[static_cast<std::size_t>(i)];
+    }
+}
+
+/// Composites the pixels [begin, end) of a row; `share(x)` of a pixel is texture.
+template <typename Pixel, typename Share>
+void compositeSpan(const RowReader<Pixel>& source, RowWriter<Pixel>& out, int begin, int end,
+                   const Share& share)
+{
+    for (int x = begin; x < end; ++x) out[x] = composited(out[x], source[x], share(x));
+}
+
 }  // namespace
 
 template <typename Pixel>
 SynthesisNode<Pixel>::SynthesisNode(const SynthesisSettings<Pixel>& settings, TemporalState& state,
                                     RenderObserver* observer)
-    : settings_(settings), state_(&state), observer_(observer)
+    : settings_(settings), state_(&state), observer_(observer), reports_(observer, state, kMax)
 {}
 
 template <typename Pixel>
@@ -218,10 +243,7 @@ void SynthesisNode<Pixel>::fillMasked(const Region& fillRect)
     prepareBand(fillRect);
     quilt(fillRect);
     if (this->pollAbort()) return;
-    if (tellsMaps()) {
-        tellMap("fillMask", *settings_.fillMask, kMax);
-        tellMap("pathBand", pathBand_, kMax);
-    }
+    reports_.reportGuides(*settings_.fillMask, pathBand_);
     if (settings_.luminanceMatch) matchLuminance(fillRect);
     if (this->pollAbort()) return;
     fitBoundary(fillRect);
@@ -289,40 +311,25 @@ void SynthesisNode<Pixel>::fitBoundary(const Region& fillRect)
     inputs.seed = settings_.seed;
     inputs.edgeBlend = settings_.edgeBlend;
     inputs.statusRecord = this->statusRecord();
-    if (tellsMaps()) inputs.path = &boundary_;
+    if (reports_.areWanted()) inputs.path = &boundary_;
     const BoundaryOutcome outcome = fitBoundaryPath(inputs, state_->compositeMask);
     if (observer_ != nullptr && noteOf(outcome) != nullptr) observer_->note(noteOf(outcome));
     pathBand_.release();
     bandGradient_.release();
 }
 
+/// Where the texture lies: a replay places blocks inside the window only.
 template <typename Pixel>
-void SynthesisNode<Pixel>::tellMap(const char* name, const Map<Pixel32f>& map, float full) const
-{
-    if (map.isUsable()) observer_->mapMade({name, &map, full, state_->fillBounds});
-}
-
-/// A replay lays blocks inside the window only.
-template <typename Pixel>
-void SynthesisNode<Pixel>::tellBlocks() const
+Region SynthesisNode<Pixel>::placedRegion() const
 {
     const FillBounds& all = state_->fillBounds;
-    const Region laid =
-        settings_.useStoredBlocks ? this->region() : Region{all.x0, all.y0, all.x1, all.y1};
-    tellMap("blocks", numberBlocks(*state_, textures_.size(), laid),
-            static_cast<float>(state_->blockList.size()));
+    return settings_.useStoredBlocks ? this->region() : Region{all.x0, all.y0, all.x1, all.y1};
 }
 
-/// Tells what the composite works with before it begins.
 template <typename Pixel>
 void SynthesisNode<Pixel>::beginPass()
 {
-    if (tellsMaps()) {
-        tellBlocks();
-        if (!boundary_.empty()) observer_->pathFound(boundary_, state_->fillBounds);
-        tellMap("compositeMask", state_->compositeMask, kMax);
-        tellMap("luminanceGain", state_->luminanceGain, 1.0f);
-    }
+    reports_.reportComposite(textures_.size(), placedRegion(), boundary_);
     compositing_.emplace(observer_, "composite");
 }
 
@@ -343,20 +350,41 @@ void SynthesisNode<Pixel>::end()
 template <typename Pixel>
 void SynthesisNode<Pixel>::processPass()
 {
-    const Region& region = this->region();
-    const bool hasGain = state_->luminanceGain.isUsable();
     const auto [yBegin, yEnd] = this->threadRows();
-    for (int y = yBegin; y < yEnd; ++y) {
-        const RowReader source(this->other(), y);
-        const RowReader gain(state_->luminanceGain, y);
-        const RowReader mask(state_->compositeMask, y);
-        RowWriter out(this->target(), y);
-        for (int x = region.x0; x < region.x1; ++x) {
-            Pixel texture = out[x];
-            const Pixel32f* factor = hasGain ? gain.find(x) : nullptr;
-            if (factor != nullptr) texture = gained(texture, *factor);
-            out[x] = composited(texture, source[x], textureShare<Pixel>(mask[x]));
-        }
+    for (int y = yBegin; y < yEnd; ++y) compositeRow(y);
+}
+
+/// The gain and the mask are read as EdgeNone: outside of them there is no gain, and the mask has
+/// its fill value.
+template <typename Pixel>
+void SynthesisNode<Pixel>::compositeRow(int y)
+{
+    const Region& region = this->region();
+    const RowReader source(this->other(), y);
+    RowWriter out(this->target(), y);
+    const auto gain = RowReader(state_->luminanceGain, y).interior(region.x0, region.x1);
+    for (int x = gain.begin; x < gain.end; ++x)
+        out[x] = gained(out[x], gain.pixels[x - gain.begin]);
+
+    const auto mask = RowReader(state_->compositeMask, y).interior(region.x0, region.x1);
+    compositeOutside(source, out, region.x0, mask.begin);
+    compositeSpan(source, out, mask.begin, mask.end,
+                  [mask](int x) { return textureShare<Pixel>(mask.pixels[x - mask.begin]); });
+    compositeOutside(source, out, mask.end, region.x1);
+}
+
+/// Pixels of a row before or behind the mask.
+template <typename Pixel>
+void SynthesisNode<Pixel>::compositeOutside(const RowReader<Pixel>& source, RowWriter<Pixel>& out,
+                                            int begin, int end) const
+{
+    if (begin >= end) return;
+    const float share = textureShare<Pixel>(state_->compositeMask.fillValue());
+    const Pixel* span = source.span(begin, end - begin);
+    if (share == 0.0f && span != nullptr) {
+        copyColours(span, out.from(begin), end - begin);
+    } else {
+        compositeSpan(source, out, begin, end, [share](int) { return share; });
     }
 }
 

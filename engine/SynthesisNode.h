@@ -4,8 +4,10 @@
 #include <optional>
 #include <vector>
 
+#include "engine/MapReports.h"
 #include "engine/RenderObserver.h"
 #include "engine/TemporalState.h"
+#include "engine/map/MapRow.h"
 #include "engine/map/PixelTraits.h"
 #include "engine/pass/MapProcessor.h"
 #include "engine/quilt/Quilt.h"
@@ -63,13 +65,15 @@ private:
     void prepareBand(const Region& fillRect);
     void matchLuminance(const Region& fillRect);
     void fitBoundary(const Region& fillRect);
-    bool tellsMaps() const { return observer_ != nullptr && observer_->wantsMaps(); }
-    void tellMap(const char* name, const Map<Pixel32f>& map, float full) const;
-    void tellBlocks() const;
+    Region placedRegion() const;
+    void compositeRow(int y);
+    void compositeOutside(const RowReader<Pixel>& source, RowWriter<Pixel>& out, int begin,
+                          int end) const;
 
     SynthesisSettings<Pixel> settings_;
     TemporalState* state_;
     RenderObserver* observer_;
+    MapReports reports_;
     std::optional<ObservedStage> compositing_;
     std::vector<Map<Pixel>*> textures_;
     Map<Pixel32f> pathBand_;            ///< positive on known pixels round the fill region

@@ -8,6 +8,13 @@
 
 namespace Orvane::Engine {
 
+/// The pixels [begin, end) of a row, side by side in memory; none when the ends are equal.
+template <typename Pixel>
+struct PixelSpan {
+    int begin, end;
+    const Pixel* pixels;  ///< the one at `begin`
+};
+
 /// Reads one row of a map by absolute x: the row is resolved once, and so is the stretch of x that
 /// needs no edge handling. The map must outlive the reader and keep its geometry.
 template <typename Pixel>
@@ -38,6 +45,16 @@ public:
     const Pixel* span(int x, int count) const
     {
         return x >= first_ && std::int64_t{x} + count <= end_ ? row_ + (x - base_) : nullptr;
+    }
+
+    /// The part of [x0, x1) that needs no edge handling. Before and behind it there is no pixel
+    /// when the map is read as EdgeNone.
+    PixelSpan<Pixel> interior(int x0, int x1) const
+    {
+        if (row_ == nullptr) return {x1, x1, nullptr};
+        const auto begin = static_cast<int>(std::clamp<std::int64_t>(first_, x0, x1));
+        const auto end = static_cast<int>(std::clamp<std::int64_t>(end_, begin, x1));
+        return {begin, end, begin < end ? row_ + (begin - base_) : nullptr};
     }
 
 private:

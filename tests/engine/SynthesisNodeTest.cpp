@@ -200,6 +200,59 @@ Pixel recomposited(const Pixel& texture, const Pixel& source, float gain, float 
     return result;
 }
 
+/// Gives a map of the state a place, storage and values.
+void place(Map<Pixel32f>& map, const Region& region, float fillValue,
+           const std::vector<float>& values)
+{
+    map.setSize(region.x1 - region.x0, region.y1 - region.y0);
+    map.placeAt(region.x0, region.y0);
+    map.setFillValue(fillValue);
+    map.allocate();
+    for (int y = region.y0; y < region.y1; ++y) {
+        for (int x = region.x0; x < region.x1; ++x) {
+            *map.translate(x, y) =
+                values[static_cast<std::size_t>(7 * x + y + 100) % values.size()];
+        }
+    }
+}
+
+// A replay without blocks leaves the output as it is, so that only the composite shows.
+TYPED_TEST(MaskedNode, CompositesBeforeInAndBehindItsMaps)
+{
+    constexpr float kMax = PixelTraits<TypeParam>::kMax;
+    const FakeServices services(2);
+    const Region window{0, 0, 200, 3};
+    const Region places[] = {window,           {60, 1, 70, 2},  {-9, -9, 300, 9}, {-50, 0, 1, 3},
+                             {199, 0, 230, 3}, {-40, 0, -3, 3}, {205, 0, 230, 3}, {0, 0, 0, 0}};
+    for (const Region& maskPlace : places) {
+        for (const Region& gainPlace : places) {
+            for (const float fillValue : {0.0f, 0.3f * kMax, kMax}) {
+                auto source = noise<TypeParam>(fillValue == kMax ? 150 : 200, 3, 1);
+                const auto texture = noise<TypeParam>(200, 3, 2);
+                auto output = noise<TypeParam>(200, 3, 2);
+                TemporalState state;
+                place(state.compositeMask, maskPlace, fillValue, {0.0f, kMax, 0.6f * kMax});
+                place(state.luminanceGain, gainPlace, 9.0f, {0.5f, 1.0f, 1.7f});
+                SynthesisSettings<TypeParam> settings;
+                settings.useStoredBlocks = true;
+                SynthesisNode<TypeParam> node(settings, state, nullptr);
+                ::testing::internal::CaptureStderr();
+                node.process(*source, *output);
+                ::testing::internal::GetCapturedStderr();
+                for (int y = 0; y < 3; ++y) {
+                    for (int x = 0; x < 200; ++x) {
+                        const float* gain = state.luminanceGain.resolve(x, y);
+                        const TypeParam expected = recomposited(
+                            texture->read(x, y), source->read(x, y), gain != nullptr ? *gain : 1.0f,
+                            state.compositeMask.read(x, y));
+                        ASSERT_EQ(output.at(x, y), expected) << x << ' ' << y;
+                    }
+                }
+            }
+        }
+    }
+}
+
 bool areNeighbours(const PixelPoint& a, const PixelPoint& b)
 {
     return std::abs(a.x - b.x) <= 1 && std::abs(a.y - b.y) <= 1;
