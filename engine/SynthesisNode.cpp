@@ -225,14 +225,15 @@ void SynthesisNode<Pixel>::quilt(const Region& fillRect)
     inputs.fillMask = settings_.fillMask;
     inputs.weightMap = &pathBand_;
     inputs.fillAll = settings_.fillAll || settings_.fillMask == nullptr;
-    inputs.avoidFillRegion = &settings_.avoidFillRegion;
+    inputs.avoidFillRegion = settings_.avoidFillRegion;
     inputs.seed = settings_.seed;
-    inputs.blocks = &settings_.blocks;
+    inputs.blocks = settings_.blocks;
     inputs.blockList = &state_->blockList;
-    inputs.savedBlockSize = &state_->savedBlockSize;
     inputs.statusRecord = this->statusRecord();
     inputs.observer = observer_;
-    if (!Quilt<Pixel>(inputs).run()) state_->valid = false;  // there is nothing to lay again
+    const QuiltResult result = Quilt<Pixel>(inputs).run();
+    state_->savedBlockSize = result.blockSize;
+    if (!result.hasRoom) state_->valid = false;  // there is nothing to place again
 }
 
 /// Quilts the fill rectangle, guided by what is known round the region, and decides where the

@@ -21,7 +21,7 @@ struct SynthesisSettings {
     Map<Pixel32f>* fillMask = nullptr;  ///< prepared: M on the region to fill, 0 elsewhere
     Region sampleBox;                   ///< pixels
     bool fillAll = true;                ///< nothing of the source is kept
-    bool avoidFillRegion = false;       ///< cleared when avoiding proves impossible
+    bool avoidFillRegion = false;       ///< no texture is taken from what is to be filled
     int seed = 0;
     BlockSettings blocks;
     bool useStoredBlocks = false;  ///< lay the blocks of the state again instead of new ones

@@ -31,27 +31,34 @@ void shape(Map<Pixel>& map, int width, int height)
 }  // namespace
 
 template <typename Pixel>
-Quilt<Pixel>::Quilt(const QuiltInputs<Pixel>& inputs) : in_(inputs)
+Quilt<Pixel>::Quilt(const QuiltInputs<Pixel>& inputs)
+    : in_(inputs),
+      blocks_(inputs.blocks),
+      avoids_(inputs.avoidFillRegion && inputs.fillMask != nullptr)
 {
     overlapError_.setStatusRecord(in_.statusRecord);
     paste_.setStatusRecord(in_.statusRecord);
 }
 
 template <typename Pixel>
-bool Quilt<Pixel>::run()
+QuiltResult Quilt<Pixel>::run()
 {
-    prepareSizes();
+    const bool wasToAvoid = avoids_;
+    clampSizes();
+    QuiltResult result;
+    result.blockSize = {static_cast<float>(blocks_.blockW), static_cast<float>(blocks_.blockH)};
     const Region& rect = in_.fillRect;
-    if (rect.isEmpty() || in_.textures.empty()) return true;
+    if (rect.isEmpty() || in_.textures.empty()) return result;
     shape(fillBuffer_, rect.x1 - rect.x0, rect.y1 - rect.y0);
     fillBuffer_.placeAt(rect.x0, rect.y0);
-    // A rectangle that no memory can hold has millions of rows: laying them would never end.
-    if (!fillBuffer_.isUsable()) {
+    // A rectangle that no memory can hold has millions of rows: placing them would never end.
+    result.hasRoom = fillBuffer_.isUsable();
+    if (!result.hasRoom) {
         MapProcessor::reportMap("Sampler", "bogus");
-        return false;
+        return result;
     }
     for (int rowY = rect.y0; !isAborted(); rowY += strideY()) {
-        const int height = std::min(in_.blocks->blockH, rect.y1 - rowY);
+        const int height = std::min(blocks_.blockH, rect.y1 - rowY);
         layRow(rowY, height);
         reportProgress(rowY + height);
         if (rect.y1 - rowY <= strideY()) break;  // not a comparison of sums: those could overflow
@@ -60,24 +67,24 @@ bool Quilt<Pixel>::run()
     copy.setStatusRecord(in_.statusRecord);
     copy.setRegion(rect);
     copy.process(&fillBuffer_, in_.target);
-    return true;
+    result.gaveUpAvoiding = wasToAvoid && !avoids_;
+    return result;
 }
 
 /// Clamps the sizes to each other; a host may hand over any values.
 template <typename Pixel>
-void Quilt<Pixel>::prepareSizes()
+void Quilt<Pixel>::clampSizes()
 {
-    BlockSettings& s = *in_.blocks;
+    BlockSettings& s = blocks_;
     const Region& box = in_.sampleBox;
     // Avoiding candidates come from the whole texture and need not fit the sample box. A block is
     // at least one pixel, even when the box has no width or height.
-    if (!avoids()) {
+    if (!avoids_) {
         if (s.blockW >= 1) s.blockW = std::min(s.blockW, box.x1 - box.x0);
         if (s.blockH >= 1) s.blockH = std::min(s.blockH, box.y1 - box.y0);
     }
     s.blockW = std::max(s.blockW, 1);
     s.blockH = std::max(s.blockH, 1);
-    *in_.savedBlockSize = {static_cast<float>(s.blockW), static_cast<float>(s.blockH)};
     s.overlapW = std::clamp(s.overlapW, 0, s.blockW / 2);
     s.overlapH = std::clamp(s.overlapH, 0, s.blockH / 2);
     s.blendW = std::clamp(s.blendW, 0, s.overlapW / 2);
@@ -93,7 +100,7 @@ void Quilt<Pixel>::layRow(int rowY, int height)
     zeros_.assign(static_cast<std::size_t>(std::max(rect.x1 - rect.x0, height)), {0.0f, 0.0f});
     const std::size_t firstRecord = in_.blockList != nullptr ? in_.blockList->size() : 0;
     for (int x = rect.x0;; x += strideX()) {
-        const int width = std::min(in_.blocks->blockW, rect.x1 - x);
+        const int width = std::min(blocks_.blockW, rect.x1 - x);
         layBlock({x, rowY, width, height, x == rect.x0, rowY == rect.y0});
         if (isAborted()) return;
         if (rect.x1 - x <= strideX()) break;
@@ -122,7 +129,7 @@ typename Quilt<Pixel>::Candidate Quilt<Pixel>::bestCandidate(const BlockPlace& p
     Candidate best{};
     float bestError = std::numeric_limits<float>::max();
     bool found = false;
-    const int samples = std::max(in_.blocks->numSamples, 1);
+    const int samples = std::max(blocks_.numSamples, 1);
     for (int texture = 0; texture < static_cast<int>(in_.textures.size()); ++texture) {
         startTrying(place, samples);
         for (int sample = 0; sample < samples && !isAborted(); ++sample) {
@@ -148,7 +155,7 @@ void Quilt<Pixel>::startTrying(const BlockPlace& place, int samples)
     const std::int64_t columns = std::int64_t{box.x1} - place.width - box.x0;
     const std::int64_t rows = std::int64_t{box.y1} - place.height - box.y0;
     // A box that is smaller than the block draws to its other side.
-    if (samples < kManySamples || avoids() || columns < 0 || rows < 0) {
+    if (samples < kManySamples || avoids_ || columns < 0 || rows < 0) {
         tried_.stop();
     } else {
         tried_.start(box.x0, box.y0, columns, rows);
@@ -160,10 +167,10 @@ typename Quilt<Pixel>::Candidate Quilt<Pixel>::draw(int texture, const BlockPlac
                                                     Random& random)
 {
     Candidate candidate{texture, 0, 0};
-    if (avoids()) {
+    if (avoids_) {
         if (!drawAvoiding(random, place, candidate)) {
             std::fputs(kCannotAvoid, stderr);
-            *in_.avoidFillRegion = false;
+            avoids_ = false;
         }
         return candidate;
     }
@@ -205,8 +212,8 @@ bool Quilt<Pixel>::touchesFillRegion(const Candidate& candidate, const BlockPlac
 template <typename Pixel>
 float Quilt<Pixel>::candidateError(const BlockPlace& place, const Candidate& candidate)
 {
-    const int overlapW = std::min(in_.blocks->overlapW, place.width);
-    const int overlapH = std::min(in_.blocks->overlapH, place.height);
+    const int overlapW = std::min(blocks_.overlapW, place.width);
+    const int overlapH = std::min(blocks_.overlapH, place.height);
     float error = 0.0f;  // exact: float, in this order
     if (!in_.fillAll) {
         overlapError_.setWeight({in_.weightMap, place.x, place.y});
@@ -239,11 +246,11 @@ float Quilt<Pixel>::errorAgainst(const Map<Pixel>& laid, const BlockPlace& place
 template <typename Pixel>
 void Quilt<Pixel>::findVerticalSeam(const BlockPlace& place, const Candidate& best)
 {
-    const int overlap = std::min(in_.blocks->overlapW, place.width);
+    const int overlap = std::min(blocks_.overlapW, place.width);
     if (overlap < 1) return;
     errorAgainst(rowBuffer_, place, best, columnError_, overlap, place.height);
     if (isAborted()) return;
-    bestFitPath({in_.blocks->seamStep, in_.blocks->blendW}, columnError_, columnCost_, seamV_,
+    bestFitPath({blocks_.seamStep, blocks_.blendW}, columnError_, columnCost_, seamV_,
                 SeamMode::Vertical);
 }
 
@@ -253,7 +260,7 @@ void Quilt<Pixel>::pasteBlock(const BlockPlace& place, const Candidate& best)
     paste_.setSourcePosition(best.x, best.y);
     paste_.setSeams({.horizontal = zeros_, .vertical = seamV_});
     // The first block of a row has nothing beside it to blend with.
-    paste_.setBlend({.width = place.firstInRow ? 0 : in_.blocks->blendW, .height = 0});
+    paste_.setBlend({.width = place.firstInRow ? 0 : blocks_.blendW, .height = 0});
     paste_.setRegion({place.x, place.y, place.x + place.width, place.y + place.height});
     paste_.process(*in_.textures[static_cast<std::size_t>(best.texture)], rowBuffer_);
 }
@@ -282,7 +289,7 @@ void Quilt<Pixel>::joinRow(int rowY, int height)
 {
     const Region& rect = in_.fillRect;
     const int width = rect.x1 - rect.x0;
-    const int overlap = std::min(in_.blocks->overlapH, height);
+    const int overlap = std::min(blocks_.overlapH, height);
     const bool firstRow = rowY == rect.y0;
     seamH_.assign(static_cast<std::size_t>(width), {0.0f, 0.0f});
     if (!firstRow && overlap >= 1) {
@@ -291,12 +298,12 @@ void Quilt<Pixel>::joinRow(int rowY, int height)
         overlapError_.setImages({&fillBuffer_, rect.x0, rowY}, {&rowBuffer_, rect.x0, rowY});
         overlapError_.measure(error);
         if (isAborted()) return;
-        bestFitPath({in_.blocks->seamStep, in_.blocks->blendH}, error, rowCost_, seamH_,
+        bestFitPath({blocks_.seamStep, blocks_.blendH}, error, rowCost_, seamH_,
                     SeamMode::Horizontal);
     }
     paste_.setSourcePosition(rect.x0, rowY);
     paste_.setSeams({.horizontal = seamH_, .vertical = zeros_});
-    paste_.setBlend({.width = 0, .height = firstRow ? 0 : in_.blocks->blendH});
+    paste_.setBlend({.width = 0, .height = firstRow ? 0 : blocks_.blendH});
     paste_.setRegion({rect.x0, rowY, rect.x1, rowY + height});
     paste_.process(rowBuffer_, fillBuffer_);
 }
@@ -309,7 +316,7 @@ void Quilt<Pixel>::recordRowSeam(std::size_t firstRecord)
     int start = 0;
     for (std::size_t i = firstRecord; i < in_.blockList->size(); ++i) {
         const auto first = seamH_.begin() + start;
-        const int count = std::min(in_.blocks->blockW, width - start);
+        const int count = std::min(blocks_.blockW, width - start);
         (*in_.blockList)[i].seamH.assign(first, first + count);
         start += strideX();
     }

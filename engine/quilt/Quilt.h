@@ -14,7 +14,7 @@
 
 namespace Orvane::Engine {
 
-/// Sizes in pixels; quilting clamps them to each other and leaves the clamped values here.
+/// Sizes in pixels; quilting clamps them to each other.
 struct BlockSettings {
     int blockW = 1, blockH = 1;
     int overlapW = 0, overlapH = 0;
@@ -33,15 +33,20 @@ struct QuiltInputs {
     Map<Pixel>* target = nullptr;              ///< is written over the fill rectangle
     const Map<Pixel32f>* fillMask = nullptr;   ///< nonzero is to be filled; null without mask
     const Map<Pixel32f>* weightMap = nullptr;  ///< positive on known pixels; not used with fillAll
-    bool fillAll = true;              ///< nothing is known: no candidate is compared to source
-    bool* avoidFillRegion = nullptr;  ///< reject candidates that touch the fill mask; cleared
-                                      ///< when that proves impossible
+    bool fillAll = true;           ///< nothing is known: no candidate is compared to source
+    bool avoidFillRegion = false;  ///< reject candidates that touch the fill mask
     int seed = 0;
-    BlockSettings* blocks = nullptr;
+    BlockSettings blocks;
     BlockList* blockList = nullptr;        ///< gets a record for each block; may be null
-    BlockSize* savedBlockSize = nullptr;   ///< gets the block size in use
     RenderStatus* statusRecord = nullptr;  ///< may be null
     RenderObserver* observer = nullptr;    ///< may be null
+};
+
+/// What became of a quilt.
+struct QuiltResult {
+    bool hasRoom = true;          ///< false: nothing is placed or recorded, for want of memory
+    BlockSize blockSize;          ///< as it was used, clamped
+    bool gaveUpAvoiding = false;  ///< candidates that touch the fill mask had to be taken
 };
 
 /// Block quilting (Efros and Freeman 2001, section 2): covers a rectangle with blocks of texture in
@@ -54,8 +59,7 @@ template <typename Pixel>
 class Quilt {
 public:
     explicit Quilt(const QuiltInputs<Pixel>& inputs);
-    /// False when there is no room for the fill rectangle: nothing is laid then or recorded.
-    bool run();
+    QuiltResult run();
 
 private:
     /// Where a block lies, cut at the fill rectangle's edge.
@@ -67,7 +71,7 @@ private:
         int texture, x, y;
     };
 
-    void prepareSizes();
+    void clampSizes();
     void layRow(int rowY, int height);
     void layBlock(const BlockPlace& place);
     Candidate bestCandidate(const BlockPlace& place);
@@ -86,11 +90,12 @@ private:
     std::uint32_t blockSeed(const BlockPlace& place) const;
     void reportProgress(int yDone) const;
     bool isAborted() const;
-    bool avoids() const { return *in_.avoidFillRegion && in_.fillMask != nullptr; }
-    int strideX() const { return in_.blocks->blockW - in_.blocks->overlapW; }
-    int strideY() const { return in_.blocks->blockH - in_.blocks->overlapH; }
+    int strideX() const { return blocks_.blockW - blocks_.overlapW; }
+    int strideY() const { return blocks_.blockH - blocks_.overlapH; }
 
     QuiltInputs<Pixel> in_;
+    BlockSettings blocks_;   ///< clamped once the quilt runs
+    bool avoids_;            ///< until that proves impossible
     Map<Pixel> fillBuffer_;  ///< finished rows, over the fill rectangle
     Map<Pixel> rowBuffer_;   ///< the row being laid
     // Work maps keep their storage from block to block.

@@ -184,20 +184,16 @@ TYPED_TEST(QuiltStages, WholeQuiltAgreesWithTheReference)
         BlockSettings blocks{s.blockW, s.blockH, s.overlapW, s.overlapH,
                              s.blendW, s.blendH, s.step,     s.numSamples};
         Map<TypeParam>* textures[] = {&*first, &*second};
-        bool avoid = false;
         BlockList list;
-        BlockSize saved;
         QuiltInputs<TypeParam> inputs;
         inputs.fillRect = {3, 2, 60, 44};
         inputs.sampleBox = {s.boxX0, s.boxY0, s.boxX1, s.boxY1};
         inputs.textures = textures;
         inputs.target = &*target;
-        inputs.avoidFillRegion = &avoid;
         inputs.seed = s.seed;
-        inputs.blocks = &blocks;
+        inputs.blocks = blocks;
         inputs.blockList = &list;
-        inputs.savedBlockSize = &saved;
-        Quilt<TypeParam>(inputs).run();
+        const BlockSize used = Quilt<TypeParam>(inputs).run().blockSize;
 
         auto expected = Reference::Quilt<TypeParam>(s, {&refFirst, &refSecond}).cover(3, 2, 57, 42);
         for (int y = 2; y < 44; ++y) {
@@ -206,10 +202,10 @@ TYPED_TEST(QuiltStages, WholeQuiltAgreesWithTheReference)
             }
         }
         EXPECT_EQ(target.at(2, 10), Testing::grey<TypeParam>(0.0f)) << "outside the rectangle";
-        EXPECT_EQ(saved.width, static_cast<float>(blocks.blockW));
+        EXPECT_EQ(used.width, static_cast<float>(std::min(s.blockW, s.boxX1 - s.boxX0)));
         for (const BlockRecord& record : list) {
             EXPECT_EQ(record.seamH.size(),
-                      std::min<std::size_t>(static_cast<std::size_t>(blocks.blockW),
+                      std::min<std::size_t>(static_cast<std::size_t>(used.width),
                                             static_cast<std::size_t>(60 - record.x)));
         }
         EXPECT_TRUE(services.memory.live.empty());
@@ -274,20 +270,17 @@ struct SmallQuilt {
         inputs.textures = textures;
         inputs.target = &*target;
         inputs.source = &*texture;
-        inputs.avoidFillRegion = &avoid;
-        inputs.blocks = &blocks;
+        inputs.blocks = blocks;
         inputs.blockList = &list;
-        inputs.savedBlockSize = &saved;
-        Quilt<PixelRGBA8>(inputs).run();
+        result = Quilt<PixelRGBA8>(inputs).run();
     }
 
     TestMap<PixelRGBA8> texture = noise<PixelRGBA8>(40, 30, 3);
     TestMap<PixelRGBA8> target = solid<PixelRGBA8>(33, 21, 0.0f);
     BlockSettings blocks{10, 10, 3, 3, 0, 0, 2, 2};
-    bool avoid = false;
     BlockList list;
-    BlockSize saved;
     QuiltInputs<PixelRGBA8> inputs;
+    QuiltResult result;
 };
 
 TEST(Quilt, DefinesWhateverSizesItIsGiven)
@@ -309,7 +302,7 @@ TEST(Quilt, DefinesWhateverSizesItIsGiven)
         quilt.blocks = c.blocks;
         quilt.inputs.sampleBox = c.box;
         quilt.run();
-        EXPECT_GE(quilt.saved.width, 1.0f);
+        EXPECT_GE(quilt.result.blockSize.width, 1.0f);
         EXPECT_FALSE(quilt.list.empty());
         EXPECT_NE(quilt.target.pixels(), solid<PixelRGBA8>(33, 21, 0.0f).pixels());
     }
@@ -349,12 +342,12 @@ TEST(Quilt, KeepsClearOfTheFillRegion)
     for (int y = 0; y < 30; ++y) {
         for (int x = 18; x < 40; ++x) mask.at(x, y) = 255.0f;  // candidates must end before x = 18
     }
-    quilt.avoid = true;
+    quilt.inputs.avoidFillRegion = true;
     quilt.inputs.fillMask = &*mask;
     quilt.inputs.sampleBox = {0, 0, 5, 5};  // of no meaning while avoiding
     quilt.run();
-    EXPECT_TRUE(quilt.avoid);
-    EXPECT_EQ(quilt.saved.width, 10.0f) << "kept whole";
+    EXPECT_FALSE(quilt.result.gaveUpAvoiding);
+    EXPECT_EQ(quilt.result.blockSize.width, 10.0f) << "kept whole";
     for (const BlockRecord& record : quilt.list) {
         EXPECT_LE(record.srcX + static_cast<float>(record.seamH.size()), 18.0f);
     }
@@ -366,12 +359,12 @@ TEST(Quilt, GivesUpAvoidingOnceAndSaysSo)
     SmallQuilt quilt;
     TestMap<Pixel32f> mask(40, 30);
     for (float& m : mask.pixels()) m = 1.0f;
-    quilt.avoid = true;
+    quilt.inputs.avoidFillRegion = true;
     quilt.inputs.fillMask = &*mask;
     ::testing::internal::CaptureStderr();
     quilt.run();
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Cannot avoid matte!\n");
-    EXPECT_FALSE(quilt.avoid);
+    EXPECT_TRUE(quilt.result.gaveUpAvoiding);
 }
 
 TEST(Quilt, KnownPixelsDecideTheFirstBlock)
@@ -432,16 +425,12 @@ TEST(Quilt, PixelsThatAreNoNumbersDoNotStopIt)
     auto target = solid<PixelRGBAf>(30, 30, 0.5f);
     Map<PixelRGBAf>* textures[] = {&*texture};
     BlockSettings blocks{8, 8, 3, 3, 1, 1, 2, 2};
-    bool avoid = false;
-    BlockSize saved;
     QuiltInputs<PixelRGBAf> inputs;
     inputs.fillRect = {0, 0, 30, 30};
     inputs.sampleBox = {0, 0, 20, 20};
     inputs.textures = textures;
     inputs.target = &*target;
-    inputs.avoidFillRegion = &avoid;
-    inputs.blocks = &blocks;
-    inputs.savedBlockSize = &saved;
+    inputs.blocks = blocks;
     Quilt<PixelRGBAf>(inputs).run();
     EXPECT_EQ(target.at(15, 15).b, -1.0f);
 }
