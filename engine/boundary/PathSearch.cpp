@@ -1,7 +1,9 @@
 #include "engine/boundary/PathSearch.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <memory>
 #include <type_traits>
 
 #include "engine/map/ExactMath.h"
@@ -10,12 +12,6 @@
 
 namespace Orvane::Engine {
 namespace {
-
-// States of a cell, kept in its count.
-constexpr float kNotReached = 0.0f;
-constexpr float kBesideCut = -1.0f;  ///< may still be reached
-constexpr float kBlocked = -2.0f;    ///< or queued in the front being processed
-constexpr float kOnCut = 1.0f;
 
 /// In mask units at every depth, so it is a larger share of M at float depth than at 8 bits.
 constexpr float kWalkThreshold = 0.01f;
@@ -78,8 +74,39 @@ std::size_t octantOf(const PixelVec2f& g)
 
 }  // namespace
 
+bool PathCells::make(const MapDomain& map)
+{
+    x0_ = map.xAxis().origin + map.xAxis().storeStart;
+    y0_ = map.yAxis().origin + map.yAxis().storeStart;
+    width_ = map.xAxis().storeLength;
+    height_ = map.yAxis().storeLength;
+    const auto columns = static_cast<std::size_t>(width_);
+    const auto rows = static_cast<std::size_t>(height_);
+    block_ = allocateImageBlock(columns, rows, sizeof(PathCell));
+    if (block_ == nullptr) return false;
+    first_ = reinterpret_cast<PathCell*>(block_.get());
+    std::uninitialized_fill_n(first_, columns * rows, PathCell{});
+    return true;
+}
+
+PathCell* PathCells::find(PixelPoint p) const
+{
+    const std::int64_t column = std::int64_t{p.x} - x0_;
+    const std::int64_t row = std::int64_t{p.y} - y0_;
+    if (column < 0 || column >= width_ || row < 0 || row >= height_) return nullptr;
+    return first_ + (row * width_ + column);
+}
+
 template <typename Pixel>
 PathOutcome PathSearch<Pixel>::run(PixelPoint start)
+{
+    const PathOutcome outcome = search(start);
+    cells_.release();
+    return outcome;
+}
+
+template <typename Pixel>
+PathOutcome PathSearch<Pixel>::search(PixelPoint start)
 {
     cut_.clear();
     arrivals_.clear();
@@ -119,20 +146,12 @@ float PathSearch<Pixel>::pixelCost(PixelPoint p) const
 template <typename Pixel>
 bool PathSearch<Pixel>::blockCells()
 {
-    cells_.copyGeometry(*in_.band);
-    cells_.setEdgeMode(EdgeMode::EdgeNone, EdgeMode::EdgeNone);
-    cells_.allocate();
-    if (!cells_.isUsable()) return false;
-    for (int row = 0; row < cells_.yAxis().storeLength; ++row) {
-        for (int column = 0; column < cells_.xAxis().storeLength; ++column) {
-            *cells_.pixelAt(column, row) = {0.0f, kNotReached};
-        }
-    }
+    if (!cells_.make(*in_.band)) return false;
     for (int y = in_.work.y0; y < in_.work.y1; ++y) {
         const RowReader band(*in_.band, y);
         for (int x = in_.work.x0; x < in_.work.x1; ++x) {
             if (band[x] != 0.0f) continue;
-            if (Cell* blocked = cell({x, y})) blocked->y = kBlocked;
+            if (PathCell* cell = cells_.find({x, y})) cell->state = CellState::Blocked;
         }
     }
     return true;
@@ -157,9 +176,9 @@ bool PathSearch<Pixel>::cutBand(PixelPoint start)
     for (steps = 0; bandAt(pixelOf(position)) > kWalkThreshold; ++steps) {
         if (steps > longest) return false;
         const PixelPoint p = pixelOf(position);
-        if (Cell* here = cell(p)) {
+        if (PathCell* cell = cells_.find(p)) {
             cut_.push_back(p);
-            *here = {pixelCost(p), kOnCut};
+            *cell = {pixelCost(p), 1, CellState::OnCut};
         }
         position = {position.x + d.x, position.y + d.y};
     }
@@ -173,18 +192,18 @@ void PathSearch<Pixel>::orientCut()
     for (const PixelPoint p : cut_) {
         const PixelVec2f g = gradientAt(p);
         for (const PixelPoint o : kDirections) {
-            Cell* neighbour = cell(p + o);
-            if (neighbour == nullptr || neighbour->y != kNotReached) continue;
+            PathCell* neighbour = cells_.find(p + o);
+            if (neighbour == nullptr || neighbour->state != CellState::NotReached) continue;
             const float ahead = -g.y * static_cast<float>(o.x) + g.x * static_cast<float>(o.y);
-            if (ahead >= 0.0f) neighbour->y = kBesideCut;
+            if (ahead >= 0.0f) neighbour->state = CellState::BesideCut;
         }
     }
     for (const PixelPoint p : cut_) {
         for (const PixelPoint o : kDirections) {
-            Cell* neighbour = cell(p + o);
-            if (neighbour == nullptr || neighbour->y != kNotReached) continue;
+            PathCell* neighbour = cells_.find(p + o);
+            if (neighbour == nullptr || neighbour->state != CellState::NotReached) continue;
             arrivals_.push_back(p + o);
-            neighbour->y = kBesideCut;
+            neighbour->state = CellState::BesideCut;
         }
     }
 }
@@ -210,16 +229,12 @@ void PathSearch<Pixel>::collectFront(const std::vector<PixelPoint>& front,
     for (const PixelPoint p : front) {
         for (const PixelPoint o : kDirections) {
             const PixelPoint q = p + o;
-            Cell* reached = cell(q);
-            if (reached == nullptr) continue;
-            if (reached->y != kNotReached && reached->y != kBesideCut) continue;
-            bool hasPredecessor = false;
-            for (const PixelPoint before : predecessors(q)) {
-                hasPredecessor = hasPredecessor || count(before) > 0.0f;
-            }
-            if (!hasPredecessor) continue;
+            PathCell* cell = cells_.find(q);
+            if (cell == nullptr || !cell->mayBeReached()) continue;
+            const auto before = predecessors(q);
+            if (!std::ranges::any_of(before, [this](PixelPoint b) { return hasPath(b); })) continue;
             next.push_back(q);
-            reached->y = kBlocked;
+            cell->state = CellState::Queued;
         }
     }
 }
@@ -227,20 +242,20 @@ void PathSearch<Pixel>::collectFront(const std::vector<PixelPoint>& front,
 template <typename Pixel>
 void PathSearch<Pixel>::finalise(PixelPoint q)
 {
-    const auto best = bestPredecessor(q, [this](PixelPoint p) { return count(p) > 0.0f; });
+    const auto best = bestPredecessor(q, [](const PathCell& cell) { return cell.hasPath(); });
     if (!best) return;
-    const Cell& before = *cell(*best);
-    const int length = static_cast<int>(before.y) + 1;
-    *cell(q) = {pixelCost(q) + before.x, static_cast<float>(length)};
+    const PathCell& before = *cells_.find(*best);
+    *cells_.find(q) = {pixelCost(q) + before.sum, before.count + 1, CellState::Reached};
 }
 
+/// The arrival cell of least mean cost, the earlier one of two.
 template <typename Pixel>
 std::optional<PixelPoint> PathSearch<Pixel>::endPoint() const
 {
     std::optional<PixelPoint> best;
     for (const PixelPoint p : arrivals_) {
-        if (!(count(p) > 0.0f)) continue;
-        if (!best || mean(p) < mean(*best)) best = p;
+        if (!hasPath(p)) continue;
+        if (!best || cells_.find(p)->meanCost() < cells_.find(*best)->meanCost()) best = p;
     }
     return best;
 }
@@ -253,15 +268,16 @@ bool PathSearch<Pixel>::trace(PixelPoint end)
     const auto cells =
         static_cast<std::size_t>(cells_.width()) * static_cast<std::size_t>(cells_.height());
     path_.push_back(end);
-    PixelPoint s = end;
-    while (count(s) != kOnCut) {
+    const PathCell* cell = cells_.find(end);
+    while (cell->state != CellState::OnCut) {
         if (path_.size() > cells) return false;
-        const auto limit = static_cast<float>(static_cast<int>(count(s)) + kTraceSlack);
-        const auto next =
-            bestPredecessor(s, [&](PixelPoint p) { return count(p) > 0.0f && count(p) < limit; });
+        const int limit = cell->count + kTraceSlack;
+        const auto next = bestPredecessor(path_.back(), [limit](const PathCell& before) {
+            return before.hasPath() && before.count < limit;
+        });
         if (!next) return false;
         path_.push_back(*next);
-        s = *next;
+        cell = cells_.find(*next);
     }
     return true;
 }
@@ -289,20 +305,12 @@ bool PathSearch<Pixel>::closeLoop(PixelPoint end)
     return true;
 }
 
-/// A pixel without a cell is blocked.
+/// Whether a path ends at a pixel; a pixel without a cell is blocked.
 template <typename Pixel>
-float PathSearch<Pixel>::count(PixelPoint p) const
+bool PathSearch<Pixel>::hasPath(PixelPoint p) const
 {
-    const Cell* here = cells_.translate(p.x, p.y);
-    return here != nullptr ? here->y : kBlocked;
-}
-
-/// The mean cost per pixel of the path that ends here.
-template <typename Pixel>
-float PathSearch<Pixel>::mean(PixelPoint p) const
-{
-    const Cell* here = cells_.translate(p.x, p.y);
-    return here->x / here->y;
+    const PathCell* cell = cells_.find(p);
+    return cell != nullptr && cell->hasPath();
 }
 
 template <typename Pixel>
@@ -319,8 +327,14 @@ std::optional<PixelPoint> PathSearch<Pixel>::bestPredecessor(PixelPoint q,
                                                              const Accept& accept) const
 {
     std::optional<PixelPoint> best;
+    float bestMean = 0.0f;
     for (const PixelPoint p : predecessors(q)) {
-        if (accept(p) && (!best || mean(p) < mean(*best))) best = p;
+        const PathCell* cell = cells_.find(p);
+        if (cell == nullptr || !accept(*cell)) continue;
+        const float mean = cell->meanCost();
+        if (best && !(mean < bestMean)) continue;
+        best = p;
+        bestMean = mean;
     }
     return best;
 }

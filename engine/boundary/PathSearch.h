@@ -1,9 +1,11 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
+#include "engine/map/ImageBlock.h"
 #include "engine/map/Map.h"
 #include "engine/pass/MapProcessor.h"
 
@@ -23,6 +25,48 @@ enum class PathOutcome {
     Closed,      ///< `path` is a closed 8-connected loop
     NotReached,  ///< the front never came round to the other side of the cut
     TraceFailed  ///< the way back to the cut could not be followed
+};
+
+/// How far the search has come at a pixel.
+enum class CellState : std::uint8_t {
+    NotReached,
+    BesideCut,  ///< next to the cut; may still be reached
+    Queued,     ///< in the front being processed, or without a way on from there
+    Blocked,    ///< off the band
+    OnCut,      ///< where every path starts
+    Reached,
+};
+
+/// One pixel of a search and, once it has one, the best path that ends there.
+struct PathCell {
+    float sum = 0.0f;  ///< the costs of the path's pixels
+    int count = 0;     ///< how many those are
+    CellState state = CellState::NotReached;
+
+    bool mayBeReached() const
+    {
+        return state == CellState::NotReached || state == CellState::BesideCut;
+    }
+    bool hasPath() const { return state == CellState::OnCut || state == CellState::Reached; }
+    float meanCost() const { return sum / static_cast<float>(count); }
+};
+
+/// The cells of a rectangle, in image memory.
+class PathCells {
+public:
+    /// Makes new cells where a map has pixels. False without memory for them.
+    bool make(const MapDomain& map);
+    void release() { block_.reset(); }
+
+    int width() const { return width_; }
+    int height() const { return height_; }
+    /// The cell of a pixel in absolute coordinates, or null where there is none.
+    PathCell* find(PixelPoint p) const;
+
+private:
+    ImageBlock block_;
+    PathCell* first_ = nullptr;
+    int x0_ = 0, y0_ = 0, width_ = 0, height_ = 0;
 };
 
 /// Finds the closed path through a band along which two pictures differ least. The band is cut from
@@ -45,10 +89,7 @@ public:
     float pixelCost(PixelPoint p) const;
 
 private:
-    /// One pixel's state: the cost of the best path that ends here and its number of pixels. The
-    /// count also says where the search stands, in the constants below; 1 or more is final.
-    using Cell = PixelVec2f;
-
+    PathOutcome search(PixelPoint start);
     bool blockCells();
     bool cutBand(PixelPoint start);
     void orientCut();
@@ -61,15 +102,13 @@ private:
 
     float bandAt(PixelPoint p) const { return in_.band->read(p.x, p.y); }
     PixelVec2f gradientAt(PixelPoint p) const { return in_.gradient->read(p.x, p.y); }
-    Cell* cell(PixelPoint p) { return cells_.translate(p.x, p.y); }
-    float count(PixelPoint p) const;
-    float mean(PixelPoint p) const;
+    bool hasPath(PixelPoint p) const;
     std::array<PixelPoint, 3> predecessors(PixelPoint q) const;
     template <typename Accept>
     std::optional<PixelPoint> bestPredecessor(PixelPoint q, const Accept& accept) const;
 
     PathSearchInputs<Pixel> in_;
-    mutable Map<Cell> cells_;
+    PathCells cells_;
     std::vector<PixelPoint> cut_, arrivals_, path_;
 };
 

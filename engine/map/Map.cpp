@@ -1,42 +1,12 @@
 #include "engine/map/Map.h"
 
 #include <cmath>
-#include <cstring>
-#include <limits>
 
 #include "engine/map/ExactMath.h"
-#include "libraries/services/HostServices.h"
+#include "engine/map/ImageBlock.h"
 
 namespace Orvane::Engine {
 namespace {
-
-/// Every block of image memory starts with a header whose first word is its handle, and is aligned
-/// to 16 bytes behind it as well.
-constexpr std::size_t kHeaderBytes = 16;
-static_assert(kHeaderBytes >= sizeof(void*));
-
-/// A locked block of `bytes` bytes, or null.
-std::byte* allocateBlock(std::size_t bytes)
-{
-    ImageMemoryService& memory = imageMemoryService();
-    void* handle = memory.allocate(bytes + kHeaderBytes);
-    if (handle == nullptr) return nullptr;
-    void* block = memory.lock(handle);
-    if (block == nullptr) {
-        memory.free(handle);
-        return nullptr;
-    }
-    std::memcpy(block, &handle, sizeof handle);
-    return static_cast<std::byte*>(block) + kHeaderBytes;
-}
-
-void freeBlock(std::byte* data)
-{
-    void* handle = nullptr;
-    std::memcpy(&handle, data - kHeaderBytes, sizeof handle);
-    ImageMemoryService& memory = imageMemoryService();
-    if (memory.unlock(handle)) memory.free(handle);
-}
 
 template <typename Channel>
 PixelRGBAf toSample(const RGBA<Channel>& p)
@@ -91,14 +61,10 @@ void Map<Pixel>::allocate()
     const auto columns = static_cast<std::size_t>(xAxis().storeLength);
     const auto rows = static_cast<std::size_t>(yAxis().storeLength);
     if (columns == 0 || rows == 0) return;
-    const std::size_t rowBytes = columns * sizeof(Pixel);
-    // Half the address space, so that offsets into the block fit a ptrdiff_t.
-    constexpr std::size_t kMostBytes = std::numeric_limits<std::size_t>::max() / 2 - kHeaderBytes;
-    const bool fits = columns <= kMostBytes / sizeof(Pixel) && rows <= kMostBytes / rowBytes;
-    data_ = fits ? allocateBlock(rows * rowBytes) : nullptr;
+    data_ = allocateImageBlock(columns, rows, sizeof(Pixel)).release();
     ownsData_ = data_ != nullptr;
     allocFailed_ = data_ == nullptr;
-    stride_ = static_cast<std::ptrdiff_t>(rowBytes);
+    stride_ = static_cast<std::ptrdiff_t>(columns * sizeof(Pixel));
 }
 
 template <typename Pixel>
@@ -119,7 +85,7 @@ void Map<Pixel>::borrow(void* data, std::ptrdiff_t stride)
 template <typename Pixel>
 void Map<Pixel>::freeStorage()
 {
-    if (ownsData_) freeBlock(data_);
+    if (ownsData_) ImageBlockRelease()(data_);
     ownsData_ = false;
     data_ = nullptr;
     allocFailed_ = false;
