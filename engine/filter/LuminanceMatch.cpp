@@ -52,16 +52,31 @@ void LuminanceMatch<Pixel>::process(const Map<Pixel>& destination)
 }
 
 template <typename Pixel>
-void LuminanceMatch<Pixel>::begin()
+void LuminanceMatch<Pixel>::runPasses()
 {
-    setNumPasses(0);
-    if (region().isEmpty()) return;
+    if (!prepare()) return;
+    Outcome outcome = measure();
+    for (int left = maxPasses_; left > 0 && !isAborted(); --left) {
+        outcome = spread(outcome.knownBounds);
+        // What is known next depends on what is known now alone, and more of it never makes less
+        // known. So a pass that adds nothing is followed by others that add nothing, and one that
+        // ends where the pass before last did, as three pixels in a line do, goes round in circles.
+        // There are no longer circles (Goles and Olivos 1981), so the node ends.
+        if (outcome.allKnown || !outcome.becameKnown || !outcome.leftEarlier) break;
+    }
+}
+
+/// Makes what the passes work on. False without memory, and where there is nothing to do.
+template <typename Pixel>
+bool LuminanceMatch<Pixel>::prepare()
+{
+    if (region().isEmpty()) return false;
     if (!makeMaps()) {
         if (RenderStatus* status = statusRecord()) {
             status->aborted = 1;
             status->errorCode = kErrorOutOfMemory;
         }
-        return;
+        return false;
     }
     limitReach();
     active_ = {};
@@ -72,8 +87,7 @@ void LuminanceMatch<Pixel>::begin()
     weight.process(*band_, known_);
     takeLuma(*destination_, destLuma_);
     takeLuma(*source_, sourceLuma_);
-    // Each pass orders the next, so that an abort ends the node at once.
-    setNumPasses(1);
+    return true;
 }
 
 template <typename Pixel>
@@ -130,16 +144,65 @@ void LuminanceMatch<Pixel>::blur(const Map<Pixel32f>& from, Map<Pixel32f>& to, i
     blur_.process(from, to);
 }
 
+/// The first pass: the ratio in the band.
 template <typename Pixel>
-void LuminanceMatch<Pixel>::beginPass()
+typename LuminanceMatch<Pixel>::Outcome LuminanceMatch<Pixel>::measure()
 {
-    if (currentPass() > 0) widenActive();
-    // A thread with a row to do has an index below the number of rows.
-    outcomes_.assign(static_cast<std::size_t>(region().y1 - region().y0), Outcome{});
-    if (currentPass() == 0) return;
+    const Outcome outcome = runRows(&LuminanceMatch::measureRow);
+    // What later passes need takes over the storage of what they do not.
+    support_ = std::move(sourceLuma_);
+    knownEarlier_ = std::move(destLuma_);
+    clear(knownEarlier_);
+    return outcome;
+}
+
+/// Every later pass: one step of the spread from the pixels known so far.
+template <typename Pixel>
+typename LuminanceMatch<Pixel>::Outcome LuminanceMatch<Pixel>::spread(const Region& known)
+{
+    widenActive(known);
     blur(known_, support_, halfReach_);
     blur(known_, known_, reach_);
     blur(ratio_, ratio_, reach_);
+    Outcome outcome = runRows(&LuminanceMatch::spreadRow);
+    outcome.allKnown = outcome.allKnown && contains(active_, neededPart());
+    std::swap(knownEarlier_, knownBefore_);
+    MapCopy<Pixel32f> copy;
+    copy.setStatusRecord(statusRecord());
+    copy.process(known_, knownBefore_);
+    return outcome;
+}
+
+/// One pass over the rows of the region, on all workers.
+template <typename Pixel>
+typename LuminanceMatch<Pixel>::Outcome LuminanceMatch<Pixel>::runRows(RowWork work)
+{
+    rowWork_ = work;
+    // A thread with a row to do has an index below the number of rows.
+    outcomes_.assign(static_cast<std::size_t>(region().y1 - region().y0), Outcome{});
+    runPass();
+    Outcome all;
+    for (const Outcome& outcome : outcomes_) all.add(outcome);
+    return all;
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::Outcome::add(const Outcome& other)
+{
+    allKnown = allKnown && other.allKnown;
+    becameKnown = becameKnown || other.becameKnown;
+    leftEarlier = leftEarlier || other.leftEarlier;
+    knownBounds = united(knownBounds, other.knownBounds);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::processPass()
+{
+    const RowRange rows = threadRows();
+    if (rows.isEmpty()) return;
+    Outcome outcome;
+    for (int y = rows.begin; y < rows.end; ++y) (this->*rowWork_)(y, outcome);
+    outcomes_[static_cast<std::size_t>(threadIndex())] = outcome;
 }
 
 template <typename Pixel>
@@ -153,34 +216,14 @@ Region LuminanceMatch<Pixel>::neededPart() const
 
 /// The next pass changes nothing farther from a known pixel than a blur reaches.
 template <typename Pixel>
-void LuminanceMatch<Pixel>::widenActive()
+void LuminanceMatch<Pixel>::widenActive(const Region& known)
 {
-    Region known;
-    for (const Outcome& outcome : outcomes_) known = united(known, outcome.knownBounds);
     if (known.isEmpty()) return;
     const Region& area = region();
     const int reach = reach_ + 1;
     active_ =
         united(active_, {std::max(known.x0 - reach, area.x0), std::max(known.y0 - reach, area.y0),
                          std::min(known.x1 + reach, area.x1), std::min(known.y1 + reach, area.y1)});
-}
-
-template <typename Pixel>
-void LuminanceMatch<Pixel>::processPass()
-{
-    const RowRange rows = threadRows();
-    if (rows.isEmpty()) return;
-    Outcome outcome;
-    const bool measures = currentPass() == 0;
-    outcome.allKnown = measures || contains(active_, neededPart());
-    for (int y = rows.begin; y < rows.end; ++y) {
-        if (measures) {
-            measureRow(y, outcome);
-        } else if (y >= active_.y0 && y < active_.y1) {
-            spreadRow(y, outcome);
-        }
-    }
-    outcomes_[static_cast<std::size_t>(threadIndex())] = outcome;
 }
 
 template <typename Pixel>
@@ -200,11 +243,11 @@ void LuminanceMatch<Pixel>::measureRow(int y, Outcome& outcome)
     }
 }
 
-/// One step of the spread. The blurred ratio over the blurred weight is the mean ratio of the known
-/// pixels around.
+/// The blurred ratio over the blurred weight is the mean ratio of the known pixels around.
 template <typename Pixel>
 void LuminanceMatch<Pixel>::spreadRow(int y, Outcome& outcome)
 {
+    if (y < active_.y0 || y >= active_.y1) return;
     const float k = 1.0f + static_cast<float>(halfReach_);
     const float threshold = 1.0f / (k * k);
     RowWriter known(known_, y);
@@ -234,38 +277,9 @@ void LuminanceMatch<Pixel>::spreadRow(int y, Outcome& outcome)
 }
 
 template <typename Pixel>
-void LuminanceMatch<Pixel>::endPass()
+bool LuminanceMatch<Pixel>::isAborted() const
 {
-    const int pass = currentPass();
-    if (pass == 0) {
-        // What later passes need takes over the storage of what they do not.
-        support_ = std::move(sourceLuma_);
-        knownEarlier_ = std::move(destLuma_);
-        clear(knownEarlier_);
-    } else {
-        std::swap(knownEarlier_, knownBefore_);
-        MapCopy<Pixel32f> copy;
-        copy.setStatusRecord(statusRecord());
-        copy.process(known_, knownBefore_);
-    }
-    if (pass < maxPasses_ && (pass == 0 || canSpread())) setNumPasses(pass + 2);
-}
-
-/// Whether some pixel still needs a gain and another pass may change that.
-template <typename Pixel>
-bool LuminanceMatch<Pixel>::canSpread() const
-{
-    Outcome all;
-    for (const Outcome& outcome : outcomes_) {
-        all.allKnown = all.allKnown && outcome.allKnown;
-        all.becameKnown = all.becameKnown || outcome.becameKnown;
-        all.leftEarlier = all.leftEarlier || outcome.leftEarlier;
-    }
-    // What is known next depends on what is known now alone, and more of it never makes less known.
-    // So a pass that adds nothing is followed by others that add nothing, and one that ends where
-    // the pass before last did, as three pixels in a line do, goes round in circles. There are no
-    // longer circles (Goles and Olivos 1981), so the node ends.
-    return !all.allKnown && all.becameKnown && all.leftEarlier;
+    return statusRecord() != nullptr && statusRecord()->aborted != 0;
 }
 
 template class LuminanceMatch<PixelRGBA8>;

@@ -42,31 +42,36 @@ public:
     /// Matches over the node's region of a picture that holds the texture. It is only read.
     void process(const Map<Pixel>& destination);
 
-    void begin() override;
+    void runPasses() override;
     void processPass() override;
-    void beginPass() override;
-    void endPass() override;
 
 private:
-    /// What one worker saw of its rows in a spreading pass.
+    /// What a pass came to: over the rows of one worker, or over all.
     struct Outcome {
         bool allKnown = true;      ///< every pixel that needs a gain is known
         bool becameKnown = false;  ///< a pixel is known that was not one pass ago
         bool leftEarlier = false;  ///< a pixel is not as it was two passes ago
         Region knownBounds;        ///< holds every known pixel
+
+        void add(const Outcome& other);
     };
+    using RowWork = void (LuminanceMatch::*)(int y, Outcome& outcome);
 
     using MapProcessor::process;
+    bool prepare();
     bool makeMaps();
     void limitReach();
     void takeLuma(const Map<Pixel>& picture, Map<Pixel32f>& luma);
     void clear(Map<Pixel32f>& map);
     void blur(const Map<Pixel32f>& from, Map<Pixel32f>& to, int radius);
+    Outcome measure();
+    Outcome spread(const Region& known);
+    Outcome runRows(RowWork work);
     Region neededPart() const;
-    void widenActive();
+    void widenActive(const Region& known);
     void measureRow(int y, Outcome& outcome);
     void spreadRow(int y, Outcome& outcome);
-    bool canSpread() const;
+    bool isAborted() const;
 
     const Map<Pixel32f>* band_;
     const Map<Pixel>* source_;
@@ -77,6 +82,7 @@ private:
     const Map<Pixel>* destination_ = nullptr;
     int reach_ = 0, halfReach_ = 0;  ///< blur radii, pixels
     BoxBlur blur_{BoxBlur::OneApplication};
+    RowWork rowWork_ = nullptr;      ///< of the pass that runs
     std::vector<Outcome> outcomes_;  ///< one for each worker thread
     Region active_;                  ///< what a pass works on; nothing is known outside of it
 

@@ -46,6 +46,10 @@ public:
     int currentPass() const { return currentPass_; }
 
 protected:
+    /// Runs one pass, for a node that decides in `runPasses` itself how many there are. An abort
+    /// skips it; a worker's failure is thrown when it is done.
+    void runPass();
+
     /// Whether the render is to stop; asks the host unless that is known already.
     [[nodiscard]] bool pollAbort() const
     {
@@ -53,7 +57,6 @@ protected:
     }
 
 private:
-    void runPass();
     void runOnWorkers();
     void throwFailure();
     void recordFailure(int code);
