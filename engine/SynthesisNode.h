@@ -42,7 +42,7 @@ struct SynthesisSettings {
 ///
 /// After an abort the output keeps what was written so far: nothing, unless quilting had finished.
 template <typename Pixel>
-class SynthesisNode final : public TwoMapProcessor<Map<Pixel>, Map<Pixel>> {
+class SynthesisNode final : public Sampler<Map<Pixel>, Map<Pixel>> {
     static constexpr float kMax = PixelTraits<Pixel>::kMax;
 
 public:

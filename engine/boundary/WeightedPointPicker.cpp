@@ -44,12 +44,7 @@ std::optional<PixelVec2f> WeightedPointPicker::getPoint(int i) const
 void WeightedPointPicker::process(const Map<Pixel32f>& map)
 {
     std::fill(points_.begin(), points_.end(), std::nullopt);
-    if (!map.isUsable()) {
-        reportMap("Sampler", "bogus");
-        return;
-    }
-    const Borrowed borrowMap(map_, &map);
-    MapProcessor::process(map);
+    run("Sampler", nullptr, &map);
 }
 
 float WeightedPointPicker::weight(float value) const
@@ -76,7 +71,7 @@ void WeightedPointPicker::processPass()
     if (rows.isEmpty()) return;
     double sum = 0.0;
     for (int y = rows.begin; y < rows.end; ++y) {
-        const RowReader row(*map_, y);
+        const RowReader row(target(), y);
         for (int x = region().x0; x < region().x1; ++x) sum += static_cast<double>(weight(row[x]));
     }
     partialSums_[static_cast<std::size_t>(threadIndex())] = sum;
@@ -104,7 +99,7 @@ std::vector<int> WeightedPointPicker::matchRows(const std::vector<double>& targe
     std::vector<int> rows;
     double sum = 0.0;  // exact: float weights added in double, in scan order
     for (int y = region().y0; y < region().y1; ++y) {
-        const RowReader row(*map_, y);
+        const RowReader row(target(), y);
         for (int x = region().x0; x < region().x1; ++x) {
             if (rows.size() == targets.size()) return rows;
             sum += static_cast<double>(weight(row[x]));
@@ -116,7 +111,7 @@ std::vector<int> WeightedPointPicker::matchRows(const std::vector<double>& targe
 
 std::optional<PixelVec2f> WeightedPointPicker::drawInRow(int y, double noise) const
 {
-    const RowReader row(*map_, y);
+    const RowReader row(target(), y);
     // exact: the row's weight is a double sum, the running weight a float sum, both from the left;
     // they are compared in double.
     double total = 0.0;

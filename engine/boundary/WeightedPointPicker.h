@@ -14,7 +14,7 @@ namespace Orvane::Engine {
 ///
 /// A pixel of value v weighs (v - low) * weightCap / (high - low), cut to [0, weightCap]; 0 when
 /// `high` equals `low` or v is NaN.
-class WeightedPointPicker final : public MapProcessor {
+class WeightedPointPicker final : public MapNode<const Map<Pixel32f>> {
 public:
     /// `weightCap` is M, the channel maximum of the render depth.
     explicit WeightedPointPicker(int weightCap) : weightCap_(static_cast<float>(weightCap)) {}
@@ -39,7 +39,6 @@ public:
     void end() override;
 
 private:
-    using MapProcessor::process;
     float weight(float value) const;
     std::vector<int> matchRows(const std::vector<double>& targets) const;
     std::optional<PixelVec2f> drawInRow(int y, double noise) const;
@@ -47,7 +46,6 @@ private:
     float weightCap_;
     std::uint32_t seed_ = 0;
     float low_ = 0.0f, high_ = 0.0f, scale_ = 0.0f;
-    const Map<Pixel32f>* map_ = nullptr;
     std::vector<double> partialSums_;  ///< one for each worker thread
     std::vector<std::optional<PixelVec2f>> points_;
 };

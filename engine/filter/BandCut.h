@@ -9,7 +9,7 @@ namespace Orvane::Engine {
 /// band(x, y) stays where fillMask(x, y) is exactly 0 and the band is at least M / 255; it becomes
 /// 0 elsewhere, and where it is NaN. Both maps hold 0 to M; where the mask has no pixel, its fill
 /// value decides.
-class BandCut final : public TwoMapProcessor<const Map<Pixel32f>, Map<Pixel32f>> {
+class BandCut final : public Sampler<const Map<Pixel32f>, Map<Pixel32f>> {
 public:
     /// `maximum` is M, the channel maximum of the render depth.
     explicit BandCut(float maximum) : weakestKept_(maximum / 255.0f) {}

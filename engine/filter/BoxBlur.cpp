@@ -155,8 +155,7 @@ void BoxBlur::process(const Map<Pixel32f>& input, Map<Pixel32f>& target)
         reportMap("Generator", "bogus");
         return;
     }
-    const Borrowed borrowInput(input_, &input);
-    Generator::process(&target);
+    run("Generator", &input, &target);
 }
 
 void BoxBlur::begin()
@@ -168,8 +167,8 @@ void BoxBlur::begin()
 bool BoxBlur::prepare()
 {
     if (region().isEmpty()) return false;
-    target().setEdgeMode(input_->xAxis().edgeMode, input_->yAxis().edgeMode);
-    target().setFillValue(input_->fillValue());
+    target().setEdgeMode(other().xAxis().edgeMode, other().yAxis().edgeMode);
+    target().setFillValue(other().fillValue());
 
     const bool three = variant_ == ThreeApplications;
     const float scaledX = three ? radiusX_ / radiusScaleX() : radiusX_ * radiusScaleY();
@@ -193,11 +192,11 @@ bool BoxBlur::prepare()
 
 void BoxBlur::copyInput()
 {
-    if (input_ == &target()) return;
+    if (&other() == &target()) return;
     MapCopy<Pixel32f> copy;
     copy.setStatusRecord(statusRecord());
     copy.setRegion(region());
-    copy.process(*input_, target());
+    copy.process(other(), target());
 }
 
 /// Finds out what is read, and makes the temporary map hold the rows among it that the input has.
@@ -207,8 +206,8 @@ bool BoxBlur::makeRoom()
     const Region& area = region();
     const int padX = applications() * filterX_.reach();
     const int padY = applications() * filterY_.reach();
-    columns_ = resolveAll(input_->xAxis(), area.x0 - padX, area.x1 + padX);
-    rows_ = resolveAll(input_->yAxis(), area.y0 - padY, area.y1 + padY);
+    columns_ = resolveAll(other().xAxis(), area.x0 - padX, area.x1 + padX);
+    rows_ = resolveAll(other().yAxis(), area.y0 - padY, area.y1 + padY);
 
     const int lastRow = *std::max_element(rows_.begin(), rows_.end());
     firstRow_ = lastRow;
@@ -247,7 +246,7 @@ void BoxBlur::blurRows()
     std::vector<Sample>& samples = bundle.samples();
     for (int y = rows.begin; y < rows.end; y += kLanes) {
         const int lanes = std::min(kLanes, rows.end - y);
-        gatherRows(*input_, firstRow_ + y, lanes, columns_, samples);
+        gatherRows(other(), firstRow_ + y, lanes, columns_, samples);
         bundle.filter();
         for (int lane = 0; lane < lanes; ++lane) {
             const auto l = static_cast<std::size_t>(lane);
@@ -273,7 +272,7 @@ void BoxBlur::blurColumns()
             if (rows_[i] >= 0) {
                 std::copy_n(temporary_.pixelAt(x, rows_[i]), lanes, samples[i].begin());
             } else {
-                samples[i].fill(input_->fillValue());
+                samples[i].fill(other().fillValue());
             }
         }
         bundle.filter();

@@ -27,7 +27,7 @@ struct BoxFilter {
 ///
 /// Without memory for the horizontal result the render status says aborted, error code 1000, and
 /// the target keeps its pixels.
-class BoxBlur final : public Generator<Map<Pixel32f>> {
+class BoxBlur final : public Sampler<const Map<Pixel32f>, Map<Pixel32f>> {
 public:
     enum Variant { ThreeApplications, OneApplication };
 
@@ -54,7 +54,6 @@ private:
 
     Variant variant_;
     float radiusX_, radiusY_;
-    const Map<Pixel32f>* input_ = nullptr;
 
     // Of the current call.
     BoxFilter filterX_, filterY_;

@@ -43,12 +43,7 @@ float lumaRatio(float source, float destination)
 template <typename Pixel>
 void LuminanceMatch<Pixel>::process(const Map<Pixel>& destination)
 {
-    if (!destination.isUsable()) {
-        reportMap("Sampler", "bogus");
-        return;
-    }
-    const Borrowed borrowDestination(destination_, &destination);
-    MapProcessor::process(destination);
+    this->run("Sampler", nullptr, &destination);
 }
 
 template <typename Pixel>
@@ -70,9 +65,9 @@ void LuminanceMatch<Pixel>::runPasses()
 template <typename Pixel>
 bool LuminanceMatch<Pixel>::prepare()
 {
-    if (region().isEmpty()) return false;
+    if (this->region().isEmpty()) return false;
     if (!makeMaps()) {
-        if (RenderStatus* status = statusRecord()) {
+        if (RenderStatus* status = this->statusRecord()) {
             status->aborted = 1;
             status->errorCode = kErrorOutOfMemory;
         }
@@ -83,9 +78,9 @@ bool LuminanceMatch<Pixel>::prepare()
     clear(ratio_);
     clear(knownBefore_);
     BandWeight weight(PixelTraits<Pixel>::kMax);
-    weight.setStatusRecord(statusRecord());
+    weight.setStatusRecord(this->statusRecord());
     weight.process(*band_, known_);
-    takeLuma(*destination_, destLuma_);
+    takeLuma(this->target(), destLuma_);
     takeLuma(*source_, sourceLuma_);
     return true;
 }
@@ -93,7 +88,7 @@ bool LuminanceMatch<Pixel>::prepare()
 template <typename Pixel>
 bool LuminanceMatch<Pixel>::makeMaps()
 {
-    const Region& area = region();
+    const Region& area = this->region();
     for (Map<Pixel32f>* map : {&ratio_, &known_, &knownBefore_, &sourceLuma_, &destLuma_}) {
         map->setSize(area.x1 - area.x0, area.y1 - area.y0);
         map->placeAt(area.x0, area.y0);
@@ -109,7 +104,7 @@ void LuminanceMatch<Pixel>::limitReach()
 {
     // Beyond twice the region's longer side every box holds the whole region: the mean it yields
     // and whether four known pixels are enough no longer change.
-    const Region& area = region();
+    const Region& area = this->region();
     const int longerSide = std::max(area.x1 - area.x0, area.y1 - area.y0);
     const auto farthest = 2.0f * (static_cast<float>(longerSide) + 2.0f);
     const float limited = luminanceBlur_ > 0.0f ? std::min(luminanceBlur_, farthest) : 0.0f;
@@ -121,7 +116,7 @@ template <typename Pixel>
 void LuminanceMatch<Pixel>::takeLuma(const Map<Pixel>& picture, Map<Pixel32f>& luma)
 {
     LumaOf<Pixel> lumaOf;
-    lumaOf.setStatusRecord(statusRecord());
+    lumaOf.setStatusRecord(this->statusRecord());
     lumaOf.process(picture, luma);
     blur(luma, luma, kLumaRadius);
 }
@@ -130,7 +125,7 @@ template <typename Pixel>
 void LuminanceMatch<Pixel>::clear(Map<Pixel32f>& map)
 {
     ConstantFill<Pixel32f> fill(0.0f);
-    fill.setStatusRecord(statusRecord());
+    fill.setStatusRecord(this->statusRecord());
     fill.process(&map);
 }
 
@@ -138,8 +133,8 @@ template <typename Pixel>
 void LuminanceMatch<Pixel>::blur(const Map<Pixel32f>& from, Map<Pixel32f>& to, int radius)
 {
     const auto pixels = static_cast<float>(radius);
-    blur_.setStatusRecord(statusRecord());
-    blur_.setRegion(active_.isEmpty() ? region() : active_);
+    blur_.setStatusRecord(this->statusRecord());
+    blur_.setRegion(active_.isEmpty() ? this->region() : active_);
     blur_.setRadius(pixels, pixels);
     blur_.process(from, to);
 }
@@ -168,7 +163,7 @@ typename LuminanceMatch<Pixel>::Outcome LuminanceMatch<Pixel>::spread(const Regi
     outcome.allKnown = outcome.allKnown && contains(active_, neededPart());
     std::swap(knownEarlier_, knownBefore_);
     MapCopy<Pixel32f> copy;
-    copy.setStatusRecord(statusRecord());
+    copy.setStatusRecord(this->statusRecord());
     copy.process(known_, knownBefore_);
     return outcome;
 }
@@ -179,8 +174,8 @@ typename LuminanceMatch<Pixel>::Outcome LuminanceMatch<Pixel>::runRows(RowWork w
 {
     rowWork_ = work;
     // A thread with a row to do has an index below the number of rows.
-    outcomes_.assign(static_cast<std::size_t>(region().y1 - region().y0), Outcome{});
-    runPass();
+    outcomes_.assign(static_cast<std::size_t>(this->region().y1 - this->region().y0), Outcome{});
+    this->runPass();
     Outcome all;
     for (const Outcome& outcome : outcomes_) all.add(outcome);
     return all;
@@ -198,17 +193,17 @@ void LuminanceMatch<Pixel>::Outcome::add(const Outcome& other)
 template <typename Pixel>
 void LuminanceMatch<Pixel>::processPass()
 {
-    const RowRange rows = threadRows();
+    const RowRange rows = this->threadRows();
     if (rows.isEmpty()) return;
     Outcome outcome;
     for (int y = rows.begin; y < rows.end; ++y) (this->*rowWork_)(y, outcome);
-    outcomes_[static_cast<std::size_t>(threadIndex())] = outcome;
+    outcomes_[static_cast<std::size_t>(this->threadIndex())] = outcome;
 }
 
 template <typename Pixel>
 Region LuminanceMatch<Pixel>::neededPart() const
 {
-    const Region& area = region();
+    const Region& area = this->region();
     const Region part = needed_.value_or(area);
     return {std::max(part.x0, area.x0), std::max(part.y0, area.y0), std::min(part.x1, area.x1),
             std::min(part.y1, area.y1)};
@@ -219,7 +214,7 @@ template <typename Pixel>
 void LuminanceMatch<Pixel>::widenActive(const Region& known)
 {
     if (known.isEmpty()) return;
-    const Region& area = region();
+    const Region& area = this->region();
     const int reach = reach_ + 1;
     active_ =
         united(active_, {std::max(known.x0 - reach, area.x0), std::max(known.y0 - reach, area.y0),
@@ -233,7 +228,7 @@ void LuminanceMatch<Pixel>::measureRow(int y, Outcome& outcome)
     RowWriter ratio(ratio_, y);
     const RowReader source(sourceLuma_, y);
     const RowReader destination(destLuma_, y);
-    for (int x = region().x0; x < region().x1; ++x) {
+    for (int x = this->region().x0; x < this->region().x1; ++x) {
         const float measured = lumaRatio(source[x], destination[x]);
         const bool counts = known[x] > kLeastBandWeight && std::isfinite(measured);
         known[x] = counts ? 1.0f : 0.0f;
@@ -279,7 +274,7 @@ void LuminanceMatch<Pixel>::spreadRow(int y, Outcome& outcome)
 template <typename Pixel>
 bool LuminanceMatch<Pixel>::isAborted() const
 {
-    return statusRecord() != nullptr && statusRecord()->aborted != 0;
+    return this->statusRecord() != nullptr && this->statusRecord()->aborted != 0;
 }
 
 template class LuminanceMatch<PixelRGBA8>;

@@ -22,7 +22,7 @@ namespace Orvane::Engine {
 /// Without memory the render status says aborted, error code 1000, and the gain stays as it was or
 /// is incomplete.
 template <typename Pixel>
-class LuminanceMatch final : public MapProcessor {
+class LuminanceMatch final : public MapNode<const Map<Pixel>> {
 public:
     /// `band` holds 0 to M and is positive where the ratio is measured; `source` is the untouched
     /// picture. `luminanceGain` gets the factors and keeps its values where none is found. All are
@@ -57,7 +57,6 @@ private:
     };
     using RowWork = void (LuminanceMatch::*)(int y, Outcome& outcome);
 
-    using MapProcessor::process;
     bool prepare();
     bool makeMaps();
     void limitReach();
@@ -79,7 +78,6 @@ private:
     float luminanceBlur_ = 2.0f;
     int maxPasses_ = std::numeric_limits<int>::max();
     std::optional<Region> needed_;
-    const Map<Pixel>* destination_ = nullptr;
     int reach_ = 0, halfReach_ = 0;  ///< blur radii, pixels
     BoxBlur blur_{BoxBlur::OneApplication};
     RowWork rowWork_ = nullptr;      ///< of the pass that runs

@@ -8,7 +8,7 @@ namespace Orvane::Engine {
 /// the blurred edge of a region they point into the region.
 ///
 /// Mask values of 0 to M; differences of -M to M. The mask is read through its edge modes.
-class MaskGradient final : public TwoMapProcessor<const Map<Pixel32f>, Map<PixelVec2f>> {
+class MaskGradient final : public Sampler<const Map<Pixel32f>, Map<PixelVec2f>> {
 public:
     void processPass() override;
 };

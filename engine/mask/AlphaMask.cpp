@@ -32,7 +32,7 @@ void AlphaMask<Pixel>::processPass()
     const Region& region = this->region();
     const auto [yBegin, yEnd] = this->threadRows();
     for (int y = yBegin; y < yEnd; ++y) {
-        const RowReader picture(*this->aux(), y);
+        const RowReader picture(this->other(), y);
         RowWriter mask(this->target(), y);
         for (int x = region.x0; x < region.x1; ++x) {
             mask[x] = maskValue<Pixel>(picture[x].a, sense_);
@@ -47,7 +47,7 @@ void InvertedMask<Pixel>::processPass()
     const Region& region = this->region();
     const auto [yBegin, yEnd] = this->threadRows();
     for (int y = yBegin; y < yEnd; ++y) {
-        const RowReader matte(*this->aux(), y);
+        const RowReader matte(this->other(), y);
         RowWriter mask(this->target(), y);
         for (int x = region.x0; x < region.x1; ++x) {
             mask[x] = Traits::stored(Traits::kMax - static_cast<float>(matte[x]));

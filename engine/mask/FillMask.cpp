@@ -30,7 +30,7 @@ public:
         const Region& region = this->region();
         const auto [yBegin, yEnd] = this->threadRows();
         for (int y = yBegin; y < yEnd; ++y) {
-            const RowReader mask(*this->aux(), y);
+            const RowReader mask(this->other(), y);
             RowWriter padded(this->target(), y);
             for (int x = region.x0; x < region.x1; ++x) padded[x] = toByte(mask[x]);
         }
@@ -46,7 +46,7 @@ public:
     {
         const auto [yBegin, yEnd] = threadRows();
         for (int y = yBegin; y < yEnd; ++y) {
-            const RowReader labels(*aux(), y);
+            const RowReader labels(other(), y);
             RowWriter mask(target(), y);
             for (int x = region().x0; x < region().x1; ++x) {
                 mask[x] = labels[x] == RegionLabeller::kFirstArea ? maximum_ : 0.0f;

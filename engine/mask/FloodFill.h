@@ -21,7 +21,7 @@ namespace Orvane::Engine {
 /// `Pixel` is Pixel32f or Pixel32i. The map read is read through its edge modes. The fill runs on
 /// the calling thread, whatever `setMultiThreaded` says.
 template <typename Pixel>
-class FloodFill : public TwoMapProcessor<const Map<Pixel>, Map<Pixel>> {
+class FloodFill : public Sampler<const Map<Pixel>, Map<Pixel>> {
 public:
     /// Masks are painted with M, the channel maximum of the render depth.
     explicit FloodFill(Pixel paintValue);

@@ -20,7 +20,7 @@ std::optional<PixelVec2f> firstPixelOf(const Map<Pixel32i>& map, Pixel32i value)
 ///
 /// Runs on the calling thread. After an abort the labels are unspecified; without memory for a work
 /// map they are all kOutside.
-class RegionLabeller final : public TwoMapProcessor<const Map<Pixel32i>, Map<Pixel32i>> {
+class RegionLabeller final : public Sampler<const Map<Pixel32i>, Map<Pixel32i>> {
 public:
     static constexpr Pixel32i kUnmasked = 0;  ///< in the padded mask; anything else is masked
     static constexpr Pixel32i kOutside = 0;

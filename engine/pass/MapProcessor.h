@@ -1,5 +1,7 @@
 #pragma once
 
+#include <type_traits>
+
 #include "engine/map/Map.h"
 #include "libraries/Processor/ovMultiProcessor.h"
 
@@ -60,84 +62,66 @@ private:
     float radiusScaleX_ = 1.0f, radiusScaleY_ = 1.0f;
 };
 
-/// A node that reads one map and writes another. `Other` and `Target` are map types, const where
-/// the node only reads.
-template <typename Other, typename Target>
-class TwoMapProcessor : public MapProcessor {
+/// Stands for the second argument of a node that has none.
+struct NoArgument {};
+
+/// Base of the nodes that work on a map of one kind, with or without a second argument: a map to
+/// read, say. Both are kept for the call. `Target` and `Aux` are const where the node only reads.
+/// Nodes derive from it by the name of their checked entry, `Generator` or `Sampler`.
+template <typename Target, typename Aux = NoArgument>
+class MapNode : public MapProcessor {
+    static constexpr bool kHasArgument = !std::is_same_v<Aux, NoArgument>;
+
 public:
-    /// Skipped, with a line on standard error, when the target cannot be worked on.
-    void process(Other& other, Target& target)
-    {
-        if (!target.isUsable()) {
-            reportMap("Sampler", "bogus");
-            return;
-        }
-        const Borrowed borrowOther(other_, &other);
-        const Borrowed borrowTarget(target_, &target);
-        MapProcessor::process(target);
-    }
-
-protected:
-    Other& other() const { return *other_; }
-    Target& target() const { return *target_; }
-
-private:
-    using MapProcessor::process;
-    Other* other_ = nullptr;
-    Target* target_ = nullptr;
-};
-
-/// A node that writes one map from its settings alone.
-template <typename Target>
-class Generator : public MapProcessor {
-public:
-    /// The checked entry: a null map and one without pixels are reported on standard error and
-    /// skipped.
-    void process(Target* map)
+    /// The checked entry of a generator: a null map and one without pixels are reported on standard
+    /// error and skipped.
+    void process(Target* map) requires(!kHasArgument)
     {
         if (map == nullptr) {
             reportMap("Generator", "NULL");
-        } else if (!map->isUsable()) {
-            reportMap("Generator", "bogus");
         } else {
-            const Borrowed borrowTarget(target_, map);
-            MapProcessor::process(*map);
+            run("Generator", nullptr, map);
         }
     }
 
+    /// The checked entry of a sampler: a null map is skipped, one without pixels is also reported.
+    void process(Aux* aux, Target* map) requires(kHasArgument) { run("Sampler", aux, map); }
+    /// The same for two maps that are there.
+    void process(Aux& other, Target& target) requires(kHasArgument) { process(&other, &target); }
+
 protected:
-    Target& target() const { return *target_; }
-
-private:
-    using MapProcessor::process;
-    Target* target_ = nullptr;
-};
-
-/// A node that writes one map with the help of a second argument, kept for the call.
-template <typename Aux, typename Target>
-class Sampler : public MapProcessor {
-public:
-    /// The checked entry: a null map is skipped, one without pixels is also reported.
-    void process(Aux* aux, Target* map)
+    /// Runs the node, unless the map is null or without pixels; the latter is reported by the name
+    /// of the entry.
+    void run(const char* entry, Aux* aux, Target* map)
     {
         const Borrowed borrowAux(aux_, aux);
         const Borrowed borrowTarget(target_, map);
         if (map == nullptr) return;
         if (!map->isUsable()) {
-            reportMap("Sampler", "bogus");
+            reportMap(entry, "bogus");
             return;
         }
         MapProcessor::process(*map);
     }
 
-protected:
-    Aux* aux() const { return aux_; }
     Target& target() const { return *target_; }
+    /// The second argument; may be null.
+    Aux* aux() const { return aux_; }
+    /// The second map of a node that is never entered without one.
+    Aux& other() const { return *aux_; }
 
 private:
     using MapProcessor::process;
-    Aux* aux_ = nullptr;
     Target* target_ = nullptr;
+    Aux* aux_ = nullptr;
 };
+
+/// A node that writes one map from its settings alone.
+template <typename Target>
+using Generator = MapNode<Target>;
+
+/// A node that writes one map with the help of a second argument.
+template <typename Aux, typename Target>
+using Sampler = MapNode<Target, Aux>;
 
 }  // namespace Orvane::Engine

@@ -29,7 +29,7 @@ struct Blend {
 /// region to the rectangle; it must lie inside the destination. Across the bands R, G and B are
 /// mixed in float and stored by truncation; alpha changes only where the image is taken whole.
 template <typename Pixel>
-class BlockPaste final : public TwoMapProcessor<const Map<Pixel>, Map<Pixel>> {
+class BlockPaste final : public Sampler<const Map<Pixel>, Map<Pixel>> {
 public:
     /// Where the region's first pixel is taken from.
     void setSourcePosition(int x, int y) { srcX_ = x, srcY_ = y; }
