@@ -5,10 +5,10 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/BenchSize.h"
+#include "engine/filter/FillAndCopy.h"
 #include "engine/quilt/BestFitPath.h"
 #include "engine/quilt/BlockPaste.h"
 #include "engine/quilt/OverlapError.h"
-#include "engine/quilt/RowCopy.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 

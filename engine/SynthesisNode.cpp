@@ -5,11 +5,10 @@
 #include <cstddef>
 
 #include "engine/boundary/BoundaryPath.h"
-#include "engine/filter/BandCut.h"
+#include "engine/filter/BandNodes.h"
 #include "engine/filter/BoxBlur.h"
-#include "engine/filter/ConstantFill.h"
+#include "engine/filter/FillAndCopy.h"
 #include "engine/filter/LuminanceMatch.h"
-#include "engine/filter/MaskGradient.h"
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
 #include "engine/map/PixelMix.h"

@@ -4,8 +4,7 @@
 
 #include "engine/boundary/WeightedPointPicker.h"
 #include "engine/filter/BoxBlur.h"
-#include "engine/filter/ConstantFill.h"
-#include "engine/filter/MapCopy.h"
+#include "engine/filter/FillAndCopy.h"
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
 #include "engine/map/PixelTraits.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "engine/filter/MapCopy.h"
+#include "engine/filter/FillAndCopy.h"
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
 

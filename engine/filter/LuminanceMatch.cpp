@@ -4,10 +4,9 @@
 #include <cmath>
 #include <utility>
 
-#include "engine/filter/BandWeight.h"
-#include "engine/filter/ConstantFill.h"
+#include "engine/filter/BandNodes.h"
+#include "engine/filter/FillAndCopy.h"
 #include "engine/filter/LumaOf.h"
-#include "engine/filter/MapCopy.h"
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
 #include "engine/map/PixelTraits.h"

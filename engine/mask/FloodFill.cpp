@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/filter/ConstantFill.h"
+#include "engine/filter/FillAndCopy.h"
 #include "engine/map/MapRow.h"
 
 namespace Orvane::Engine {

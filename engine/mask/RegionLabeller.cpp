@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/filter/MapCopy.h"
+#include "engine/filter/FillAndCopy.h"
 #include "engine/mask/FloodFill.h"
 
 namespace Orvane::Engine {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/filter/ConstantFill.h"
+#include "engine/filter/FillAndCopy.h"
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
 #include "engine/quilt/BlockPaste.h"

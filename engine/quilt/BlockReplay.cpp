@@ -1,9 +1,8 @@
 #include "engine/quilt/BlockReplay.h"
 
-#include "engine/filter/ConstantFill.h"
+#include "engine/filter/FillAndCopy.h"
 #include "engine/map/ExactMath.h"
 #include "engine/quilt/BlockLayout.h"
-#include "engine/quilt/RowCopy.h"
 
 namespace Orvane::Engine {
 namespace {

@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <limits>
 
+#include "engine/filter/FillAndCopy.h"
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
-#include "engine/quilt/RowCopy.h"
 
 namespace Orvane::Engine {
 namespace {

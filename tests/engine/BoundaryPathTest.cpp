@@ -6,9 +6,8 @@
 #include <gmock/gmock.h>
 
 #include "engine/boundary/BoundaryPath.h"
-#include "engine/filter/BandCut.h"
+#include "engine/filter/BandNodes.h"
 #include "engine/filter/BoxBlur.h"
-#include "engine/filter/MaskGradient.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 #include "tests/fixtures/ReferencePath.h"

@@ -1,8 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "engine/filter/ConstantFill.h"
+#include "engine/filter/FillAndCopy.h"
 #include "engine/pass/MapProcessor.h"
-#include "engine/quilt/RowCopy.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 

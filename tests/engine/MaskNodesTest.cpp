@@ -2,12 +2,9 @@
 
 #include <gmock/gmock.h>
 
-#include "engine/filter/BandCut.h"
-#include "engine/filter/BandWeight.h"
-#include "engine/filter/ConstantFill.h"
+#include "engine/filter/BandNodes.h"
+#include "engine/filter/FillAndCopy.h"
 #include "engine/filter/LumaOf.h"
-#include "engine/filter/MapCopy.h"
-#include "engine/filter/MaskGradient.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
 
