@@ -54,6 +54,7 @@ OfxStatus dispatch(std::string_view action, OfxInteractHandle interact, OfxPrope
         const std::unique_ptr<OverlayInteract> owned(overlay);
         return kOfxStatReplyDefault;
     }
+    if (overlay->hasLostEffect()) return kOfxStatReplyDefault;
     for (const ActionRow& row : kActions) {
         if (row.name == action) return (overlay->*row.handler)(OvOfxPropertySet(inArgs));
     }

@@ -89,17 +89,13 @@ OverlayInteract::OverlayInteract(OfxInteractHandle interact) : interact_(interac
     // C boundary: the entry's destroy action deletes what the host keeps.
     kept_ = properties_.setPointer(kOfxPropInstanceData, this) == kOfxStatOK;
     effect_ = effectOf(properties_);
+    if (effect_ != nullptr) instance_ = effect_->watchedInstance();
     if (instance() != nullptr) instance()->addInteract(interact_);
 }
 
 OverlayInteract::~OverlayInteract()
 {
     if (instance() != nullptr) instance()->removeInteract(interact_);
-}
-
-OvOfxInstanceRecord* OverlayInteract::instance() const
-{
-    return effect_ != nullptr ? effect_->instance() : nullptr;
 }
 
 void OverlayInteract::slaveTo(const std::string& parameter)

@@ -34,7 +34,7 @@ OvOfxPropertySet interactProperties(OfxInteractHandle interact);
 
 /// One overlay of one instance: a tree of manipulators that the host's actions are routed to. Lives
 /// from the interact's creation to its destruction; the host keeps its address as the interact's
-/// instance data.
+/// instance data. A host may destroy the effect first: the overlay then has none any more.
 class OverlayInteract {
 public:
     /// Finds the effect behind the interact and registers with it. Without one the overlay is there
@@ -63,12 +63,16 @@ public:
     /// Has the host redraw the overlay when a parameter changes.
     void slaveTo(const std::string& parameter);
     /// Null without an effect.
-    OvOfxInstanceRecord* instance() const;
+    OvOfxInstanceRecord* instance() const { return instance_.lock().get(); }
+    /// Whether there was an effect and the host destroyed it. No action may be passed on then: what
+    /// the manipulators are bound to went with it.
+    bool hasLostEffect() const { return effect_ != nullptr && instance_.expired(); }
     /// Whether the host keeps this overlay's address.
     bool isKept() const { return kept_; }
 
 protected:
-    OvOfxEffect* effect() const { return effect_; }
+    /// Null without an effect.
+    OvOfxEffect* effect() const { return instance_.expired() ? nullptr : effect_; }
     /// Top-level manipulators are borrowed and drawn in the order they were added.
     void add(Manipulator& child) { children_.push_back(&child); }
     void addBinding(std::unique_ptr<ParamBinding> binding);
@@ -89,7 +93,8 @@ private:
     OfxInteractHandle interact_;
     OvOfxPropertySet properties_;
     std::deque<OvOfxActionFrame> frames_;
-    OvOfxEffect* effect_ = nullptr;  ///< not owned
+    OvOfxEffect* effect_ = nullptr;                ///< not owned; good while `instance_` is
+    std::weak_ptr<OvOfxInstanceRecord> instance_;  ///< expires with the effect
     std::vector<std::unique_ptr<ParamBinding>> bindings_;
     int slaveCount_ = 0;
     std::vector<Manipulator*> children_;

@@ -159,6 +159,26 @@ TEST(Overlay, TwoViewersOfOneInstanceWorkSideBySide)
     EXPECT_THAT(rig.box(), boxIs(90, 60, 310, 240));
 }
 
+// Hosts tear a node down in an order of their own. The rig sends the second DestroyInstance, and
+// the overlays' own after the first.
+TEST(Overlay, OutlivesItsEffect)
+{
+    OverlayRig rig;
+    const Host::Interact second(rig.instance());
+    rig.overlay->draw();
+    rig.move(80, 150);
+    rig.press(80, 150);
+    const unsigned int redraws = rig.overlay->redraws();
+    EXPECT_EQ(rig.instance().action(kOfxActionDestroyInstance), kOfxStatOK);
+    EXPECT_EQ(rig.move(90, 150), kOfxStatReplyDefault);
+    EXPECT_EQ(rig.lift(90, 150), kOfxStatReplyDefault);
+    EXPECT_EQ(rig.press(80, 150), kOfxStatReplyDefault);
+    EXPECT_EQ(rig.overlay->draw(), kOfxStatReplyDefault);
+    EXPECT_EQ(rig.overlay->loseFocus(), kOfxStatReplyDefault);
+    EXPECT_EQ(rig.overlay->redraws(), redraws);
+    EXPECT_THAT(rig.box(), boxIs(80, 60, 320, 240));
+}
+
 TEST(Overlay, WritesNoNumberThatIsNone)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();

@@ -84,6 +84,9 @@ public:
     [[nodiscard]] OvContext context() const { return context_; }
     /// Null while describing.
     [[nodiscard]] OvOfxInstanceRecord* instance() const { return record_.get(); }
+    /// The same for those who may outlive the effect, its overlays: expires before anything that
+    /// the effect owns goes.
+    [[nodiscard]] std::weak_ptr<OvOfxInstanceRecord> watchedInstance() const { return record_; }
     [[nodiscard]] OvOfxOutputClip& outputClip() const { return *outputClip_; }
     /// Everything that `own` made, in that order.
     [[nodiscard]] const std::vector<std::unique_ptr<OvOfxParam>>& objects() const
@@ -122,7 +125,7 @@ private:
     void bindClip(OvOfxClip& clip, const char* name);
     void bindParam(OvOfxParam& param);
 
-    std::unique_ptr<OvOfxInstanceRecord> record_;
+    std::shared_ptr<OvOfxInstanceRecord> record_;  ///< shared with nobody, only watched
     OvContext context_ = OvContext::None;
     std::vector<std::unique_ptr<OvOfxParam>> objects_;  // in creation order
     OvOfxOutputClip* outputClip_;
