@@ -90,7 +90,7 @@ void MultiProcessor::throwFailure()
     }
 }
 
-void MultiProcessor::recordFailure(int code)
+void MultiProcessor::recordFailure(int code) noexcept
 {
     // Several workers may fail at the same moment; the record itself is plain words.
     if (statusRecord_ != nullptr) {
@@ -100,8 +100,9 @@ void MultiProcessor::recordFailure(int code)
     failureCode_ = code;
 }
 
-/// One worker's call. No exception may leave it: the frames above belong to the host.
-void MultiProcessor::workerEntry(std::span<void* const> arguments)
+/// One worker's call. No exception may leave it: the frames above belong to the host. Memory may be
+/// short, so what the catch clauses do needs none.
+void MultiProcessor::workerEntry(std::span<void* const> arguments) noexcept
 {
     auto& node = *static_cast<MultiProcessor*>(arguments[0]);
     try {

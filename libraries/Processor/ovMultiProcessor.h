@@ -59,8 +59,8 @@ protected:
 private:
     void runOnWorkers();
     void throwFailure();
-    void recordFailure(int code);
-    static void workerEntry(std::span<void* const> arguments);
+    void recordFailure(int code) noexcept;
+    static void workerEntry(std::span<void* const> arguments) noexcept;
 
     RenderStatus* statusRecord_ = nullptr;
     bool runningThreaded_ = false;

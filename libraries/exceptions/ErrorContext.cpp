@@ -1,35 +1,42 @@
 #include "libraries/exceptions/ErrorContext.h"
 
+#include <array>
+#include <cstddef>
 #include <cstring>
 #include <mutex>
+#include <span>
 
 #include "libraries/services/HostServices.h"
 
 namespace Orvane::Exceptions {
 namespace {
 
-struct Table {
-    std::mutex lock;
-    ErrorStacks stacks;
+struct Entry {
+    unsigned int thread;
+    ErrorContext context;
 };
 
-// Built at the first failure, so that a library that never fails runs no code when it is loaded.
-Table& table()
-{
-    static Table instance;
-    return instance;
-}
+/// All stacks, as entries in the order they were pushed. The storage is fixed: what is recorded
+/// most often is that there is no memory left, on threads whose frames belong to the host.
+struct Table {
+    std::mutex lock;
+    std::size_t count = 0;
+    std::array<Entry, kMaxErrorContexts> entries;
+};
+
+// Zeros that no code has to run for when the library is loaded.
+Table table;
 
 }  // namespace
 
-const char* fileOfPath(const char* path)
+const char* fileOfPath(const char* path) noexcept
 {
     if (path == nullptr) return nullptr;
     const char* backslash = std::strrchr(path, '\\');
     return backslash != nullptr ? backslash : path;
 }
 
-void ErrorContext::moveTo(const char* newFunction, const char* path, std::int32_t newLine)
+void ErrorContext::moveTo(const char* newFunction, const char* path, std::int32_t newLine) noexcept
 {
     function = newFunction;
     file = fileOfPath(path);
@@ -37,27 +44,33 @@ void ErrorContext::moveTo(const char* newFunction, const char* path, std::int32_
 }
 
 void pushErrorContext(ErrorContext& context, const char* function, const char* file,
-                      std::int32_t line)
+                      std::int32_t line) noexcept
 {
     const unsigned int thread = threadService().threadIndex();
     {
-        const std::lock_guard guard(table().lock);
-        ErrorStack& stack = table().stacks[thread];
-        stack.emplace(static_cast<std::uint32_t>(stack.size()), context);
+        const std::lock_guard guard(table.lock);
+        if (table.count < table.entries.size()) {
+            table.entries[table.count++] = {.thread = thread, .context = context};
+        }
     }
     context.moveTo(function, file, line);
 }
 
-void clearErrorContexts()
+void clearErrorContexts() noexcept
 {
-    const std::lock_guard guard(table().lock);
-    table().stacks.clear();
+    const std::lock_guard guard(table.lock);
+    table.count = 0;
 }
 
 ErrorStacks errorContexts()
 {
-    const std::lock_guard guard(table().lock);
-    return table().stacks;
+    ErrorStacks stacks;
+    const std::lock_guard guard(table.lock);
+    for (const Entry& entry : std::span(table.entries).first(table.count)) {
+        ErrorStack& stack = stacks[entry.thread];
+        stack.emplace(static_cast<std::uint32_t>(stack.size()), entry.context);
+    }
+    return stacks;
 }
 
 }  // namespace Orvane::Exceptions

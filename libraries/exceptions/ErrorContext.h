@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 
@@ -18,27 +19,32 @@ struct ErrorContext {
     const char* familyName = nullptr;
 
     /// Moves the context to another place in the source.
-    void moveTo(const char* newFunction, const char* path, std::int32_t newLine);
+    void moveTo(const char* newFunction, const char* path, std::int32_t newLine) noexcept;
 };
 
 /// `path` from its last backslash on, that included; the whole of it when it has none.
-const char* fileOfPath(const char* path);
+const char* fileOfPath(const char* path) noexcept;
 
 /// The contexts one thread has pushed, by sequence number: 0 is the oldest.
 using ErrorStack = std::map<std::uint32_t, ErrorContext>;
 /// The stacks by host thread index.
 using ErrorStacks = std::map<unsigned int, ErrorStack>;
 
+/// All stacks together hold so many: more than a failing pass can push on any machine. They are
+/// emptied after each failure.
+inline constexpr std::size_t kMaxErrorContexts = 1024;
+
 /// Appends a copy of the context, as it is, to the calling thread's stack, and only then moves the
 /// context itself to the catch site: a stored context says where its exception came from. Threads
-/// that fail together may push at the same moment.
+/// that fail together may push at the same moment. Needs no memory; when the stacks are full
+/// only the context itself moves.
 void pushErrorContext(ErrorContext& context, const char* function, const char* file,
-                      std::int32_t line);
+                      std::int32_t line) noexcept;
 
 /// Removes every thread's stack.
-void clearErrorContexts();
+void clearErrorContexts() noexcept;
 
-/// A copy of all stacks.
+/// A copy of all stacks. Throws std::bad_alloc.
 ErrorStacks errorContexts();
 
 }  // namespace Orvane::Exceptions

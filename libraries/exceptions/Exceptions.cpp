@@ -17,7 +17,8 @@ ThreadFailed::ThreadFailed(const char* function, const char* path, std::int32_t 
     : Threads(function, path, line, kId), detail_(detail)
 {}
 
-void recordCatch(ExceptionI& exception, const char* function, const char* file, std::int32_t line)
+void recordCatch(ExceptionI& exception, const char* function, const char* file,
+                 std::int32_t line) noexcept
 {
     exception.context().typeName = exception.typeName();
     exception.context().familyName = exception.familyName();

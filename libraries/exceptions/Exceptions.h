@@ -70,7 +70,8 @@ private:
 };
 
 /// What every catch site does first: names the exception in its context and pushes that context,
-/// which then stands at the catch site.
-void recordCatch(ExceptionI& exception, const char* function, const char* file, std::int32_t line);
+/// which then stands at the catch site. Needs no memory.
+void recordCatch(ExceptionI& exception, const char* function, const char* file,
+                 std::int32_t line) noexcept;
 
 }  // namespace Orvane::Exceptions

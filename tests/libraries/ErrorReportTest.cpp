@@ -121,5 +121,20 @@ TEST(ErrorContext, SurvivesThreadsThatPushTogether)
     clearErrorContexts();
 }
 
+TEST(ErrorContext, KeepsTheOldestWhereThereAreTooMany)
+{
+    const Testing::FakeServices services;
+    clearErrorContexts();
+    for (int k = 0; k < 5000; ++k) {
+        OutOfMemory failure(kUnknownFunction, "file", k);
+        recordCatch(failure, kUnknownFunction, "file", -1);
+        EXPECT_EQ(failure.context().line, -1);
+    }
+    const ErrorStacks stacks = errorContexts();
+    EXPECT_EQ(stacks.at(0).size(), kMaxErrorContexts);
+    EXPECT_EQ(stacks.at(0).rbegin()->second.line, static_cast<int>(kMaxErrorContexts) - 1);
+    clearErrorContexts();
+}
+
 }  // namespace
 }  // namespace Orvane::Exceptions
