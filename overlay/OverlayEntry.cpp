@@ -32,9 +32,20 @@ OverlayInteract* findOverlay(OfxInteractHandle interact)
     return static_cast<OverlayInteract*>(overlay);
 }
 
+std::unique_ptr<OverlayInteract> makeOverlay(OfxInteractHandle interact)
+{
+    try {
+        return std::make_unique<AxisGroupOverlay>(interact);
+    } catch (...) {
+        // The host may have been given the address already.
+        interactProperties(interact).setPointer(kOfxPropInstanceData, nullptr);
+        throw;
+    }
+}
+
 void create(OfxInteractHandle interact)
 {
-    auto overlay = std::make_unique<AxisGroupOverlay>(interact);
+    std::unique_ptr<OverlayInteract> overlay = makeOverlay(interact);
     // C boundary: the host keeps the overlay from here on, and the destroy action deletes it. Where
     // the host keeps nothing, no action would ever find it.
     if (overlay->isKept()) static_cast<void>(overlay.release());

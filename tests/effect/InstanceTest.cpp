@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/fixtures/PluginMemory.h"
 #include "tests/fixtures/TestHost.h"
 
 namespace Tesseret::Fixtures {
@@ -185,6 +186,25 @@ TEST(EffectInstance, UsesDefaultsForParametersThatTheHostDidNotTake)
     all.instance().set("fillRegion", 0);
     EXPECT_TRUE(samePixels(few.render(), all.render()));
     EXPECT_EQ(sequentialRender(few), 0);
+}
+
+TEST(EffectInstance, LeavesNothingBehindWhereTheHostRefusesAWrite)
+{
+    for (const char* refused :
+         {kOfxPropInstanceData, kOfxImageEffectInstancePropSequentialRender}) {
+        SCOPED_TRACE(refused);
+        TestHost test;
+        Host::Instance& instance = test.create(kFilter);
+        EXPECT_EQ(instance.action(kOfxActionDestroyInstance), kOfxStatOK);
+        const PluginMemory memory(reinterpret_cast<const void*>(test.effect().plugin().mainEntry));
+        test.quirks().refusedWrites[refused] = kOfxStatErrUnknown;
+        for (int i = 0; i < 1000; ++i) {
+            ASSERT_EQ(instance.action(kOfxActionCreateInstance), kOfxStatErrUnknown);
+        }
+        EXPECT_EQ(PluginMemory::live(), 0);
+        test.quirks().refusedWrites.clear();
+        EXPECT_EQ(instance.action(kOfxActionCreateInstance), kOfxStatOK);
+    }
 }
 
 TEST(EffectInstance, ForgetsItsBlocksWhenTheHostPurges)

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "tests/fixtures/PluginMemory.h"
 #include "tests/overlay/OverlayRig.h"
 
 namespace Tesseret::Fixtures {
@@ -212,6 +213,27 @@ TEST(Overlay, DoesNothingWhereTheHostKeepsNothing)
     rig.quirks().interactHasNoProperties = false;
     rig.overlay->draw();
     EXPECT_EQ(rig.press(80, 150), kOfxStatOK) << "the other one is as it was";
+}
+
+TEST(Overlay, IsFoundByNoActionWhenThereWasNoMemoryToMakeIt)
+{
+    OverlayRig rig;
+    rig.overlay->draw();
+    EXPECT_EQ(rig.overlay->action(kOfxActionDestroyInstance), kOfxStatReplyDefault);
+    const PluginMemory memory(reinterpret_cast<const void*>(rig.effect().plugin().mainEntry));
+    for (unsigned int k = 1;; ++k) {
+        SCOPED_TRACE(k);
+        const long before = PluginMemory::live();
+        PluginMemory::failFrom(k);
+        EXPECT_EQ(rig.overlay->action(kOfxActionCreateInstance), kOfxStatOK);
+        PluginMemory::recover();
+        if (!PluginMemory::hasFailed()) break;
+        ASSERT_EQ(rig.overlay->properties().pointerOr(kOfxPropInstanceData, nullptr), nullptr);
+        EXPECT_EQ(rig.press(80, 150), kOfxStatReplyDefault);
+        EXPECT_EQ(PluginMemory::live(), before);
+    }
+    rig.overlay->draw();
+    EXPECT_EQ(rig.press(80, 150), kOfxStatOK);
 }
 
 TEST(Overlay, TwoHundredDragsLeakNothing)

@@ -209,6 +209,7 @@ OfxStatus createInstance(const Call& call)
     effect->bind(contextFromName(context.c_str()), std::move(record));
     effect->instanceCreated();
     if (const OfxStatus status = properties.setPointer(kOfxPropInstanceData, effect.get())) {
+        destroy(std::move(effect));
         return status;
     }
     OfxStatus status = kOfxStatOK;
@@ -219,6 +220,12 @@ OfxStatus createInstance(const Call& call)
     } catch (...) {
         properties.setPointer(kOfxPropInstanceData, nullptr);
         throw;
+    }
+    if (status != kOfxStatOK && status != kOfxStatReplyDefault) {
+        // To the host there is no instance: it sends no action that would find this one.
+        properties.setPointer(kOfxPropInstanceData, nullptr);
+        destroy(std::move(effect));
+        return status;
     }
     // C boundary: the host keeps the instance from here on, and destroyInstance deletes it.
     static_cast<void>(effect.release());
