@@ -58,7 +58,8 @@ Instance::~Instance()
     if (!created_) return;
     if (sequence_) endSequence();
     created_ = false;  // what the plug-in sets now is not announced
-    action(kOfxActionDestroyInstance);
+    const OfxStatus status = action(kOfxActionDestroyInstance);
+    if (parameters().openEdits() > 0) host().badCall("an edit was begun and not ended", status);
 }
 
 void Instance::connect(std::string_view name, std::shared_ptr<ClipSource> source,

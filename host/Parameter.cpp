@@ -295,4 +295,11 @@ Parameter& ParameterSet::add(std::unique_ptr<Parameter> parameter)
     return *parameters_.emplace_back(std::move(parameter));
 }
 
+bool ParameterSet::endEdit()
+{
+    if (openEdits_ == 0) return false;
+    --openEdits_;
+    return true;
+}
+
 }  // namespace Tesseret::Host

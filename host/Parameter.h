@@ -92,10 +92,17 @@ public:
     Parameter& add(std::unique_ptr<Parameter> parameter);
     const std::vector<std::unique_ptr<Parameter>>& all() const { return parameters_; }
 
+    /// Groups of changes that the plug-in wants undone in one step. They nest; `endEdit` is false
+    /// when none is open.
+    void beginEdit() { ++openEdits_; }
+    bool endEdit();
+    unsigned int openEdits() const { return openEdits_; }
+
 private:
     EffectObject& owner_;
     Handle handle_;
     std::vector<std::unique_ptr<Parameter>> parameters_;
+    unsigned int openEdits_ = 0;
 };
 
 }  // namespace Tesseret::Host

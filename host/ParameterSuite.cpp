@@ -354,12 +354,18 @@ OfxStatus paramCopy(OfxParamHandle to, OfxParamHandle from, OfxTime dstOffset,
 
 OfxStatus paramEditBegin(OfxParamSetHandle handle, const char* /*name*/)
 {
-    return findSet(handle) ? kOfxStatOK : noHandle("paramEditBegin");
+    ParameterSet* const set = findSet(handle);
+    if (!set) return noHandle("paramEditBegin");
+    set->beginEdit();
+    return kOfxStatOK;
 }
 
 OfxStatus paramEditEnd(OfxParamSetHandle handle)
 {
-    return findSet(handle) ? kOfxStatOK : noHandle("paramEditEnd");
+    ParameterSet* const set = findSet(handle);
+    if (!set) return noHandle("paramEditEnd");
+    if (set->endEdit()) return kOfxStatOK;
+    return set->owner().host().badCall("paramEditEnd: no edit was begun", kOfxStatFailed);
 }
 
 constexpr OfxParameterSuiteV1 kSuite{

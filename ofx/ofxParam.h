@@ -129,8 +129,8 @@ struct OfxParameterSuiteV1 {
     OfxStatus (*paramDeleteAllKeys)(OfxParamHandle);
     OfxStatus (*paramCopy)(OfxParamHandle to, OfxParamHandle from, OfxTime dstOffset,
                            const OfxRangeD* frameRange);
-    OfxStatus (*paramEditBegin)(OfxParamSetHandle, const char* name);
-    OfxStatus (*paramEditEnd)(OfxParamSetHandle);
+    OfxStatus (*paramEditBegin)(OfxParamSetHandle, const char* name);  ///< may be null
+    OfxStatus (*paramEditEnd)(OfxParamSetHandle);                      ///< may be null
 };
 
 }  // extern "C"

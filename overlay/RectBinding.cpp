@@ -54,6 +54,9 @@ void RectBinding::writeParams()
     const OvPoint lower = project.normalised({rect.xMin, rect.yMin});
     const OvPoint upper = project.normalised({rect.xMax, rect.yMax});
     if (!isFinite(lower) || !isFinite(upper)) return;
+    // One edit for the two corners, not one from press to release: a host may keep the release to
+    // itself, and an edit must not stay open.
+    const OvOfxParamEdit edit(*instance, control_->rectangle().label.c_str());
     control_->rectangle().corner1.setValue(lower);
     control_->rectangle().corner2.setValue(upper);
 }

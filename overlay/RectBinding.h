@@ -15,8 +15,8 @@ public:
     RectBinding(const RectangleControl& control, OverlayInteract& overlay);
 
     void attach(ManipulatorGroup& group) override;
-    /// Writes both corners, the lower left one first. A project without a size, and positions that
-    /// are no numbers, write nothing.
+    /// Writes both corners in one edit, the lower left one first. A project without a size, and
+    /// positions that are no numbers, write nothing.
     void writeParams() override;
     void readParams(double time) override;
 

@@ -106,5 +106,18 @@ TEST_F(ParameterTest, ChangesEvenlyBetweenKeys)
     EXPECT_EQ(parameterSuiteWithoutDerivatives().paramGetIntegral, nullptr);
 }
 
+TEST_F(ParameterTest, BalancesEdits)
+{
+    EXPECT_EQ(suite.paramEditBegin(nullptr, "edit"), kOfxStatErrBadHandle);
+    EXPECT_EQ(suite.paramEditEnd(set), kOfxStatFailed);
+    EXPECT_EQ(suite.paramEditBegin(set, "edit"), kOfxStatOK);
+    EXPECT_EQ(suite.paramEditBegin(set, nullptr), kOfxStatOK);
+    EXPECT_EQ(suite.paramEditEnd(set), kOfxStatOK);
+    EXPECT_EQ(effect.parameters().openEdits(), 1u);
+    EXPECT_EQ(suite.paramEditEnd(set), kOfxStatOK);
+    EXPECT_EQ(suite.paramEditEnd(set), kOfxStatFailed);
+    EXPECT_EQ(host.counters().badCalls, 3u);
+}
+
 }  // namespace
 }  // namespace Tesseret::Host

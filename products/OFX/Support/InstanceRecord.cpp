@@ -133,4 +133,18 @@ OfxStatus OvOfxInstanceRecord::postMessage(const char* type, const char* id, con
     return silent ? kOfxStatFailed : answer;
 }
 
+OvOfxParamEdit::OvOfxParamEdit(const OvOfxInstanceRecord& record, const char* name)
+{
+    const OfxParameterSuiteV1* suite = hostDescription().suites.parameter;
+    if (suite == nullptr || record.paramSet() == nullptr) return;
+    // A host with only one of the two could not keep them balanced.
+    if (suite->paramEditBegin == nullptr || suite->paramEditEnd == nullptr) return;
+    if (suite->paramEditBegin(record.paramSet(), name) == kOfxStatOK) begun_ = record.paramSet();
+}
+
+OvOfxParamEdit::~OvOfxParamEdit()
+{
+    if (begun_ != nullptr) hostDescription().suites.parameter->paramEditEnd(begun_);
+}
+
 }  // namespace Orvane

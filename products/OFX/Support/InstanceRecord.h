@@ -94,4 +94,18 @@ private:
     std::vector<OfxInteractHandle> interacts_;
 };
 
+/// What is written to parameters as long as this lives is one edit, a single step to undo. Where
+/// the host has no edits, or refuses this one, each write stands for itself.
+class OvOfxParamEdit {
+public:
+    /// The user may be shown the name.
+    OvOfxParamEdit(const OvOfxInstanceRecord& record, const char* name);
+    ~OvOfxParamEdit();
+    OvOfxParamEdit(const OvOfxParamEdit&) = delete;
+    OvOfxParamEdit& operator=(const OvOfxParamEdit&) = delete;
+
+private:
+    OfxParamSetHandle begun_ = nullptr;  ///< null when there is nothing to end
+};
+
 }  // namespace Orvane

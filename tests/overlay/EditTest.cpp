@@ -1,0 +1,132 @@
+// Which parameter writes of a drag are one edit, in hosts that have edits and in those that do not.
+
+#include <cstdarg>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "host/Interact.h"
+#include "host/Suites.h"
+#include "tests/fixtures/TestHost.h"
+
+namespace Tesseret::Fixtures {
+namespace {
+
+using ::testing::ElementsAre;
+
+// What the suite below was asked, and how it is to answer.
+std::vector<std::string> calls;
+OfxStatus beginAnswer = kOfxStatOK, setAnswer = kOfxStatOK;
+
+OfxStatus begin(OfxParamSetHandle set, const char* name)
+{
+    calls.push_back(std::string("begin ") + name);
+    return beginAnswer == kOfxStatOK ? Host::parameterSuite().paramEditBegin(set, name)
+                                     : beginAnswer;
+}
+
+OfxStatus end(OfxParamSetHandle set)
+{
+    calls.emplace_back("end");
+    return Host::parameterSuite().paramEditEnd(set);
+}
+
+/// Of a corner, the only kind of parameter that the overlay writes.
+OfxStatus set(OfxParamHandle parameter, ...)
+{
+    std::va_list components;
+    va_start(components, parameter);
+    const double x = va_arg(components, double);
+    const double y = va_arg(components, double);
+    va_end(components);
+    calls.emplace_back("set");
+    return setAnswer == kOfxStatOK ? Host::parameterSuite().paramSetValue(parameter, x, y)
+                                   : setAnswer;
+}
+
+OfxParameterSuiteV1 patched;
+const OfxHost* original = nullptr;
+
+const void* fetch(OfxPropertySetHandle host, const char* name, int version)
+{
+    if (std::string_view(name) == kOfxParameterSuite) return &patched;
+    return original->fetchSuite(host, name, version);
+}
+
+/// The plug-in in the embedded host, but for the functions above.
+class EditTest : public ::testing::Test, protected TestHost {
+protected:
+    EditTest()
+    {
+        calls.clear();
+        beginAnswer = setAnswer = kOfxStatOK;
+        patched = Host::parameterSuite();
+        patched.paramEditBegin = &begin;
+        patched.paramEditEnd = &end;
+        patched.paramSetValue = &set;
+        original = host().record();
+        record_ = *original;
+        record_.fetchSuite = &fetch;
+        effect().plugin().setHost(&record_);
+    }
+    ~EditTest() override
+    {
+        destroyInstance();
+        expectClean();
+    }
+
+    /// Presses on the left edge of the box, moves it twice and lets go.
+    std::vector<std::string> dragCalls()
+    {
+        create(kOfxImageEffectContextFilter, Depth::Byte, {0, 0, 400, 300});
+        Host::Interact overlay(instance());
+        overlay.draw();
+        Host::Interact::Pen pen;
+        pen.position = {80, 150};
+        overlay.penDown(pen);
+        for (int step = 0; step < 2; ++step) {
+            pen.position.x += 10;
+            EXPECT_EQ(overlay.penMotion(pen), kOfxStatOK);
+        }
+        EXPECT_EQ(overlay.penUp(pen), kOfxStatOK);
+        EXPECT_EQ(instance().parameters().openEdits(), 0u);
+        return calls;
+    }
+
+private:
+    OfxHost record_{};
+};
+
+TEST_F(EditTest, HoldsBothCornersOfEveryStep)
+{
+    EXPECT_THAT(dragCalls(), ElementsAre("begin Region", "set", "set", "end", "begin Region", "set",
+                                         "set", "end", "begin Region", "set", "set", "end"));
+}
+
+TEST_F(EditTest, EndsWhenWritesFail)
+{
+    setAnswer = kOfxStatErrValue;
+    EXPECT_THAT(dragCalls(), ElementsAre("begin Region", "set", "set", "end", "begin Region", "set",
+                                         "set", "end", "begin Region", "set", "set", "end"));
+}
+
+TEST_F(EditTest, IsNotEndedWhereItWasRefused)
+{
+    beginAnswer = kOfxStatErrUnsupported;
+    EXPECT_THAT(dragCalls(), ElementsAre("begin Region", "set", "set", "begin Region", "set", "set",
+                                         "begin Region", "set", "set"));
+}
+
+TEST_F(EditTest, IsDoneWithoutWhereTheHostHasNone)
+{
+    patched.paramEditEnd = nullptr;
+    EXPECT_THAT(dragCalls(), ElementsAre("set", "set", "set", "set", "set", "set"));
+    patched.paramEditBegin = nullptr;
+    calls.clear();
+    EXPECT_THAT(dragCalls(), ElementsAre("set", "set", "set", "set", "set", "set"));
+}
+
+}  // namespace
+}  // namespace Tesseret::Fixtures
