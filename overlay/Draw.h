@@ -1,11 +1,20 @@
 #pragma once
 
-/// Lines, outlines, circles and disks in the OpenGL context that is current, in its coordinates.
-/// Without OpenGL nothing is drawn.
-
-#include "overlay/OverlayColours.h"
+/// Colours, lines, outlines, circles and disks in the OpenGL context that is current, in its
+/// coordinates. Without OpenGL nothing is drawn.
 
 namespace Orvane {
+
+/// RGB, 0 to 1.
+struct OverlayColour {
+    float r, g, b;
+};
+
+inline constexpr OverlayColour kManipulatorColour{1.0f, 1.0f, 1.0f};
+inline constexpr OverlayColour kHighlightColour{1.0f, 1.0f, 1.0f};
+inline constexpr OverlayColour kRectangleColour{0.7f, 0.0f, 0.0f};
+inline constexpr OverlayColour kTextShadowColour{0.1f, 0.1f, 0.1f};
+inline constexpr OverlayColour kTextColour{1.0f, 1.0f, 0.0f};
 
 void setColour(const OverlayColour& colour);
 

@@ -7,7 +7,6 @@
 
 #include "ofx/ofxInteract.h"
 #include "overlay/ManipulatorGroup.h"
-#include "overlay/ParamBinding.h"
 #include "products/OFX/Support/Effect.h"
 #include "products/OFX/Support/InstanceRecord.h"
 
@@ -31,6 +30,26 @@ PenArguments readPenArguments(const OvOfxPropertySet& inArgs);
 
 /// The properties of an interact; none where the host has none.
 OvOfxPropertySet interactProperties(OfxInteractHandle interact);
+
+/// Joins a parameter to its manipulator: the manipulator shows the parameter's value, and a change
+/// on screen is written to the parameter at once.
+class ParamBinding : public ManipulatorListener {
+public:
+    // Virtual operations, in slot order.
+    ~ParamBinding() override = default;
+    /// Writes the parameter whenever the manipulator's value changed and when the pen lets go.
+    void onEvent(const OverlayEvent& event) override
+    {
+        if (event.type == OverlayEventType::ValueChanged ||
+            event.type == OverlayEventType::ManipulationEnded) {
+            writeParams();
+        }
+    }
+    virtual void attach(ManipulatorGroup& group) = 0;
+    virtual void writeParams() = 0;
+    /// Shows the values, and whether the manipulator is shown at all.
+    virtual void readParams(double time) = 0;
+};
 
 /// One overlay of one instance: a tree of manipulators that the host's actions are routed to. Lives
 /// from the interact's creation to its destruction; the host keeps its address as the interact's

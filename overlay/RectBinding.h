@@ -1,7 +1,6 @@
 #pragma once
 
 #include "overlay/OverlayInteract.h"
-#include "overlay/ParamBinding.h"
 #include "overlay/RectManipulator.h"
 #include "overlay/RectangleControl.h"
 

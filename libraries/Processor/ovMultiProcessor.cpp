@@ -1,6 +1,9 @@
 #include "libraries/Processor/ovMultiProcessor.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
+#include <limits>
 #include <new>
 
 #include "libraries/Processor/HostThreads.h"
@@ -20,6 +23,20 @@ constexpr int kLinePassFailed = 118;
 constexpr int kLinePassOutOfMemory = 123;
 
 }  // namespace
+
+void splitRange(int& begin, int& end, int index, int count)
+{
+    if (index < 0 || count <= 0) return;
+    // 64 bits: a host may report any number of threads.
+    const std::int64_t base = begin;
+    const std::int64_t length = std::int64_t{end} - begin;
+    const std::int64_t chunk = (length + count - 1) / count;
+    const std::int64_t first = index * chunk;
+    const std::int64_t last = index == count - 1 ? length : std::min(first + chunk, length);
+    constexpr std::int64_t kHighest = std::numeric_limits<int>::max();
+    begin = static_cast<int>(std::min(base + first, kHighest));
+    end = static_cast<int>(base + last);
+}
 
 void MultiProcessor::runPasses()
 {

@@ -4,9 +4,20 @@
 #include <span>
 
 #include "libraries/Processor/RenderStatus.h"
-#include "libraries/Processor/RowSplit.h"
 
 namespace Orvane {
+
+/// A half-open range of rows.
+struct RowRange {
+    int begin, end;
+    bool isEmpty() const { return begin >= end; }
+};
+
+/// Replaces [begin, end) with the share of thread `index` out of `count`: bands of equal height,
+/// the quotient taken upwards, the last thread ending at the end. A thread past the last row gets a
+/// range whose begin is not below its end. The whole range stays when index is below 0 or count
+/// below 1.
+void splitRange(int& begin, int& end, int index, int count);
 
 /// Base of every processing node: work done in one or more passes, each spread over the host's
 /// threads in one call. Only `processPass` runs on workers; it writes its own share and nothing
