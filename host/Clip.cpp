@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 #include "host/EffectObject.h"
 #include "host/EmbeddedHost.h"
@@ -13,18 +14,9 @@ namespace Tesseret::Host {
 
 namespace {
 
-/// Fills what a reshaped picture has no pixel for: whoever reads it should be seen to.
-constexpr std::uint8_t kNoise = 0xA5;
-
 std::vector<PropertyValue> ends(const OfxRangeD& range)
 {
     return {range.min, range.max};
-}
-
-OfxRectI changed(OfxRectI bounds, const OfxRectI& change)
-{
-    return {bounds.x1 + change.x1, bounds.y1 + change.y1, bounds.x2 + change.x2,
-            bounds.y2 + change.y2};
 }
 
 }  // namespace
@@ -74,11 +66,7 @@ bool Clip::isOptional() const
 
 void Clip::updateProperties(OfxRangeD frames)
 {
-    const HostQuirks& quirks = owner_.host().quirks();
-    const bool hasFormat = source_ || isOutput() || quirks.allClipsConnected;
-    const bool isAlpha = format_.components == Components::Alpha;
-    const Components shown =
-        isAlpha && quirks.matte == MatteDelivery::Rgba ? Components::RGBA : format_.components;
+    const bool hasFormat = source_ || isOutput();
     const ClipFormat unmapped = source_ ? source_->format() : format_;
     const auto assign = [this](const char* name, std::vector<PropertyValue> values) {
         properties_.assign(name, std::move(values));
@@ -87,7 +75,7 @@ void Clip::updateProperties(OfxRangeD frames)
     assign(kOfxImageEffectPropPixelDepth,
            {hasFormat ? depthName(format_.depth) : kOfxBitDepthNone});
     assign(kOfxImageEffectPropComponents,
-           {hasFormat ? componentsName(shown) : kOfxImageComponentNone});
+           {hasFormat ? componentsName(format_.components) : kOfxImageComponentNone});
     assign(kOfxImageClipPropUnmappedPixelDepth,
            {hasFormat ? depthName(unmapped.depth) : kOfxBitDepthNone});
     assign(kOfxImageClipPropUnmappedComponents,
@@ -100,17 +88,7 @@ void Clip::updateProperties(OfxRangeD frames)
     assign(kOfxImageClipPropContinuousSamples, {0});
     const OfxRangeD range = source_ ? source_->frameRange() : frames;
     assign(kOfxImageEffectPropUnmappedFrameRange, ends(range));
-    switch (quirks.frameRange) {
-        case FrameRangeAnswer::Right:
-            assign(kOfxImageEffectPropFrameRange, ends(range));
-            break;
-        case FrameRangeAnswer::Wrong:
-            assign(kOfxImageEffectPropFrameRange, {1.0, 10.0});
-            break;
-        case FrameRangeAnswer::Missing:
-            properties_.remove(kOfxImageEffectPropFrameRange);
-            break;
-    }
+    assign(kOfxImageEffectPropFrameRange, ends(range));
 }
 
 OfxPointD Clip::renderScale() const
@@ -118,18 +96,10 @@ OfxPointD Clip::renderScale() const
     return owner_.instance()->renderScale();
 }
 
-Components Clip::deliveredComponents() const
-{
-    const bool isAlpha = format_.components == Components::Alpha;
-    const bool asRgba = isAlpha && owner_.host().quirks().matte != MatteDelivery::Alpha;
-    return asRgba ? Components::RGBA : format_.components;
-}
-
 OfxStatus Clip::fetch(OfxTime time, OfxPropertySetHandle& image)
 {
     EmbeddedHost& host = owner_.host();
-    const unsigned int call = host.counts().fetchCalls.fetch_add(1) + 1;
-    if (call == host.quirks().failFetch) return kOfxStatFailed;
+    if (const OfxStatus status = host.behaviour().checkFetch(*this)) return status;
     if (!owner_.instance() || !isConnected()) return kOfxStatFailed;
     try {
         return makeImage(time, image);
@@ -146,89 +116,61 @@ OfxStatus Clip::fetch(OfxTime time, OfxPropertySetHandle& image)
 
 OfxStatus Clip::makeImage(OfxTime time, OfxPropertySetHandle& image)
 {
-    EmbeddedHost& host = owner_.host();
+    HostBehaviour& behaviour = owner_.host().behaviour();
     std::shared_ptr<const Picture> input;
     if (!output_) {
-        input = inputPicture(time, renderScale());
+        input = source_->picture(time, renderScale());
         if (!input) return kOfxStatFailed;
+        input = behaviour.inputPicture(*this, std::move(input), renderScale());
     }
-    const bool shared = host.quirks().oneImageSetPerClip;
-    std::unique_ptr<Image> made =
-        shared && sharedImage_ ? std::move(sharedImage_) : std::make_unique<Image>(*this);
+    Fetched& made = nextImage();
     if (output_) {
-        made->showOutput(*output_, renderScale());
+        made.image->showOutput(*output_, renderScale());
     } else {
-        made->show(std::move(input), renderScale());
+        made.image->show(std::move(input), renderScale());
     }
-    image = made->handle();
-    host.counts().imagesFetched.fetch_add(1);
-    if (shared) {
-        sharedImage_ = std::move(made);
-        ++sharedFetches_;
-    } else {
-        images_.push_back(std::move(made));
-    }
+    behaviour.imageFetched(*made.image);
+    ++made.fetches;
+    image = made.image->handle();
     return kOfxStatOK;
 }
 
-std::shared_ptr<const Picture> Clip::inputPicture(OfxTime time, OfxPointD scale) const
+Clip::Fetched& Clip::nextImage()
 {
-    std::shared_ptr<const Picture> picture = source_->picture(time, scale);
-    if (!picture) return nullptr;
-    const Components components = deliveredComponents();
-    if (picture->depth() != format_.depth || picture->components() != components) {
-        picture = std::make_shared<Picture>(picture->converted(format_.depth, components));
-    }
-    const HostQuirks& quirks = owner_.host().quirks();
-    OfxRectI bounds = picture->bounds();
-    if (quirks.boundsChange) bounds = changed(bounds, *quirks.boundsChange);
-    if (quirks.deliverRegionsOnly && regionOfInterest_) {
-        bounds =
-            intersection(bounds, toPixels(*regionOfInterest_, scale, picture->pixelAspectRatio()));
-    }
-    const bool reshaped = quirks.privateImages || quirks.rowLayout || quirks.boundsChange ||
-                          quirks.deliverRegionsOnly;
-    return reshaped ? std::make_shared<Picture>(picture->copied(
-                          bounds, quirks.rowLayout.value_or(picture->layout()), kNoise))
-                    : picture;
+    const bool isShared = owner_.host().behaviour().sharesImageSet();
+    if (!isShared || images_.empty()) images_.push_back({std::make_unique<Image>(*this)});
+    return images_.back();
 }
 
 OfxStatus Clip::regionOfDefinition(OfxTime time, OfxRectD& region)
 {
-    const RegionAnswer answer = owner_.host().quirks().regionOfDefinition;
-    if (answer == RegionAnswer::Refused || !owner_.instance()) return kOfxStatFailed;
+    if (!owner_.instance()) return kOfxStatFailed;
+    if (const OfxStatus status = owner_.host().behaviour().checkRegion(*this, time)) return status;
     if (isOutput()) {
         region = owner_.instance()->defaultRegionOfDefinition(time);
         return kOfxStatOK;
     }
     if (!source_) return kOfxStatFailed;
-    const OfxRangeD range = source_->frameRange();
-    if (answer == RegionAnswer::RefusedWithoutImage && (time < range.min || time > range.max)) {
-        return kOfxStatFailed;
-    }
     region = source_->regionOfDefinition(time);
     return kOfxStatOK;
 }
 
 bool Clip::release(const Image& image)
 {
-    if (&image == sharedImage_.get() && sharedFetches_ > 0) {
-        --sharedFetches_;
-    } else {
-        const auto found = std::find_if(images_.begin(), images_.end(),
-                                        [&](const auto& each) { return each.get() == &image; });
-        if (found == images_.end()) return false;
-        images_.erase(found);
-    }
-    owner_.host().counts().imagesReleased.fetch_add(1);
+    const auto found = std::find_if(images_.begin(), images_.end(),
+                                    [&](const auto& each) { return each.image.get() == &image; });
+    if (found == images_.end() || found->fetches == 0) return false;
+    HostBehaviour& behaviour = owner_.host().behaviour();
+    if (--found->fetches == 0 && !behaviour.sharesImageSet()) images_.erase(found);
+    behaviour.imageReleased(*this);
     return true;
 }
 
 std::size_t Clip::releaseAll()
 {
-    const std::size_t held = images_.size() + sharedFetches_;
-    images_.clear();
-    sharedFetches_ = 0;
+    std::size_t held = 0;
+    for (Fetched& each : images_) held += std::exchange(each.fetches, 0);
+    if (!owner_.host().behaviour().sharesImageSet()) images_.clear();
     return held;
 }
 

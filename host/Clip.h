@@ -42,11 +42,12 @@ public:
     /// The depth and components in which pictures reach the plug-in.
     void setFormat(const ClipFormat& format) { format_ = format; }
     const ClipFormat& format() const { return format_; }
-    /// Writes the properties of an instance's clip, from its source, format and the quirks. A clip
-    /// without a source, the output one for instance, has the frames given.
+    /// Writes the properties of an instance's clip, from its source and format. A clip without a
+    /// source, the output one for instance, has the frames given.
     void updateProperties(OfxRangeD frames);
     /// The region asked for this render, in canonical units.
     void setRegionOfInterest(std::optional<OfxRectD> region) { regionOfInterest_ = region; }
+    const std::optional<OfxRectD>& regionOfInterest() const { return regionOfInterest_; }
 
     // The suite's side; each answers the standard's statuses.
     OfxStatus fetch(OfxTime time, OfxPropertySetHandle& image);
@@ -57,9 +58,14 @@ public:
     std::size_t releaseAll();
 
 private:
-    std::shared_ptr<const Picture> inputPicture(OfxTime time, OfxPointD renderScale) const;
+    /// An image that was handed out, as often as it was.
+    struct Fetched {
+        std::unique_ptr<Image> image;
+        std::size_t fetches = 0;
+    };
+
     OfxStatus makeImage(OfxTime time, OfxPropertySetHandle& image);
-    Components deliveredComponents() const;
+    Fetched& nextImage();
     OfxPointD renderScale() const;
     void defineDescriptor();
 
@@ -71,9 +77,7 @@ private:
     std::shared_ptr<ClipSource> source_;
     Picture* output_ = nullptr;
     std::optional<OfxRectD> regionOfInterest_;
-    std::vector<std::unique_ptr<Image>> images_;
-    std::unique_ptr<Image> sharedImage_;  ///< under the quirk of one property set for every fetch
-    std::size_t sharedFetches_ = 0;
+    std::vector<Fetched> images_;
 };
 
 }  // namespace Tesseret::Host

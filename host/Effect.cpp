@@ -51,7 +51,7 @@ OfxStatus Effect::send(const char* action, const void* handle, OfxPropertySetHan
         host_.badCall(std::string(action ? action : "null") + ": an exception left the plug-in",
                       status);
     }
-    host_.recordAction(action ? action : "", status);
+    host_.behaviour().actionSent(action ? action : "", handle, status);
     return status;
 }
 
@@ -96,23 +96,22 @@ OfxStatus Effect::sendDescribeInContext(std::string_view context)
 
 void Effect::loadAndDescribe()
 {
-    const auto require = [this](const char* action, OfxStatus status, bool defaultWillDo) {
-        if (status == kOfxStatOK || (defaultWillDo && status == kOfxStatReplyDefault)) return;
+    const auto require = [this](const char* action, OfxStatus status, bool isAccepted) {
+        if (isAccepted) return;
         throw HostError(std::string(plugin_.pluginIdentifier) + " answers " + action + " with " +
                             statusText(status),
                         status);
     };
-    require(kOfxActionLoad, sendLoad(), !host_.quirks().loadMustAnswerOK);
-    require(kOfxActionDescribe, sendDescribe(), false);
+    contexts_.clear();
+    const OfxStatus loaded = sendLoad();
+    require(kOfxActionLoad, loaded, host_.behaviour().acceptsLoad(loaded));
+    const OfxStatus described = sendDescribe();
+    require(kOfxActionDescribe, described, described == kOfxStatOK);
 }
 
 void Effect::start()
 {
-    loadAndDescribe();
-    if (host_.quirks().describeTwice) {
-        sendUnload();
-        loadAndDescribe();
-    }
+    host_.behaviour().start(*this);
 }
 
 EffectDescription Effect::description() const
@@ -152,10 +151,7 @@ const ContextDescription& Effect::describeInContext(std::string_view context)
 
 std::unique_ptr<Instance> Effect::createInstance(std::string_view context)
 {
-    if (host_.quirks().reloadPerInstance) {
-        contexts_.clear();
-        loadAndDescribe();
-    }
+    host_.behaviour().prepareInstance(*this);
     describeInContext(context);
     return std::make_unique<Instance>(*this, *contextDescriptor(context));
 }

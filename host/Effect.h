@@ -26,7 +26,7 @@ public:
     Effect(const Effect&) = delete;
     Effect& operator=(const Effect&) = delete;
 
-    /// Load and describe as the host's quirks have it; throws HostError when the plug-in refuses.
+    /// Load and describe as the host does it; throws HostError when the plug-in refuses.
     void start();
     /// What the plug-in said of itself; after `start`.
     EffectDescription description() const;
@@ -36,6 +36,9 @@ public:
     /// Makes an instance; describes in the context first when that was not done. Throws HostError
     /// with the plug-in's status when it refuses.
     std::unique_ptr<Instance> createInstance(std::string_view context);
+
+    /// Forgets all contexts, loads and describes; throws HostError when the plug-in refuses.
+    void loadAndDescribe();
 
     // Single steps; each sends one action and returns its status.
     OfxStatus sendLoad();
@@ -55,8 +58,6 @@ public:
     Descriptor* contextDescriptor(std::string_view context) const;
 
 private:
-    void loadAndDescribe();
-
     struct Described {
         std::unique_ptr<Descriptor> descriptor;
         ContextDescription description;

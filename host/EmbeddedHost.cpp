@@ -14,8 +14,6 @@ namespace Tesseret::Host {
 
 namespace {
 
-constexpr std::size_t kMostBadCallTexts = 100;
-
 thread_local EmbeddedHost* currentHost = nullptr;
 
 std::mutex& hostsMutex()
@@ -49,8 +47,7 @@ const void* fetchSuiteFromRecord(OfxPropertySetHandle host, const char* name, in
 }  // namespace
 
 EmbeddedHost::EmbeddedHost(HostOptions options)
-    : quirks_(std::move(options.quirks)),
-      recording_(options.recording),
+    : behaviour_(options.behaviour ? options.behaviour : &standard_),
       onReport_(std::move(options.onReport)),
       onMessage_(std::move(options.onMessage)),
       listener_(options.listener),
@@ -58,7 +55,7 @@ EmbeddedHost::EmbeddedHost(HostOptions options)
       record_{properties_.handle(), &fetchSuiteFromRecord},
       pool_(std::make_unique<ThreadPool>(*this, options.threads ? options.threads : processors()))
 {
-    describeSelf();
+    describeSelf(options.identity);
     const std::lock_guard lock(hostsMutex());
     hosts().push_back(this);
 }
@@ -70,9 +67,8 @@ EmbeddedHost::~EmbeddedHost()
     std::erase(hosts(), this);
 }
 
-void EmbeddedHost::describeSelf()
+void EmbeddedHost::describeSelf(const HostIdentity& identity)
 {
-    const HostIdentity& identity = quirks_.identity;
     const auto number = [this](const char* name, int value) {
         properties_.define(name, {value}, Access::ReadOnly);
     };
@@ -129,8 +125,7 @@ const void* EmbeddedHost::fetchSuite(const char* name, int version)
     } suites[] = {
         {kOfxPropertySuite, &propertySuite()},
         {kOfxImageEffectSuite, &imageEffectSuite()},
-        {kOfxParameterSuite,
-         quirks_.nullDerivativeMembers ? &parameterSuiteWithoutDerivatives() : &parameterSuite()},
+        {kOfxParameterSuite, &parameterSuite()},
         {kOfxMemorySuite, &memorySuite()},
         {kOfxMultiThreadSuite, &multiThreadSuite()},
         {kOfxMessageSuite, &messageSuite()},
@@ -142,88 +137,24 @@ const void* EmbeddedHost::fetchSuite(const char* name, int version)
     for (const auto& suite : suites) {
         if (wanted == suite.name && version == 1) answer = suite.suite;
     }
-    if (quirks_.missingSuites.contains(wanted)) answer = nullptr;
-    if (recording_) {
-        const std::lock_guard lock(mutex_);
-        fetches_.push_back({wanted, version, answer != nullptr});
-    }
-    return answer;
+    return behaviour_->suiteFetched(wanted, version, answer);
 }
 
-Counters EmbeddedHost::counters() const
+OfxStatus EmbeddedHost::runOnThreads(OfxThreadFunctionV1* function, unsigned int calls,
+                                     void* argument)
 {
-    Counters result;
-    result.imagesFetched = counts_.imagesFetched;
-    result.fetchCalls = counts_.fetchCalls;
-    result.imagesReleased = counts_.imagesReleased;
-    result.allocations = counts_.allocations;
-    result.locks = counts_.locks;
-    result.blocksLive = counts_.blocksLive;
-    result.bytesLive = counts_.bytesLive;
-    result.bytesPeak = counts_.bytesPeak;
-    result.memoryBlocksLive = counts_.memoryBlocksLive;
-    result.multiThreadCalls = counts_.multiThreadCalls;
-    result.abortPolls = counts_.abortPolls;
-    result.badCalls = counts_.badCalls;
-    return result;
-}
-
-void EmbeddedHost::resetCounters()
-{
-    for (auto* count : {&counts_.imagesFetched, &counts_.fetchCalls, &counts_.imagesReleased,
-                        &counts_.allocations, &counts_.locks, &counts_.multiThreadCalls,
-                        &counts_.abortPolls, &counts_.badCalls, &counts_.cpuQuestions}) {
-        count->store(0);
-    }
-    counts_.bytesPeak.store(counts_.bytesLive.load());
-    const std::lock_guard lock(mutex_);
-    writes_.clear();
-    fetches_.clear();
-    actions_.clear();
-    messages_.clear();
-    badCallTexts_.clear();
-}
-
-std::vector<PropertyWrite> EmbeddedHost::propertyWrites() const
-{
-    const std::lock_guard lock(mutex_);
-    return writes_;
-}
-
-std::vector<SuiteFetch> EmbeddedHost::suiteFetches() const
-{
-    const std::lock_guard lock(mutex_);
-    return fetches_;
-}
-
-std::vector<ActionRecord> EmbeddedHost::actions() const
-{
-    const std::lock_guard lock(mutex_);
-    return actions_;
-}
-
-std::vector<Message> EmbeddedHost::messages() const
-{
-    const std::lock_guard lock(mutex_);
-    return messages_;
-}
-
-std::vector<std::string> EmbeddedHost::badCalls() const
-{
-    const std::lock_guard lock(mutex_);
-    return badCallTexts_;
+    return pool_->run(function, calls, argument)
+               ? kOfxStatOK
+               : badCall("multiThread: an exception left the function", kOfxStatFailed);
 }
 
 void EmbeddedHost::report(Report::Kind kind, const std::string& text)
 {
-    if (kind == Report::Kind::BadCall) {
-        counts_.badCalls.fetch_add(1);
-        const std::lock_guard lock(mutex_);
-        if (badCallTexts_.size() < kMostBadCallTexts) badCallTexts_.push_back(text);
-    }
+    const Report report{kind, text};
+    behaviour_->reported(report);
     if (onReport_) {
         const std::lock_guard lock(sinkMutex_);
-        onReport_({kind, text});
+        onReport_(report);
     }
 }
 
@@ -235,30 +166,12 @@ OfxStatus EmbeddedHost::badCall(const std::string& text, OfxStatus status)
 
 OfxStatus EmbeddedHost::post(const Message& message)
 {
-    if (recording_) {
-        const std::lock_guard lock(mutex_);
-        messages_.push_back(message);
-    }
     OfxStatus answer = message.type == kOfxMessageQuestion ? kOfxStatReplyDefault : kOfxStatOK;
     if (onMessage_) {
         const std::lock_guard lock(sinkMutex_);
         answer = onMessage_(message);
     }
-    return quirks_.messageAnswer.value_or(answer);
-}
-
-void EmbeddedHost::recordWrite(PropertyWrite write)
-{
-    if (!recording_) return;
-    const std::lock_guard lock(mutex_);
-    writes_.push_back(std::move(write));
-}
-
-void EmbeddedHost::recordAction(std::string_view action, OfxStatus status)
-{
-    if (!recording_) return;
-    const std::lock_guard lock(mutex_);
-    actions_.push_back({std::string(action), status});
+    return behaviour_->messagePosted(message, answer);
 }
 
 EmbeddedHost* EmbeddedHost::current()

@@ -17,7 +17,7 @@ class Instance;
 /// One line, no line end.
 struct Report {
     enum class Kind {
-        Note,     ///< allowed, but worth knowing: an unknown property, a fault that was asked for
+        Note,     ///< allowed, but worth knowing: an unknown property, an allocation refused
         BadCall,  ///< the plug-in did what the standard forbids, and was answered with a status
     };
     Kind kind = Kind::Note;

@@ -5,7 +5,6 @@
 
 #include "host/Clip.h"
 #include "host/EffectObject.h"
-#include "host/EmbeddedHost.h"
 
 namespace Tesseret::Host {
 
@@ -15,9 +14,6 @@ std::vector<PropertyValue> edges(const OfxRectI& rect)
 {
     return {rect.x1, rect.y1, rect.x2, rect.y2};
 }
-
-constexpr OfxRectI kEverywhere{kOfxFlagInfiniteMin, kOfxFlagInfiniteMin, kOfxFlagInfiniteMax,
-                               kOfxFlagInfiniteMax};
 
 /// A new name for every fetch: no two pictures are taken for the same one.
 std::string nextIdentifier()
@@ -45,13 +41,11 @@ void Image::showOutput(Picture& picture, OfxPointD renderScale)
 
 void Image::describe(const Picture& picture, void* data, OfxPointD renderScale)
 {
-    const bool everywhere = host().quirks().infiniteRegion && !clip_.isOutput();
     assign(kOfxPropType, {kOfxTypeImage});
     assign(kOfxImagePropData, {data});
     assign(kOfxImagePropRowBytes, {static_cast<int>(picture.rowBytes())});
     assign(kOfxImagePropBounds, edges(picture.bounds()));
-    assign(kOfxImagePropRegionOfDefinition,
-           edges(everywhere ? kEverywhere : picture.regionOfDefinition()));
+    assign(kOfxImagePropRegionOfDefinition, edges(picture.regionOfDefinition()));
     assign(kOfxImagePropPixelAspectRatio, {picture.pixelAspectRatio()});
     assign(kOfxImagePropField, {kOfxImageFieldNone});
     assign(kOfxImageEffectPropPixelDepth, {depthName(picture.depth())});

@@ -77,16 +77,10 @@ OfxStatus clipDefine(OfxImageEffectHandle handle, const char* name,
 
 OfxStatus unknownClip(EmbeddedHost& host, const char* name)
 {
-    const std::string text = std::string("clipGetHandle: no such clip, ") + name;
-    switch (host.quirks().unknownClip) {
-        case UnknownClip::NullHandleOK:
-            return kOfxStatOK;
-        case UnknownClip::Unknown:
-            return host.badCall(text, kOfxStatErrUnknown);
-        case UnknownClip::BadHandle:
-            break;
-    }
-    return host.badCall(text, kOfxStatErrBadHandle);
+    const OfxStatus status = host.behaviour().unknownClipStatus();
+    return status == kOfxStatOK
+               ? status
+               : host.badCall(std::string("clipGetHandle: no such clip, ") + name, status);
 }
 
 OfxStatus clipGetHandle(OfxImageEffectHandle handle, const char* name, OfxImageClipHandle* clip,
@@ -152,10 +146,8 @@ int abortRender(OfxImageEffectHandle handle)
 {
     EffectObject* const effect = findEffect(handle);
     if (!effect) return noEffect("abort");
-    const unsigned int poll = effect->host().counts().abortPolls.fetch_add(1) + 1;
-    const unsigned int from = effect->host().quirks().abortFromPoll;
-    if (from != 0 && poll >= from) return 1;
-    return effect->instance() && effect->instance()->isAborted() ? 1 : 0;
+    const bool isAborted = effect->instance() && effect->instance()->isAborted();
+    return effect->host().behaviour().abortPolled(isAborted) ? 1 : 0;
 }
 
 OfxStatus imageMemoryAlloc(OfxImageEffectHandle handle, std::size_t bytes,
@@ -167,7 +159,11 @@ OfxStatus imageMemoryAlloc(OfxImageEffectHandle handle, std::size_t bytes,
     if (handle && !effect) return noEffect("imageMemoryAlloc");
     EmbeddedHost* const host = effect ? &effect->host() : EmbeddedHost::current();
     if (!host) return kOfxStatErrMemory;
-    if (!handle && host->quirks().memoryRefusesNullEffect) return kOfxStatErrBadHandle;
+    if (const OfxStatus status = host->behaviour().checkAllocation(effect, bytes)) {
+        host->report(Report::Kind::Note,
+                     "imageMemoryAlloc: refused " + std::to_string(bytes) + " bytes");
+        return status;
+    }
     return ImageMemory::allocate(*host, bytes, *memory);
 }
 

@@ -13,36 +13,45 @@ namespace Tesseret::Host {
 
 class EmbeddedHost;
 
+/// Aligned bytes, undefined at first.
+class ImageBytes {
+public:
+    /// Throws std::bad_alloc.
+    explicit ImageBytes(std::size_t size);
+
+    std::byte* data() { return data_.get(); }
+    std::size_t size() const { return size_; }
+
+private:
+    struct Release {
+        void operator()(std::byte* data) const;
+    };
+
+    std::unique_ptr<std::byte[], Release> data_;
+    std::size_t size_;
+};
+
 class ImageMemory {
 public:
     ImageMemory(const ImageMemory&) = delete;
     ImageMemory& operator=(const ImageMemory&) = delete;
 
-    // The suite's side; each counts, obeys the quirks and answers the standard's statuses.
+    // The suite's side; each answers the standard's statuses.
     static OfxStatus allocate(EmbeddedHost& host, std::size_t bytes, OfxImageMemoryHandle& memory);
     static OfxStatus free(OfxImageMemoryHandle memory);
     static OfxStatus lock(OfxImageMemoryHandle memory, void*& data);
     static OfxStatus unlock(OfxImageMemoryHandle memory);
 
 private:
-    struct Release {
-        void operator()(std::byte* data) const;
-    };
-    using Storage = std::unique_ptr<std::byte[], Release>;
-
-    explicit ImageMemory(EmbeddedHost& host) : host_(host) {}
+    ImageMemory(EmbeddedHost& host, std::size_t bytes) : host_(host), bytes_(bytes) {}
     static HandleOwner<ImageMemory>& owner();
-    static Storage makeStorage(std::size_t bytes);
     OfxStatus lock(void*& data);
     OfxStatus unlock();
-    void move();
 
     EmbeddedHost& host_;
     Handle handle_{HandleKind::ImageMemory, this};
-    std::size_t bytes_ = 0;
-    Storage storage_;
+    ImageBytes bytes_;
     unsigned int locks_ = 0;
-    bool moves_ = false;  ///< the next lock finds the contents at another address
 };
 
 }  // namespace Tesseret::Host

@@ -107,25 +107,16 @@ void Instance::updateProperties()
     const OfxRangeD frames = leader && leader->source() ? leader->source()->frameRange()
                                                         : OfxRangeD{0.0, project_.duration - 1.0};
     for (const auto& each : clips()) each->updateProperties(frames);
+    host().behaviour().propertiesUpdated(*this);
 }
 
 void Instance::writeProject()
 {
     PropertySet& own = properties();
-    const ProjectProperties readable = host().quirks().projectProperties;
-    if (readable == ProjectProperties::Never ||
-        (readable == ProjectProperties::AfterFirstRender && !hasRendered_)) {
-        for (const char* name :
-             {kOfxImageEffectPropProjectSize, kOfxImageEffectPropProjectOffset,
-              kOfxImageEffectPropProjectExtent, kOfxImageEffectPropProjectPixelAspectRatio}) {
-            own.remove(name);
-        }
-    } else {
-        own.assign(kOfxImageEffectPropProjectSize, pair(project_.size));
-        own.assign(kOfxImageEffectPropProjectOffset, pair(project_.offset));
-        own.assign(kOfxImageEffectPropProjectExtent, pair(project_.extent));
-        own.assign(kOfxImageEffectPropProjectPixelAspectRatio, {project_.pixelAspectRatio});
-    }
+    own.assign(kOfxImageEffectPropProjectSize, pair(project_.size));
+    own.assign(kOfxImageEffectPropProjectOffset, pair(project_.offset));
+    own.assign(kOfxImageEffectPropProjectExtent, pair(project_.extent));
+    own.assign(kOfxImageEffectPropProjectPixelAspectRatio, {project_.pixelAspectRatio});
     own.assign(kOfxImageEffectPropFrameRate, {project_.frameRate});
     own.assign(kOfxImageEffectInstancePropEffectDuration, {project_.duration});
 }

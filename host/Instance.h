@@ -151,8 +151,7 @@ public:
     /// soon as no other action runs. What the plug-in sets in answer to these is not announced
     /// again.
     void pluginEdited(const Parameter& parameter);
-    /// Brings the properties of the project and of the clips up to date, as the quirks have them
-    /// now.
+    /// Brings the properties of the project and of the clips up to date.
     void updateProperties();
 
 private:
@@ -178,7 +177,6 @@ private:
     std::vector<std::string> supportedDepths_;
     std::vector<std::string> slaveParameters_;
     bool created_ = false;
-    bool hasRendered_ = false;
     bool preferencesStale_ = true;
     int actionDepth_ = 0;
     int changeDepth_ = 0;

@@ -120,10 +120,11 @@ OfxStatus Instance::renderIdentity(const RenderRequest& request, const Identity&
 
 OfxStatus Instance::renderOnly(const RenderRequest& request, Picture* output)
 {
-    const std::optional<RowLayout>& layout = host().quirks().rowLayout;
+    const RowLayout layout =
+        host().behaviour().outputLayout(output ? output->layout() : RowLayout{});
     Picture laidOut;
-    const bool other = output && layout && *layout != output->layout();
-    if (other) laidOut = output->copied(output->bounds(), *layout);
+    const bool other = output && layout != output->layout();
+    if (other) laidOut = output->copied(output->bounds(), layout);
 
     PropertySet inArgs(host(), "inArgs of Render");
     inArgs.assign(kOfxPropTime, {request.time});
@@ -139,7 +140,6 @@ OfxStatus Instance::renderOnly(const RenderRequest& request, Picture* output)
     const OfxStatus status = action(kOfxImageEffectActionRender, &inArgs);
     if (outputClip) outputClip->setOutput(nullptr);
     if (other) output->paste(laidOut);
-    hasRendered_ = true;
     return status;
 }
 

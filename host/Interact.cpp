@@ -72,7 +72,7 @@ OfxStatus Interact::action(const char* name, PropertySet* inArgs)
     } catch (...) {
         host.badCall("an exception left the overlay", status);
     }
-    host.recordAction(name ? name : "", status);
+    host.behaviour().actionSent(name ? name : "", handle(), status);
     return status;
 }
 

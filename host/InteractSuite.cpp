@@ -44,7 +44,7 @@ OfxStatus getPropertySet(OfxInteractHandle handle, OfxPropertySetHandle* propert
     if (!properties) {
         return host.badCall("interactGetPropertySet: a null pointer", kOfxStatErrValue);
     }
-    if (host.quirks().interactHasNoProperties) return kOfxStatErrUnsupported;
+    if (const OfxStatus status = host.behaviour().checkInteractProperties()) return status;
     *properties = interact->properties().handle();
     return kOfxStatOK;
 }

@@ -44,7 +44,7 @@ OfxStatus memoryAlloc(void* handle, std::size_t bytes, void** data)
                                           std::byte[std::max<std::size_t>(bytes, 1)]);
     if (!made) return kOfxStatErrMemory;
     *data = made.get();
-    if (host) host->counts().memoryBlocksLive.fetch_add(1);
+    if (host) host->behaviour().generalMemoryAllocated();
     const std::lock_guard lock(blocksMutex());
     blocks().emplace(*data, Block{std::move(made), host});
     return kOfxStatOK;
@@ -58,7 +58,7 @@ OfxStatus memoryFree(void* data)
     if (found == blocks().end()) {
         return badCall("memoryFree: no such block", kOfxStatErrBadHandle);
     }
-    if (found->second.host) found->second.host->counts().memoryBlocksLive.fetch_sub(1);
+    if (found->second.host) found->second.host->behaviour().generalMemoryFreed();
     blocks().erase(found);
     return kOfxStatOK;
 }

@@ -15,40 +15,17 @@ namespace Tesseret::Host {
 
 namespace {
 
-OfxStatus callDirectly(EmbeddedHost& host, OfxThreadFunctionV1* function, unsigned int calls,
-                       void* argument)
-{
-    try {
-        for (unsigned int i = 0; i < calls; ++i) function(i, calls, argument);
-    } catch (...) {
-        return host.badCall("multiThread: an exception left the function", kOfxStatFailed);
-    }
-    return kOfxStatOK;
-}
-
 OfxStatus multiThread(OfxThreadFunctionV1* function, unsigned int nThreads, void* argument)
 {
     EmbeddedHost* const host = EmbeddedHost::current();
     if (!host) return kOfxStatFailed;
-    host->counts().multiThreadCalls.fetch_add(1);
-    const HostQuirks& quirks = host->quirks();
-    if (quirks.multiThreadAnswer) return *quirks.multiThreadAnswer;
     if (!function) return host->badCall("multiThread: a null function", kOfxStatErrValue);
     if (ThreadPool::isInCall()) {
         return host->badCall("multiThread: called from one of its threads", kOfxStatErrExists);
     }
     if (nThreads == 0) return host->badCall("multiThread: no threads asked for", kOfxStatErrValue);
-    if (quirks.threading == Threading::DirectCall) {
-        return callDirectly(*host, function, 1, argument);
-    }
-    unsigned int calls = std::min(nThreads, host->threads());
-    if (quirks.fewerThreads) calls = std::min(calls, std::max(*quirks.fewerThreads, 1u));
-    if (quirks.threading == Threading::InARow) {
-        return callDirectly(*host, function, calls, argument);
-    }
-    return host->pool().run(function, calls, argument)
-               ? kOfxStatOK
-               : host->badCall("multiThread: an exception left the function", kOfxStatFailed);
+    const unsigned int calls = std::min(nThreads, host->threads());
+    return host->behaviour().makeCalls(*host, function, calls, argument);
 }
 
 OfxStatus multiThreadNumCPUs(unsigned int* count)
@@ -56,10 +33,7 @@ OfxStatus multiThreadNumCPUs(unsigned int* count)
     if (!count) return badCall("multiThreadNumCPUs: a null pointer", kOfxStatErrValue);
     EmbeddedHost* const host = EmbeddedHost::current();
     if (!host) return kOfxStatFailed;
-    const unsigned int question = host->counts().cpuQuestions.fetch_add(1);
-    *count = host->threads();
-    if (host->quirks().threading == Threading::DirectCall) *count = 1;
-    if (host->quirks().cpuCountChanges) *count = 1 + question % *count;
+    *count = host->behaviour().processorCount(host->threads());
     return kOfxStatOK;
 }
 
@@ -67,7 +41,9 @@ OfxStatus multiThreadIndex(unsigned int* index)
 {
     if (!index) return badCall("multiThreadIndex: a null pointer", kOfxStatErrValue);
     EmbeddedHost* const host = EmbeddedHost::current();
-    if (host && host->quirks().threadIndexAnswer) return *host->quirks().threadIndexAnswer;
+    if (host) {
+        if (const OfxStatus status = host->behaviour().checkThreadIndex()) return status;
+    }
     *index = ThreadPool::callIndex();
     return kOfxStatOK;
 }

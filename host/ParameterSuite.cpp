@@ -368,46 +368,31 @@ OfxStatus paramEditEnd(OfxParamSetHandle handle)
     return set->owner().host().badCall("paramEditEnd: no edit was begun", kOfxStatFailed);
 }
 
-constexpr OfxParameterSuiteV1 kSuite{
-    .paramDefine = &paramDefine,
-    .paramGetHandle = &paramGetHandle,
-    .paramSetGetPropertySet = &paramSetGetPropertySet,
-    .paramGetPropertySet = &paramGetPropertySet,
-    .paramGetValue = &paramGetValue,
-    .paramGetValueAtTime = &paramGetValueAtTime,
-    .paramGetDerivative = &paramGetDerivative,
-    .paramGetIntegral = &paramGetIntegral,
-    .paramSetValue = &paramSetValue,
-    .paramSetValueAtTime = &paramSetValueAtTime,
-    .paramGetNumKeys = &paramGetNumKeys,
-    .paramGetKeyTime = &paramGetKeyTime,
-    .paramGetKeyIndex = &paramGetKeyIndex,
-    .paramDeleteKey = &paramDeleteKey,
-    .paramDeleteAllKeys = &paramDeleteAllKeys,
-    .paramCopy = &paramCopy,
-    .paramEditBegin = &paramEditBegin,
-    .paramEditEnd = &paramEditEnd,
-};
-
-constexpr OfxParameterSuiteV1 withoutDerivatives()
-{
-    OfxParameterSuiteV1 suite = kSuite;
-    suite.paramGetDerivative = nullptr;
-    suite.paramGetIntegral = nullptr;
-    return suite;
-}
-
 }  // namespace
 
 const OfxParameterSuiteV1& parameterSuite()
 {
+    static constexpr OfxParameterSuiteV1 kSuite{
+        .paramDefine = &paramDefine,
+        .paramGetHandle = &paramGetHandle,
+        .paramSetGetPropertySet = &paramSetGetPropertySet,
+        .paramGetPropertySet = &paramGetPropertySet,
+        .paramGetValue = &paramGetValue,
+        .paramGetValueAtTime = &paramGetValueAtTime,
+        .paramGetDerivative = &paramGetDerivative,
+        .paramGetIntegral = &paramGetIntegral,
+        .paramSetValue = &paramSetValue,
+        .paramSetValueAtTime = &paramSetValueAtTime,
+        .paramGetNumKeys = &paramGetNumKeys,
+        .paramGetKeyTime = &paramGetKeyTime,
+        .paramGetKeyIndex = &paramGetKeyIndex,
+        .paramDeleteKey = &paramDeleteKey,
+        .paramDeleteAllKeys = &paramDeleteAllKeys,
+        .paramCopy = &paramCopy,
+        .paramEditBegin = &paramEditBegin,
+        .paramEditEnd = &paramEditEnd,
+    };
     return kSuite;
-}
-
-const OfxParameterSuiteV1& parameterSuiteWithoutDerivatives()
-{
-    static constexpr OfxParameterSuiteV1 kWithout = withoutDerivatives();
-    return kWithout;
 }
 
 }  // namespace Tesseret::Host

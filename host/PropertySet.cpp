@@ -11,36 +11,6 @@ PropertyType typeOf(const PropertyValue& value)
     return static_cast<PropertyType>(value.index());
 }
 
-PropertyValue zeroOf(PropertyType type)
-{
-    switch (type) {
-        case PropertyType::Pointer:
-            return static_cast<void*>(nullptr);
-        case PropertyType::String:
-            return std::string();
-        case PropertyType::Double:
-            return 0.0;
-        case PropertyType::Int:
-            break;
-    }
-    return 0;
-}
-
-/// Turns an int into a double or back; false when the value is neither.
-bool convertNumber(PropertyValue& value, PropertyType type)
-{
-    if (const int* whole = std::get_if<int>(&value); whole && type == PropertyType::Double) {
-        value = static_cast<double>(*whole);
-        return true;
-    }
-    if (const double* number = std::get_if<double>(&value); number && type == PropertyType::Int) {
-        const bool fits = *number > -2147483649.0 && *number < 2147483648.0;
-        value = fits ? static_cast<int>(*number) : 0;
-        return true;
-    }
-    return false;
-}
-
 }  // namespace
 
 PropertySet::PropertySet(EmbeddedHost& host, std::string name)
@@ -183,22 +153,20 @@ OfxStatus PropertySet::fail(const char* what, const char* property, OfxStatus st
 OfxStatus PropertySet::write(const char* property, int index, PropertyValue value)
 {
     if (!property) return fail("a null property name", property, kOfxStatErrUnknown);
-    PropertyWrite record{name_, property, index, value, kOfxStatOK};
-    const auto refused = host_.quirks().refusedWrites.find(std::string_view(property));
-    Property* known = find(property);
-    if (refused != host_.quirks().refusedWrites.end()) {
-        record.status = refused->second;
-    } else if (known) {
-        record.status = store(*known, property, index, std::move(value));
-    } else if (host_.quirks().acceptUnknownProperties) {
-        defineList(property, typeOf(value));
-        record.status = store(*find(property), property, index, std::move(value));
-    } else {
-        host_.report(Report::Kind::Note, name_ + ": unknown property " + property);
-        record.status = kOfxStatErrUnknown;
+    HostBehaviour& behaviour = host_.behaviour();
+    OfxStatus status = behaviour.checkWrite(property);
+    if (status == kOfxStatOK) {
+        if (!find(property) && behaviour.acceptsUnknownProperty(property)) {
+            defineList(property, typeOf(value));
+        }
+        if (Property* known = find(property)) {
+            status = store(*known, property, index, value);
+        } else {
+            host_.report(Report::Kind::Note, name_ + ": unknown property " + property);
+            status = kOfxStatErrUnknown;
+        }
     }
-    const OfxStatus status = record.status;
-    host_.recordWrite(std::move(record));
+    behaviour.propertyWritten(*this, property, index, value, status);
     return status;
 }
 
@@ -207,11 +175,9 @@ OfxStatus PropertySet::store(Property& property, const char* name, int index, Pr
     if (property.access == Access::ReadOnly) {
         return fail("a write to a read-only property", name, kOfxStatErrUnknown);
     }
-    const WrongType answer = host_.quirks().wrongType;
-    if (typeOf(value) != property.type &&
-        !(answer == WrongType::Convert && convertNumber(value, property.type))) {
-        return fail("a write of another type", name,
-                    answer == WrongType::Unknown ? kOfxStatErrUnknown : kOfxStatErrValue);
+    HostBehaviour& behaviour = host_.behaviour();
+    if (typeOf(value) != property.type && !behaviour.convert(value, property.type)) {
+        return fail("a write of another type", name, behaviour.wrongTypeStatus());
     }
     const std::size_t size = property.values.size();
     const std::size_t end = property.isList ? size + 1 : size;
@@ -231,29 +197,25 @@ OfxStatus PropertySet::read(const char* property, int index, PropertyType type,
                             const PropertyValue*& value)
 {
     if (!property) return fail("a null property name", property, kOfxStatErrUnknown);
-    const auto refused = host_.quirks().refusedReads.find(std::string_view(property));
-    if (refused != host_.quirks().refusedReads.end()) return refused->second;
+    HostBehaviour& behaviour = host_.behaviour();
+    if (const OfxStatus status = behaviour.checkRead(property)) return status;
     Property* known = find(property);
     if (!known) {
         host_.report(Report::Kind::Note, name_ + ": unknown property " + property);
         return kOfxStatErrUnknown;
     }
-    const WrongType answer = host_.quirks().wrongType;
-    const bool convert = known->type != type && answer == WrongType::Convert;
-    PropertyValue probe = zeroOf(known->type);
-    if (known->type != type && !(convert && convertNumber(probe, type))) {
-        return fail("a read of another type", property,
-                    answer == WrongType::Unknown ? kOfxStatErrUnknown : kOfxStatErrValue);
+    const bool isInside = index >= 0 && static_cast<std::size_t>(index) < known->values.size();
+    const PropertyValue* found =
+        isInside ? &known->values[static_cast<std::size_t>(index)] : nullptr;
+    if (known->type != type) {
+        if (found) known->converted = *found;
+        if (!found || !behaviour.convert(known->converted, type)) {
+            return fail("a read of another type", property, behaviour.wrongTypeStatus());
+        }
+        found = &known->converted;
     }
-    if (index < 0 || static_cast<std::size_t>(index) >= known->values.size()) {
-        return fail("a read outside the dimension", property, kOfxStatErrBadIndex);
-    }
-    value = &known->values[static_cast<std::size_t>(index)];
-    if (convert) {
-        known->converted = *value;
-        convertNumber(known->converted, type);
-        value = &known->converted;
-    }
+    if (!found) return fail("a read outside the dimension", property, kOfxStatErrBadIndex);
+    value = found;
     return kOfxStatOK;
 }
 

@@ -2,7 +2,7 @@
 
 /// Named, typed values, as plug-ins see them through a property set handle. The host's own code
 /// defines properties and reads and writes them freely; `read` and `write` are the plug-in's side,
-/// with the standard's statuses, read-only flags and quirks.
+/// with the standard's statuses and read-only flags, as far as the host's behaviour keeps them.
 
 #include <map>
 #include <string>

@@ -16,8 +16,6 @@ namespace Tesseret::Host {
 const OfxPropertySuiteV1& propertySuite();
 const OfxImageEffectSuiteV1& imageEffectSuite();
 const OfxParameterSuiteV1& parameterSuite();
-/// The same without derivative and integral, which are null.
-const OfxParameterSuiteV1& parameterSuiteWithoutDerivatives();
 const OfxMemorySuiteV1& memorySuite();
 const OfxMultiThreadSuiteV1& multiThreadSuite();
 const OfxMessageSuiteV1& messageSuite();

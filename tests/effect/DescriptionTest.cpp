@@ -51,7 +51,7 @@ Names clipsOf(const ContextDescription& context)
 Names writesTo(TestHost& test, std::string_view set)
 {
     Names writes;
-    for (const Host::PropertyWrite& write : test.host().propertyWrites()) {
+    for (const Fixtures::PropertyWrite& write : test.calls().propertyWrites()) {
         if (write.set == set) {
             writes.push_back(write.property + "[" + std::to_string(write.index) + "]");
         }
@@ -60,9 +60,9 @@ Names writesTo(TestHost& test, std::string_view set)
 }
 
 /// The pages of a host, x rows and y columns.
-Host::HostQuirks pages(int rows, int columns)
+Fixtures::HostQuirks pages(int rows, int columns)
 {
-    Host::HostQuirks quirks;
+    Fixtures::HostQuirks quirks;
     quirks.identity.pageRowsAndColumns = OfxPointI{rows, columns};
     return quirks;
 }
@@ -240,7 +240,7 @@ TEST(Description, HasPagesOnlyWhereTheHostHasRoomForAll)
           Case{kFilter, OfxPointI{5, 3}, false}, Case{kGeneral, OfxPointI{5, 4}, false},
           Case{kGeneral, OfxPointI{5, 5}, true}, Case{kFilter, OfxPointI{0, 0}, false},
           Case{kFilter, {}, false}}) {
-        Host::HostQuirks quirks;
+        Fixtures::HostQuirks quirks;
         quirks.identity.pageRowsAndColumns = each.room;
         TestHost test(quirks);
         const ContextDescription& context = described(test, each.context);
@@ -252,7 +252,7 @@ TEST(Description, HasPagesOnlyWhereTheHostHasRoomForAll)
 
 TEST(Description, StopsSilentlyAtTheHostsNumberOfParameters)
 {
-    Host::HostQuirks quirks = pages(4, 4);
+    Fixtures::HostQuirks quirks = pages(4, 4);
     for (const int limit : {3, 0}) {
         quirks.identity.maxParameters = limit;
         TestHost test(quirks);
@@ -264,7 +264,7 @@ TEST(Description, StopsSilentlyAtTheHostsNumberOfParameters)
 
 TEST(Description, OnABackgroundHostIsForRenderingOnly)
 {
-    Host::HostQuirks quirks;
+    Fixtures::HostQuirks quirks;
     quirks.identity.isBackground = true;
     TestHost test(quirks);
     const ContextDescription& context = described(test, kGeneral);
@@ -277,7 +277,7 @@ TEST(Description, OnABackgroundHostIsForRenderingOnly)
 
 TEST(Description, StandsAHostThatRefusesSingleProperties)
 {
-    Host::HostQuirks quirks;
+    Fixtures::HostQuirks quirks;
     quirks.refusedWrites[kOfxPluginPropParamPageOrder] = kOfxStatErrUnknown;
     quirks.refusedWrites[kOfxParamPropHint] = kOfxStatErrUnsupported;
     quirks.refusedWrites[kOfxImageEffectPropSupportsTiles] = kOfxStatErrUnknown;
@@ -290,7 +290,7 @@ TEST(Description, StandsAHostThatRefusesSingleProperties)
 
 TEST(Description, IsTheSameEachTime)
 {
-    Host::HostQuirks quirks;
+    Fixtures::HostQuirks quirks;
     quirks.describeTwice = true;
     TestHost test(quirks);
     test.effect().start();

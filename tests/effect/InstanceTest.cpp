@@ -35,7 +35,7 @@ TEST(EffectInstance, SaysWhetherFramesHaveToComeInOrder)
     TestHost test;
     test.create(kFilter);
     std::vector<int> flags;
-    for (const Host::PropertyWrite& write : test.host().propertyWrites()) {
+    for (const Fixtures::PropertyWrite& write : test.calls().propertyWrites()) {
         if (write.property == kOfxImageEffectInstancePropSequentialRender) {
             flags.push_back(std::get<int>(write.value));
         }
@@ -56,12 +56,12 @@ TEST(EffectInstance, ShowsItsHelpToAUserOnly)
 {
     TestHost test;
     test.create(kGeneral);
-    EXPECT_THAT(test.host().messages(), IsEmpty());  // no button was pressed at creation
+    EXPECT_THAT(test.calls().messages(), IsEmpty());  // no button was pressed at creation
     test.instance().press("about", kOfxChangePluginEdited);
     test.instance().press("about", kOfxChangeTime);
-    EXPECT_THAT(test.host().messages(), IsEmpty());
+    EXPECT_THAT(test.calls().messages(), IsEmpty());
     test.instance().press("about");
-    const std::vector<Host::Message> messages = test.host().messages();
+    const std::vector<Host::Message> messages = test.calls().messages();
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_EQ(messages[0].type, "OfxMessageMessage");
     EXPECT_EQ(messages[0].id, "");
@@ -90,12 +90,12 @@ TEST(EffectInstance, WantsTheWholeOfEveryConnectedPicture)
         test.connect("Texture2", texturePicture({0, 0, 8, 8}, Depth::Byte, 2));
         test.connect("Matte", plainPicture({2, 4, 34, 28}, Depth::Byte, 1.0, Components::Alpha));
         std::map<std::string, OfxRectD> regions;
-        test.host().resetCounters();
+        test.calls().reset();
         EXPECT_EQ(test.instance().regionsOfInterest(0.0, each.scale, {0, 0, 1, 1}, regions),
                   kOfxStatOK);
         EXPECT_EQ(sides(regions["Source"]), each.source);
         std::vector<std::string> answered;
-        for (const Host::PropertyWrite& write : test.host().propertyWrites()) {
+        for (const Fixtures::PropertyWrite& write : test.calls().propertyWrites()) {
             if (write.index == 0) answered.push_back(write.property);
         }
         EXPECT_THAT(answered,
@@ -132,7 +132,7 @@ TEST(EffectInstance, RendersEveryDepthAndReleasesEveryImage)
         const Picture picture = test.render();
         EXPECT_NE(checksum(picture), checksum(*source));
         EXPECT_EQ(checksum(test.render()), checksum(picture));
-        const Host::Counters counters = test.host().counters();
+        const Fixtures::Counters counters = test.calls().counters();
         EXPECT_EQ(counters.imagesFetched, 4u);  // the source and the output, twice
         EXPECT_EQ(counters.imagesReleased, 4u);
         test.expectClean();
@@ -150,11 +150,11 @@ TEST(EffectInstance, ReleasesEveryImageWhicheverFetchFails)
         }
         test.instance().set("useTexture1", 1);
         test.instance().set("useTexture3", 1);
-        test.host().resetCounters();
+        test.calls().reset();
         test.quirks().failFetch = k;
         Picture output({0, 0, 64, 48}, Depth::Byte);
         EXPECT_EQ(test.render(0.0, {0, 0, 64, 48}, output), kOfxStatOK);
-        EXPECT_GE(test.host().counters().fetchCalls, k);
+        EXPECT_GE(test.calls().counters().fetchCalls, k);
         test.expectClean();
     }
 }
@@ -168,16 +168,16 @@ TEST(EffectInstance, RendersNothingIntoAnOutputThatIsNoColourPicture)
     Host::PropertySet inArgs(test.host(), "arguments");
     inArgs.define(kOfxPropTime, {0.0});
     inArgs.define(kOfxImageEffectPropRenderWindow, {0, 0, 64, 48});
-    test.host().resetCounters();
+    test.calls().reset();
     EXPECT_EQ(test.effect().send(kOfxImageEffectActionRender, test.instance().handle(),
                                  inArgs.handle(), nullptr),
               kOfxStatOK);
-    EXPECT_EQ(test.host().counters().fetchCalls, 0u);
+    EXPECT_EQ(test.calls().counters().fetchCalls, 0u);
 }
 
 TEST(EffectInstance, UsesDefaultsForParametersThatTheHostDidNotTake)
 {
-    Host::HostQuirks limited;
+    Fixtures::HostQuirks limited;
     limited.identity.maxParameters = 4;  // corners, avoidFillRegion, fillRegion
     TestHost few(limited);
     few.create(kFilter);

@@ -38,12 +38,12 @@ void expectRecovery(Rig& rig, const Fault& fault,
     const Picture expected = rig.render();
     for (unsigned int k = 1;; ++k) {
         rig.quirks().*fault.order = k;
-        rig.host().resetCounters();
+        rig.calls().reset();
         Picture spoilt;
         CaptureStderr();
         const OfxStatus status = rig.render(0, kBounds, spoilt);
         GetCapturedStderr();
-        const Counters counters = rig.host().counters();
+        const Fixtures::Counters counters = rig.calls().counters();
         EXPECT_EQ(counters.imagesFetched, counters.imagesReleased) << k;
         EXPECT_EQ(counters.blocksLive, 0u) << k;
         rig.quirks().*fault.order = 0;

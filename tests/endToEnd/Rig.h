@@ -17,7 +17,7 @@ inline constexpr OfxRectI kBounds{0, 0, 96, 70};
 
 /// A host whose instance is ready to render a picture of 96 x 70 pixels.
 struct Rig : Fixtures::TestHost {
-    explicit Rig(Depth depth = Depth::Byte, const Host::HostQuirks& quirks = {},
+    explicit Rig(Depth depth = Depth::Byte, const Fixtures::HostQuirks& quirks = {},
                  unsigned int threads = 2, const char* context = kOfxImageEffectContextFilter)
         : TestHost(quirks, threads)
     {
@@ -51,7 +51,7 @@ std::shared_ptr<Picture> mattePicture(const Shape& shape, Depth depth, OfxRectI 
 
 /// The same with a matte over a disc in the middle, and lengths that suit so small a picture.
 struct MaskedRig : Rig {
-    explicit MaskedRig(Depth depth = Depth::Byte, const Host::HostQuirks& quirks = {},
+    explicit MaskedRig(Depth depth = Depth::Byte, const Fixtures::HostQuirks& quirks = {},
                        unsigned int threads = 2)
         : Rig(depth, quirks, threads, kOfxImageEffectContextGeneral)
     {
@@ -87,13 +87,15 @@ bool isBlack(const Picture& picture);
 
 /// A call that can be ordered to fail, and how often it was made.
 struct Fault {
-    unsigned int Host::HostQuirks::*order;
-    unsigned int Host::Counters::*calls;
+    unsigned int Fixtures::HostQuirks::*order;
+    unsigned int Fixtures::Counters::*calls;
 };
-inline constexpr Fault kAbort{&Host::HostQuirks::abortFromPoll, &Host::Counters::abortPolls};
-inline constexpr Fault kFetch{&Host::HostQuirks::failFetch, &Host::Counters::fetchCalls};
-inline constexpr Fault kAllocation{&Host::HostQuirks::failAllocation, &Host::Counters::allocations};
-inline constexpr Fault kLock{&Host::HostQuirks::failLock, &Host::Counters::locks};
+inline constexpr Fault kAbort{&Fixtures::HostQuirks::abortFromPoll,
+                              &Fixtures::Counters::abortPolls};
+inline constexpr Fault kFetch{&Fixtures::HostQuirks::failFetch, &Fixtures::Counters::fetchCalls};
+inline constexpr Fault kAllocation{&Fixtures::HostQuirks::failAllocation,
+                                   &Fixtures::Counters::allocations};
+inline constexpr Fault kLock{&Fixtures::HostQuirks::failLock, &Fixtures::Counters::locks};
 
 /// Orders a fault of each call in turn, until a render makes no more of them. After every one
 /// nothing is left behind and the next render on the same instance is right; `check` is given the

@@ -14,8 +14,14 @@
 namespace Tesseret::Host {
 namespace {
 
+using Fixtures::ActionRecord;
+using Fixtures::FrameRangeAnswer;
+using Fixtures::HostQuirks;
+using Fixtures::MatteDelivery;
+using Fixtures::ProjectProperties;
 using Fixtures::samePixels;
 using Fixtures::texturePicture;
+using Fixtures::UnknownClip;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -33,7 +39,7 @@ protected:
     ~InvertTest() override
     {
         instance.reset();
-        EXPECT_EQ(host.counters().imagesFetched, host.counters().imagesReleased);
+        EXPECT_EQ(quirky.calls.counters().imagesFetched, quirky.calls.counters().imagesReleased);
     }
 
     static Picture inverted(const Picture& from)
@@ -52,7 +58,7 @@ protected:
     std::vector<std::string> actionNames() const
     {
         std::vector<std::string> names;
-        for (const ActionRecord& record : host.actions()) {
+        for (const ActionRecord& record : quirky.calls.actions()) {
             std::string name = record.action;
             for (const std::string_view start : {"OfxImageEffectAction", "OfxAction"}) {
                 if (name.compare(0, start.size(), start) == 0) name.erase(0, start.size());
@@ -65,7 +71,8 @@ protected:
     const OfxRectI bounds{-4, 2, 13, 11};
     const RenderRequest whole{.window = bounds};
     std::shared_ptr<Picture> source = texturePicture(bounds, Depth::Byte, 9);
-    EmbeddedHost host{{.threads = 3, .recording = true}};
+    Fixtures::QuirkyHost quirky;
+    EmbeddedHost host{quirky.options(3)};
     std::shared_ptr<PluginLibrary> library = PluginLibrary::load(INVERT_PLUGIN);
     Effect effect{host, library, library->plugin()};
     std::unique_ptr<Instance> instance;
@@ -74,7 +81,7 @@ protected:
 
 TEST_F(InvertTest, RendersWithTheActionsInTheirOrder)
 {
-    host.resetCounters();
+    quirky.calls.reset();
     ASSERT_EQ(instance->render(whole, output), kOfxStatOK);
     EXPECT_TRUE(samePixels(output, inverted(*source)));
     EXPECT_THAT(actionNames(),
@@ -82,7 +89,7 @@ TEST_F(InvertTest, RendersWithTheActionsInTheirOrder)
                             "GetRegionsOfInterest", "Render", "EndSequenceRender"));
     EXPECT_EQ(instance->outputFormat().alpha, Alpha::Premultiplied);
 
-    host.resetCounters();
+    quirky.calls.reset();
     instance->beginSequence({0.0, 1.0}, 1.0, whole);
     instance->render(whole, output);
     instance->render({.time = 1.0, .window = bounds}, output);
@@ -90,13 +97,13 @@ TEST_F(InvertTest, RendersWithTheActionsInTheirOrder)
     EXPECT_THAT(actionNames(),
                 ElementsAre("BeginSequenceRender", "IsIdentity", "GetRegionsOfInterest", "Render",
                             "IsIdentity", "GetRegionsOfInterest", "Render", "EndSequenceRender"));
-    EXPECT_THAT(host.badCalls(), IsEmpty());
+    EXPECT_THAT(quirky.calls.badCalls(), IsEmpty());
 }
 
 TEST_F(InvertTest, GivesTheSamePictureInEveryMemoryLayout)
 {
     const Picture expected = inverted(*source);
-    HostQuirks& quirks = host.quirks();
+    HostQuirks& quirks = quirky.quirks;
     for (const bool oneSet : {false, true}) {
         quirks.oneImageSetPerClip = oneSet;
         for (const RowLayout layout :
@@ -118,7 +125,7 @@ TEST_F(InvertTest, GivesTheSamePictureInEveryMemoryLayout)
 TEST_F(InvertTest, RendersOnlyTheWindow)
 {
     const OfxRectI window{0, 4, 5, 6};
-    host.quirks().deliverRegionsOnly = true;  // it supports tiles, and its region is the window
+    quirky.quirks.deliverRegionsOnly = true;  // it supports tiles, and its region is the window
     ASSERT_EQ(instance->render({.window = window}, output), kOfxStatOK);
     const Picture expected = inverted(*source);
     for (int y = bounds.y1; y < bounds.y2; ++y) {
@@ -132,7 +139,7 @@ TEST_F(InvertTest, RendersOnlyTheWindow)
 TEST_F(InvertTest, CopiesThePictureThatTheEffectIsIdenticalTo)
 {
     instance->set("amount", 0);
-    host.resetCounters();
+    quirky.calls.reset();
     ASSERT_EQ(instance->render(whole, output), kOfxStatOK);
     EXPECT_TRUE(samePixels(output, *source));
     EXPECT_THAT(actionNames(), ::testing::Not(::testing::Contains("Render")));
@@ -154,12 +161,12 @@ TEST_F(InvertTest, ConvertsWhatTheClipDoesNotSupport)
 TEST_F(InvertTest, FailsTheFetchThatWasOrdered)
 {
     for (unsigned int k = 1; k <= 2; ++k) {
-        host.resetCounters();
-        host.quirks().failFetch = k;
+        quirky.calls.reset();
+        quirky.quirks.failFetch = k;
         EXPECT_EQ(instance->render(whole, output), kOfxStatFailed);
-        EXPECT_EQ(host.counters().imagesFetched, k - 1);
+        EXPECT_EQ(quirky.calls.counters().imagesFetched, k - 1);
     }
-    host.quirks().failFetch = 0;
+    quirky.quirks.failFetch = 0;
     EXPECT_EQ(instance->render({.time = 99.0, .window = bounds}, output), kOfxStatFailed);
 }
 
@@ -172,7 +179,7 @@ TEST_F(InvertTest, TakesBackWhatAnActionLeftBehind)
     ASSERT_EQ(suite.clipGetHandle(instance->handle(), "Source", &clip, nullptr), kOfxStatOK);
     ASSERT_EQ(suite.clipGetImage(clip, 0.0, nullptr, &image), kOfxStatOK);
     instance->purgeCaches();
-    EXPECT_THAT(host.badCalls(), ElementsAre(HasSubstr("1 images of Source unreleased")));
+    EXPECT_THAT(quirky.calls.badCalls(), ElementsAre(HasSubstr("1 images of Source unreleased")));
     EXPECT_EQ(suite.clipReleaseImage(image), kOfxStatErrBadHandle);
 
     ASSERT_EQ(suite.clipGetImage(clip, 0.0, nullptr, &image), kOfxStatOK);
@@ -180,7 +187,7 @@ TEST_F(InvertTest, TakesBackWhatAnActionLeftBehind)
     EXPECT_EQ(suite.clipReleaseImage(image), kOfxStatErrBadHandle);
     EXPECT_EQ(suite.clipReleaseImage(instance->properties().handle()), kOfxStatErrBadHandle);
     EXPECT_EQ(suite.clipGetImage(clip, 0.0, nullptr, nullptr), kOfxStatErrValue);
-    host.resetCounters();
+    quirky.calls.reset();
 }
 
 TEST_F(InvertTest, AnswersWrongCallsOnClipsAndEffects)
@@ -198,7 +205,7 @@ TEST_F(InvertTest, AnswersWrongCallsOnClipsAndEffects)
     EXPECT_EQ(suite.clipDefine(instance->handle(), "More", &set), kOfxStatFailed);
     EXPECT_EQ(suite.clipGetHandle(instance->handle(), "More", &clip, nullptr),
               kOfxStatErrBadHandle);
-    host.quirks().unknownClip = UnknownClip::NullHandleOK;
+    quirky.quirks.unknownClip = UnknownClip::NullHandleOK;
     EXPECT_EQ(suite.clipGetHandle(instance->handle(), "More", &clip, nullptr), kOfxStatOK);
     EXPECT_EQ(clip, nullptr);
     OfxRectD region{};
@@ -216,8 +223,8 @@ TEST_F(InvertTest, SeesAnAbortFromAnotherThreadOrFromTheOrderedPoll)
     std::thread([&] { instance->abort(); }).join();
     EXPECT_EQ(suite.abort(instance->handle()), 1);
     instance->clearAbort();
-    host.resetCounters();
-    host.quirks().abortFromPoll = 3;
+    quirky.calls.reset();
+    quirky.quirks.abortFromPoll = 3;
     std::array<int, 4> answers{};
     for (int& answer : answers) answer = suite.abort(instance->handle());
     EXPECT_THAT(answers, ElementsAre(0, 0, 1, 1));
@@ -229,7 +236,7 @@ TEST_F(InvertTest, AnnouncesWhatThePluginItselfSets)
     const OfxParameterSuiteV1& suite = parameterSuite();
     ASSERT_EQ(suite.paramGetHandle(instance->parameters().handle(), "amount", &amount, nullptr),
               kOfxStatOK);
-    host.resetCounters();
+    quirky.calls.reset();
     EXPECT_EQ(suite.paramSetValue(amount, 0.5), kOfxStatOK);
     EXPECT_THAT(actionNames(),
                 ElementsAre("BeginInstanceChanged", "InstanceChanged", "EndInstanceChanged"));
@@ -244,14 +251,14 @@ TEST_F(InvertTest, CarriesPenAndChangesBetweenOverlayAndInstance)
     Interact overlay(*instance);
     EXPECT_THAT(overlay.slaveParameters(), ElementsAre("amount"));
     EXPECT_EQ(overlay.draw(), kOfxStatReplyDefault);
-    host.resetCounters();
+    quirky.calls.reset();
     EXPECT_EQ(overlay.penDown({.position = {0.75, 3.0}}), kOfxStatOK);
     EXPECT_EQ(instance->value("amount"), ParameterValue(0.75));
     EXPECT_EQ(overlay.redraws(), 1u);
     // The change is told at once, inside the pen's action, which ends last.
     EXPECT_THAT(actionNames(), ElementsAre("BeginInstanceChanged", "InstanceChanged",
                                            "EndInstanceChanged", "OfxInteractActionPenDown"));
-    host.quirks().interactHasNoProperties = true;
+    quirky.quirks.interactHasNoProperties = true;
     EXPECT_EQ(overlay.keyDown({.symbol = 65, .text = "a"}), kOfxStatFailed);
     EXPECT_THROW(Interact{*instance}, HostError);
     EXPECT_EQ(interactSuite().interactRedraw(nullptr), kOfxStatErrBadHandle);
@@ -263,12 +270,12 @@ TEST_F(InvertTest, ShowsTheProjectAsTheSwitchesHaveIt)
     instance->purgeCaches();
     EXPECT_THAT(own.doubles(kOfxImageEffectPropProjectSize), ElementsAre(17.0, 9.0));
     EXPECT_THAT(own.doubles(kOfxImageEffectPropProjectOffset), ElementsAre(-4.0, 2.0));
-    host.quirks().projectProperties = ProjectProperties::AfterFirstRender;
+    quirky.quirks.projectProperties = ProjectProperties::AfterFirstRender;
     instance->render(whole, output);
     instance->purgeCaches();
     EXPECT_TRUE(own.has(kOfxImageEffectPropProjectSize));
-    host.quirks().projectProperties = ProjectProperties::Never;
-    host.quirks().frameRange = FrameRangeAnswer::Missing;
+    quirky.quirks.projectProperties = ProjectProperties::Never;
+    quirky.quirks.frameRange = FrameRangeAnswer::Missing;
     instance->purgeCaches();
     EXPECT_FALSE(own.has(kOfxImageEffectPropProjectSize));
     EXPECT_FALSE(instance->clip("Source")->properties().has(kOfxImageEffectPropFrameRange));
@@ -315,7 +322,7 @@ std::vector<std::string> startingActions(const HostQuirks& quirks)
     Fixtures::TestHost test(quirks);
     test.create();
     std::vector<std::string> names;
-    for (const ActionRecord& record : test.host().actions()) {
+    for (const ActionRecord& record : test.calls().actions()) {
         if (record.action == kOfxActionCreateInstance) break;
         names.push_back(record.action);
     }
@@ -347,7 +354,7 @@ TEST(BuiltPluginTest, RendersInBothContextsAndLeavesNothingBehind)
         instance.set("fillRegion", 0);
         const Picture output = test.render();
         EXPECT_FALSE(samePixels(output, Picture(output.bounds(), Depth::Byte)));
-        EXPECT_GT(test.host().counters().allocations, 0u);
+        EXPECT_GT(test.calls().counters().allocations, 0u);
         test.destroyInstance();
         test.expectClean();
     }

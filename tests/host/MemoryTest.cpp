@@ -5,6 +5,7 @@
 #include "host/Descriptor.h"
 #include "host/EmbeddedHost.h"
 #include "host/Suites.h"
+#include "tests/fixtures/QuirkyHost.h"
 
 namespace Tesseret::Host {
 namespace {
@@ -16,7 +17,8 @@ protected:
         return suite.imageMemoryAlloc(effect.handle(), bytes, &memory);
     }
 
-    EmbeddedHost host;
+    Fixtures::QuirkyHost quirky;
+    EmbeddedHost host{quirky.options()};
     Descriptor effect{host};
     const OfxImageEffectSuiteV1& suite = imageEffectSuite();
     OfxImageMemoryHandle memory = nullptr;
@@ -37,7 +39,7 @@ TEST_F(MemoryTest, CountsBlocksBytesAndLocks)
     EXPECT_EQ(suite.imageMemoryUnlock(memory), kOfxStatOK);
     EXPECT_EQ(suite.imageMemoryUnlock(memory), kOfxStatErrValue);  // one too many
 
-    const Counters counters = host.counters();
+    const Fixtures::Counters counters = quirky.calls.counters();
     EXPECT_EQ(counters.bytesLive, 1000u);
     EXPECT_EQ(counters.bytesPeak, 1500u);
     EXPECT_EQ(counters.blocksLive, 1u);
@@ -46,13 +48,13 @@ TEST_F(MemoryTest, CountsBlocksBytesAndLocks)
     EXPECT_EQ(suite.imageMemoryFree(memory), kOfxStatErrBadHandle);
     EXPECT_EQ(suite.imageMemoryLock(memory, &data), kOfxStatErrBadHandle);
     EXPECT_EQ(data, nullptr);
-    EXPECT_EQ(host.counters().bytesLive, 0u);
-    EXPECT_EQ(host.counters().badCalls, 3u);
+    EXPECT_EQ(quirky.calls.counters().bytesLive, 0u);
+    EXPECT_EQ(quirky.calls.counters().badCalls, 3u);
 }
 
 TEST_F(MemoryTest, FailsTheCallsThatWereOrdered)
 {
-    host.quirks().failAllocation = 2;
+    quirky.quirks.failAllocation = 2;
     EXPECT_EQ(allocate(10), kOfxStatOK);
     const OfxImageMemoryHandle first = memory;
     EXPECT_EQ(allocate(10), kOfxStatErrMemory);
@@ -60,26 +62,26 @@ TEST_F(MemoryTest, FailsTheCallsThatWereOrdered)
     EXPECT_EQ(allocate(10), kOfxStatOK);
     const OfxImageMemoryHandle third = memory;
 
-    host.quirks().failLock = 1;
+    quirky.quirks.failLock = 1;
     EXPECT_EQ(suite.imageMemoryLock(first, &data), kOfxStatErrMemory);
     EXPECT_EQ(suite.imageMemoryLock(first, &data), kOfxStatOK);
-    host.resetCounters();
+    quirky.calls.reset();
     EXPECT_EQ(suite.imageMemoryLock(third, &data), kOfxStatErrMemory);  // the count began again
 
-    host.quirks().memoryLimit = 30;
-    host.quirks().failAllocation = 0;
+    quirky.quirks.memoryLimit = 30;
+    quirky.quirks.failAllocation = 0;
     EXPECT_EQ(allocate(11), kOfxStatErrMemory);
     EXPECT_EQ(allocate(10), kOfxStatOK);
     EXPECT_EQ(suite.imageMemoryFree(memory), kOfxStatOK);
     EXPECT_EQ(suite.imageMemoryFree(first), kOfxStatOK);
     EXPECT_EQ(suite.imageMemoryFree(third), kOfxStatOK);
-    EXPECT_EQ(host.counters().bytesLive, 0u);
+    EXPECT_EQ(quirky.calls.counters().bytesLive, 0u);
 }
 
 TEST_F(MemoryTest, MovesUnlockedBlocksAndRefusesNullEffects)
 {
-    host.quirks().memoryMoves = true;
-    host.quirks().memoryRefusesNullEffect = true;
+    quirky.quirks.memoryMoves = true;
+    quirky.quirks.memoryRefusesNullEffect = true;
     EXPECT_EQ(suite.imageMemoryAlloc(nullptr, 10, &memory), kOfxStatErrBadHandle);
     EXPECT_EQ(suite.imageMemoryAlloc(effect.handle(), 10, nullptr), kOfxStatErrValue);
     ASSERT_EQ(allocate(4), kOfxStatOK);
@@ -97,13 +99,13 @@ TEST_F(MemoryTest, FreesGeneralMemoryOnce)
 {
     const OfxMemorySuiteV1& general = memorySuite();
     ASSERT_EQ(general.memoryAlloc(effect.handle(), 100, &data), kOfxStatOK);
-    EXPECT_EQ(host.counters().memoryBlocksLive, 1u);
+    EXPECT_EQ(quirky.calls.counters().memoryBlocksLive, 1u);
     int foreign = 0;
     EXPECT_EQ(general.memoryFree(&foreign), kOfxStatErrBadHandle);
     EXPECT_EQ(general.memoryFree(data), kOfxStatOK);
     EXPECT_EQ(general.memoryFree(data), kOfxStatErrBadHandle);
     EXPECT_EQ(general.memoryAlloc(&foreign, 100, &data), kOfxStatErrBadHandle);
-    EXPECT_EQ(host.counters().memoryBlocksLive, 0u);
+    EXPECT_EQ(quirky.calls.counters().memoryBlocksLive, 0u);
 }
 
 }  // namespace

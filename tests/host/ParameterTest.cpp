@@ -103,7 +103,6 @@ TEST_F(ParameterTest, ChangesEvenlyBetweenKeys)
     count.setValueAt(10.0, 9);
     EXPECT_EQ(count.valueAt(9.0), ParameterValue(1));
     EXPECT_EQ(suite.paramGetDerivative(count.handle(), 5.0, &answer), kOfxStatErrUnsupported);
-    EXPECT_EQ(parameterSuiteWithoutDerivatives().paramGetIntegral, nullptr);
 }
 
 TEST_F(ParameterTest, BalancesEdits)

@@ -7,6 +7,7 @@
 #include "host/Effect.h"
 #include "host/HostError.h"
 #include "host/Plugin.h"
+#include "tests/fixtures/QuirkyHost.h"
 
 namespace Tesseret::Host {
 namespace {
@@ -76,8 +77,9 @@ TEST_F(PluginTest, LoadsPrivateCopiesApart)
 
 TEST_F(PluginTest, RefusesWhatThePluginRefuses)
 {
-    EmbeddedHost host;
-    host.quirks().missingSuites = {kOfxParameterSuite};
+    Fixtures::QuirkyHost quirky;
+    EmbeddedHost host(quirky.options());
+    quirky.quirks.missingSuites = {kOfxParameterSuite};
     const auto library = PluginLibrary::load(INVERT_PLUGIN);
     Effect effect(host, library, library->plugin());
     try {
@@ -88,7 +90,7 @@ TEST_F(PluginTest, RefusesWhatThePluginRefuses)
         EXPECT_THAT(error.what(), HasSubstr("OfxActionLoad"));
         EXPECT_THAT(error.what(), HasSubstr("kOfxStatErrMissingHostFeature (4)"));
     }
-    host.quirks().missingSuites.clear();
+    quirky.quirks.missingSuites.clear();
     effect.start();
     EXPECT_EQ(effect.description().label, "Invert");
     EXPECT_THROW(effect.createInstance(kOfxImageEffectContextGeneral), HostError);

@@ -3,10 +3,12 @@
 
 #include "host/EmbeddedHost.h"
 #include "host/Suites.h"
+#include "tests/fixtures/QuirkyHost.h"
 
 namespace Tesseret::Host {
 namespace {
 
+using Fixtures::WrongType;
 using ::testing::ElementsAre;
 
 class PropertySuiteTest : public ::testing::Test {
@@ -20,7 +22,8 @@ protected:
         set.defineList("list", PropertyType::String);
     }
 
-    EmbeddedHost host{{.recording = true}};
+    Fixtures::QuirkyHost quirky;
+    EmbeddedHost host{quirky.options()};
     PropertySet set{host, "set"};
     const OfxPropertySuiteV1& suite = propertySuite();
 };
@@ -48,7 +51,8 @@ TEST_F(PropertySuiteTest, AnswersTheStatusOfEveryWrongWrite)
     for (const auto& each : cases) EXPECT_EQ(each.answer, each.expected) << each.what;
     EXPECT_THAT(set.ints("pair"), ElementsAre(1, 2));
     EXPECT_EQ(set.intOr("fixed", 0), 7);
-    EXPECT_EQ(host.counters().badCalls, 10u);  // all but the unknown name, which may be asked for
+    EXPECT_EQ(quirky.calls.counters().badCalls,
+              10u);  // all but the unknown name, which may be asked for
 }
 
 TEST_F(PropertySuiteTest, AnswersTheStatusOfEveryWrongRead)
@@ -96,19 +100,19 @@ TEST_F(PropertySuiteTest, GrowsListsIndexByIndexAndCopiesStrings)
 TEST_F(PropertySuiteTest, FollowsTheSwitchesForTypesAndUnknownNames)
 {
     double number = 0.0;
-    host.quirks().wrongType = WrongType::Unknown;
+    quirky.quirks.wrongType = WrongType::Unknown;
     EXPECT_EQ(suite.propGetDouble(set.handle(), "pair", 0, &number), kOfxStatErrUnknown);
-    host.quirks().wrongType = WrongType::Convert;
+    quirky.quirks.wrongType = WrongType::Convert;
     EXPECT_EQ(suite.propGetDouble(set.handle(), "pair", 1, &number), kOfxStatOK);
     EXPECT_EQ(number, 2.0);
     EXPECT_EQ(suite.propSetInt(set.handle(), "number", 0, 3), kOfxStatOK);
     EXPECT_EQ(set.doubleOr("number", 0.0), 3.0);
     EXPECT_EQ(suite.propSetInt(set.handle(), "text", 0, 3), kOfxStatErrValue);
 
-    host.quirks().acceptUnknownProperties = true;
+    quirky.quirks.acceptUnknownProperties = true;
     EXPECT_EQ(suite.propSetInt(set.handle(), "new", 0, 9), kOfxStatOK);
     EXPECT_EQ(set.intOr("new", 0), 9);
-    host.quirks().refusedWrites["text"] = kOfxStatErrUnsupported;
+    quirky.quirks.refusedWrites["text"] = kOfxStatErrUnsupported;
     EXPECT_EQ(suite.propSetString(set.handle(), "text", 0, "x"), kOfxStatErrUnsupported);
 }
 
@@ -118,7 +122,7 @@ TEST_F(PropertySuiteTest, RecordsWritesInTheirOrder)
     suite.propSetIntN(set.handle(), "pair", 2, both);
     suite.propSetDouble(set.handle(), "text", 0, 1.0);
     std::vector<std::string> lines;
-    for (const PropertyWrite& write : host.propertyWrites()) {
+    for (const Fixtures::PropertyWrite& write : quirky.calls.propertyWrites()) {
         lines.push_back(write.set + " " + write.property + " " + std::to_string(write.index) + " " +
                         std::to_string(write.status));
     }

@@ -8,6 +8,7 @@
 
 #include "host/EmbeddedHost.h"
 #include "host/Suites.h"
+#include "tests/fixtures/QuirkyHost.h"
 
 namespace Tesseret::Host {
 namespace {
@@ -131,10 +132,11 @@ TEST(ThreadsTest, KeepsItsThreadsFromPassToPass)
 
 TEST(ThreadsTest, ImitatesHostsWithoutRealThreads)
 {
-    EmbeddedHost host({.threads = 4});
+    Fixtures::QuirkyHost quirky;
+    EmbeddedHost host(quirky.options(4));
     const EmbeddedHost::Scope scope(host);
     unsigned int told = 0;
-    host.quirks().threading = Threading::DirectCall;
+    quirky.quirks.threading = Fixtures::Threading::DirectCall;
     Pass direct;
     EXPECT_EQ(suite.multiThread(&visit, 4, &direct), kOfxStatOK);
     expectEachOnce(direct, 1);
@@ -142,23 +144,23 @@ TEST(ThreadsTest, ImitatesHostsWithoutRealThreads)
     suite.multiThreadNumCPUs(&told);
     EXPECT_EQ(told, 1u);
 
-    host.quirks().threading = Threading::InARow;
+    quirky.quirks.threading = Fixtures::Threading::InARow;
     Pass row;
     EXPECT_EQ(suite.multiThread(&visit, 4, &row), kOfxStatOK);
     expectEachOnce(row, 4);
     EXPECT_EQ(row.wrongIndex, 3);  // the index function stays at 0
 
-    host.quirks().threading = Threading::Pool;
-    host.quirks().fewerThreads = 2;
+    quirky.quirks.threading = Fixtures::Threading::Pool;
+    quirky.quirks.fewerThreads = 2;
     Pass fewer;
     EXPECT_EQ(suite.multiThread(&visit, 4, &fewer), kOfxStatOK);
     expectEachOnce(fewer, 2);
 
-    host.quirks().multiThreadAnswer = kOfxStatFailed;
+    quirky.quirks.multiThreadAnswer = kOfxStatFailed;
     Pass none;
     EXPECT_EQ(suite.multiThread(&visit, 4, &none), kOfxStatFailed);
     expectEachOnce(none, 0);
-    host.quirks().cpuCountChanges = true;
+    quirky.quirks.cpuCountChanges = true;
     std::set<unsigned int> answers;
     for (int i = 0; i < 4; ++i) {
         suite.multiThreadNumCPUs(&told);

@@ -12,7 +12,7 @@
 namespace Tesseret::Fixtures {
 
 struct OverlayRig : TestHost {
-    explicit OverlayRig(const Host::HostQuirks& quirks = {}) : TestHost(quirks)
+    explicit OverlayRig(const Fixtures::HostQuirks& quirks = {}) : TestHost(quirks)
     {
         create(kOfxImageEffectContextFilter, Depth::Byte, {0, 0, 400, 300});
         overlay = std::make_unique<Host::Interact>(instance());

@@ -79,7 +79,7 @@ TEST(Entry, AnswersEveryActionWithAndWithoutAnInstance)
     EXPECT_EQ(tiny.effect().send(kOfxActionDestroyInstance, nullptr, nullptr, nullptr),
               kOfxStatErrBadHandle);
     EXPECT_EQ(destroyed->action(kOfxActionDestroyInstance), kOfxStatOK);
-    tiny.host().quirks().refusedWrites[kOfxPropInstanceData] = 5;
+    tiny.quirks().refusedWrites[kOfxPropInstanceData] = 5;
     EXPECT_EQ(destroyed->action(kOfxActionDestroyInstance), 5);
 }
 
@@ -120,12 +120,12 @@ TEST(Render, TurnsItsRecordIntoAStatus)
             wrapper.renderStatus().aborted = each.aborted;
             wrapper.renderStatus().errorCode = each.errorCode;
         };
-        tiny.host().resetCounters();
-        tiny.host().quirks().abortFromPoll = each.hostAborts ? 1 : 0;
+        tiny.calls().reset();
+        tiny.quirks().abortFromPoll = each.hostAborts ? 1 : 0;
         EXPECT_EQ(instance->renderOnly({.window = {0, 0, 8, 4}}, nullptr), each.status)
             << each.aborted << ' ' << each.errorCode << ' ' << each.hostAborts;
         // An abort that is known is not asked for again.
-        EXPECT_EQ(tiny.host().counters().abortPolls, each.aborted != 0 ? 0u : 1u);
+        EXPECT_EQ(tiny.calls().counters().abortPolls, each.aborted != 0 ? 0u : 1u);
     }
 }
 

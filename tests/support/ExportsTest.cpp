@@ -12,6 +12,7 @@
 #include "host/EmbeddedHost.h"
 #include "host/Instance.h"
 #include "host/Plugin.h"
+#include "tests/fixtures/QuirkyHost.h"
 
 namespace Tesseret {
 namespace {
@@ -55,7 +56,8 @@ TEST(Plugin, StandsInstancesThatComeAndGoOnTwoThreads)
     EXPECT_STREQ(library->plugin().pluginIdentifier, "com.orvane.brisant.tesseret");
     EXPECT_EQ(library->plugin().pluginVersionMajor, 2u);
     EXPECT_EQ(library->plugin().pluginVersionMinor, 1030000u);
-    Host::EmbeddedHost host;
+    Fixtures::QuirkyHost quirky;
+    Host::EmbeddedHost host(quirky.options());
     Host::Effect effect(host, library, library->plugin());
     effect.start();
     effect.describeInContext(kOfxImageEffectContextGeneral);
@@ -65,7 +67,7 @@ TEST(Plugin, StandsInstancesThatComeAndGoOnTwoThreads)
     std::thread other(live);
     live();
     other.join();
-    EXPECT_THAT(host.badCalls(), IsEmpty());
+    EXPECT_THAT(quirky.calls.badCalls(), IsEmpty());
 }
 
 TEST(Plugin, ExportsItsTwoFunctionsAndNothingElse)

@@ -32,10 +32,10 @@ TEST(Failures, OfTheFamilyAreReportedOnceAndLeaveTheStatusAsItWas)
     TinyHost tiny;
     const auto instance = tiny.create();
     for (int time = 0; time < 2; ++time) {
-        tiny.host().resetCounters();
+        tiny.calls().reset();
         failWith(ThreadFailed(kUnknownFunction, "worker\\100%s.cpp", 118, "thread failed"));
         EXPECT_EQ(instance->syncPrivateData(), kOfxStatReplyDefault);
-        const std::vector<Host::Message> messages = tiny.host().messages();
+        const std::vector<Host::Message> messages = tiny.calls().messages();
         ASSERT_THAT(messages, SizeIs(1));
         EXPECT_EQ(messages[0].type, "OfxMessageError");
         EXPECT_EQ(messages[0].id, "ExceptionID");
@@ -64,13 +64,13 @@ TEST(Failures, OfOtherKindsBecomeAStatusWithoutAMessage)
     TinyHost tiny;
     const auto instance = tiny.create();
     for (const Case& each : cases) {
-        tiny.host().resetCounters();
+        tiny.calls().reset();
         // What workers pushed before is discarded too.
         ErrorContext context{.id = 4, .typeName = "ThreadFailed"};
         pushErrorContext(context, kUnknownFunction, "worker", 67);
         each.fail();
         EXPECT_EQ(instance->syncPrivateData(), each.status);
-        EXPECT_THAT(tiny.host().messages(), SizeIs(0));
+        EXPECT_THAT(tiny.calls().messages(), SizeIs(0));
         EXPECT_TRUE(errorContexts().empty());
     }
 }

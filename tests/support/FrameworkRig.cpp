@@ -20,7 +20,7 @@ Host::Descriptor freshDescriptor(TinyHost& tiny)
 
 }  // namespace
 
-FrameworkRig::FrameworkRig(Fill fill, const Host::HostQuirks& quirks, OvContext context)
+FrameworkRig::FrameworkRig(Fill fill, const Fixtures::HostQuirks& quirks, OvContext context)
     : fill_(std::move(fill)),
       context_(context),
       tiny_(quirks),
@@ -28,7 +28,7 @@ FrameworkRig::FrameworkRig(Fill fill, const Host::HostQuirks& quirks, OvContext 
       described_(make())
 {
     described_->bind(context_, nullptr);
-    host().resetCounters();
+    calls().reset();
 }
 
 FrameworkRig::~FrameworkRig() = default;
@@ -59,7 +59,7 @@ OfxStatus FrameworkRig::describe()
 OvOfxEffect& FrameworkRig::bind()
 {
     instance_ = std::make_unique<Host::Instance>(tiny_.effect(), descriptor_);
-    host().resetCounters();  // the tiny effect asked for clips of its own
+    calls().reset();  // the tiny effect asked for clips of its own
     bound_ = make();
     bound_->bind(context_, std::make_unique<OvOfxInstanceRecord>(instance_->handle()));
     return *bound_;

@@ -19,7 +19,7 @@ public:
     using Fill =
         std::function<void(Orvane::OvOfxEffect& effect, Orvane::OvOfxContextContainer& container)>;
 
-    FrameworkRig(Fill fill, const Host::HostQuirks& quirks = {},
+    FrameworkRig(Fill fill, const Fixtures::HostQuirks& quirks = {},
                  Orvane::OvContext context = Orvane::OvContext::General);
     ~FrameworkRig();
     FrameworkRig(const FrameworkRig&) = delete;
@@ -32,6 +32,8 @@ public:
 
     TinyHost& tiny() { return tiny_; }
     Host::EmbeddedHost& host() { return tiny_.host(); }
+    HostQuirks& quirks() { return tiny_.quirks(); }
+    CallRecorder& calls() { return tiny_.calls(); }
     Host::Descriptor& descriptor() { return descriptor_; }
     /// The effect that was described.
     Orvane::OvOfxEffect& described() { return *described_; }

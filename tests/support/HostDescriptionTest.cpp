@@ -13,7 +13,7 @@
 namespace Tesseret::Fixtures {
 namespace {
 
-using Host::HostQuirks;
+using Fixtures::HostQuirks;
 using Orvane::hostDescription;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -21,7 +21,7 @@ using ::testing::IsEmpty;
 std::vector<std::string> fetched(const TinyHost& tiny)
 {
     std::vector<std::string> names;
-    for (const Host::SuiteFetch& fetch : tiny.host().suiteFetches()) {
+    for (const Fixtures::SuiteFetch& fetch : tiny.calls().suiteFetches()) {
         names.push_back(fetch.name + " " + std::to_string(fetch.version));
     }
     return names;
@@ -31,13 +31,13 @@ TEST(HostDescription, IsReadOncePerLoad)
 {
     TinyHost tiny;
     EXPECT_EQ(tiny.effect().sendLoad(), kOfxStatReplyDefault);
-    tiny.host().resetCounters();
+    tiny.calls().reset();
     EXPECT_EQ(tiny.effect().sendDescribe(), kOfxStatOK);
     EXPECT_THAT(fetched(tiny),
                 ElementsAre("OfxImageEffectSuite 1", "OfxPropertySuite 1", "OfxParameterSuite 1",
                             "OfxMemorySuite 1", "OfxMultiThreadSuite 1", "OfxMessageSuite 1",
                             "OfxInteractSuite 1"));
-    tiny.host().resetCounters();
+    tiny.calls().reset();
     EXPECT_EQ(tiny.effect().sendDescribe(), kOfxStatOK);
     EXPECT_THAT(fetched(tiny), IsEmpty());
     EXPECT_EQ(tiny.effect().sendUnload(), kOfxStatOK);
@@ -52,11 +52,11 @@ TEST(HostDescription, NeedsEverySuiteButTheInteractSuite)
           "OfxMultiThreadSuite", "OfxMessageSuite", "OfxInteractSuite"}) {
         SCOPED_TRACE(name);
         TinyHost tiny;
-        tiny.host().quirks().missingSuites = {name};
+        tiny.quirks().missingSuites = {name};
         const bool optional = std::string(name) == "OfxInteractSuite";
         EXPECT_EQ(tiny.effect().sendLoad(), kOfxStatReplyDefault);
         EXPECT_EQ(tiny.effect().sendDescribe(), optional ? 0 : kOfxStatErrMissingHostFeature);
-        tiny.host().quirks().missingSuites.clear();  // the next describe tries again
+        tiny.quirks().missingSuites.clear();  // the next describe tries again
         EXPECT_EQ(tiny.effect().sendDescribe(), kOfxStatOK);
     }
 }
@@ -120,7 +120,7 @@ TEST(HostDescription, RefusesToDescribeWhatTheHostCannotDo)
     TinyHost tiny(quirks);
     tinyBehaviour().needsTemporalAccess = true;
     EXPECT_EQ(tiny.effect().sendDescribe(), kOfxStatErrMissingHostFeature);
-    EXPECT_THAT(tiny.host().messages(), IsEmpty());  // there is no instance to tell it through
+    EXPECT_THAT(tiny.calls().messages(), IsEmpty());  // there is no instance to tell it through
     tinyBehaviour().needsTemporalAccess = false;
     EXPECT_EQ(tiny.effect().sendDescribe(), kOfxStatOK);
 }

@@ -44,7 +44,7 @@ void fill(OvOfxEffect& effect, OvOfxContextContainer& container)
 /// The rig's instance on a project of 1920 x 1080 at offset (-10, 20), and an action on it.
 class HostWrapper : public ::testing::Test {
 protected:
-    OvOfxHostWrapper& start(const Host::HostQuirks& quirks = {})
+    OvOfxHostWrapper& start(const Fixtures::HostQuirks& quirks = {})
     {
         wrapper_.reset();
         rig_.reset();  // unloads, so that the next host is described anew
@@ -148,13 +148,13 @@ TEST_F(HostWrapper, SetsValuesInTheUnitsOfTheParameter)
     EXPECT_THAT(std::get<std::vector<double>>(instance().value("rgb")), ElementsAre(1.0, 0.5, 0.0));
     EXPECT_THAT(std::get<std::vector<double>>(instance().value("rgba")),
                 ElementsAre(1.0, 0.5, 0.0, 0.25));
-    EXPECT_THAT(rig_->host().badCalls(), IsEmpty());
+    EXPECT_THAT(rig_->calls().badCalls(), IsEmpty());
 }
 
 TEST_F(HostWrapper, TakesTheStandInsOfAHostWithoutDerivatives)
 {
     for (const bool missing : {false, true}) {
-        Host::HostQuirks quirks;
+        Fixtures::HostQuirks quirks;
         quirks.nullDerivativeMembers = missing;
         OvOfxHostWrapper& wrapper = start(quirks);
         instance().setAt("amount", 0.0, 0.0);
@@ -249,8 +249,8 @@ TEST_F(HostWrapper, WritesFrameRangesOneAfterTheOther)
 
 TEST_F(HostWrapper, TakesTheSourcesRegionWhereTheProjectHasNoSize)
 {
-    Host::HostQuirks quirks;
-    quirks.projectProperties = Host::ProjectProperties::Never;
+    Fixtures::HostQuirks quirks;
+    quirks.projectProperties = Fixtures::ProjectProperties::Never;
     OvOfxHostWrapper& wrapper = start(quirks);
     instance().connect("Source", std::make_shared<Host::StillSource>(std::make_shared<Picture>(
                                      OfxRectI{4, 10, 24, 50}, Depth::Byte)));

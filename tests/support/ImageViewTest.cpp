@@ -35,7 +35,7 @@ void sourceAndMatte(OvOfxEffect& effect, OvOfxContextContainer& container)
 /// An instance with a source and a matte over the same bounds; every pixel tells its place.
 class ImageView : public ::testing::Test {
 protected:
-    void start(const Host::HostQuirks& quirks, OfxRectI bounds, Depth depth = Depth::Byte)
+    void start(const Fixtures::HostQuirks& quirks, OfxRectI bounds, Depth depth = Depth::Byte)
     {
         rig_.reset();
         rig_ = std::make_unique<FrameworkRig>(sourceAndMatte, quirks);
@@ -93,7 +93,7 @@ protected:
     }
     void expectAllReleased()
     {
-        const Host::Counters counters = rig_->host().counters();
+        const Fixtures::Counters counters = rig_->calls().counters();
         EXPECT_EQ(counters.imagesReleased, counters.imagesFetched);
     }
 
@@ -140,7 +140,7 @@ TEST_F(ImageView, StandsWhateverBoundsAndRowsAHostHandsOver)
     };
     for (const Case& each : cases) {
         SCOPED_TRACE(each.what);
-        Host::HostQuirks quirks;
+        Fixtures::HostQuirks quirks;
         quirks.rowLayout = each.rows;
         quirks.boundsChange = each.change;
         quirks.infiniteRegion = each.infinite;
@@ -154,23 +154,23 @@ TEST_F(ImageView, BelievesTheImageBeforeTheClip)
 {
     start({}, kBounds);
     EXPECT_EQ(image("Matte")->kind(), PixelKind::Alpha8);
-    Host::HostQuirks quirks;
-    quirks.matte = Host::MatteDelivery::RgbaUnannounced;
+    Fixtures::HostQuirks quirks;
+    quirks.matte = Fixtures::MatteDelivery::RgbaUnannounced;
     start(quirks, kBounds, Depth::Short);
     EXPECT_EQ(effect_->findClip("Matte")->components(), OvComponents::Alpha);
     EXPECT_EQ(image("Matte")->kind(), PixelKind::RGBA16);
-    rig_->host().quirks().refusedReads[kOfxImageEffectPropComponents] = kOfxStatErrUnknown;
+    rig_->quirks().refusedReads[kOfxImageEffectPropComponents] = kOfxStatErrUnknown;
     EXPECT_EQ(image("Matte"), nullptr);  // nobody says what it holds
-    EXPECT_EQ(rig_->host().counters().imagesFetched, 2u);
+    EXPECT_EQ(rig_->calls().counters().imagesFetched, 2u);
     expectAllReleased();
 }
 
 TEST_F(ImageView, IsNullWithoutAnImage)
 {
     start({}, kBounds);
-    rig_->host().quirks().failFetch = 1;
+    rig_->quirks().failFetch = 1;
     EXPECT_EQ(image(), nullptr);
-    rig_->host().quirks().failFetch = 0;
+    rig_->quirks().failFetch = 0;
     rig_->instance().connect("Matte", nullptr);
     EXPECT_FALSE(clip("Matte").isConnected());
     EXPECT_EQ(image("Matte"), nullptr);
@@ -182,13 +182,13 @@ TEST_F(ImageView, IsFetchedOnlyInsideAFrameRangeThatCanBeRead)
 {
     start({}, kBounds);
     for (const double time : {0.0, 0.99, 10.01}) EXPECT_EQ(image("Source", time), nullptr) << time;
-    EXPECT_EQ(rig_->host().counters().fetchCalls, 0u);
+    EXPECT_EQ(rig_->calls().counters().fetchCalls, 0u);
     for (const double time : {1.0, 10.0}) EXPECT_NE(image("Source", time), nullptr) << time;
-    Host::HostQuirks quirks;
-    quirks.frameRange = Host::FrameRangeAnswer::Missing;
+    Fixtures::HostQuirks quirks;
+    quirks.frameRange = Fixtures::FrameRangeAnswer::Missing;
     start(quirks, kBounds);
     EXPECT_EQ(image("Source", 0.0), nullptr);
-    EXPECT_EQ(rig_->host().counters().fetchCalls, 1u);  // the host itself was asked
+    EXPECT_EQ(rig_->calls().counters().fetchCalls, 1u);  // the host itself was asked
     float first = 5.0f;
     float last = 5.0f;
     EXPECT_FALSE(effect_->findClip("Source")->frameRange(first, last));
@@ -198,14 +198,14 @@ TEST_F(ImageView, IsFetchedOnlyInsideAFrameRangeThatCanBeRead)
 
 TEST_F(ImageView, IsReleasedOnceWhereTheHostHandsOutOneSetForEveryFetch)
 {
-    Host::HostQuirks quirks;
+    Fixtures::HostQuirks quirks;
     quirks.oneImageSetPerClip = true;
     start(quirks, kBounds);
     {
         const auto first = image();
         const auto second = image();
     }
-    EXPECT_EQ(rig_->host().counters().imagesFetched, 2u);
+    EXPECT_EQ(rig_->calls().counters().imagesFetched, 2u);
     expectAllReleased();
 }
 
@@ -227,7 +227,7 @@ TEST_F(ImageView, ClipsAnswerNothingUnboundOrOutOfUse)
         EXPECT_EQ(silent->pixelDepth(), OvDepth::None);
         EXPECT_EQ(silent->imageAsMap(1.0, nullptr), nullptr);
     }
-    EXPECT_EQ(rig_->host().counters().fetchCalls, 0u);
+    EXPECT_EQ(rig_->calls().counters().fetchCalls, 0u);
 }
 
 }  // namespace

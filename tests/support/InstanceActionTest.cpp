@@ -22,7 +22,7 @@ TEST(Instances, AreCreatedInOneFixedOrder)
         if (hook == "instanceCreated") effect.instance()->setSequentialRender(false);
     };
     tiny.effect().describeInContext(kOfxImageEffectContextFilter);
-    tiny.host().resetCounters();
+    tiny.calls().reset();
     tinyBehaviour().isRecording = true;
     const auto instance = tiny.create();
     EXPECT_THAT(tinyBehaviour().calls,
@@ -52,7 +52,7 @@ TEST(Instances, PassOnTheStatusOfTheWriteThatDecides)
             if (hook == "instanceCreated") ++created;
             if (hook == "instanceDestroyed") --created;
         };
-        tiny.host().quirks().refusedWrites[each.refused] = 7;
+        tiny.quirks().refusedWrites[each.refused] = 7;
         EXPECT_EQ(instance->action(kOfxActionCreateInstance), 7);
         EXPECT_EQ(changes, each.changes);
         // The host has no instance, and none is left behind.
@@ -104,7 +104,7 @@ TEST(Changes, ReachTheParameterThatTheyName)
 
 TEST(Changes, ByAUserAreFatalOnABackgroundHost)
 {
-    Host::HostQuirks quirks;
+    Fixtures::HostQuirks quirks;
     quirks.identity.isBackground = true;
     TinyHost tiny(quirks);
     const auto instance = tiny.create();

@@ -40,7 +40,7 @@ TEST(InstanceRecord, ReadsTheProjectOrAnswersWithDefaults)
     for (const char* name :
          {kOfxImageEffectPropProjectSize, kOfxImageEffectPropProjectOffset,
           kOfxImageEffectPropProjectExtent, kOfxImageEffectPropProjectPixelAspectRatio}) {
-        tiny.host().quirks().refusedReads[name] = kOfxStatErrUnknown;
+        tiny.quirks().refusedReads[name] = kOfxStatErrUnknown;
     }
     withRecord(tiny, [](const OvOfxInstanceRecord& record) {
         EXPECT_EQ(record.projectSize(), OvPoint());
@@ -52,9 +52,9 @@ TEST(InstanceRecord, ReadsTheProjectOrAnswersWithDefaults)
 
 TEST(InstanceRecord, GivesHandlesOnlyForWhatTheHostHas)
 {
-    for (const Host::UnknownClip answer :
-         {Host::UnknownClip::BadHandle, Host::UnknownClip::NullHandleOK}) {
-        Host::HostQuirks quirks;
+    for (const Fixtures::UnknownClip answer :
+         {Fixtures::UnknownClip::BadHandle, Fixtures::UnknownClip::NullHandleOK}) {
+        Fixtures::HostQuirks quirks;
         quirks.unknownClip = answer;
         TinyHost tiny(quirks);
         withRecord(tiny, [](const OvOfxInstanceRecord& record) {

@@ -20,7 +20,7 @@ int postFromInstance(TinyHost& tiny, const char* text, int kind, const char* id)
     tinyBehaviour().onHook = [&](const std::string&, const Orvane::OvOfxEffect& effect) {
         answer = Orvane::postEffectMessage(effect.instance(), text, kind, id);
     };
-    tiny.host().resetCounters();
+    tiny.calls().reset();
     instance->syncPrivateData();
     tinyBehaviour().onHook = nullptr;
     return answer;
@@ -33,7 +33,7 @@ TEST(Messages, ReachTheHostWithTheTypeOfTheirKind)
     for (int kind = 0; kind < 5; ++kind) {
         TinyHost tiny;
         postFromInstance(tiny, "100% sure: %s %n\n%%", kind, "theId");
-        const auto messages = tiny.host().messages();
+        const auto messages = tiny.calls().messages();
         ASSERT_THAT(messages, SizeIs(1));
         EXPECT_EQ(messages[0].type, types[kind]);
         EXPECT_EQ(messages[0].id, "theId");
@@ -53,13 +53,13 @@ TEST(Messages, MapTheAnswerOfTheHost)
          {Case{0, "host", 0}, Case{12, "host", 1}, Case{13, "host", 2}, Case{14, "host", 3},
           Case{-77, "host", 3}, Case{12, "The film master 3", 3}, Case{0, "film master", 3},
           Case{12, "film-master", 1}, Case{12, "Film Master", 1}}) {
-        Host::HostQuirks quirks;
+        Fixtures::HostQuirks quirks;
         quirks.messageAnswer = each.answer;
         quirks.identity.name = each.hostName;
         TinyHost tiny(quirks);
         EXPECT_EQ(postFromInstance(tiny, "Well?", Orvane::kMessageQuestion, nullptr), each.result)
             << each.hostName << ' ' << each.answer;
-        EXPECT_THAT(tiny.host().messages(), SizeIs(1));
+        EXPECT_THAT(tiny.calls().messages(), SizeIs(1));
     }
 }
 
@@ -69,7 +69,7 @@ TEST(Messages, OfUnknownKindsAndFromDescriptorsArePostedToNobody)
     EXPECT_EQ(postFromInstance(tiny, "text", 7, "id"), 3);
     EXPECT_EQ(postFromInstance(tiny, "text", -1, "id"), 3);
     EXPECT_EQ(Orvane::postEffectMessage(nullptr, "text", Orvane::kMessageError, "id"), 3);
-    EXPECT_THAT(tiny.host().messages(), IsEmpty());
+    EXPECT_THAT(tiny.calls().messages(), IsEmpty());
 }
 
 }  // namespace

@@ -114,7 +114,7 @@ TEST(ParamDefine, WritesThePropertiesOfEachTypeInOrder)
     EXPECT_EQ(
         rig.descriptor().parameters().find("child")->properties().stringOr(kOfxParamPropParent, ""),
         "group");
-    EXPECT_THAT(rig.host().badCalls(), IsEmpty());
+    EXPECT_THAT(rig.calls().badCalls(), IsEmpty());
 }
 
 TEST(ParamDefine, ListsWhatWasDefinedAndStopsAtTheHostsLimit)
@@ -131,7 +131,7 @@ TEST(ParamDefine, ListsWhatWasDefinedAndStopsAtTheHostsLimit)
         container.params.insert(container.params.begin(), &effect.own<OvOfxClip>("clip"));
         container.params[1]->excluded = true;
     };
-    Host::HostQuirks quirks;
+    Fixtures::HostQuirks quirks;
     quirks.identity.maxParameters = 3;
     FrameworkRig rig(clipFirst, quirks);
     ASSERT_EQ(rig.describe(), kOfxStatOK);
@@ -159,7 +159,7 @@ TEST(ParamDefine, IgnoresTheStatusOfSingleProperties)
 {
     FrameworkRig rig(oneOfEach);
     for (const char* name : {kOfxParamPropParent, kOfxParamPropHint, kOfxParamPropDefault}) {
-        rig.host().quirks().refusedWrites[name] = kOfxStatErrUnknown;
+        rig.quirks().refusedWrites[name] = kOfxStatErrUnknown;
     }
     EXPECT_EQ(rig.describe(), kOfxStatOK);
     EXPECT_EQ(rig.described().parameters().size(), 13u);

@@ -22,14 +22,14 @@ void insideRender(TinyHost& tiny, const std::function<void(Orvane::OvOfxHostWrap
 {
     const auto instance = tiny.create();
     tinyBehaviour().onRender = work;
-    tiny.host().resetCounters();
+    tiny.calls().reset();
     EXPECT_EQ(instance->renderOnly({.window = {0, 0, 8, 4}}, nullptr), kOfxStatOK);
     tinyBehaviour().onRender = nullptr;
 }
 
 TEST(ImageMemory, IsAskedForWithTheRunningEffectWhereNobodyIsRefused)
 {
-    Host::HostQuirks quirks;
+    Fixtures::HostQuirks quirks;
     quirks.memoryRefusesNullEffect = true;
     TinyHost tiny(quirks);
     insideRender(tiny, [&](const Orvane::OvOfxHostWrapper&) {
@@ -42,22 +42,22 @@ TEST(ImageMemory, IsAskedForWithTheRunningEffectWhereNobodyIsRefused)
         memory.free(block);
     });
     EXPECT_EQ(Orvane::imageMemoryService().allocate(1000), nullptr) << "outside any action";
-    EXPECT_EQ(tiny.host().counters().blocksLive, 0u);
+    EXPECT_EQ(tiny.calls().counters().blocksLive, 0u);
 }
 
 TEST(ImageMemory, ThatRanDryIsNotAskedForTwice)
 {
     TinyHost tiny;
     insideRender(tiny, [&](const Orvane::OvOfxHostWrapper&) {
-        tiny.host().quirks().failAllocation = 1;
+        tiny.quirks().failAllocation = 1;
         EXPECT_EQ(Orvane::imageMemoryService().allocate(1000), nullptr);
-        EXPECT_EQ(tiny.host().counters().allocations, 1u);
+        EXPECT_EQ(tiny.calls().counters().allocations, 1u);
     });
 }
 
 TEST(Threads, RunOnBehalfOfTheEffectThatSpreadItsWork)
 {
-    Host::HostQuirks quirks;
+    Fixtures::HostQuirks quirks;
     quirks.memoryRefusesNullEffect = true;
     TinyHost tiny(quirks);
     insideRender(tiny, [&](const Orvane::OvOfxHostWrapper&) {

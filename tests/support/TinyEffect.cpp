@@ -128,8 +128,7 @@ TinyBehaviour& tinyBehaviour()
     return behaviour;
 }
 
-TinyHost::TinyHost(const Host::HostQuirks& quirks)
-    : host_(Host::HostOptions{.quirks = quirks, .threads = 2, .recording = true})
+TinyHost::TinyHost(const HostQuirks& quirks) : quirky_(quirks), host_(quirky_.options(2))
 {
     behaviour = {};
     effect_ = std::make_unique<Host::Effect>(host_, nullptr, *OfxGetPlugin(0));
@@ -156,7 +155,7 @@ std::unique_ptr<Host::Instance> TinyHost::create(const char* context)
 std::vector<std::string> TinyHost::writesTo(std::string_view set) const
 {
     std::vector<std::string> names;
-    for (const Host::PropertyWrite& write : host_.propertyWrites()) {
+    for (const PropertyWrite& write : quirky_.calls.propertyWrites()) {
         if (write.set == set) names.push_back(write.property);
     }
     return names;

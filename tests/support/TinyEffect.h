@@ -14,6 +14,7 @@
 #include "host/EmbeddedHost.h"
 #include "host/Instance.h"
 #include "products/OFX/Support/Effect.h"
+#include "tests/fixtures/QuirkyHost.h"
 
 namespace Tesseret::Fixtures {
 
@@ -39,13 +40,15 @@ TinyBehaviour& tinyBehaviour();
 /// A host of its own with the tiny effect in it.
 class TinyHost {
 public:
-    explicit TinyHost(const Host::HostQuirks& quirks = {});
+    explicit TinyHost(const HostQuirks& quirks = {});
     ~TinyHost();
     TinyHost(const TinyHost&) = delete;
     TinyHost& operator=(const TinyHost&) = delete;
 
     Host::EmbeddedHost& host() { return host_; }
-    const Host::EmbeddedHost& host() const { return host_; }
+    HostQuirks& quirks() { return quirky_.quirks; }
+    CallRecorder& calls() { return quirky_.calls; }
+    const CallRecorder& calls() const { return quirky_.calls; }
     Host::Effect& effect() { return *effect_; }
     /// Loads and describes.
     void start();
@@ -55,6 +58,7 @@ public:
     std::vector<std::string> writesTo(std::string_view set) const;
 
 private:
+    QuirkyHost quirky_;
     Host::EmbeddedHost host_;
     std::unique_ptr<Host::Effect> effect_;
     bool started_ = false;

@@ -1,0 +1,125 @@
+#pragma once
+
+/// Where hosts differ from each other, and what a plug-in calls: each function is a point where a
+/// host's answer may be another, or the notification of a call, or both. The functions of this
+/// class are the host that keeps the published standard and takes no notes. They are called on
+/// whatever thread the plug-in calls on.
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "host/HostSinks.h"
+#include "host/PropertySet.h"
+#include "ofx/ofxMultiThread.h"
+#include "picture/Picture.h"
+
+namespace Tesseret::Host {
+
+class Clip;
+class Effect;
+class EffectObject;
+class EmbeddedHost;
+class Image;
+class ImageBytes;
+class Instance;
+
+class HostBehaviour {
+public:
+    virtual ~HostBehaviour() = default;
+
+    // Start and stop
+
+    /// Whether a plug-in that returns this status from Load is used.
+    virtual bool acceptsLoad(OfxStatus status);
+    /// Brings a plug-in to the point where contexts can be described. Throws HostError.
+    virtual void start(Effect& effect);
+    /// Before each instance. Throws HostError.
+    virtual void prepareInstance(Effect& /*effect*/) {}
+    /// An action of the plug-in or of an overlay has returned.
+    virtual void actionSent(std::string_view /*action*/, const void* /*handle*/,
+                            OfxStatus /*status*/)
+    {}
+
+    // Suites, messages, reports
+
+    /// A plug-in asks for a suite, which is null where the host has none; returns what it gets.
+    virtual const void* suiteFetched(const std::string& /*name*/, int /*version*/,
+                                     const void* suite)
+    {
+        return suite;
+    }
+    /// A message has been shown; returns the status for the plug-in.
+    virtual OfxStatus messagePosted(const Message& /*message*/, OfxStatus answer) { return answer; }
+    virtual void reported(const Report& /*report*/) {}
+
+    // Calls that a host may refuse: 0 goes on with the call, any other status is returned at once.
+
+    virtual OfxStatus checkWrite(std::string_view /*property*/) { return kOfxStatOK; }
+    virtual OfxStatus checkRead(std::string_view /*property*/) { return kOfxStatOK; }
+    virtual OfxStatus checkFetch(const Clip& /*clip*/) { return kOfxStatOK; }
+    virtual OfxStatus checkRegion(const Clip& /*clip*/, OfxTime /*time*/) { return kOfxStatOK; }
+    /// The effect is null where the plug-in named none.
+    virtual OfxStatus checkAllocation(const EffectObject* /*effect*/, std::size_t /*bytes*/)
+    {
+        return kOfxStatOK;
+    }
+    /// May replace the bytes of a block that is not locked.
+    virtual OfxStatus checkLock(ImageBytes& /*bytes*/, bool /*isLocked*/) { return kOfxStatOK; }
+    virtual OfxStatus checkThreadIndex() { return kOfxStatOK; }
+    virtual OfxStatus checkInteractProperties() { return kOfxStatOK; }
+
+    // Properties
+
+    /// Whether a write of an unknown name defines the property.
+    virtual bool acceptsUnknownProperty(std::string_view /*property*/) { return false; }
+    /// The status of a read or write of another type, unless `convert` can turn the value into the
+    /// wanted type.
+    virtual OfxStatus wrongTypeStatus() { return kOfxStatErrValue; }
+    virtual bool convert(PropertyValue& /*value*/, PropertyType /*wanted*/) { return false; }
+    /// A write through the property suite as the plug-in sent it, refused ones too.
+    virtual void propertyWritten(const PropertySet& /*set*/, const std::string& /*property*/,
+                                 int /*index*/, const PropertyValue& /*value*/,
+                                 OfxStatus /*status*/)
+    {}
+
+    // Clips and images
+
+    /// The properties of project and clips are up to date; they may be changed here.
+    virtual void propertiesUpdated(Instance& /*instance*/) {}
+    /// Of clipGetHandle for a name that is no clip; 0 comes with a null handle.
+    virtual OfxStatus unknownClipStatus() { return kOfxStatErrBadHandle; }
+    /// What a fetch hands over of a source's picture; by default in the clip's depth and
+    /// components.
+    virtual std::shared_ptr<const Picture> inputPicture(const Clip& clip,
+                                                        std::shared_ptr<const Picture> picture,
+                                                        OfxPointD scale);
+    /// The memory layout in which the plug-in renders, given that of the caller's picture.
+    virtual RowLayout outputLayout(RowLayout given) { return given; }
+    /// Whether every fetch from a clip hands over the same property set.
+    virtual bool sharesImageSet() { return false; }
+    /// The image's properties may be changed here.
+    virtual void imageFetched(Image& /*image*/) {}
+    virtual void imageReleased(const Clip& /*clip*/) {}
+
+    // Memory
+
+    /// Of the image-effect suite; the contents of a new block may be anything.
+    virtual void memoryAllocated(ImageBytes& /*bytes*/) {}
+    virtual void memoryFreed(std::size_t /*bytes*/) {}
+    /// Of the memory suite.
+    virtual void generalMemoryAllocated() {}
+    virtual void generalMemoryFreed() {}
+
+    // Threads and abort
+
+    /// Makes the calls of one multiThread, so many at most; by default on the host's threads.
+    virtual OfxStatus makeCalls(EmbeddedHost& host, OfxThreadFunctionV1* function,
+                                unsigned int calls, void* argument);
+    virtual unsigned int processorCount(unsigned int threads) { return threads; }
+    /// A plug-in polls for an abort; returns whether it is to stop.
+    virtual bool abortPolled(bool isAborted) { return isAborted; }
+};
+
+}  // namespace Tesseret::Host

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+
+#include "ofx/ofxCore.h"
+
+namespace Tesseret::Host {
+
+/// What the host record says; an absent optional leaves the property out.
+struct HostIdentity {
+    std::string name = "com.orvane.brisant.tesseret.host";
+    std::string label = "Tesseret Embedded Host";
+    bool isBackground = false;
+    bool supportsOverlays = true;
+    bool temporalClipAccess = true;
+    bool choiceAnimation = true;
+    bool booleanAnimation = true;
+    bool stringAnimation = true;
+    std::optional<int> maxParameters = -1;
+    std::optional<int> maxPages = 100;
+    std::optional<OfxPointI> pageRowsAndColumns = OfxPointI{20, 20};  ///< x rows, y columns
+    std::set<std::string> missingProperties;  ///< further properties that the host record lacks
+};
+
+}  // namespace Tesseret::Host
