@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/HostError.h"
+#include "host/SuiteGuard.h"
 
 namespace Tesseret::Host {
 
@@ -32,27 +33,20 @@ Effect::Effect(EmbeddedHost& host, std::shared_ptr<PluginLibrary> library, OfxPl
       descriptor_(std::make_unique<Descriptor>(host))
 {
     const EmbeddedHost::Scope scope(host_);
+    HeldException held;
     if (plugin_.setHost) plugin_.setHost(host_.record());
+    held.rethrow();
 }
 
 Effect::~Effect()
 {
-    if (loaded_) sendUnload();
+    if (loaded_) quietly([this] { sendUnload(); });
 }
 
 OfxStatus Effect::send(const char* action, const void* handle, OfxPropertySetHandle inArgs,
                        OfxPropertySetHandle outArgs)
 {
-    const EmbeddedHost::Scope scope(host_);
-    OfxStatus status = kOfxStatErrFatal;
-    try {
-        status = plugin_.mainEntry(action, handle, inArgs, outArgs);
-    } catch (...) {
-        host_.badCall(std::string(action ? action : "null") + ": an exception left the plug-in",
-                      status);
-    }
-    host_.behaviour().actionSent(action ? action : "", handle, status);
-    return status;
+    return host_.send(plugin_.mainEntry, action, handle, inArgs, outArgs);
 }
 
 OfxStatus Effect::sendLoad()

@@ -46,8 +46,7 @@ public:
     OfxStatus sendDescribe();
     OfxStatus sendDescribeInContext(std::string_view context);
 
-    /// Sends anything to the plug-in's main entry, with this host the current one. An exception
-    /// that leaves the plug-in is reported and answered as 2.
+    /// Sends anything to the plug-in's main entry, as EmbeddedHost::send does.
     OfxStatus send(const char* action, const void* handle, OfxPropertySetHandle inArgs,
                    OfxPropertySetHandle outArgs);
 

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "host/HostError.h"
+#include "host/SuiteGuard.h"
 #include "host/Suites.h"
 #include "host/ThreadPool.h"
 #include "ofx/ofxImageEffect.h"
@@ -34,7 +35,7 @@ unsigned int processors()
     return std::max(std::thread::hardware_concurrency(), 1u);
 }
 
-const void* fetchSuiteFromRecord(OfxPropertySetHandle host, const char* name, int version)
+const void* fetchSuite(OfxPropertySetHandle host, const char* name, int version)
 {
     auto* const set = static_cast<PropertySet*>(findObject(HandleKind::PropertySet, host));
     if (!set || set != &set->host().properties()) {
@@ -52,7 +53,7 @@ EmbeddedHost::EmbeddedHost(HostOptions options)
       onMessage_(std::move(options.onMessage)),
       listener_(options.listener),
       properties_(*this, "host"),
-      record_{properties_.handle(), &fetchSuiteFromRecord},
+      record_{properties_.handle(), kGuarded<&Host::fetchSuite>},
       pool_(std::make_unique<ThreadPool>(*this, options.threads ? options.threads : processors()))
 {
     describeSelf(options.identity);
@@ -138,6 +139,22 @@ const void* EmbeddedHost::fetchSuite(const char* name, int version)
         if (wanted == suite.name && version == 1) answer = suite.suite;
     }
     return behaviour_->suiteFetched(wanted, version, answer);
+}
+
+OfxStatus EmbeddedHost::send(OfxPluginEntryPoint* entry, const char* action, const void* handle,
+                             OfxPropertySetHandle inArgs, OfxPropertySetHandle outArgs)
+{
+    const Scope scope(*this);
+    HeldException held;
+    OfxStatus status = kOfxStatErrFatal;
+    try {
+        status = entry(action, handle, inArgs, outArgs);
+    } catch (...) {
+        badCall(std::string(action ? action : "null") + ": an exception left the plug-in", status);
+    }
+    behaviour_->actionSent(action ? action : "", handle, status);
+    held.rethrow();
+    return status;
 }
 
 OfxStatus EmbeddedHost::runOnThreads(OfxThreadFunctionV1* function, unsigned int calls,

@@ -67,6 +67,11 @@ public:
     OfxStatus badCall(const std::string& text, OfxStatus status);
     OfxStatus post(const Message& message);
     const void* fetchSuite(const char* name, int version);
+    /// Sends an action to an entry point of the plug-in, with this host the current one. An
+    /// exception that leaves the plug-in is a wrong call, with status 2; one that a suite held back
+    /// is thrown here.
+    OfxStatus send(OfxPluginEntryPoint* entry, const char* action, const void* handle,
+                   OfxPropertySetHandle inArgs, OfxPropertySetHandle outArgs);
     /// Makes the calls of a multiThread on the host's threads. An exception that leaves one of them
     /// is a wrong call.
     OfxStatus runOnThreads(OfxThreadFunctionV1* function, unsigned int calls, void* argument);

@@ -35,7 +35,9 @@ struct Message {
 /// Answers 0, 12, 13 or 14. Without a sink the host answers 0, and 14 to a question.
 using MessageSink = std::function<OfxStatus(const Message&)>;
 
-/// Listens to "TesseretObserverSuite". Calls come on the thread that renders the instance.
+/// Listens to "TesseretObserverSuite". Calls come on the thread that renders the instance. What a
+/// call throws comes out of the host's function that sent the action, after the plug-in has
+/// returned.
 class RenderListener {
 public:
     virtual ~RenderListener() = default;

@@ -7,6 +7,7 @@
 #include "host/Image.h"
 #include "host/ImageMemory.h"
 #include "host/Instance.h"
+#include "host/SuiteGuard.h"
 #include "host/Suites.h"
 
 namespace Tesseret::Host {
@@ -189,19 +190,19 @@ OfxStatus imageMemoryUnlock(OfxImageMemoryHandle memory)
 const OfxImageEffectSuiteV1& imageEffectSuite()
 {
     static constexpr OfxImageEffectSuiteV1 kSuite{
-        .getPropertySet = &getPropertySet,
-        .getParamSet = &getParamSet,
-        .clipDefine = &clipDefine,
-        .clipGetHandle = &clipGetHandle,
-        .clipGetPropertySet = &clipGetPropertySet,
-        .clipGetImage = &clipGetImage,
-        .clipReleaseImage = &clipReleaseImage,
-        .clipGetRegionOfDefinition = &clipGetRegionOfDefinition,
-        .abort = &abortRender,
-        .imageMemoryAlloc = &imageMemoryAlloc,
-        .imageMemoryFree = &imageMemoryFree,
-        .imageMemoryLock = &imageMemoryLock,
-        .imageMemoryUnlock = &imageMemoryUnlock,
+        .getPropertySet = kGuarded<&getPropertySet>,
+        .getParamSet = kGuarded<&getParamSet>,
+        .clipDefine = kGuarded<&clipDefine>,
+        .clipGetHandle = kGuarded<&clipGetHandle>,
+        .clipGetPropertySet = kGuarded<&clipGetPropertySet>,
+        .clipGetImage = kGuarded<&clipGetImage>,
+        .clipReleaseImage = kGuarded<&clipReleaseImage>,
+        .clipGetRegionOfDefinition = kGuarded<&clipGetRegionOfDefinition>,
+        .abort = kGuarded<&abortRender>,
+        .imageMemoryAlloc = kGuarded<&imageMemoryAlloc>,
+        .imageMemoryFree = kGuarded<&imageMemoryFree>,
+        .imageMemoryLock = kGuarded<&imageMemoryLock>,
+        .imageMemoryUnlock = kGuarded<&imageMemoryUnlock>,
     };
     return kSuite;
 }

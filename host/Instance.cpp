@@ -8,6 +8,7 @@
 
 #include "host/Effect.h"
 #include "host/HostError.h"
+#include "host/SuiteGuard.h"
 
 namespace Tesseret::Host {
 
@@ -56,10 +57,12 @@ Instance::Instance(Effect& effect, const Descriptor& described)
 Instance::~Instance()
 {
     if (!created_) return;
-    if (sequence_) endSequence();
+    if (sequence_) quietly([this] { endSequence(); });
     created_ = false;  // what the plug-in sets now is not announced
-    const OfxStatus status = action(kOfxActionDestroyInstance);
-    if (parameters().openEdits() > 0) host().badCall("an edit was begun and not ended", status);
+    quietly([this] {
+        const OfxStatus status = action(kOfxActionDestroyInstance);
+        if (parameters().openEdits() > 0) host().badCall("an edit was begun and not ended", status);
+    });
 }
 
 void Instance::connect(std::string_view name, std::shared_ptr<ClipSource> source,

@@ -125,6 +125,9 @@ public:
     OfxStatus beginSequence(OfxRangeD frames, double step, const RenderRequest& request);
     OfxStatus endSequence();
 
+    // What is thrown in a call that the plug-in makes meanwhile, by a source or a listener, comes
+    // out of the action, which the plug-in has ended by then.
+
     /// One frame: asks for clip preferences when they may have changed, for identity (then copies
     /// the picture named) and for regions of interest, and sends Render. The output holds the
     /// window's pixels afterwards. Throws HostError when the output's depth or components are not
@@ -160,6 +163,7 @@ private:
     OfxStatus announce(const char* objectType, std::string_view name, const char* reason,
                        OfxTime time);
     void announceEdits();
+    void releaseImages(const char* action, OfxStatus status);
     void writeProject();
     void followSource();
     void adoptFormats();
@@ -169,6 +173,7 @@ private:
     bool supportsDepth(Depth depth) const;
     void requireReady(const Picture& output) const;
     void askRegionsOfInterest(const RenderRequest& request);
+    OfxStatus renderFrame(const RenderRequest& request, Picture& output);
     OfxStatus renderIdentity(const RenderRequest& request, const Identity& identity,
                              Picture& output);
 
@@ -180,7 +185,7 @@ private:
     bool preferencesStale_ = true;
     int actionDepth_ = 0;
     int changeDepth_ = 0;
-    bool announcingEdits_ = false;
+    int announcing_ = 0;
     std::vector<std::string> edited_;  ///< set by the plug-in, not announced yet
     std::optional<RenderRequest> sequence_;
     OfxRangeD sequenceFrames_{0.0, 0.0};

@@ -9,6 +9,22 @@
 
 namespace Tesseret::Host {
 
+namespace {
+
+/// Counts a depth up while it lives.
+class Deeper {
+public:
+    explicit Deeper(int& depth) : depth_(depth) { ++depth_; }
+    ~Deeper() { --depth_; }
+    Deeper(const Deeper&) = delete;
+    Deeper& operator=(const Deeper&) = delete;
+
+private:
+    int& depth_;
+};
+
+}  // namespace
+
 Parameter& Instance::need(std::string_view name) const
 {
     Parameter* const found = parameters().find(name);
@@ -59,11 +75,13 @@ OfxStatus Instance::announce(const char* objectType, std::string_view name, cons
         slaveParameters_.end()) {
         preferencesStale_ = true;
     }
-    ++changeDepth_;
-    beginChanged(reason);
-    const OfxStatus status = changed(objectType, name, reason, time, renderScale_);
-    endChanged(reason);
-    --changeDepth_;
+    OfxStatus status = kOfxStatOK;
+    {
+        const Deeper deeper(changeDepth_);
+        beginChanged(reason);
+        status = changed(objectType, name, reason, time, renderScale_);
+        endChanged(reason);
+    }
     announceEdits();
     return status;
 }
@@ -72,19 +90,18 @@ void Instance::pluginEdited(const Parameter& parameter)
 {
     const bool waiting =
         std::find(edited_.begin(), edited_.end(), parameter.name()) != edited_.end();
-    if (!created_ || announcingEdits_ || waiting) return;
+    if (!created_ || announcing_ > 0 || waiting) return;
     edited_.push_back(parameter.name());
     announceEdits();
 }
 
 void Instance::announceEdits()
 {
-    if (actionDepth_ > 0 || changeDepth_ > 0 || announcingEdits_) return;
-    announcingEdits_ = true;
+    if (actionDepth_ > 0 || changeDepth_ > 0 || announcing_ > 0) return;
+    const Deeper deeper(announcing_);
     for (const std::string& name : std::exchange(edited_, {})) {
         announce(kOfxTypeParameter, name, kOfxChangePluginEdited, currentTime_);
     }
-    announcingEdits_ = false;
 }
 
 OfxStatus Instance::changed(const char* objectType, std::string_view name, const char* reason,
@@ -117,20 +134,31 @@ OfxStatus Instance::action(const char* name, PropertySet* inArgs, PropertySet* o
 {
     if (inArgs) currentTime_ = inArgs->doubleOr(kOfxPropTime, currentTime_);
     if (actionDepth_ == 0) updateProperties();
-    ++actionDepth_;
-    const OfxStatus status = effect_.send(name, handle(), inArgs ? inArgs->handle() : nullptr,
-                                          outArgs ? outArgs->handle() : nullptr);
-    --actionDepth_;
+    OfxStatus status = kOfxStatFailed;
+    try {
+        const Deeper deeper(actionDepth_);
+        status = effect_.send(name, handle(), inArgs ? inArgs->handle() : nullptr,
+                              outArgs ? outArgs->handle() : nullptr);
+    } catch (...) {
+        if (actionDepth_ == 0) releaseImages(name, status);
+        throw;
+    }
     if (actionDepth_ > 0) return status;
+    releaseImages(name, status);
+    announceEdits();
+    return status;
+}
+
+/// Takes back what an action has left behind.
+void Instance::releaseImages(const char* action, OfxStatus status)
+{
     for (const auto& each : clips()) {
         if (const std::size_t held = each->releaseAll()) {
-            host().badCall(std::string(name ? name : "null") + " left " + std::to_string(held) +
+            host().badCall(std::string(action ? action : "null") + " left " + std::to_string(held) +
                                " images of " + each->name() + " unreleased",
                            status);
         }
     }
-    announceEdits();
-    return status;
 }
 
 }  // namespace Tesseret::Host

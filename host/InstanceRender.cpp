@@ -3,6 +3,7 @@
 #include "host/EmbeddedHost.h"
 #include "host/HostError.h"
 #include "host/Instance.h"
+#include "host/SuiteGuard.h"
 
 namespace Tesseret::Host {
 
@@ -24,19 +25,22 @@ std::string formatText(Depth depth, Components components)
     return std::string(depthName(depth)) + " " + componentsName(components);
 }
 
-/// Ends a sequence of one frame, however the frame ended.
-class OneFrameSequence {
+/// Gives a clip its output while it lives.
+class Output {
 public:
-    OneFrameSequence(Instance& instance, const RenderRequest& request) : instance_(instance)
+    Output(Clip* clip, Picture* picture) : clip_(clip)
     {
-        instance_.beginSequence({request.time, request.time}, 1.0, request);
+        if (clip_) clip_->setOutput(picture);
     }
-    ~OneFrameSequence() { instance_.endSequence(); }
-    OneFrameSequence(const OneFrameSequence&) = delete;
-    OneFrameSequence& operator=(const OneFrameSequence&) = delete;
+    ~Output()
+    {
+        if (clip_) clip_->setOutput(nullptr);
+    }
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
 
 private:
-    Instance& instance_;
+    Clip* clip_;
 };
 
 }  // namespace
@@ -89,7 +93,6 @@ void Instance::askRegionsOfInterest(const RenderRequest& request)
 
 OfxStatus Instance::render(const RenderRequest& request, Picture& output)
 {
-    std::optional<OneFrameSequence> ownSequence;
     renderScale_ = request.scale;
     if (preferencesStale_) {
         adoptFormats();
@@ -98,7 +101,21 @@ OfxStatus Instance::render(const RenderRequest& request, Picture& output)
         preferencesStale_ = false;
     }
     requireReady(output);
-    if (!sequence_) ownSequence.emplace(*this, request);
+    if (sequence_) return renderFrame(request, output);
+    OfxStatus status = kOfxStatFailed;
+    try {
+        beginSequence({request.time, request.time}, 1.0, request);
+        status = renderFrame(request, output);
+    } catch (...) {
+        quietly([this] { endSequence(); });
+        throw;
+    }
+    endSequence();
+    return status;
+}
+
+OfxStatus Instance::renderFrame(const RenderRequest& request, Picture& output)
+{
     Identity identity;
     if (isIdentity(request, identity) == kOfxStatOK && clip(identity.clip)) {
         return renderIdentity(request, identity, output);
@@ -135,10 +152,8 @@ OfxStatus Instance::renderOnly(const RenderRequest& request, Picture* output)
     inArgs.assign(kOfxImageEffectPropSequentialRenderStatus, {request.sequential ? 1 : 0});
     inArgs.assign(kOfxImageEffectPropInteractiveRenderStatus, {request.interactive ? 1 : 0});
     renderScale_ = request.scale;
-    Clip* const outputClip = clip(kOfxImageEffectOutputClipName);
-    if (outputClip) outputClip->setOutput(other ? &laidOut : output);
+    const Output shown(clip(kOfxImageEffectOutputClipName), other ? &laidOut : output);
     const OfxStatus status = action(kOfxImageEffectActionRender, &inArgs);
-    if (outputClip) outputClip->setOutput(nullptr);
     if (other) output->paste(laidOut);
     return status;
 }

@@ -3,6 +3,7 @@
 #include "host/EmbeddedHost.h"
 #include "host/HostError.h"
 #include "host/Instance.h"
+#include "host/SuiteGuard.h"
 
 namespace Tesseret::Host {
 
@@ -45,7 +46,7 @@ Interact::Interact(Instance& instance)
 
 Interact::~Interact()
 {
-    action(kOfxActionDestroyInstance);
+    quietly([this] { action(kOfxActionDestroyInstance); });
 }
 
 std::vector<std::string> Interact::slaveParameters() const
@@ -63,17 +64,9 @@ void Interact::updateView()
 
 OfxStatus Interact::action(const char* name, PropertySet* inArgs)
 {
-    EmbeddedHost& host = instance_.host();
-    const EmbeddedHost::Scope scope(host);
     instance_.updateProperties();
-    OfxStatus status = kOfxStatErrFatal;
-    try {
-        status = entry_(name, handle(), inArgs ? inArgs->handle() : nullptr, nullptr);
-    } catch (...) {
-        host.badCall("an exception left the overlay", status);
-    }
-    host.behaviour().actionSent(name ? name : "", handle(), status);
-    return status;
+    return instance_.host().send(entry_, name, handle(), inArgs ? inArgs->handle() : nullptr,
+                                 nullptr);
 }
 
 OfxStatus Interact::send(const char* name, Extra extra, const Pen& pen, const Key& key)

@@ -3,6 +3,7 @@
 #include "host/EmbeddedHost.h"
 #include "host/Instance.h"
 #include "host/Interact.h"
+#include "host/SuiteGuard.h"
 #include "host/Suites.h"
 
 namespace Tesseret::Host {
@@ -53,7 +54,8 @@ OfxStatus getPropertySet(OfxInteractHandle handle, OfxPropertySetHandle* propert
 
 const OfxInteractSuiteV1& interactSuite()
 {
-    static constexpr OfxInteractSuiteV1 kSuite{&swapBuffers, &redraw, &getPropertySet};
+    static constexpr OfxInteractSuiteV1 kSuite{kGuarded<&swapBuffers>, kGuarded<&redraw>,
+                                               kGuarded<&getPropertySet>};
     return kSuite;
 }
 

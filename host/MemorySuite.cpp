@@ -9,6 +9,7 @@
 #include <unordered_map>
 
 #include "host/EmbeddedHost.h"
+#include "host/SuiteGuard.h"
 #include "host/Suites.h"
 
 namespace Tesseret::Host {
@@ -67,7 +68,7 @@ OfxStatus memoryFree(void* data)
 
 const OfxMemorySuiteV1& memorySuite()
 {
-    static constexpr OfxMemorySuiteV1 kSuite{&memoryAlloc, &memoryFree};
+    static constexpr OfxMemorySuiteV1 kSuite{kGuarded<&memoryAlloc>, kGuarded<&memoryFree>};
     return kSuite;
 }
 

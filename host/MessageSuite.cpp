@@ -6,6 +6,7 @@
 
 #include "host/EffectObject.h"
 #include "host/EmbeddedHost.h"
+#include "host/SuiteGuard.h"
 #include "host/Suites.h"
 
 namespace Tesseret::Host {
@@ -27,7 +28,8 @@ std::string formatted(const char* format, std::va_list arguments)
     return text;
 }
 
-OfxStatus message(void* handle, const char* type, const char* id, const char* format, ...)
+OfxStatus post(void* handle, const char* type, const char* id, const char* format,
+               std::va_list arguments)
 {
     auto* const effect = static_cast<EffectObject*>(findObject(HandleKind::Effect, handle));
     EmbeddedHost* const host = effect ? &effect->host() : EmbeddedHost::current();
@@ -35,13 +37,17 @@ OfxStatus message(void* handle, const char* type, const char* id, const char* fo
     if (handle && !effect) return host->badCall("message: no such effect", kOfxStatErrBadHandle);
     if (!type) return host->badCall("message: a null type", kOfxStatErrValue);
     Message posted{type, id ? id : "", "", effect ? effect->instance() : nullptr};
-    if (format) {
-        std::va_list arguments;
-        va_start(arguments, format);
-        posted.text = formatted(format, arguments);
-        va_end(arguments);
-    }
+    if (format) posted.text = formatted(format, arguments);
     return host->post(posted);
+}
+
+OfxStatus message(void* handle, const char* type, const char* id, const char* format, ...)
+{
+    std::va_list arguments;
+    va_start(arguments, format);
+    const OfxStatus status = guarded([&] { return post(handle, type, id, format, arguments); });
+    va_end(arguments);
+    return status;
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include "host/EmbeddedHost.h"
 #include "host/HandleOwner.h"
+#include "host/SuiteGuard.h"
 #include "host/Suites.h"
 #include "host/ThreadPool.h"
 
@@ -157,15 +158,15 @@ OfxStatus mutexTryLock(OfxMutexHandle handle)
 const OfxMultiThreadSuiteV1& multiThreadSuite()
 {
     static constexpr OfxMultiThreadSuiteV1 kSuite{
-        .multiThread = &multiThread,
-        .multiThreadNumCPUs = &multiThreadNumCPUs,
-        .multiThreadIndex = &multiThreadIndex,
+        .multiThread = kGuarded<&multiThread>,
+        .multiThreadNumCPUs = kGuarded<&multiThreadNumCPUs>,
+        .multiThreadIndex = kGuarded<&multiThreadIndex>,
         .multiThreadIsSpawnedThread = &multiThreadIsSpawnedThread,
-        .mutexCreate = &mutexCreate,
-        .mutexDestroy = &mutexDestroy,
-        .mutexLock = &mutexLock,
-        .mutexUnLock = &mutexUnLock,
-        .mutexTryLock = &mutexTryLock,
+        .mutexCreate = kGuarded<&mutexCreate>,
+        .mutexDestroy = kGuarded<&mutexDestroy>,
+        .mutexLock = kGuarded<&mutexLock>,
+        .mutexUnLock = kGuarded<&mutexUnLock>,
+        .mutexTryLock = kGuarded<&mutexTryLock>,
     };
     return kSuite;
 }

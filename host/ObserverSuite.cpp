@@ -2,6 +2,7 @@
 
 #include "host/EffectObject.h"
 #include "host/EmbeddedHost.h"
+#include "host/SuiteGuard.h"
 #include "host/Suites.h"
 
 namespace Tesseret::Host {
@@ -12,12 +13,14 @@ namespace {
 template <typename Tell>
 void forward(OfxImageEffectHandle handle, Tell tell)
 {
-    auto* const effect = static_cast<EffectObject*>(findObject(HandleKind::Effect, handle));
-    if (!effect || !effect->instance()) {
-        badCall("observer suite: no such instance", kOfxStatErrBadHandle);
-    } else if (RenderListener* const listener = effect->host().listener()) {
-        tell(*listener, *effect->instance());
-    }
+    guarded([&] {
+        auto* const effect = static_cast<EffectObject*>(findObject(HandleKind::Effect, handle));
+        if (!effect || !effect->instance()) {
+            badCall("observer suite: no such instance", kOfxStatErrBadHandle);
+        } else if (RenderListener* const listener = effect->host().listener()) {
+            tell(*listener, *effect->instance());
+        }
+    });
 }
 
 std::string_view textOf(const char* text)

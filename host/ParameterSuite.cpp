@@ -9,6 +9,7 @@
 #include "host/EffectObject.h"
 #include "host/EmbeddedHost.h"
 #include "host/Instance.h"
+#include "host/SuiteGuard.h"
 #include "host/Suites.h"
 
 namespace Tesseret::Host {
@@ -201,74 +202,84 @@ OfxStatus storeValue(Parameter& parameter, Arguments& arguments, const OfxTime* 
     return kOfxStatOK;
 }
 
+/// What a function makes of a parameter and the arguments after the last named one.
+template <typename Work>
+OfxStatus withParameter(const char* function, OfxParamHandle handle, Work work)
+{
+    return guarded([&] {
+        Parameter* const parameter = findParameter(handle);
+        return parameter ? work(*parameter) : noHandle(function);
+    });
+}
+
 OfxStatus paramGetValue(OfxParamHandle handle, ...)
 {
-    Parameter* const parameter = findParameter(handle);
-    if (!parameter) return noHandle("paramGetValue");
     Arguments arguments;
     va_start(arguments.list, handle);
-    const Instance* const instance = parameter->owner().instance();
-    const OfxStatus status =
-        give(*parameter, arguments, parameter->valueAt(instance ? instance->currentTime() : 0.0));
+    const OfxStatus status = withParameter("paramGetValue", handle, [&](Parameter& parameter) {
+        const Instance* const instance = parameter.owner().instance();
+        const OfxTime time = instance ? instance->currentTime() : 0.0;
+        return give(parameter, arguments, parameter.valueAt(time));
+    });
     va_end(arguments.list);
     return status;
 }
 
 OfxStatus paramGetValueAtTime(OfxParamHandle handle, OfxTime time, ...)
 {
-    Parameter* const parameter = findParameter(handle);
-    if (!parameter) return noHandle("paramGetValueAtTime");
     Arguments arguments;
     va_start(arguments.list, time);
-    const OfxStatus status = give(*parameter, arguments, parameter->valueAt(time));
+    const OfxStatus status = withParameter(
+        "paramGetValueAtTime", handle,
+        [&](Parameter& parameter) { return give(parameter, arguments, parameter.valueAt(time)); });
     va_end(arguments.list);
     return status;
 }
 
 OfxStatus paramGetDerivative(OfxParamHandle handle, OfxTime time, ...)
 {
-    Parameter* const parameter = findParameter(handle);
-    if (!parameter) return noHandle("paramGetDerivative");
-    std::vector<double> result;
-    if (!parameter->derivative(time, result)) return kOfxStatErrUnsupported;
     Arguments arguments;
     va_start(arguments.list, time);
-    const OfxStatus status = give(*parameter, arguments, result);
+    const OfxStatus status = withParameter("paramGetDerivative", handle, [&](Parameter& parameter) {
+        std::vector<double> result;
+        return parameter.derivative(time, result) ? give(parameter, arguments, result)
+                                                  : kOfxStatErrUnsupported;
+    });
     va_end(arguments.list);
     return status;
 }
 
 OfxStatus paramGetIntegral(OfxParamHandle handle, OfxTime time1, OfxTime time2, ...)
 {
-    Parameter* const parameter = findParameter(handle);
-    if (!parameter) return noHandle("paramGetIntegral");
-    std::vector<double> result;
-    if (!parameter->integral(time1, time2, result)) return kOfxStatErrUnsupported;
     Arguments arguments;
     va_start(arguments.list, time2);
-    const OfxStatus status = give(*parameter, arguments, result);
+    const OfxStatus status = withParameter("paramGetIntegral", handle, [&](Parameter& parameter) {
+        std::vector<double> result;
+        return parameter.integral(time1, time2, result) ? give(parameter, arguments, result)
+                                                        : kOfxStatErrUnsupported;
+    });
     va_end(arguments.list);
     return status;
 }
 
 OfxStatus paramSetValue(OfxParamHandle handle, ...)
 {
-    Parameter* const parameter = findParameter(handle);
-    if (!parameter) return noHandle("paramSetValue");
     Arguments arguments;
     va_start(arguments.list, handle);
-    const OfxStatus status = storeValue(*parameter, arguments, nullptr);
+    const OfxStatus status = withParameter("paramSetValue", handle, [&](Parameter& parameter) {
+        return storeValue(parameter, arguments, nullptr);
+    });
     va_end(arguments.list);
     return status;
 }
 
 OfxStatus paramSetValueAtTime(OfxParamHandle handle, OfxTime time, ...)
 {
-    Parameter* const parameter = findParameter(handle);
-    if (!parameter) return noHandle("paramSetValueAtTime");
     Arguments arguments;
     va_start(arguments.list, time);
-    const OfxStatus status = storeValue(*parameter, arguments, &time);
+    const OfxStatus status = withParameter(
+        "paramSetValueAtTime", handle,
+        [&](Parameter& parameter) { return storeValue(parameter, arguments, &time); });
     va_end(arguments.list);
     return status;
 }
@@ -373,24 +384,24 @@ OfxStatus paramEditEnd(OfxParamSetHandle handle)
 const OfxParameterSuiteV1& parameterSuite()
 {
     static constexpr OfxParameterSuiteV1 kSuite{
-        .paramDefine = &paramDefine,
-        .paramGetHandle = &paramGetHandle,
-        .paramSetGetPropertySet = &paramSetGetPropertySet,
-        .paramGetPropertySet = &paramGetPropertySet,
+        .paramDefine = kGuarded<&paramDefine>,
+        .paramGetHandle = kGuarded<&paramGetHandle>,
+        .paramSetGetPropertySet = kGuarded<&paramSetGetPropertySet>,
+        .paramGetPropertySet = kGuarded<&paramGetPropertySet>,
         .paramGetValue = &paramGetValue,
         .paramGetValueAtTime = &paramGetValueAtTime,
         .paramGetDerivative = &paramGetDerivative,
         .paramGetIntegral = &paramGetIntegral,
         .paramSetValue = &paramSetValue,
         .paramSetValueAtTime = &paramSetValueAtTime,
-        .paramGetNumKeys = &paramGetNumKeys,
-        .paramGetKeyTime = &paramGetKeyTime,
-        .paramGetKeyIndex = &paramGetKeyIndex,
-        .paramDeleteKey = &paramDeleteKey,
-        .paramDeleteAllKeys = &paramDeleteAllKeys,
-        .paramCopy = &paramCopy,
-        .paramEditBegin = &paramEditBegin,
-        .paramEditEnd = &paramEditEnd,
+        .paramGetNumKeys = kGuarded<&paramGetNumKeys>,
+        .paramGetKeyTime = kGuarded<&paramGetKeyTime>,
+        .paramGetKeyIndex = kGuarded<&paramGetKeyIndex>,
+        .paramDeleteKey = kGuarded<&paramDeleteKey>,
+        .paramDeleteAllKeys = kGuarded<&paramDeleteAllKeys>,
+        .paramCopy = kGuarded<&paramCopy>,
+        .paramEditBegin = kGuarded<&paramEditBegin>,
+        .paramEditEnd = kGuarded<&paramEditEnd>,
     };
     return kSuite;
 }

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "host/EmbeddedHost.h"
+#include "host/SuiteGuard.h"
 #include "host/Suites.h"
 
 namespace Tesseret::Host {
@@ -134,24 +135,24 @@ OfxStatus propGetDimension(OfxPropertySetHandle handle, const char* property, in
 const OfxPropertySuiteV1& propertySuite()
 {
     static constexpr OfxPropertySuiteV1 kSuite{
-        .propSetPointer = &setOne<void*>,
-        .propSetString = &setOne<const char*>,
-        .propSetDouble = &setOne<double>,
-        .propSetInt = &setOne<int>,
-        .propSetPointerN = &setMany<void*>,
-        .propSetStringN = &setMany<const char*>,
-        .propSetDoubleN = &setMany<double>,
-        .propSetIntN = &setMany<int>,
-        .propGetPointer = &getOne<void*>,
-        .propGetString = &getOne<char*>,
-        .propGetDouble = &getOne<double>,
-        .propGetInt = &getOne<int>,
-        .propGetPointerN = &getMany<void*>,
-        .propGetStringN = &getMany<char*>,
-        .propGetDoubleN = &getMany<double>,
-        .propGetIntN = &getMany<int>,
-        .propReset = &propReset,
-        .propGetDimension = &propGetDimension,
+        .propSetPointer = kGuarded<&setOne<void*>>,
+        .propSetString = kGuarded<&setOne<const char*>>,
+        .propSetDouble = kGuarded<&setOne<double>>,
+        .propSetInt = kGuarded<&setOne<int>>,
+        .propSetPointerN = kGuarded<&setMany<void*>>,
+        .propSetStringN = kGuarded<&setMany<const char*>>,
+        .propSetDoubleN = kGuarded<&setMany<double>>,
+        .propSetIntN = kGuarded<&setMany<int>>,
+        .propGetPointer = kGuarded<&getOne<void*>>,
+        .propGetString = kGuarded<&getOne<char*>>,
+        .propGetDouble = kGuarded<&getOne<double>>,
+        .propGetInt = kGuarded<&getOne<int>>,
+        .propGetPointerN = kGuarded<&getMany<void*>>,
+        .propGetStringN = kGuarded<&getMany<char*>>,
+        .propGetDoubleN = kGuarded<&getMany<double>>,
+        .propGetIntN = kGuarded<&getMany<int>>,
+        .propReset = kGuarded<&propReset>,
+        .propGetDimension = kGuarded<&propGetDimension>,
     };
     return kSuite;
 }

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "host/EmbeddedHost.h"
+#include "host/SuiteGuard.h"
 
 namespace Tesseret::Host {
 
@@ -92,7 +94,14 @@ bool ThreadPool::run(OfxThreadFunctionV1* function, unsigned int calls, void* ar
             unfinished_.wait(left, std::memory_order_acquire);
         }
     }
+    holdBack(takeHeld());
     return !failed_.load(std::memory_order_relaxed);
+}
+
+std::exception_ptr ThreadPool::takeHeld()
+{
+    const std::lock_guard lock(heldMutex_);
+    return std::exchange(held_, nullptr);
 }
 
 bool ThreadPool::runAlone(OfxThreadFunctionV1* function, unsigned int calls, void* argument)
@@ -143,8 +152,13 @@ bool ThreadPool::takeCall(unsigned int& index)
 
 void ThreadPool::callOne(unsigned int index)
 {
+    HeldException held;
     if (!callGuarded(function_, index, calls_, argument_)) {
         failed_.store(true, std::memory_order_relaxed);
+    }
+    if (std::exception_ptr exception = held.take()) {
+        const std::lock_guard lock(heldMutex_);
+        if (!held_) held_ = std::move(exception);
     }
     if (unfinished_.fetch_sub(1, std::memory_order_acq_rel) == 1) unfinished_.notify_all();
 }

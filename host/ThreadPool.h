@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -29,7 +30,8 @@ public:
 
     /// Calls function(index, calls, argument) once for every index below `calls` and returns when
     /// all calls have returned; false when one of them threw. The calling thread takes index 0.
-    /// While another thread's pass runs, all calls are made in a row on the calling thread.
+    /// While another thread's pass runs, all calls are made in a row on the calling thread. What
+    /// was held back in a call on any thread is held back on the calling one.
     bool run(OfxThreadFunctionV1* function, unsigned int calls, void* argument);
 
     /// What the calling thread is inside a call of `run`.
@@ -41,6 +43,7 @@ private:
     void work();
     bool waitForCalls();
     void callOne(unsigned int index);
+    std::exception_ptr takeHeld();
     bool takeCall(unsigned int& index);
     bool runAlone(OfxThreadFunctionV1* function, unsigned int calls, void* argument);
 
@@ -55,6 +58,8 @@ private:
     unsigned int calls_ = 0;
     void* argument_ = nullptr;
     std::atomic<bool> failed_{false};
+    std::mutex heldMutex_;
+    std::exception_ptr held_;  ///< the first exception held back in a call; guarded by heldMutex_
 
     std::atomic<std::uint32_t> untaken_{0};     ///< calls that no thread has taken yet
     std::atomic<std::uint32_t> unfinished_{0};  ///< calls that have not returned
