@@ -1,6 +1,7 @@
 /// The program `tesseret`: understands the command line, runs the subcommand, and turns every
 /// failure into a line and an exit code.
 
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <stdexcept>
@@ -66,6 +67,7 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error like a full disk
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {

@@ -21,6 +21,7 @@ struct FileFormat {
     std::string_view extensions;  ///< with dots, each followed by a blank
     Windows windows;
     bool alpha, greyAlpha, extraChannels, orientation;
+    bool needsNamedFile = false;  ///< its library loses metadata where it cannot open what it wrote
 };
 
 /// By the name's extension, in any case. Throws `FileError` that lists the known ones.

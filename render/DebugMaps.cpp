@@ -59,8 +59,9 @@ void DebugMaps::begin(const JobInputs& inputs)
     }
 }
 
-void DebugMaps::finish() const
+void DebugMaps::finish()
 {
+    removeUnmade();
     if (!failure_.empty()) throw RenderFailure(failure_);
 }
 
@@ -77,14 +78,23 @@ void DebugMaps::areaBegan(std::size_t area, std::size_t count)
     if (count > 1) startPictures(framePrefix_ + "area" + std::to_string(area + 1) + "_");
 }
 
-/// What this render does not make must not be there from an earlier one.
 void DebugMaps::startPictures(std::string prefix)
 {
+    removeUnmade();
     prefix_ = std::move(prefix);
+    hasBegun_ = true;
+    made_.clear();
     pictures_.restart();
+}
+
+/// What this render does not make must not be there from an earlier one; but where it could not
+/// make one, the earlier one stands.
+void DebugMaps::removeUnmade() const
+{
+    if (!hasBegun_ || !failure_.empty()) return;
     for (const std::string_view name : FillPictures::kAll) {
         std::error_code ignored;
-        fs::remove(file(name), ignored);
+        if (!made_.contains(name)) fs::remove(file(name), ignored);
     }
 }
 
@@ -127,9 +137,10 @@ void DebugMaps::guarded(const std::function<void()>& work)
     }
 }
 
-void DebugMaps::write(const FillPicture& made) const
+void DebugMaps::write(const FillPicture& made)
 {
     Files::writeNewPicture(file(made.name), *made.picture, made.isColour);
+    made_.insert(made.name);
 }
 
 fs::path DebugMaps::file(std::string_view map) const

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -12,7 +13,8 @@ namespace Tesseret::Render {
 
 /// Writes what the stages of a fill made into a folder, one PNG for each map and one for the
 /// boundary path: "fill-mask.png" and so on, after "0005_" for frame 5 of a sequence and "area2_"
-/// for the second of several areas. Pictures of an earlier render by the same names are removed.
+/// for the second of several areas. Pictures of an earlier render by the same names are replaced,
+/// or removed where this one makes none.
 class DebugMaps final : public JobListener {
 public:
     /// `told` gets a message with the numbers that a picture alone does not say; it outlives this.
@@ -23,7 +25,7 @@ public:
     /// reads or writes.
     void begin(const JobInputs& inputs);
     /// After the last frame. Throws `RenderFailure` when a picture could not be written.
-    void finish() const;
+    void finish();
 
     void frameBegan(int frame) override;
     void areaBegan(std::size_t area, std::size_t count) override;
@@ -35,13 +37,16 @@ private:
     void guarded(const std::function<void()>& work);
     void startPictures(std::string prefix);
     void tellGain(const TesseretMapV1& map);
-    void write(const FillPicture& made) const;
+    void removeUnmade() const;
+    void write(const FillPicture& made);
     std::filesystem::path file(std::string_view map) const;
 
     std::filesystem::path folder_;
     JobListener& told_;
     bool isSequence_ = false;
     std::string framePrefix_, prefix_;
+    bool hasBegun_ = false;
+    std::set<std::string_view> made_;  ///< of the fill that runs
     FillPictures pictures_;
     std::string failure_;  ///< the first one; empty while there is none
 };

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "effect/ParameterNames.h"
-#include "files/PartFile.h"
 #include "files/PictureReader.h"
 #include "files/SequencePattern.h"
+#include "files/WholeFile.h"
 #include "render/RenderSettings.h"
 
 namespace Tesseret::Render {

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <fstream>
+#include <span>
 
 #include <nlohmann/json.hpp>
 
 #include "files/FileError.h"
-#include "files/PartFile.h"
+#include "files/WholeFile.h"
 #include "render/JobError.h"
 #include "render/PluginSession.h"
 #include "render/TextList.h"
@@ -156,12 +157,8 @@ void saveParameters(const fs::path& file, const std::string& plugin,
     const Json json{{kPlugin, plugin},
                     {kContext, shortContextName(description.context)},
                     {kParameters, std::move(parameters)}};
-    Files::PartFile part(file);
-    std::ofstream stream(part.path(), std::ios::binary);
-    stream << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
-    stream.close();
-    if (!stream) throw FileError(file, "cannot be written");
-    part.keep();
+    const std::string text = json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+    Files::writeWhole(file, std::as_bytes(std::span(text)));
 }
 
 }  // namespace Tesseret::Render

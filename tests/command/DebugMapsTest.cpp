@@ -117,6 +117,25 @@ TEST_F(DebugMapsTest, OfASequenceBearTheFrame)
     }
 }
 
+TEST_F(DebugMapsTest, OfAFullDiskAreThoseOfBefore)
+{
+    const CommandRun::Arguments arguments{"render",        "-s",      in("a.png"),    "-m",
+                                          in("matte.png"), "-o",      in("out.png"),  "--quiet",
+                                          "--window",      "0,0,4,4", "--debug-maps", in("maps")};
+    ASSERT_EQ(run(arguments).code, 0);
+    ASSERT_LT(fs::file_size(in("out.png")), 1000u);
+    ASSERT_GT(fs::file_size(in("maps/blocks.png")), 1000u);
+    const LoadedPicture before = load(in("maps/blocks.png"));
+    CommandRun::Arguments others = arguments;
+    others.emplace_back("seed=2");
+    const Outcome full = run(others, 1000);
+    EXPECT_EQ(full.code, 1);
+    EXPECT_THAT(full.err, ContainsRegex("^tesseret: .*/maps/.*png: cannot be written: .*\n$"));
+    EXPECT_EQ(load(in("maps/blocks.png")), before);
+    EXPECT_EQ(namesIn("maps").size(), 5u);
+    EXPECT_EQ(load(in("out.png")).width, 4);
+}
+
 TEST_F(DebugMapsTest, RefuseAFolderThatCannotServe)
 {
     fs::create_directory(in("maps"));

@@ -244,11 +244,24 @@ TEST_F(RenderTest, FailedRendersExitWithOneAndLeaveNothing)
     const Outcome failed = render("a.png", "out.png", {"--plugin", FAILING_PLUGIN});
     EXPECT_EQ(failed.code, 1);
     EXPECT_THAT(failed.err, AllOf(HasSubstr("the render failed"), HasSubstr("lens is cracked")));
-
-    const Outcome full = run({"render", "-s", in("a.png"), "-o", in("out.tif")}, 1000);
-    EXPECT_EQ(full.code, 1);
-    EXPECT_THAT(full.err, AllOf(HasSubstr(in("out.tif")), HasSubstr("written")));
     EXPECT_THAT(names(), UnorderedElementsAre("a.png"));
+}
+
+TEST_F(RenderTest, AFullDiskLeavesTheResultOfBefore)
+{
+    paint(in("a.png"), 64, 64, noise(1));
+    for (const char* name : {"out.png", "out.jpg", "out.tif", "out.dpx", "out.exr"}) {
+        SCOPED_TRACE(name);
+        ASSERT_EQ(render("a.png", name).code, 0);
+        const std::string before = contents(in(name));
+        const Outcome full =
+            run({"render", "-s", in("a.png"), "-o", in(name), "seed=2", "--quiet"}, 1000);
+        EXPECT_EQ(full.code, 1);
+        EXPECT_EQ(full.err, "tesseret: " + in(name) + ": cannot be written: File too large\n");
+        EXPECT_EQ(contents(in(name)), before);
+        EXPECT_THAT(names(), UnorderedElementsAre("a.png", name));
+        fs::remove(in(name));
+    }
 }
 
 TEST_F(RenderTest, NeverWritesOverWhatItReads)

@@ -3,6 +3,7 @@
 #include "files/FileError.h"
 #include "host/HostError.h"
 #include "render/JobError.h"
+#include "tests/fixtures/FileSizeLimit.h"
 #include "tests/viewer/SessionFixture.h"
 #include "viewer/model/ViewSession.h"
 
@@ -125,6 +126,25 @@ TEST_F(ViewSessionTest, SavesWhatTheCommandWouldRender)
     EXPECT_FALSE(session.hasFullResult());
     EXPECT_THROW(session.saveResult(in("a.png")), Render::UsageError);
     EXPECT_THROW(session.saveResult(in("none/o.png")), Files::FileError);
+}
+
+TEST_F(ViewSessionTest, AFullDiskLosesNoEdit)
+{
+    ViewSession session(settings("m.png"));
+    session.set("seed", 5);
+    session.saveResult(in("o.jpg"));
+    session.saveParameters(in("p.json"));
+    const Fixtures::LoadedPicture before = load(in("o.jpg"));
+    session.set("seed", 6);
+    {
+        const Fixtures::FileSizeLimit limit(64);
+        EXPECT_THROW(session.saveResult(in("o.jpg")), Files::FileError);
+        EXPECT_THROW(session.saveParameters(in("p.json")), Files::FileError);
+    }
+    EXPECT_EQ(load(in("o.jpg")), before);
+    EXPECT_EQ(session.value("seed"), ParameterValue(6));
+    session.loadParameters(in("p.json"));
+    EXPECT_EQ(session.value("seed"), ParameterValue(5));
 }
 
 TEST_F(ViewSessionTest, ButtonsSayTheirMessage)
