@@ -9,9 +9,6 @@ using OIIO::TypeDesc;
 
 namespace {
 
-constexpr int kJpegQuality = 95;
-constexpr int kPngAverageFilter = 0x40;
-
 bool isSame(const OfxRectI& a, const OfxRectI& b)
 {
     return a.x1 == b.x1 && a.y1 == b.y1 && a.x2 == b.x2 && a.y2 == b.y2;
@@ -21,16 +18,6 @@ bool isInside(const OfxRectI& inner, const OfxRectI& outer)
 {
     return inner.x1 >= outer.x1 && inner.y1 >= outer.y1 && inner.x2 <= outer.x2 &&
            inner.y2 <= outer.y2;
-}
-
-TypeDesc storableType(const FileFormat& format, const TypeDesc& wanted)
-{
-    const bool isDeep = depthOf(wanted) == Depth::Float;
-    if (format.name == "jpeg") return OIIO::TypeUInt8;
-    if (format.name == "png" || format.name == "dpx") return isDeep ? OIIO::TypeUInt16 : wanted;
-    if (format.name == "openexr" && wanted != OIIO::TypeFloat) return OIIO::TypeHalf;
-    if (format.name == "tiff" && wanted == OIIO::TypeHalf) return OIIO::TypeFloat;
-    return wanted;
 }
 
 void chooseChannels(OutputSpec& out, const FileFormat& format, const FileRecord& record,
@@ -74,7 +61,7 @@ void keepExtraChannels(OutputSpec& out, const FileFormat& format, const FileReco
     if (record.extra.empty()) return;
     const TypeDesc type = out.spec.format;
     const bool typesFit =
-        format.name == "openexr" ||
+        format.mixedTypes ||
         std::ranges::all_of(record.extra, [type](const auto& extra) { return extra.type == type; });
     const std::size_t kept = out.channels.size() + record.extra.size();
     const bool sameChannels = kept == static_cast<std::size_t>(record.spec.nchannels);
@@ -127,9 +114,9 @@ void cleanMetadata(OutputSpec& out, const FileFormat& format, const FileRecord& 
         spec.erase_attribute(stale);
     }
     const bool sameFormat = record.format == &format;
-    for (const char* own : {"^tiff:.*", "^png:.*", "^jpeg:.*", "^dpx:.*", "^openexr:.*"}) {
-        const bool keep = sameFormat && own != std::string_view("^tiff:.*");
-        if (!keep) spec.erase_attribute(own);
+    for (const FileFormat& other : fileFormats()) {
+        if (sameFormat && other.keepsAttributes) continue;
+        spec.erase_attribute(std::string("^").append(other.attributes).append(".*"));
     }
     if (!sameFormat) spec.erase_attribute("compression");
 
@@ -138,51 +125,16 @@ void cleanMetadata(OutputSpec& out, const FileFormat& format, const FileRecord& 
     if (!sameFormat || bits > typeBits || bits <= typeBits / 2) {
         spec.erase_attribute("oiio:BitsPerSample");
     }
-    if (format.name == "png") spec.attribute("oiio:UnassociatedAlpha", 1);
-    if (format.name == "openexr") spec.erase_attribute("oiio:UnassociatedAlpha");
     if (spec.get_int_attribute("Orientation", 1) > 1 && !sameFormat && !format.orientation) {
         spec.erase_attribute("Orientation");
         out.losses.emplace_back("orientation mark");
     }
 }
 
-/// TIFF keeps windows in units of the resolution, which has to be fine enough; JPEG keeps the
-/// aspect ratio as two resolutions, which OpenImageIO takes the other way round.
-void setResolution(OIIO::ImageSpec& spec, const FileFormat& format)
-{
-    constexpr float kDotsPerInch = 72.0f;
-    const float aspect = spec.get_float_attribute("PixelAspectRatio", 1.0f);
-    const float given = spec.get_float_attribute("XResolution");
-    const float x = given > 0.0f ? given : kDotsPerInch;
-    const bool isJpeg = format.name == "jpeg";
-    if (!isJpeg && (format.name != "tiff" || given > 0.0f)) return;
-    spec.attribute("XResolution", x);
-    spec.attribute("YResolution", x * aspect);
-    if (isJpeg) spec.attribute("PixelAspectRatio", 1.0f / aspect);
-}
-
 void setCompression(OIIO::ImageSpec& spec, const FileFormat& format, const std::string& text)
 {
-    const Compression chosen = text.empty() ? Compression{} : parseCompression(format, text);
-    if (format.name == "png" && chosen.level) {
-        spec.attribute("png:compressionLevel", *chosen.level);
-    } else if (format.name == "png") {
-        // Run lengths over the average filter: on photographs a sixth of the time of zlib's usual
-        // level for a file 7 % larger, and smaller than level 1.
-        spec.attribute("png:compressionLevel", 1);
-        spec.attribute("png:filter", kPngAverageFilter);
-        spec.attribute("compression", "rle");
-    } else if (format.name == "jpeg") {
-        spec.erase_attribute("compression");
-        spec.attribute("CompressionQuality", chosen.level.value_or(kJpegQuality));
-        if (!spec.find_attribute("jpeg:subsampling")) spec.attribute("jpeg:subsampling", "4:4:4");
-    } else if (!chosen.method.empty()) {
-        std::string method = chosen.method;
-        if (chosen.level) method.append(1, ':').append(std::to_string(*chosen.level));
-        spec.attribute("compression", method);
-    } else if (!spec.find_attribute("compression")) {
-        spec.attribute("compression", format.name == "tiff" ? "lzw" : "zip");
-    }
+    if (format.setCompression == nullptr) return;
+    format.setCompression(spec, text.empty() ? Compression{} : parseCompression(format, text));
 }
 
 }  // namespace
@@ -196,14 +148,14 @@ OutputSpec makeOutputSpec(const FileFormat& format, const FileRecord& record, De
     const int first = record.places.red >= 0 ? record.places.red : record.places.alpha;
     const TypeDesc wanted =
         depth == record.depth ? record.spec.channelformat(first) : typeOf(depth);
-    out.spec.set_format(storableType(format, wanted));
+    out.spec.set_format(format.storedType(wanted));
     out.depth = depthOf(out.spec.format);
     chooseChannels(out, format, record, asColour);
     nameChannels(out.spec, out.channels, record);
     placeWindows(out, format, record, bounds, displayWindow);
     keepExtraChannels(out, format, record);
     cleanMetadata(out, format, record);
-    setResolution(out.spec, format);
+    if (format.adaptToWrite != nullptr) format.adaptToWrite(out.spec);
     setCompression(out.spec, format, compression);
     return out;
 }

@@ -8,7 +8,6 @@
 
 #include "files/FileError.h"
 #include "files/FileRecord.h"
-#include "files/PngCheck.h"
 
 namespace Tesseret::Files {
 
@@ -34,23 +33,14 @@ struct OpenFile {
     OIIO::ImageSpec spec;
 };
 
-/// JPEG densities are dots per unit, so a pixel is wide where they are few; OpenImageIO has it the
-/// other way round.
-void correctAspect(const FileFormat& format, OIIO::ImageSpec& spec)
-{
-    if (format.name != "jpeg") return;
-    const float x = spec.get_float_attribute("XResolution");
-    const float y = spec.get_float_attribute("YResolution");
-    if (x > 0.0f && y > 0.0f) spec.attribute("PixelAspectRatio", y / x);
-}
-
 OpenFile open(const std::filesystem::path& file)
 {
     OpenFile opened{file, &formatByContent(file), nullptr, {}};
-    if (opened.format->name == "png" && !isWholePng(file)) failDamaged(file, "");
-    opened.input = OIIO::ImageInput::create(std::string(opened.format->name));
+    const FileFormat& format = *opened.format;
+    if (format.isWhole != nullptr && !format.isWhole(file)) failDamaged(file, "");
+    opened.input = OIIO::ImageInput::create(std::string(format.name));
     if (!opened.input) {
-        throw FileError(file, "this OpenImageIO cannot read " + std::string(opened.format->label));
+        throw FileError(file, "this OpenImageIO cannot read " + std::string(format.label));
     }
     OIIO::ImageSpec asStored;
     asStored.attribute("oiio:UnassociatedAlpha", 1);
@@ -66,7 +56,7 @@ OpenFile open(const std::filesystem::path& file)
         throw FileError(file, "is too large: " + std::to_string(spec.width) + " x " +
                                   std::to_string(spec.height) + " pixels");
     }
-    correctAspect(*opened.format, opened.spec);
+    if (format.correctRead != nullptr) format.correctRead(opened.spec);
     return opened;
 }
 
@@ -164,15 +154,13 @@ bool readExtra(OpenFile& opened, const ChannelPlaces& places, std::vector<ExtraC
     return true;
 }
 
-/// Ends the reading. Where a file is cut short, JPEG and TIFF fill in grey and only leave a
-/// message; but JPEG has messages for harmless faults too.
+/// Ends the reading. A library may fill in where a file is cut short, and only leave a message.
 void checkRead(OpenFile& opened, bool read, std::vector<std::string>& warnings)
 {
     const std::string message = firstLine(opened.input->geterror());
     if (read && message.empty()) return;
-    const bool isHarmless =
-        read && opened.format->name == "jpeg" && message.find("Premature end") == std::string::npos;
-    if (!isHarmless) failDamaged(opened.file, message);
+    const auto isHarmless = opened.format->isHarmless;
+    if (!read || isHarmless == nullptr || !isHarmless(message)) failDamaged(opened.file, message);
     warnings.push_back(opened.file.string() + ": " + message);
 }
 
