@@ -32,6 +32,24 @@ OfxRectI scaledBox(const OfxRectI& box, OfxPointD scale)
     return toPixels({double(box.x1), double(box.y1), double(box.x2), double(box.y2)}, scale, 1.0);
 }
 
+OfxRectI unionOf(const OfxRectI& a, const OfxRectI& b)
+{
+    return {std::min(a.x1, b.x1), std::min(a.y1, b.y1), std::max(a.x2, b.x2), std::max(a.y2, b.y2)};
+}
+
+struct Span {
+    int first, end;
+};
+
+/// The part of a range that a longer one reaches into; of one that lies beside it the nearest
+/// pixel, as the plug-in does it.
+Span clampedInto(const Span& range, double first, double end)
+{
+    const double last = range.end - 1;
+    return {static_cast<int>(std::clamp(first, double(range.first), last)),
+            static_cast<int>(std::clamp(end - 1.0, double(range.first), last)) + 1};
+}
+
 }  // namespace
 
 /// The instance that an abort has to reach while this object lives.
@@ -109,7 +127,7 @@ void FrameRenderer::fillAreas(const RenderRequest& request, const FramePictures&
     const std::size_t count = std::min(matte.areas.count(), everyArea_ ? matte.areas.count() : 1);
     remark(request, matte, count);
     followAreas(request, matte, count);
-    std::shared_ptr<const Picture> filled;  // what the areas before have made of the source
+    std::shared_ptr<Picture> filled;  // the source with what the areas before have made of it
     for (std::size_t area = 0; area < count; ++area) {
         if (isInterrupted()) throw Interrupted("interrupted");
         listener_.areaBegan(area, count);
@@ -120,15 +138,42 @@ void FrameRenderer::fillAreas(const RenderRequest& request, const FramePictures&
         FrameSource& source = *slot.clips.at(Names::kSource);
         if (filled) source.show(frameOf(request), filled, request.scale);
         showMatte(slot, request, matte, area);
-        renderOn(slot, request, output);
+        RenderRequest part = request;
+        part.window = areaWindow(request, matte, area);
+        Picture changed = output.copied(part.window, {});
+        renderOn(slot, part, changed);
+        output.paste(changed);
         if (area + 1 < count) {
-            Picture next = source.picture(request.time, request.scale)->copied();
-            next.paste(output);
-            filled = std::make_shared<const Picture>(std::move(next));
+            if (!filled) {
+                const auto unfilled = source.picture(request.time, request.scale);
+                filled = std::make_shared<Picture>(unfilled->copied());
+            }
+            filled->paste(changed);  // no render looks at it now
         }
         source.hide();  // instances that wait for the next frame hold no pictures
         slot.clips.at(Names::kMatte)->hide();
     }
+}
+
+/// The part of the window that filling an area can change; the rest of the picture stays as it is
+/// there and takes no time.
+OfxRectI FrameRenderer::areaWindow(const RenderRequest& request, const PreparedMatte& matte,
+                                   std::size_t area) const
+{
+    constexpr double kRounding = 4.0;
+    const std::optional<double> reach = setup_.fillReach();
+    if (!reach) return request.window;
+    OfxRectI box = cropsAreas_ ? matte.areas.box(area) : matte.areas.matte().bounds();
+    if (area < reached_.size()) box = unionOf(box, reached_[area]);
+    // A length is no more pixels than this, however they are scaled and shaped.
+    const double aspect = slots_.front().clips.at("Source")->format().pixelAspectRatio;
+    const double scale =
+        std::max({1.0, request.scale.x, request.scale.y}) * std::max(1.0, 1.0 / aspect);
+    const double margin = std::ceil(*reach * scale) + kRounding;
+    const OfxRectI& all = request.window;
+    const Span x = clampedInto({all.x1, all.x2}, box.x1 - margin, box.x2 + margin);
+    const Span y = clampedInto({all.y1, all.y2}, box.y1 - margin, box.y2 + margin);
+    return {x.first, y.first, x.end, y.end};
 }
 
 void FrameRenderer::showMatte(Slot& slot, const RenderRequest& request, const PreparedMatte& matte,
@@ -185,7 +230,10 @@ void FrameRenderer::followAreas(const RenderRequest& request, const PreparedMatt
     const bool areSame = std::ranges::equal(
         boxes, recorded_,
         [](const OfxRectI& a, const OfxRectI& b) { return !isEmpty(intersection(a, b)); });
-    if (areSame && frameOf(request) != 0) return;
+    if (areSame && frameOf(request) != 0) {
+        std::ranges::transform(reached_, boxes, reached_.begin(), unionOf);
+        return;
+    }
     if (!areSame && !recorded_.empty()) {
         for (Slot& slot : slots_) slot.instance->purgeCaches();
         if (!std::exchange(saidAreasChange_, true)) {
@@ -195,6 +243,7 @@ void FrameRenderer::followAreas(const RenderRequest& request, const PreparedMatt
         }
     }
     recorded_ = std::move(boxes);
+    reached_ = recorded_;
 }
 
 /// Only an instance that repeats blocks remembers anything of an area; else one does for all, of

@@ -43,6 +43,8 @@ private:
 
     void fillAreas(const Host::RenderRequest& request, const FramePictures& pictures,
                    const PreparedMatte& matte, Picture& output);
+    OfxRectI areaWindow(const Host::RenderRequest& request, const PreparedMatte& matte,
+                        std::size_t area) const;
     void showMatte(Slot& slot, const Host::RenderRequest& request, const PreparedMatte& matte,
                    std::size_t area) const;
     void renderOn(Slot& slot, const Host::RenderRequest& request, Picture& output);
@@ -58,6 +60,7 @@ private:
     std::deque<Slot> slots_;  ///< at least one
     std::optional<Sequence> sequence_;
     std::vector<OfxRectI> recorded_;  ///< boxes of the areas that the instances recorded blocks for
+    std::vector<OfxRectI> reached_;   ///< what these and the boxes of all frames since lie in
     bool saidNothingMasked_ = false, saidAreasChange_ = false;
     std::mutex mutex_;  ///< guards what follows
     bool isAborted_ = false;

@@ -7,6 +7,7 @@
 #include "host/HostError.h"
 #include "render/JobError.h"
 #include "render/ParameterFile.h"
+#include "render/PluginFinder.h"
 #include "render/SampleBox.h"
 
 namespace Tesseret::Render {
@@ -132,6 +133,24 @@ ParameterValues InstanceSetup::values() const
         all.emplace(parameter.name, valueOf(parameter.name, values_, description));
     }
     return all;
+}
+
+/// Of this plug-in. It fills a rectangle with five times path and blend on every side. Where it
+/// matches luminance it looks for the fill from the corner of the render window on, which has to
+/// stay where it is.
+std::optional<double> InstanceSetup::fillReach() const
+{
+    constexpr double kTimes = 5.0;
+    const Host::EffectDescription& effect = session_.effect().description();
+    if (effect.identifier != kTesseretIdentifier) return std::nullopt;
+    const ContextDescription& description = session_.describe(context_);
+    if (valueOf(Names::kLuminanceMatch, values_, description) != Host::ParameterValue(0)) {
+        return std::nullopt;
+    }
+    const auto length = [&](const char* name) {
+        return std::get<double>(valueOf(name, values_, description));
+    };
+    return kTimes * (length(Names::kPathWidth) + length(Names::kEdgeBlend));
 }
 
 ReadyInstance InstanceSetup::make() const

@@ -45,6 +45,10 @@ public:
     /// texture or keep clear of the region to fill.
     const std::optional<OfxRectI>& boxInSource() const { return boxInSource_; }
 
+    /// How far beyond the box of a matte a fill can change pixels, in pixels at full size; nothing
+    /// where that is not known.
+    std::optional<double> fillReach() const;
+
 private:
     void adopt(ParameterValues values);
 

@@ -16,7 +16,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kBundleName = "Tesseret.ofx.bundle";
-constexpr std::string_view kIdentifier = "com.orvane.brisant.tesseret";
 constexpr const char* kSystemFolder = "/usr/OFX/Plugins";
 
 std::vector<fs::path> searchFolders()
@@ -53,9 +52,9 @@ fs::path findPlugin()
 OfxPlugin& choosePlugin(const Host::PluginLibrary& library)
 {
     const bool isOurs = std::ranges::any_of(library.plugins(), [](const OfxPlugin* plugin) {
-        return plugin->pluginIdentifier == kIdentifier;
+        return plugin->pluginIdentifier == kTesseretIdentifier;
     });
-    return isOurs ? library.plugin(kIdentifier) : library.plugin();
+    return isOurs ? library.plugin(kTesseretIdentifier) : library.plugin();
 }
 
 }  // namespace Tesseret::Render
