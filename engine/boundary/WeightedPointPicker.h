@@ -10,7 +10,8 @@ namespace Orvane::Engine {
 
 /// Draws pixels of a map at random, each with probability proportional to its weight: first a row
 /// by the weights summed over the region, then a column within that row. What is drawn depends on
-/// the map, the region and the seed only.
+/// the map, the region and the seed, and where a draw falls within the rounding of a sum on the
+/// number of threads: the region's weight is one double sum for each thread, added in thread order.
 ///
 /// A pixel of value v weighs (v - low) * weightCap / (high - low), cut to [0, weightCap]; 0 when
 /// `high` equals `low` or v is NaN.
