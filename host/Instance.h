@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/EffectObject.h"
+#include "host/InstanceListener.h"
 #include "picture/Picture.h"
 
 namespace Tesseret::Host {
@@ -65,6 +66,8 @@ public:
     Effect& effect() const { return effect_; }
     const std::string& context() const { return context_; }
     Instance* instance() override { return this; }
+    /// Not owned; null for none. Set while no action runs.
+    void setListener(InstanceListener* listener) { listener_ = listener; }
 
     // Clips
 
@@ -153,12 +156,16 @@ public:
     /// After the plug-in itself set a value: the change actions with "OfxChangePluginEdited", as
     /// soon as no other action runs. What the plug-in sets in answer to these is not announced
     /// again.
-    void pluginEdited(const Parameter& parameter);
+    void pluginEdited(const ParameterChange& change);
+    /// Around edits of the plug-in that belong together.
+    void pluginBeganEdit(std::string_view label);
+    void pluginEndedEdit();
     /// Brings the properties of the project and of the clips up to date.
     void updateProperties();
 
 private:
     Parameter& need(std::string_view parameter) const;
+    void notifyChange(const ParameterChange& change);
     /// The three change actions about one object; returns the status of the middle one.
     OfxStatus announce(const char* objectType, std::string_view name, const char* reason,
                        OfxTime time);
@@ -186,6 +193,8 @@ private:
     int actionDepth_ = 0;
     int changeDepth_ = 0;
     int announcing_ = 0;
+    int editBlocks_ = 0;  ///< of the plug-in, open now
+    InstanceListener* listener_ = nullptr;
     std::vector<std::string> edited_;  ///< set by the plug-in, not announced yet
     std::optional<RenderRequest> sequence_;
     OfxRangeD sequenceFrames_{0.0, 0.0};

@@ -45,18 +45,24 @@ ParameterValue Instance::valueAt(std::string_view parameter, OfxTime time) const
 OfxStatus Instance::set(std::string_view parameter, ParameterValue value, const char* reason,
                         OfxTime time)
 {
-    if (!need(parameter).setValue(std::move(value))) {
+    Parameter& target = need(parameter);
+    const ParameterValue before = target.value();
+    if (!target.setValue(std::move(value))) {
         throw HostError("the value does not fit the parameter " + std::string(parameter));
     }
+    notifyChange({target, before, target.value(), reason});
     return announce(kOfxTypeParameter, parameter, reason, time);
 }
 
 OfxStatus Instance::setAt(std::string_view parameter, OfxTime time, ParameterValue value,
                           const char* reason)
 {
-    if (!need(parameter).setValueAt(time, std::move(value))) {
+    Parameter& target = need(parameter);
+    const ParameterValue before = target.valueAt(time);
+    if (!target.setValueAt(time, std::move(value))) {
         throw HostError("the value does not fit the parameter " + std::string(parameter));
     }
+    notifyChange({target, before, target.valueAt(time), reason});
     return announce(kOfxTypeParameter, parameter, reason, time);
 }
 
@@ -86,13 +92,36 @@ OfxStatus Instance::announce(const char* objectType, std::string_view name, cons
     return status;
 }
 
-void Instance::pluginEdited(const Parameter& parameter)
+void Instance::notifyChange(const ParameterChange& change)
 {
-    const bool waiting =
-        std::find(edited_.begin(), edited_.end(), parameter.name()) != edited_.end();
+    if (!listener_ || !created_ || change.before == change.after) return;
+    listener_->parameterChanged(*this, change);
+}
+
+void Instance::pluginEdited(const ParameterChange& change)
+{
+    notifyChange(change);
+    const std::string& name = change.parameter.name();
+    const bool waiting = std::find(edited_.begin(), edited_.end(), name) != edited_.end();
     if (!created_ || announcing_ > 0 || waiting) return;
-    edited_.push_back(parameter.name());
+    edited_.push_back(name);
     announceEdits();
+}
+
+void Instance::pluginBeganEdit(std::string_view label)
+{
+    ++editBlocks_;
+    if (listener_) listener_->editBegan(*this, label);
+}
+
+void Instance::pluginEndedEdit()
+{
+    if (editBlocks_ == 0) {
+        host().report(Report::Kind::BadCall, "paramEditEnd: no edit was begun");
+        return;
+    }
+    --editBlocks_;
+    if (listener_) listener_->editEnded(*this);
 }
 
 void Instance::announceEdits()

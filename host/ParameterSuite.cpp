@@ -192,13 +192,15 @@ OfxStatus storeValue(Parameter& parameter, Arguments& arguments, const OfxTime* 
     if (!parameter.hasValue()) return wrong(parameter, "it has no value", kOfxStatErrUnsupported);
     Instance* const instance = parameter.owner().instance();
     if (!instance) return wrong(parameter, "set while describing", kOfxStatErrBadHandle);
+    const auto current = [&] { return time ? parameter.valueAt(*time) : parameter.value(); };
+    const ParameterValue before = current();
     ParameterValue value = takeValue(parameter, arguments);
     if (time) {
         parameter.setValueAt(*time, std::move(value));
     } else {
         parameter.setValue(std::move(value));
     }
-    instance->pluginEdited(parameter);
+    instance->pluginEdited({parameter, before, current(), kOfxChangePluginEdited});
     return kOfxStatOK;
 }
 
@@ -350,6 +352,7 @@ OfxStatus paramCopy(OfxParamHandle to, OfxParamHandle from, OfxTime dstOffset,
     Parameter* const target = findParameter(to);
     const Parameter* const source = findParameter(from);
     if (!target || !source) return noHandle("paramCopy");
+    const ParameterValue before = target->value();
     if (!target->setValue(source->value())) {
         return wrong(*target, "copied from another type", kOfxStatErrValue);
     }
@@ -359,15 +362,20 @@ OfxStatus paramCopy(OfxParamHandle to, OfxParamHandle from, OfxTime dstOffset,
         if (frameRange && (time < frameRange->min || time > frameRange->max)) continue;
         target->setValueAt(time + dstOffset, value);
     }
-    if (Instance* const instance = target->owner().instance()) instance->pluginEdited(*target);
+    if (Instance* const instance = target->owner().instance()) {
+        instance->pluginEdited({*target, before, target->value(), kOfxChangePluginEdited});
+    }
     return kOfxStatOK;
 }
 
-OfxStatus paramEditBegin(OfxParamSetHandle handle, const char* /*name*/)
+OfxStatus paramEditBegin(OfxParamSetHandle handle, const char* label)
 {
     ParameterSet* const set = findSet(handle);
     if (!set) return noHandle("paramEditBegin");
     set->beginEdit();
+    if (Instance* const instance = set->owner().instance()) {
+        instance->pluginBeganEdit(label ? label : "");
+    }
     return kOfxStatOK;
 }
 
@@ -375,8 +383,11 @@ OfxStatus paramEditEnd(OfxParamSetHandle handle)
 {
     ParameterSet* const set = findSet(handle);
     if (!set) return noHandle("paramEditEnd");
-    if (set->endEdit()) return kOfxStatOK;
-    return set->owner().host().badCall("paramEditEnd: no edit was begun", kOfxStatFailed);
+    if (!set->endEdit()) {
+        return set->owner().host().badCall("paramEditEnd: no edit was begun", kOfxStatFailed);
+    }
+    if (Instance* const instance = set->owner().instance()) instance->pluginEndedEdit();
+    return kOfxStatOK;
 }
 
 }  // namespace

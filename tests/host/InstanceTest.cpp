@@ -264,6 +264,46 @@ TEST_F(InvertTest, CarriesPenAndChangesBetweenOverlayAndInstance)
     EXPECT_EQ(interactSuite().interactRedraw(nullptr), kOfxStatErrBadHandle);
 }
 
+/// Writes down what an instance's listener is told.
+class Diary final : public InstanceListener {
+public:
+    void parameterChanged(Instance&, const ParameterChange& change) override
+    {
+        const auto text = [](const ParameterValue& value) {
+            return std::to_string(std::get<double>(value)).substr(0, 4);
+        };
+        lines.push_back(change.parameter.name() + " " + text(change.before) + " " +
+                        text(change.after) + " " + change.reason);
+    }
+    void editBegan(Instance&, std::string_view label) override
+    {
+        lines.push_back("began " + std::string(label));
+    }
+    void editEnded(Instance&) override { lines.emplace_back("ended"); }
+
+    std::vector<std::string> lines;
+};
+
+TEST_F(InvertTest, TellsItsListenerOfValuesAndEdits)
+{
+    Diary diary;
+    instance->setListener(&diary);
+    instance->set("amount", 0.5);
+    instance->set("amount", 0.5);  // nothing new
+    EXPECT_THROW(instance->set("amount", std::string("much")), HostError);
+    Interact(*instance).penDown({.position = {0.75, 3.0}});
+    const OfxParameterSuiteV1& suite = parameterSuite();
+    const OfxParamSetHandle set = instance->parameters().handle();
+    EXPECT_EQ(suite.paramEditBegin(set, "drag"), kOfxStatOK);
+    EXPECT_EQ(suite.paramEditEnd(set), kOfxStatOK);
+    EXPECT_THAT(quirky.calls.badCalls(), IsEmpty());
+    EXPECT_EQ(suite.paramEditEnd(set), kOfxStatOK);
+    EXPECT_THAT(quirky.calls.badCalls(), ElementsAre(HasSubstr("no edit was begun")));
+    EXPECT_THAT(diary.lines,
+                ElementsAre("amount 1.00 0.50 OfxChangeUserEdited",
+                            "amount 0.50 0.75 OfxChangePluginEdited", "began drag", "ended"));
+}
+
 TEST_F(InvertTest, ShowsTheProjectAsTheSwitchesHaveIt)
 {
     const PropertySet& own = instance->properties();

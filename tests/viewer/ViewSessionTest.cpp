@@ -2,6 +2,7 @@
 
 #include "files/FileError.h"
 #include "host/HostError.h"
+#include "host/Suites.h"
 #include "render/JobError.h"
 #include "tests/fixtures/FileSizeLimit.h"
 #include "tests/viewer/SessionFixture.h"
@@ -27,16 +28,12 @@ TEST_F(ViewSessionTest, ADragOfTheOverlayIsOneEdit)
     EXPECT_FALSE(session.takeChanged());
 
     overlay->draw();
-    overlay->penMotion(penAt(40, 80));
-    session.beginGroup();
-    overlay->penDown(penAt(40, 80));  // the box begins at a fifth of 200 x 160
-    for (const double x : {44.0, 48.0, 52.0}) {
-        overlay->penMotion(penAt(x, 80));
-        session.noticePluginEdits();
-    }
-    overlay->penUp(penAt(52, 80));
-    session.noticePluginEdits();
-    session.endGroup();
+    session.movePen(penAt(40, 80));
+    EXPECT_TRUE(session.pressPen(penAt(40, 80)));  // the box begins at a fifth of 200 x 160
+    for (const double x : {44.0, 48.0, 52.0}) session.movePen(penAt(x, 80));
+    EXPECT_TRUE(session.isDragging());
+    session.releasePen(penAt(52, 80));
+    EXPECT_FALSE(session.isDragging());
 
     const ParameterValue after = session.value("sampleCorner1");
     EXPECT_NEAR(std::get<std::vector<double>>(after)[0], 52.0 / 200.0, 1e-3);
@@ -49,21 +46,42 @@ TEST_F(ViewSessionTest, ADragOfTheOverlayIsOneEdit)
     EXPECT_EQ(session.value("sampleCorner1"), after);
 }
 
+TEST_F(ViewSessionTest, ABlockOfThePluginsEditsIsOneEdit)
+{
+    ViewSession session(settings());
+    const OfxParameterSuiteV1& suite = Host::parameterSuite();
+    const OfxParamSetHandle all = session.instance().parameters().handle();
+    const auto pluginSets = [&](const char* name, int value) {
+        OfxParamHandle parameter = nullptr;
+        suite.paramGetHandle(all, name, &parameter, nullptr);
+        suite.paramSetValue(parameter, value);
+    };
+    const ParameterValue seed = session.value("seed"), samples = session.value("numSamples");
+    suite.paramEditBegin(all, "both");
+    pluginSets("seed", 5);
+    pluginSets("numSamples", 7);
+    suite.paramEditEnd(all);
+    pluginSets("seed", 6);
+    session.undo();
+    EXPECT_EQ(session.value("seed"), ParameterValue(5));
+    EXPECT_EQ(session.value("numSamples"), ParameterValue(7));
+    session.undo();
+    EXPECT_EQ(session.value("seed"), seed);
+    EXPECT_EQ(session.value("numSamples"), samples);
+    EXPECT_FALSE(session.canUndo());
+}
+
 TEST_F(ViewSessionTest, DragsWhileTheWorkerRenders)
 {
     ViewSession session(settings("m.png"));
     session.set("avoidFillRegion", 0);
-    Host::Interact& overlay = *session.overlay();
-    overlay.draw();
+    session.overlay()->draw();
     for (int i = 0; i < 200; ++i) {
         const double x = i % 2 == 0 ? 40 : 60;  // the left edge, to and fro
-        session.beginGroup();
-        overlay.penMotion(penAt(x, 80));
-        overlay.penDown(penAt(x, 80));
-        overlay.penMotion(penAt(100 - x, 80));
-        overlay.penUp(penAt(100 - x, 80));
-        session.noticePluginEdits();
-        session.endGroup();
+        session.movePen(penAt(x, 80));
+        session.pressPen(penAt(x, 80));
+        session.movePen(penAt(100 - x, 80));
+        session.releasePen(penAt(100 - x, 80));
         ASSERT_TRUE(session.takeChanged()) << i;
         session.order(0.5);
     }
@@ -79,8 +97,8 @@ TEST_F(ViewSessionTest, ServesAnyPlugin)
     EXPECT_EQ(session.pages().size(), 1u);
     EXPECT_EQ(session.pages()[0].columns, (std::vector<std::vector<std::string>>{{"amount"}}));
     session.set("amount", 0.25);
-    session.overlay()->penDown(penAt(0.5, 0));
-    session.noticePluginEdits();
+    session.pressPen(penAt(0.5, 0));
+    session.releasePen(penAt(0.5, 0));
     EXPECT_EQ(session.value("amount"), ParameterValue(0.5));
     session.undo();
     EXPECT_EQ(session.value("amount"), ParameterValue(0.25));

@@ -16,6 +16,18 @@ struct ValueChange {
 /// Undo and redo of parameter edits.
 class EditHistory {
 public:
+    /// A group while it lives.
+    class Group {
+    public:
+        explicit Group(EditHistory& history) : history_(history) { history_.beginGroup(); }
+        ~Group() { history_.endGroup(); }
+        Group(const Group&) = delete;
+        Group& operator=(const Group&) = delete;
+
+    private:
+        EditHistory& history_;
+    };
+
     /// One edit, or within a group a part of one. It ends what could be redone, unless it changes
     /// nothing.
     void record(std::vector<ValueChange> changes);

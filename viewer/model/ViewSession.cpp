@@ -18,6 +18,22 @@ using Host::ParameterValue;
 using Render::NamedValue;
 using Render::ParameterValues;
 
+namespace {
+
+/// Raises a flag while it lives.
+class Raised {
+public:
+    explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
+    ~Raised() { flag_ = false; }
+    Raised(const Raised&) = delete;
+    Raised& operator=(const Raised&) = delete;
+
+private:
+    bool& flag_;
+};
+
+}  // namespace
+
 ViewSession::ViewSession(Render::RenderSettings settings)
     : settings_(std::move(settings)),
       pictures_(settings_),
@@ -27,9 +43,9 @@ ViewSession::ViewSession(Render::RenderSettings settings)
       pages_(panelPages(description_)),
       ready_(setup_.make()),
       worker_(std::make_unique<RenderWorker>(settings_, pictures_)),
-      frame_(frames().front()),
-      known_(values())
+      frame_(frames().front())
 {
+    instance().setListener(this);
     if (settings_.window) Render::boxInPicture(*settings_.window, inputs().source());
     setFrame(frame_);
 }
@@ -65,8 +81,8 @@ void ViewSession::setFrame(int frame)
 
 void ViewSession::set(const std::string& name, ParameterValue value)
 {
+    const EditHistory::Group edit(history_);
     instance().set(name, std::move(value), kOfxChangeUserEdited, frame_);
-    noticePluginEdits();
 }
 
 void ViewSession::reset(const std::string& name)
@@ -78,20 +94,40 @@ void ViewSession::reset(const std::string& name)
 
 void ViewSession::press(const std::string& name)
 {
+    const EditHistory::Group edit(history_);
     instance().press(name, kOfxChangeUserEdited, frame_);
-    noticePluginEdits();
+}
+
+void ViewSession::movePen(const Host::Interact::Pen& pen)
+{
+    const EditHistory::Group edit(history_);
+    if (Host::Interact* const shown = overlay()) shown->penMotion(pen);
+}
+
+bool ViewSession::pressPen(const Host::Interact::Pen& pen)
+{
+    Host::Interact* const shown = overlay();
+    if (shown == nullptr) return false;
+    drag_.emplace(history_);
+    // An overlay that takes no part still has to learn that the pen is up again.
+    if (shown->penDown(pen) != kOfxStatOK) releasePen(pen);
+    return isDragging();
+}
+
+void ViewSession::releasePen(const Host::Interact::Pen& pen)
+{
+    if (Host::Interact* const shown = overlay()) shown->penUp(pen);
+    drag_.reset();
 }
 
 void ViewSession::undo()
 {
-    apply(history_.undo());
-    takeChanges();
+    replay(history_.undo());
 }
 
 void ViewSession::redo()
 {
-    apply(history_.redo());
-    takeChanges();
+    replay(history_.redo());
 }
 
 /// Twice, since the plug-in may answer to one value by changing another that was set before.
@@ -105,13 +141,30 @@ void ViewSession::apply(const std::vector<NamedValue>& values)
     }
 }
 
-void ViewSession::noticePluginEdits()
+void ViewSession::replay(const std::vector<NamedValue>& values)
 {
-    std::vector<ValueChange> changes = takeChanges();
-    std::erase_if(changes, [this](const ValueChange& change) {
-        return !description_.parameter(change.name)->canUndo;
-    });
-    history_.record(std::move(changes));
+    const Raised replaying(isReplaying_);
+    apply(values);
+}
+
+void ViewSession::parameterChanged(Host::Instance& /*instance*/,
+                                   const Host::ParameterChange& change)
+{
+    const std::string& name = change.parameter.name();
+    const ParameterDescription& parameter = *description_.parameter(name);
+    hasChanged_ = hasChanged_ || parameter.evaluateOnChange;
+    if (isReplaying_ || !parameter.canUndo) return;
+    history_.record({{name, change.before, change.after}});
+}
+
+void ViewSession::editBegan(Host::Instance& /*instance*/, std::string_view /*label*/)
+{
+    history_.beginGroup();
+}
+
+void ViewSession::editEnded(Host::Instance& /*instance*/)
+{
+    history_.endGroup();
 }
 
 ParameterValues ViewSession::values() const
@@ -122,20 +175,6 @@ ParameterValues ViewSession::values() const
         all.emplace(parameter.name, ready_.instance->value(parameter.name));
     }
     return all;
-}
-
-/// What differs from the values known, which become the current ones.
-std::vector<ValueChange> ViewSession::takeChanges()
-{
-    ParameterValues current = values();
-    std::vector<ValueChange> changes;
-    for (const auto& [name, value] : current) {
-        if (known_.at(name) == value) continue;
-        changes.push_back({name, known_.at(name), value});
-        hasChanged_ = hasChanged_ || description_.parameter(name)->evaluateOnChange;
-    }
-    known_ = std::move(current);
-    return changes;
 }
 
 bool ViewSession::takeChanged()
@@ -211,8 +250,8 @@ void ViewSession::loadParameters(const std::filesystem::path& file)
     for (auto& [name, value] : Render::loadParameters(file, effect().identifier, description_)) {
         values.push_back({name, value});
     }
+    const EditHistory::Group edit(history_);
     apply(values);
-    noticePluginEdits();
 }
 
 }  // namespace Tesseret::Viewer

@@ -21,7 +21,7 @@
 
 namespace Tesseret::Viewer {
 
-class ViewSession {
+class ViewSession final : private Host::InstanceListener {
 public:
     /// Opens what `tesseret render` would render; the output may be empty. Throws `UsageError` or
     /// `FileError`.
@@ -49,6 +49,15 @@ public:
     /// Of the current frame at full size, by clip: "Source", "Matte" and so on.
     const Render::FramePictures& pictures() const { return *shown_; }
 
+    // The pen over the overlay. What the plug-in sets from the press to the release is one edit.
+
+    void movePen(const Host::Interact::Pen& pen);
+    /// Whether the overlay takes the drag that begins.
+    bool pressPen(const Host::Interact::Pen& pen);
+    void releasePen(const Host::Interact::Pen& pen);
+    /// From a press that the overlay took to the release.
+    bool isDragging() const { return drag_.has_value(); }
+
     // Values of parameters. What the plug-in sets in answer belongs to the same edit.
 
     Host::ParameterValue value(const std::string& name) const
@@ -68,8 +77,6 @@ public:
     bool canRedo() const { return history_.canRedo(); }
     void undo();
     void redo();
-    /// Records what the plug-in has set by itself; to be called after every action of the overlay.
-    void noticePluginEdits();
     /// Whether the frame or a value that the picture depends on has changed since the last call;
     /// true at the first.
     bool takeChanged();
@@ -98,9 +105,13 @@ public:
     void loadParameters(const std::filesystem::path& file);
 
 private:
+    void parameterChanged(Host::Instance& instance, const Host::ParameterChange& change) override;
+    void editBegan(Host::Instance& instance, std::string_view label) override;
+    void editEnded(Host::Instance& instance) override;
+
     Render::ParameterValues values() const;
     void apply(const std::vector<Render::NamedValue>& values);
-    std::vector<ValueChange> takeChanges();
+    void replay(const std::vector<Render::NamedValue>& values);
     RenderOrder currentOrder(double scale) const;
 
     Render::RenderSettings settings_;
@@ -116,8 +127,9 @@ private:
     std::unique_ptr<RenderWorker> worker_;
     int frame_;
     std::shared_ptr<const Render::FramePictures> shown_;
-    Render::ParameterValues known_;  ///< the values that the history has reached
     EditHistory history_;
+    bool isReplaying_ = false;                ///< values come from the history
+    std::optional<EditHistory::Group> drag_;  ///< while the overlay has the pen
     bool hasChanged_ = true;
 };
 

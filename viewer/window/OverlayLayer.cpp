@@ -20,43 +20,13 @@ void OverlayLayer::draw(const View& view)
     overlay->draw();
 }
 
-bool OverlayLayer::send(PenAction action, const View& view, OfxPointD screen)
+Host::Interact::Pen OverlayLayer::penAt(const View& view, OfxPointD screen)
 {
-    Host::Interact* const overlay = session_.overlay();
-    if (overlay == nullptr) return false;
-    updateView(*overlay, view);
+    if (Host::Interact* const overlay = session_.overlay()) updateView(*overlay, view);
     const ScreenArea& area = view.area();
-    const Host::Interact::Pen pen{
-        .position = view.toCanonical(screen),
-        .viewport = {static_cast<int>(std::lround(screen.x - area.x)),
-                     static_cast<int>(std::lround(area.y + area.height - screen.y))}};
-    OfxStatus status = kOfxStatReplyDefault;
-    if (action == PenAction::Motion) status = overlay->penMotion(pen);
-    if (action == PenAction::Down) status = overlay->penDown(pen);
-    if (action == PenAction::Up) status = overlay->penUp(pen);
-    session_.noticePluginEdits();
-    return status == kOfxStatOK;
-}
-
-void OverlayLayer::move(const View& view, OfxPointD screen)
-{
-    send(PenAction::Motion, view, screen);
-}
-
-bool OverlayLayer::press(const View& view, OfxPointD screen)
-{
-    session_.beginGroup();
-    isDragging_ = send(PenAction::Down, view, screen);
-    // An overlay that takes no part still has to learn that the pen is up again.
-    if (!isDragging_) release(view, screen);
-    return isDragging_;
-}
-
-void OverlayLayer::release(const View& view, OfxPointD screen)
-{
-    send(PenAction::Up, view, screen);
-    isDragging_ = false;
-    session_.endGroup();
+    return {.position = view.toCanonical(screen),
+            .viewport = {static_cast<int>(std::lround(screen.x - area.x)),
+                         static_cast<int>(std::lround(area.y + area.height - screen.y))}};
 }
 
 }  // namespace Tesseret::Viewer

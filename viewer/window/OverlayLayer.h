@@ -15,19 +15,19 @@ public:
     void draw(const View& view);
 
     /// The pen at a screen position. `press` is true when the overlay takes the drag that begins.
-    void move(const View& view, OfxPointD screen);
-    bool press(const View& view, OfxPointD screen);
-    void release(const View& view, OfxPointD screen);
-    /// Whether the overlay has the pen, from the press it took to the release.
-    bool isDragging() const { return isDragging_; }
+    void move(const View& view, OfxPointD screen) { session_.movePen(penAt(view, screen)); }
+    bool press(const View& view, OfxPointD screen)
+    {
+        return session_.pressPen(penAt(view, screen));
+    }
+    void release(const View& view, OfxPointD screen) { session_.releasePen(penAt(view, screen)); }
 
 private:
-    enum class PenAction { Motion, Down, Up };
-    bool send(PenAction action, const View& view, OfxPointD screen);
+    /// With the view as the overlay is to see it.
+    Host::Interact::Pen penAt(const View& view, OfxPointD screen);
     void updateView(Host::Interact& overlay, const View& view) const;
 
     ViewSession& session_;
-    bool isDragging_ = false;
 };
 
 }  // namespace Tesseret::Viewer

@@ -62,7 +62,7 @@ void PictureArea::followPointer()
 
     // In canonical units, so that a drag goes on when the picture is moved under the pen.
     const OfxPointD pen = view_.toCanonical(pointer);
-    const bool follows = overlay_.isDragging() || isOver || isOver_;
+    const bool follows = session_.isDragging() || isOver || isOver_;
     if (follows && !isWiping_ && differ(pen, pen_)) overlay_.move(view_, pointer);
     pen_ = pen;
     isOver_ = isOver;
@@ -71,7 +71,7 @@ void PictureArea::followPointer()
     if (isOver && ImGui::IsMouseClicked(ImGuiMouseButton_Left)) pressLeft(pointer);
     if (ImGui::IsMouseDown(ImGuiMouseButton_Left)) return;
     isWiping_ = false;
-    if (overlay_.isDragging()) overlay_.release(view_, pointer);
+    if (session_.isDragging()) overlay_.release(view_, pointer);
 }
 
 void PictureArea::draw(double windowHeight, double density)

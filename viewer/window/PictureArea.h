@@ -16,7 +16,7 @@ public:
     View& view() { return view_; }
     PictureLayers& layers() { return layers_; }
     /// Whether something is being dragged that changes parameters.
-    bool isEditing() const { return overlay_.isDragging(); }
+    bool isEditing() const { return session_.isDragging(); }
 
     /// Shows the session's frame and the worker's latest result.
     void update();
