@@ -64,7 +64,10 @@ void RenderReporter::begin(Render::RenderJob& job)
     const std::lock_guard lock(mutex_);
     frameCount_ = job.inputs().frames().size();
     if (loudness_ == Loudness::Verbose) sayJob(job);
-    if (loudness_ != Loudness::Quiet) sayMask(job);
+    const bool takesAlpha = job.fillRegion().source == Render::MaskSource::Alpha;
+    if (takesAlpha && loudness_ != Loudness::Quiet) {
+        std::printf("matte taken from the source's alpha\n");
+    }
     std::fflush(stdout);
 }
 
@@ -79,19 +82,6 @@ void RenderReporter::sayJob(Render::RenderJob& job)
     std::printf("render       %s, %s, threads %u\n",
                 Render::shortContextName(job.instance().context()).c_str(),
                 depthWord(job.instance().outputFormat().depth), job.session().host().threads());
-}
-
-/// Which channel was taken cannot be seen from a file's looks.
-void RenderReporter::sayMask(const Render::RenderJob& job)
-{
-    if (job.fillRegion().source == Render::MaskSource::Alpha) {
-        std::printf("matte taken from the source's alpha\n");
-    } else if (job.fillRegion().source == Render::MaskSource::Matte) {
-        const Files::PictureInfo& matte = job.inputs().infos().at(Names::kMatte);
-        std::printf("matte taken from its %s\n", matte.hasAlpha   ? "alpha"
-                                                 : matte.isColour ? "luminance"
-                                                                  : "grey");
-    }
 }
 
 void RenderReporter::finish()
@@ -122,6 +112,21 @@ void RenderReporter::frameBegan(int frame)
     areaCount_ = 1;
     stageFraction_ = 0.0;
     drawBar();
+}
+
+/// Which channel was taken cannot be seen from a file's looks; a sequence says it again where it
+/// changes.
+void RenderReporter::matteTaken(Files::MatteFrom from)
+{
+    const std::lock_guard lock(mutex_);
+    if (loudness_ == Loudness::Quiet || from == matteSaid_) return;
+    bar_.clear();
+    if (matteSaid_) std::printf("frame %d: ", frame_);
+    std::printf("matte taken from its %s\n", from == Files::MatteFrom::Alpha  ? "alpha"
+                                             : from == Files::MatteFrom::Grey ? "grey"
+                                                                              : "luminance");
+    std::fflush(stdout);
+    matteSaid_ = from;
 }
 
 /// A sequence says the number of areas again where it changes.

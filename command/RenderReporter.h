@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -26,6 +27,7 @@ public:
     void finish();
 
     void frameBegan(int frame) override;
+    void matteTaken(Files::MatteFrom from) override;
     void areaBegan(std::size_t area, std::size_t count) override;
     void frameWritten(const Render::FrameResult& result) override;
     void warning(const std::string& text) override;
@@ -39,7 +41,6 @@ public:
 private:
     void drawBar();
     void sayJob(Render::RenderJob& job);
-    void sayMask(const Render::RenderJob& job);
     void tell(const std::string& kind, const std::string& text);
     double elapsed() const;
 
@@ -51,6 +52,7 @@ private:
     std::set<std::string> notes_;
     std::size_t frameCount_ = 1, framesWritten_ = 0, framesBegun_ = 0;
     std::size_t area_ = 0, areaCount_ = 1, areaCountSaid_ = 1;
+    std::optional<Files::MatteFrom> matteSaid_;
     int frame_ = 0;
     double stageFraction_ = 0.0;
     long blocks_ = 0;

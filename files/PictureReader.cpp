@@ -1,5 +1,6 @@
 #include "files/PictureReader.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 #include <utility>
@@ -196,18 +197,55 @@ Picture luminance(const Picture& colours)
     return matte;
 }
 
-bool readMatte(OpenFile& opened, const ChannelPlaces& places, const PictureInfo& info,
-               Picture& picture)
+template <typename Channel>
+bool isFull(const Picture& matte, Channel full)
 {
-    if (info.isColour && !info.hasAlpha) {
-        Picture colours(info.dataWindow, info.depth);
-        if (!readColours(opened, places, colours)) return false;
-        picture = luminance(colours);
-        return true;
+    const OfxRectI bounds = matte.bounds();
+    for (int y = bounds.y1; y < bounds.y2; ++y) {
+        const auto* const row = matte.pixel<Channel>(bounds.x1, y);
+        const auto isLess = [full](Channel value) { return !(value >= full); };
+        if (std::any_of(row, row + matte.width(), isLess)) return false;
     }
-    picture = Picture(info.dataWindow, info.depth, Components::Alpha);
-    const int place = info.hasAlpha ? places.alpha : places.red;
-    return readChannels(opened, place, place + 1, picture, 0);
+    return true;
+}
+
+/// Whether a matte masks every pixel of the display window in full.
+bool isFullEverywhere(const Picture& matte, const OfxRectI& displayWindow)
+{
+    const OfxRectI inside = intersection(matte.bounds(), displayWindow);
+    if (inside.x2 - inside.x1 != displayWindow.x2 || inside.y2 - inside.y1 != displayWindow.y2) {
+        return false;
+    }
+    switch (matte.depth()) {
+        case Depth::Byte:
+            return isFull<std::uint8_t>(matte, 255);
+        case Depth::Short:
+            return isFull<std::uint16_t>(matte, 65535);
+        case Depth::Float:
+            break;
+    }
+    return isFull<float>(matte, 1.0f);
+}
+
+bool readMatte(OpenFile& opened, const ChannelPlaces& places, PictureFile& result)
+{
+    const PictureInfo& info = result.info;
+    const auto take = [&](int place, MatteFrom from) {
+        result.picture = Picture(info.dataWindow, info.depth, Components::Alpha);
+        result.matteFrom = from;
+        return readChannels(opened, place, place + 1, result.picture, 0);
+    };
+    if (info.hasAlpha) {
+        if (!take(places.alpha, MatteFrom::Alpha)) return false;
+        const bool hasOther = places.red >= 0;
+        if (!hasOther || !isFullEverywhere(result.picture, info.displayWindow)) return true;
+    }
+    if (!info.isColour) return take(places.red, MatteFrom::Grey);
+    Picture colours(info.dataWindow, info.depth);
+    if (!readColours(opened, places, colours)) return false;
+    result.picture = luminance(colours);
+    result.matteFrom = MatteFrom::Luminance;
+    return true;
 }
 
 PictureFile readOpened(OpenFile& opened, ReadAs as, std::optional<Depth> depth)
@@ -217,7 +255,7 @@ PictureFile readOpened(OpenFile& opened, ReadAs as, std::optional<Depth> depth)
     FileRecord record{opened.format, opened.spec, findChannels(opened.spec), result.info.depth, {}};
     bool read = false;
     if (as == ReadAs::Matte) {
-        read = readMatte(opened, record.places, result.info, result.picture);
+        read = readMatte(opened, record.places, result);
     } else {
         result.picture = Picture(result.info.dataWindow, result.info.depth);
         read = readColours(opened, record.places, result.picture) &&

@@ -28,16 +28,22 @@ struct PictureInfo {
     Alpha alpha = Alpha::Opaque;
 };
 
+/// What a matte was made of.
+enum class MatteFrom { Alpha, Grey, Luminance };
+
 struct PictureFile {
     PictureInfo info;
     Picture picture;
+    std::optional<MatteFrom> matteFrom;        ///< nothing when it was not read as a matte
     std::shared_ptr<const FileRecord> record;  ///< for `writePicture`
     std::vector<std::string> warnings;         ///< each a line for a person
 };
 
 enum class ReadAs {
     Picture,  ///< RGBA; grey three times, without alpha opaque
-    Matte,    ///< alpha alone: the file's alpha, else its grey, else the luminance of its colours
+    /// Alpha alone: the file's alpha, else its grey, else the luminance of its colours. An alpha
+    /// that is full everywhere masks nothing off and counts as none where there is anything else.
+    Matte,
 };
 
 /// Only the file's header. Throws `FileError`.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "effect/ParameterNames.h"
+#include "render/Boxes.h"
 
 namespace Tesseret::Render {
 
@@ -41,12 +42,10 @@ std::optional<OfxRectI> changedDisplay(const RenderSettings& settings,
 Host::RenderRequest requestFor(const RenderSettings& settings, bool isSequence, int frame,
                                const PictureInfo& source)
 {
-    const OfxRectI window =
-        settings.window ? boxInPicture(*settings.window, source) : source.dataWindow;
     Host::RenderRequest request;
     request.time = frame;
     request.scale = {settings.renderScale, settings.renderScale};
-    request.window = scaledRect(window, settings.renderScale);
+    request.window = scaledRect(windowInSource(settings, source), settings.renderScale);
     request.sequential = isSequence;
     return request;
 }

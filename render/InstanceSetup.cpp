@@ -5,10 +5,10 @@
 
 #include "effect/ParameterNames.h"
 #include "host/HostError.h"
+#include "render/Boxes.h"
 #include "render/JobError.h"
 #include "render/ParameterFile.h"
 #include "render/PluginFinder.h"
-#include "render/SampleBox.h"
 
 namespace Tesseret::Render {
 

@@ -1,5 +1,7 @@
 #include "render/JobInputs.h"
 
+#include <utility>
+
 #include "effect/ParameterNames.h"
 #include "files/FileError.h"
 #include "files/FrameRange.h"
@@ -102,6 +104,20 @@ void JobInputs::checkOutputs() const
     }
 }
 
+ClipPicture JobInputs::readClip(const Input& input, int frame, Depth depth)
+{
+    Files::PictureFile file = Files::readPicture(input.pattern.file(frame), input.as, depth);
+    const bool hasFullAlpha =
+        file.info.hasAlpha && file.matteFrom && *file.matteFrom != Files::MatteFrom::Alpha;
+    if (hasFullAlpha && !std::exchange(saidFullAlpha_, true)) {
+        file.warnings.push_back(file.info.file.string() +
+                                ": its alpha is full everywhere, so that the matte is taken from "
+                                "its colours");
+    }
+    return {std::make_shared<const Picture>(std::move(file.picture)), file.record, file.info,
+            file.warnings, file.matteFrom};
+}
+
 FramePictures JobInputs::read(int frame, Depth depth)
 {
     FramePictures pictures;
@@ -110,9 +126,7 @@ FramePictures JobInputs::read(int frame, Depth depth)
             pictures.insert(*still);
             continue;
         }
-        Files::PictureFile file = Files::readPicture(input.pattern.file(frame), input.as, depth);
-        const ClipPicture picture{std::make_shared<const Picture>(std::move(file.picture)),
-                                  file.record, file.info, file.warnings};
+        const ClipPicture picture = readClip(input, frame, depth);
         pictures.emplace(input.clip, picture);
         if (!input.pattern.isSequence() && isSequence_) stills_.emplace(input.clip, picture);
     }

@@ -5,6 +5,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -23,6 +24,7 @@ struct ClipPicture {
     std::shared_ptr<const Files::FileRecord> record;
     Files::PictureInfo info;
     std::vector<std::string> warnings;
+    std::optional<Files::MatteFrom> matteFrom;  ///< nothing of other clips
 };
 
 /// By clip name.
@@ -59,6 +61,7 @@ private:
     void checkFrames() const;
     void findFilesRead();
     void checkOutputs() const;
+    ClipPicture readClip(const Input& input, int frame, Depth depth);
 
     std::vector<Input> inputs_;
     Files::SequencePattern output_;
@@ -67,6 +70,7 @@ private:
     std::set<Files::FileIdentity> filesRead_;
     std::map<std::string, Files::PictureInfo> infos_;
     FramePictures stills_;
+    bool saidFullAlpha_ = false;
 };
 
 }  // namespace Tesseret::Render

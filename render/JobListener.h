@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+#include "files/PictureReader.h"
 #include "host/HostSinks.h"
 
 namespace Tesseret::Render {
@@ -22,6 +23,8 @@ struct FrameResult {
 class JobListener : public Host::RenderListener {
 public:
     virtual void frameBegan(int /*frame*/) {}
+    /// The frame is filled from a matte that was made of this.
+    virtual void matteTaken(Files::MatteFrom /*from*/) {}
     /// One of the areas that the frame's matte was taken apart into is about to be filled; they
     /// count from 0.
     virtual void areaBegan(std::size_t /*area*/, std::size_t /*count*/) {}

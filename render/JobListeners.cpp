@@ -16,6 +16,11 @@ void JobListeners::frameBegan(int frame)
     tell(&JobListener::frameBegan, frame);
 }
 
+void JobListeners::matteTaken(Files::MatteFrom from)
+{
+    tell(&JobListener::matteTaken, from);
+}
+
 void JobListeners::areaBegan(std::size_t area, std::size_t count)
 {
     tell(&JobListener::areaBegan, area, count);

@@ -14,6 +14,7 @@ public:
     JobListeners(std::initializer_list<JobListener*> listeners);
 
     void frameBegan(int frame) override;
+    void matteTaken(Files::MatteFrom from) override;
     void areaBegan(std::size_t area, std::size_t count) override;
     void frameWritten(const FrameResult& result) override;
     void warning(const std::string& text) override;

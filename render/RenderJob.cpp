@@ -9,6 +9,7 @@
 #include "files/FileError.h"
 #include "files/PictureWriter.h"
 #include "host/HostError.h"
+#include "render/Boxes.h"
 #include "render/FrameRequest.h"
 #include "render/Interrupt.h"
 #include "render/JobError.h"
@@ -45,7 +46,9 @@ RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
     if (fillRegion().source == MaskSource::Matte) {
         mattes_.emplace(settings_, fillRegion().polarity);
     }
-    if (settings_.window) boxInPicture(*settings_.window, inputs_.source());
+    for (const std::string& text : clippedBoxes(settings_, inputs_)) {
+        listener_.note(instance(), text);
+    }
 }
 
 void RenderJob::run()
@@ -90,6 +93,7 @@ RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read
 {
     if (isInterrupted()) throw Interrupted("interrupted");
     listener_.frameBegan(frame);
+    if (read.matte) listener_.matteTaken(*read.pictures.at(Names::kMatte).matteFrom);
     const ClipPicture& source = read.pictures.at(Names::kSource);
     const Host::RenderRequest request =
         requestFor(settings_, inputs_.isSequence(), frame, source.info);

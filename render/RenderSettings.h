@@ -8,12 +8,18 @@
 #include <string>
 #include <vector>
 
-#include "render/ViewBox.h"
+#include "picture/Picture.h"
 
 namespace Tesseret::Render {
 
 /// What is to be filled, beyond what the files given imply.
 enum class MaskOption { None, MatteInverted, Alpha, AlphaInverted };
+
+/// Corners of a box as an image viewer shows them: pixels from the upper left corner of the display
+/// window, y downwards.
+struct ViewBox {
+    double x1, y1, x2, y2;
+};
 
 struct RenderSettings {
     std::filesystem::path source;  ///< with a mark for the frame in a sequence, as all files

@@ -66,6 +66,29 @@ TEST_F(MatteTest, SaysWhatItTook)
     EXPECT_THAT(fill("a.png", "out.png", {"--matte", in("grey.png"), "--quiet"}).out, IsEmpty());
 }
 
+TEST_F(MatteTest, AnAlphaThatIsFullEverywhereIsNoMatte)
+{
+    const auto white = [](Spot spot) {
+        return [spot](int x, int y) { return std::vector(3, spot.holds(x, y) ? 255 : 0); };
+    };
+    const Painter full = [](int, int) { return std::vector{255}; };
+    paintMatte("m.png", masks({kMiddle}));
+    paintMatte("o.1.png", withAlpha(white(kMiddle), full));
+    paintMatte("o.2.png", withAlpha(white(kLow), full));
+    paintMatte("o.3.png", withAlpha(white(kMiddle), masks({kLow})));
+    const Outcome outcome = fill("a.png", "f.#.png", {"--matte", in("o.#.png"), "--frames", "1-3"});
+    EXPECT_EQ(outcome.err, "tesseret: warning: " + in("o.1.png") +
+                               ": its alpha is full everywhere, so that the matte is taken from "
+                               "its colours\n");
+    EXPECT_THAT(outcome.out, HasSubstr("matte taken from its luminance\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("frame 3: matte taken from its alpha\n"));
+    EXPECT_EQ(load(in("f.1.png")), filled({"--matte", in("m.png")}));
+    paintMatte("m.png", masks({kLow}));
+    const LoadedPicture low = filled({"--matte", in("m.png")});
+    EXPECT_EQ(load(in("f.2.png")), low);
+    EXPECT_EQ(load(in("f.3.png")), low);
+}
+
 // Filling all areas is filling each over the result of the one before, from the lowest on.
 TEST_F(MatteTest, AreasAreFilledOneAfterAnother)
 {

@@ -162,6 +162,29 @@ TEST_F(RenderTest, WindowAndScaleCutTheRightPixels)
     EXPECT_NEAR(half.at(2, 3, 0), 255.0 - sum / 4.0, 1.0);
 }
 
+TEST_F(RenderTest, SaysWhatIsUsedOfABoxThatReachesBeyond)
+{
+    paint(in("a.png"), 64, 48, noise(1));
+    const CommandRun::Arguments blocks{"blockSize=30", "overlap=4", "--quiet"};
+    for (const char* option : {"--window", "--sample-box"}) {
+        SCOPED_TRACE(option);
+        const auto rendered = [&](const char* box, const std::string& said) {
+            CommandRun::Arguments more{option, box};
+            more.insert(more.end(), blocks.begin(), blocks.end());
+            const Outcome outcome = render("a.png", "out.png", more);
+            EXPECT_EQ(outcome.code, 0);
+            EXPECT_EQ(outcome.err, said);
+            return load(in("out.png"));
+        };
+        const LoadedPicture inside = rendered("20,0,64,40", "");
+        EXPECT_EQ(rendered("20,-3.5,90,40", "tesseret: note: " + std::string(option) +
+                                                ": the box 20,-3.5,90,40 reaches beyond the "
+                                                "pixels of " +
+                                                in("a.png") + "; 20,0,64,40 is used\n"),
+                  inside);
+    }
+}
+
 TEST_F(RenderTest, MattesAndTexturesChooseTheContext)
 {
     paint(in("a.png"), 64, 64, noise(1));

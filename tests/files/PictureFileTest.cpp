@@ -312,6 +312,24 @@ TEST_F(PictureFileTest, MatteIsAlphaElseGreyElseLuminance)
     EXPECT_EQ(matte("grey.png"), 90);
     EXPECT_EQ(matte("rgb.png"), 126);  // 0.2126 * 255 + 0.7152 * 100 = 125.7
     EXPECT_EQ(matte("rgba.png"), 33);
+
+    // An alpha that masks nothing off is none; but one that ends inside the picture does.
+    save(folder_ / "opaque.png", rgba, pixel({255, 100, 0, 255}));
+    EXPECT_EQ(matte("opaque.png"), 126);
+    ImageSpec ya(1, 1, 2, OIIO::TypeUInt8);
+    ya.channelnames = {"Y", "A"};
+    ya.alpha_channel = 1;
+    save(folder_ / "ya.tif", ya, pixel({90, 255}));
+    EXPECT_EQ(matte("ya.tif"), 90);
+    ImageSpec part(1, 1, 4, OIIO::TypeFloat);
+    part.full_width = 2;
+    const std::vector<float> samples{0.5f, 0.5f, 0.5f, 1.0f};
+    const auto* bytes = reinterpret_cast<const std::byte*>(samples.data());
+    save(folder_ / "part.exr", part, {bytes, bytes + 16});
+    EXPECT_EQ(matte("part.exr"), 1.0);
+    part.full_width = 1;
+    save(folder_ / "all.exr", part, {bytes, bytes + 16});
+    EXPECT_EQ(matte("all.exr"), 0.5);
 }
 
 TEST_F(PictureFileTest, DamagedFilesAreTold)

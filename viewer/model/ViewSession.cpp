@@ -6,6 +6,7 @@
 #include "effect/ParameterNames.h"
 #include "files/PictureWriter.h"
 #include "host/HostError.h"
+#include "render/Boxes.h"
 #include "render/FrameRequest.h"
 #include "render/JobError.h"
 #include "render/ParameterFile.h"
@@ -46,7 +47,9 @@ ViewSession::ViewSession(Render::RenderSettings settings)
       frame_(frames().front())
 {
     instance().setListener(this);
-    if (settings_.window) Render::boxInPicture(*settings_.window, inputs().source());
+    for (const std::string& text : Render::clippedBoxes(settings_, inputs())) {
+        messages_.message(text);
+    }
     setFrame(frame_);
 }
 

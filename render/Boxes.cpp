@@ -1,4 +1,4 @@
-#include "render/SampleBox.h"
+#include "render/Boxes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +13,9 @@ using Host::ContextDescription;
 
 namespace {
 
+constexpr const char* kWindowOption = "--window";
+constexpr const char* kSampleBoxOption = "--sample-box";
+
 /// The picture that the sample box lies over.
 const PictureInfo& sampled(const JobInputs& inputs)
 {
@@ -20,6 +23,51 @@ const PictureInfo& sampled(const JobInputs& inputs)
         if (inputs.has(clip)) return inputs.infos().at(clip);
     }
     return inputs.source();
+}
+
+std::string boxText(const ViewBox& box)
+{
+    return numberText(box.x1) + "," + numberText(box.y1) + "," + numberText(box.x2) + "," +
+           numberText(box.y2);
+}
+
+/// Whole pixels that cover a box, as far as the picture has them. Throws `UsageError`.
+OfxRectI boxInPicture(const char* option, const ViewBox& box, const PictureInfo& picture)
+{
+    const double top = picture.displayWindow.y2;
+    const OfxRectI asked = toPixels({box.x1, top - box.y2, box.x2, top - box.y1}, {1.0, 1.0}, 1.0);
+    const OfxRectI inside = intersection(asked, picture.dataWindow);
+    if (!isEmpty(inside)) return inside;
+    throw UsageError(std::string(option) + ": the box " + boxText(box) + " lies outside " +
+                     picture.file.string() + ", which has " +
+                     std::to_string(picture.displayWindow.x2) + " x " +
+                     std::to_string(picture.displayWindow.y2) + " pixels");
+}
+
+/// The part of a box that lies in the picture.
+ViewBox clipped(const ViewBox& box, const PictureInfo& picture)
+{
+    const double top = picture.displayWindow.y2;
+    const OfxRectI& window = picture.dataWindow;
+    return {std::max(box.x1, double(window.x1)), std::max(box.y1, top - window.y2),
+            std::min(box.x2, double(window.x2)), std::min(box.y2, top - window.y1)};
+}
+
+void noteClipped(const char* option, const ViewBox& box, const PictureInfo& picture,
+                 std::vector<std::string>& notes)
+{
+    boxInPicture(option, box, picture);
+    const std::string given = boxText(box);
+    const std::string used = boxText(clipped(box, picture));
+    if (used == given) return;
+    notes.push_back(std::string(option) + ": the box " + given + " reaches beyond the pixels of " +
+                    picture.file.string() + "; " + used + " is used");
+}
+
+bool hasTexture(const JobInputs& inputs)
+{
+    return std::ranges::any_of(Names::kTextures,
+                               [&](const char* clip) { return inputs.has(clip); });
 }
 
 /// Corners of the sample box for whole pixels. The plug-in computes in single precision and drops
@@ -102,6 +150,22 @@ bool hasBox(const ContextDescription& description)
 
 }  // namespace
 
+OfxRectI windowInSource(const RenderSettings& settings, const PictureInfo& source)
+{
+    return settings.window ? boxInPicture(kWindowOption, *settings.window, source)
+                           : source.dataWindow;
+}
+
+std::vector<std::string> clippedBoxes(const RenderSettings& settings, const JobInputs& inputs)
+{
+    std::vector<std::string> notes;
+    if (settings.window) noteClipped(kWindowOption, *settings.window, inputs.source(), notes);
+    if (settings.sampleBox && !hasTexture(inputs)) {
+        noteClipped(kSampleBoxOption, *settings.sampleBox, inputs.source(), notes);
+    }
+    return notes;
+}
+
 void setSampleBox(const ViewBox& box, const JobInputs& inputs, ParameterValues& values)
 {
     if (hasCorners(values)) {
@@ -110,17 +174,17 @@ void setSampleBox(const ViewBox& box, const JobInputs& inputs, ParameterValues& 
             "same thing; give one of them");
     }
     const PictureInfo& picture = sampled(inputs);
-    boxInPicture(box, picture);
+    boxInPicture(kSampleBoxOption, box, picture);
+    // A texture has to cover the box, and whether it does is seen once all values are known.
+    const ViewBox used = hasTexture(inputs) ? box : clipped(box, picture);
     const double top = picture.displayWindow.y2;  // the corners count from below
-    setCorners({box.x1, top - box.y2, box.x2, top - box.y1}, inputs, values);
+    setCorners({used.x1, top - used.y2, used.x2, top - used.y1}, inputs, values);
 }
 
 void avoidRegionByDefault(const ContextDescription& description, const JobInputs& inputs,
                           ParameterValues& values)
 {
-    const bool hasTexture =
-        std::ranges::any_of(Names::kTextures, [&](const char* clip) { return inputs.has(clip); });
-    if (!hasBox(description) || hasTexture || hasCorners(values)) return;
+    if (!hasBox(description) || hasTexture(inputs) || hasCorners(values)) return;
     values.try_emplace(Names::kAvoidFillRegion, Host::ParameterValue(1));
 }
 
