@@ -193,7 +193,6 @@ private:
     int actionDepth_ = 0;
     int changeDepth_ = 0;
     int announcing_ = 0;
-    int editBlocks_ = 0;  ///< of the plug-in, open now
     InstanceListener* listener_ = nullptr;
     std::vector<std::string> edited_;  ///< set by the plug-in, not announced yet
     std::optional<RenderRequest> sequence_;

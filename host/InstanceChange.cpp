@@ -110,17 +110,11 @@ void Instance::pluginEdited(const ParameterChange& change)
 
 void Instance::pluginBeganEdit(std::string_view label)
 {
-    ++editBlocks_;
     if (listener_) listener_->editBegan(*this, label);
 }
 
 void Instance::pluginEndedEdit()
 {
-    if (editBlocks_ == 0) {
-        host().report(Report::Kind::BadCall, "paramEditEnd: no edit was begun");
-        return;
-    }
-    --editBlocks_;
     if (listener_) listener_->editEnded(*this);
 }
 

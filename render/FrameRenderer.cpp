@@ -166,7 +166,7 @@ OfxRectI FrameRenderer::areaWindow(const RenderRequest& request, const PreparedM
     OfxRectI box = cropsAreas_ ? matte.areas.box(area) : matte.areas.matte().bounds();
     if (area < reached_.size()) box = unionOf(box, reached_[area]);
     // A length is no more pixels than this, however they are scaled and shaped.
-    const double aspect = slots_.front().clips.at("Source")->format().pixelAspectRatio;
+    const double aspect = slots_.front().clips.at(Names::kSource)->format().pixelAspectRatio;
     const double scale =
         std::max({1.0, request.scale.x, request.scale.y}) * std::max(1.0, 1.0 / aspect);
     const double margin = std::ceil(*reach * scale) + kRounding;
