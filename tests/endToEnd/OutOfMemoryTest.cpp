@@ -52,7 +52,7 @@ void expectRendersRecover(Rig& rig)
             return rig.render(0, kBounds, output);
         },
         [&] {
-            const Counters counters = rig.host().counters();
+            const Fixtures::Counters counters = rig.calls().counters();
             EXPECT_EQ(counters.imagesFetched, counters.imagesReleased);
             EXPECT_EQ(counters.blocksLive, 0u);
             if (renders++ % 50 == 0) {

@@ -5,6 +5,7 @@
 #include "host/EmbeddedHost.h"
 #include "host/Parameter.h"
 #include "host/Suites.h"
+#include "tests/fixtures/QuirkyHost.h"
 
 namespace Tesseret::Host {
 namespace {
@@ -21,7 +22,8 @@ protected:
         return *effect.parameters().find(name);
     }
 
-    EmbeddedHost host;
+    Fixtures::QuirkyHost quirky;
+    EmbeddedHost host{quirky.options()};
     Descriptor effect{host};
     const OfxParameterSuiteV1& suite = parameterSuite();
     OfxParamSetHandle set = effect.parameters().handle();
@@ -115,7 +117,7 @@ TEST_F(ParameterTest, BalancesEdits)
     EXPECT_EQ(effect.parameters().openEdits(), 1u);
     EXPECT_EQ(suite.paramEditEnd(set), kOfxStatOK);
     EXPECT_EQ(suite.paramEditEnd(set), kOfxStatFailed);
-    EXPECT_EQ(host.counters().badCalls, 3u);
+    EXPECT_EQ(quirky.calls.counters().badCalls, 3u);
 }
 
 }  // namespace

@@ -17,19 +17,19 @@ namespace {
 using ::testing::ElementsAre;
 
 // What the suite below was asked, and how it is to answer.
-std::vector<std::string> calls;
+std::vector<std::string> made;
 OfxStatus beginAnswer = kOfxStatOK, setAnswer = kOfxStatOK;
 
 OfxStatus begin(OfxParamSetHandle set, const char* name)
 {
-    calls.push_back(std::string("begin ") + name);
+    made.push_back(std::string("begin ") + name);
     return beginAnswer == kOfxStatOK ? Host::parameterSuite().paramEditBegin(set, name)
                                      : beginAnswer;
 }
 
 OfxStatus end(OfxParamSetHandle set)
 {
-    calls.emplace_back("end");
+    made.emplace_back("end");
     return Host::parameterSuite().paramEditEnd(set);
 }
 
@@ -41,7 +41,7 @@ OfxStatus set(OfxParamHandle parameter, ...)
     const double x = va_arg(components, double);
     const double y = va_arg(components, double);
     va_end(components);
-    calls.emplace_back("set");
+    made.emplace_back("set");
     return setAnswer == kOfxStatOK ? Host::parameterSuite().paramSetValue(parameter, x, y)
                                    : setAnswer;
 }
@@ -60,7 +60,7 @@ class EditTest : public ::testing::Test, protected TestHost {
 protected:
     EditTest()
     {
-        calls.clear();
+        made.clear();
         beginAnswer = setAnswer = kOfxStatOK;
         patched = Host::parameterSuite();
         patched.paramEditBegin = &begin;
@@ -92,7 +92,7 @@ protected:
         }
         EXPECT_EQ(overlay.penUp(pen), kOfxStatOK);
         EXPECT_EQ(instance().parameters().openEdits(), 0u);
-        return calls;
+        return made;
     }
 
 private:
@@ -124,7 +124,7 @@ TEST_F(EditTest, IsDoneWithoutWhereTheHostHasNone)
     patched.paramEditEnd = nullptr;
     EXPECT_THAT(dragCalls(), ElementsAre("set", "set", "set", "set", "set", "set"));
     patched.paramEditBegin = nullptr;
-    calls.clear();
+    made.clear();
     EXPECT_THAT(dragCalls(), ElementsAre("set", "set", "set", "set", "set", "set"));
 }
 
