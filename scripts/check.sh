@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# What a change has to pass besides its tests: clang-tidy on the files it changed, benchmarks and the 32-bit Windows
+# plug-in that compile, and the recorded pictures under the address sanitizer. Prints nothing when all is well.
+# Usage: scripts/check.sh [tidy|bench|win32|asan ...]
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+[[ $# -gt 0 ]] || set -- tidy bench win32 asan
+
+# What changes are measured from: the last tag, else the newest commit from before the day of the last one.
+base() {
+    git describe --tags --abbrev=0 2>/dev/null && return
+    local day
+    day=$(git log -1 --format=%cd --date=short)
+    git log --format='%cd %H' --date=short | awk -v day="$day" '$1 < day { print $2; exit }'
+}
+
+# The sources with the most changed lines, at most so many: one takes some ten seconds. A file that only moved, or whose
+# includes alone changed, has none.
+changed_sources() {
+    local most=$1 from
+    from=$(base)
+    git diff --numstat -M --ignore-blank-lines -I '^#include' "${from:-$(git hash-object -t tree /dev/null)}" -- \
+        '*.cpp' ':!*Windows.cpp' ':!bench' |
+        sed -E 's/\{[^}]* => ([^}]*)\}/\1/; s/[^\t]* => //; s#//#/#' |
+        awk -F '\t' '$1 + $2 > 0 { print $1 + $2 "\t" $3 }' | sort -rn | cut -f 2 |
+        while read -r file; do [[ ! -f $file ]] || echo "$file"; done | head -n "$most"
+}
+
+check_tidy() {
+    mapfile -t files < <(changed_sources "${TIDY_FILES:-16}")
+    [[ ${#files[@]} -eq 0 ]] || scripts/tidy.sh "${files[@]}"
+}
+
+check_bench() {
+    scripts/build.sh bench
+}
+
+check_win32() {
+    scripts/install-deps.sh g++-mingw-w64-i686-posix
+    scripts/build.sh win32
+}
+
+# The quick part: whole renders at every depth. scripts/sanitize.sh runs everything.
+check_asan() {
+    scripts/build.sh asan tesseret_plugin test_endToEnd
+    local log
+    log=$(mktemp)
+    build/asan/bin/test_endToEnd --gtest_brief=1 --gtest_filter='*Recorded*:*Masked*' >"$log" 2>&1 ||
+        { cat "$log" >&2; rm "$log"; exit 1; }
+    rm "$log"
+}
+
+for check in "$@"; do
+    "check_$check"
+done
