@@ -128,7 +128,7 @@ TEST_F(DebugMapsTest, OfAFullDiskAreThoseOfBefore)
     const LoadedPicture before = load(in("maps/blocks.png"));
     CommandRun::Arguments others = arguments;
     others.emplace_back("seed=2");
-    const Outcome full = run(others, 1000);
+    const Outcome full = runProgram(others, 1000);
     EXPECT_EQ(full.code, 1);
     EXPECT_THAT(full.err, ContainsRegex("^tesseret: .*/maps/.*png: cannot be written: .*\n$"));
     EXPECT_EQ(load(in("maps/blocks.png")), before);

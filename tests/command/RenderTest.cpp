@@ -45,7 +45,8 @@ using RenderTest = RenderFixture;
 TEST_F(RenderTest, SaysWhatItDid)
 {
     paint(in("a.png"), 96, 64, noise(1));
-    const Outcome normal = render("a.png", "normal.png");
+    const Outcome normal =
+        runProgram({"render", "--source", in("a.png"), "--output", in("normal.png")});
     EXPECT_EQ(normal.code, 0) << normal.err;
     EXPECT_THAT(normal.out, StartsWith(in("normal.png")));
     EXPECT_THAT(normal.err, IsEmpty());
@@ -278,7 +279,7 @@ TEST_F(RenderTest, AFullDiskLeavesTheResultOfBefore)
         ASSERT_EQ(render("a.png", name).code, 0);
         const std::string before = contents(in(name));
         const Outcome full =
-            run({"render", "-s", in("a.png"), "-o", in(name), "seed=2", "--quiet"}, 1000);
+            runProgram({"render", "-s", in("a.png"), "-o", in(name), "seed=2", "--quiet"}, 1000);
         EXPECT_EQ(full.code, 1);
         EXPECT_EQ(full.err, "tesseret: " + in(name) + ": cannot be written: File too large\n");
         EXPECT_EQ(contents(in(name)), before);

@@ -130,8 +130,10 @@ TEST_F(UsageTest, BadInputIsOneLineAndTwo)
         for (const std::string& part : use.said) EXPECT_THAT(outcome.err, HasSubstr(part));
         EXPECT_FALSE(fs::exists("out.png"));
     }
-    EXPECT_EQ(run({}).code, 2);
     EXPECT_EQ(run({"paint"}).code, 2);
+    const Outcome program = runProgram({});
+    EXPECT_EQ(program.code, 2);
+    EXPECT_THAT(program.err, StartsWith("tesseret: "));
 }
 
 TEST_F(UsageTest, HelpAndVersion)
@@ -140,7 +142,7 @@ TEST_F(UsageTest, HelpAndVersion)
     EXPECT_EQ(help.code, 0);
     EXPECT_THAT(help.out,
                 AllOf(HasSubstr("Examples:"), HasSubstr("--sample-box"), HasSubstr("upper left")));
-    EXPECT_THAT(run({"--version"}).out, ContainsRegex("^tesseret [0-9]+\\.[0-9]+\n$"));
+    EXPECT_THAT(runProgram({"--version"}).out, ContainsRegex("^tesseret [0-9]+\\.[0-9]+\n$"));
 }
 
 TEST_F(UsageTest, DescribesForPeopleAndPrograms)

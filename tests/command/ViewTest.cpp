@@ -35,7 +35,7 @@ protected:
 
 TEST_F(ViewTest, WithoutADisplayItSaysSoInOneLine)
 {
-    const Outcome outcome = run({"view", "--source", "a.png"});
+    const Outcome outcome = runProgram({"view", "--source", "a.png"});
     EXPECT_EQ(outcome.code, 2);
     EXPECT_EQ(outcome.out, "");
     EXPECT_THAT(outcome.err, AllOf(StartsWith("tesseret: no display: `tesseret view` needs"),

@@ -20,13 +20,17 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 
-class ParameterFileTest : public MatteFixture {
+class ParameterOrderTest : public MatteFixture {
 protected:
     std::string write(const std::string& text) const
     {
         std::ofstream(in("p.json")) << text;
         return in("p.json");
     }
+};
+
+class ParameterFileTest : public ParameterOrderTest {
+protected:
     std::string error(const std::string& text)
     {
         try {
@@ -96,7 +100,7 @@ TEST_F(ParameterFileTest, SaysWhatIsWrong)
 
 // The command line comes before the file, an option as well as a name=value; the file before what
 // options only imply.
-TEST_F(ParameterFileTest, TheCommandLineComesFirst)
+TEST_F(ParameterOrderTest, TheCommandLineComesFirst)
 {
     paintMatte("m.png", masks({kMiddle}));
     const auto filledWith = [&](const char* parameters, CommandRun::Arguments more) {

@@ -17,7 +17,11 @@ using Fixtures::paint;
 /// A folder with a picture of noise "a.png" and a matte "m.png" with two areas.
 class SessionFixture : public Fixtures::MatteFixture {
 protected:
-    SessionFixture() { paintMatte("m.png", Fixtures::masks({Fixtures::kLow, Fixtures::kMiddle})); }
+    SessionFixture()
+    {
+        hasOtherHost_ = true;
+        paintMatte("m.png", Fixtures::masks({Fixtures::kLow, Fixtures::kMiddle}));
+    }
 
     Render::RenderSettings settings(const char* matte = "") const
     {

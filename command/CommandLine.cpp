@@ -1,0 +1,74 @@
+#include "command/CommandLine.h"
+
+#include <cstdio>
+#include <exception>
+#include <stdexcept>
+
+#include <CLI/CLI.hpp>
+
+#include "command/DescribeCommand.h"
+#include "command/RenderCommand.h"
+#include "command/ViewCommand.h"
+#include "files/FileError.h"
+#include "render/JobError.h"
+
+namespace Tesseret::Command {
+
+namespace {
+
+int complain(const std::exception& error, int code)
+{
+    std::fprintf(stderr, "tesseret: %s\n", error.what());
+    return code;
+}
+
+int runAction(const Action& action)
+{
+    try {
+        return action();
+    } catch (const Render::Interrupted& error) {
+        return complain(error, kExitInterrupted);
+    } catch (const Render::UsageError& error) {
+        return complain(error, kExitUsage);
+    } catch (const Files::FileError& error) {
+        return complain(error, kExitUsage);
+    } catch (const std::invalid_argument& error) {
+        return complain(error, kExitUsage);
+    } catch (const std::exception& error) {
+        return complain(error, kExitFailed);
+    }
+}
+
+int run(int argc, const char* const* argv)
+{
+    CLI::App app("Fills pictures with quilted texture, through the Tesseret OFX plug-in");
+    app.name("tesseret");
+    app.set_version_flag("--version", "tesseret " TESSERET_VERSION);
+    app.require_subcommand(1);
+    app.footer("\"tesseret render --help\" has the options and examples.");
+    Action action;
+    addRenderCommand(app, action);
+    addViewCommand(app, action);
+    addDescribeCommand(app, action);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& request) {
+        return app.exit(request);  // help or version
+    } catch (const CLI::ParseError& error) {
+        return complain(error, kExitUsage);
+    }
+    return runAction(action);
+}
+
+}  // namespace
+
+int runCommandLine(int argc, const char* const* argv)
+{
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        return complain(error, kExitFailed);
+    }
+}
+
+}  // namespace Tesseret::Command

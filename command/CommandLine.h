@@ -1,0 +1,9 @@
+#pragma once
+
+namespace Tesseret::Command {
+
+/// Runs `tesseret` with its arguments, the program's name first, on the standard streams. Returns
+/// the exit code; every failure is a line on standard error.
+int runCommandLine(int argc, const char* const* argv);
+
+}  // namespace Tesseret::Command
