@@ -143,11 +143,12 @@ const ContextDescription& Effect::describeInContext(std::string_view context)
     return contexts_.find(context)->second.description;
 }
 
-std::unique_ptr<Instance> Effect::createInstance(std::string_view context)
+std::unique_ptr<Instance> Effect::createInstance(std::string_view context,
+                                                 InstanceListener* listener)
 {
     host_.behaviour().prepareInstance(*this);
     describeInContext(context);
-    return std::make_unique<Instance>(*this, *contextDescriptor(context));
+    return std::make_unique<Instance>(*this, *contextDescriptor(context), listener);
 }
 
 }  // namespace Tesseret::Host

@@ -33,9 +33,11 @@ public:
     /// Describes in a context unless that was done, and tells what was said. Throws HostError when
     /// the plug-in does not support the context or fails.
     const ContextDescription& describeInContext(std::string_view context);
-    /// Makes an instance; describes in the context first when that was not done. Throws HostError
-    /// with the plug-in's status when it refuses.
-    std::unique_ptr<Instance> createInstance(std::string_view context);
+    /// Makes an instance, with a listener that is not owned; describes in the context first when
+    /// that was not done. Throws HostError with the plug-in's status when it refuses. Once the
+    /// context is described, several threads may make instances at once.
+    std::unique_ptr<Instance> createInstance(std::string_view context,
+                                             InstanceListener* listener = nullptr);
 
     /// Forgets all contexts, loads and describes; throws HostError when the plug-in refuses.
     void loadAndDescribe();

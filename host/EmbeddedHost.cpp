@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "host/HostError.h"
+#include "host/Instance.h"
 #include "host/SuiteGuard.h"
 #include "host/Suites.h"
 #include "host/ThreadPool.h"
@@ -183,12 +184,16 @@ OfxStatus EmbeddedHost::badCall(const std::string& text, OfxStatus status)
 
 OfxStatus EmbeddedHost::post(const Message& message)
 {
-    OfxStatus answer = message.type == kOfxMessageQuestion ? kOfxStatReplyDefault : kOfxStatOK;
-    if (onMessage_) {
+    InstanceListener* const listener = message.instance ? message.instance->listener() : nullptr;
+    std::optional<OfxStatus> answer;
+    {
         const std::lock_guard lock(sinkMutex_);
-        answer = onMessage_(message);
+        if (listener) answer = listener->messagePosted(message);
+        if (!answer && onMessage_) answer = onMessage_(message);
     }
-    return behaviour_->messagePosted(message, answer);
+    const bool isQuestion = message.type == kOfxMessageQuestion;
+    return behaviour_->messagePosted(
+        message, answer.value_or(isQuestion ? kOfxStatReplyDefault : kOfxStatOK));
 }
 
 EmbeddedHost* EmbeddedHost::current()

@@ -42,7 +42,8 @@ public:
     PropertySet& properties() { return properties_; }
     HostBehaviour& behaviour() const { return *behaviour_; }
     unsigned int threads() const;
-    /// Not owned; null withdraws the suite. Set while nothing renders.
+    /// Of renders of instances that have no listener of their own. Not owned; null withdraws the
+    /// suite from all. Set while nothing renders.
     void setListener(RenderListener* listener) { listener_ = listener; }
     RenderListener* listener() const { return listener_; }
 

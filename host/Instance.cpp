@@ -28,12 +28,14 @@ bool lists(const std::vector<std::string>& names, const char* name)
 
 }  // namespace
 
-Instance::Instance(Effect& effect, const Descriptor& described)
+Instance::Instance(Effect& effect, const Descriptor& described, InstanceListener* listener)
     : EffectObject(effect.host(), "effect"),
       effect_(effect),
       context_(described.context()),
       supportedDepths_(described.properties().strings(kOfxImageEffectPropSupportedPixelDepths)),
-      slaveParameters_(described.properties().strings(kOfxImageEffectPropClipPreferencesSlaveParam))
+      slaveParameters_(
+          described.properties().strings(kOfxImageEffectPropClipPreferencesSlaveParam)),
+      listener_(listener)
 {
     PropertySet& own = properties();
     own.copyFrom(described.properties());
@@ -63,6 +65,12 @@ Instance::~Instance()
         const OfxStatus status = action(kOfxActionDestroyInstance);
         if (parameters().openEdits() > 0) host().badCall("an edit was begun and not ended", status);
     });
+}
+
+RenderListener* Instance::renderListener() const
+{
+    RenderListener* const own = listener_ ? listener_->renderListener() : nullptr;
+    return own ? own : host().listener();
 }
 
 void Instance::connect(std::string_view name, std::shared_ptr<ClipSource> source,

@@ -59,7 +59,8 @@ struct Identity {
 class Instance final : public EffectObject {
 public:
     /// By Effect::createInstance; sends CreateInstance and throws HostError when that is refused.
-    Instance(Effect& effect, const Descriptor& described);
+    /// The listener is not owned and may be null.
+    Instance(Effect& effect, const Descriptor& described, InstanceListener* listener = nullptr);
     /// Ends a sequence that was begun and sends DestroyInstance.
     ~Instance() override;
 
@@ -68,6 +69,9 @@ public:
     Instance* instance() override { return this; }
     /// Not owned; null for none. Set while no action runs.
     void setListener(InstanceListener* listener) { listener_ = listener; }
+    InstanceListener* listener() const { return listener_; }
+    /// The one of its listener, else the host's; null when there is none.
+    RenderListener* renderListener() const;
 
     // Clips
 
@@ -193,7 +197,7 @@ private:
     int actionDepth_ = 0;
     int changeDepth_ = 0;
     int announcing_ = 0;
-    InstanceListener* listener_ = nullptr;
+    InstanceListener* listener_;
     std::vector<std::string> edited_;  ///< set by the plug-in, not announced yet
     std::optional<RenderRequest> sequence_;
     OfxRangeD sequenceFrames_{0.0, 0.0};

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
+#include "host/HostSinks.h"
 #include "host/Parameter.h"
 
 namespace Tesseret::Host {
-
-class Instance;
 
 /// A value that a parameter has got, by itself or at the time that was set.
 struct ParameterChange {
@@ -15,7 +15,8 @@ struct ParameterChange {
     const char* reason = nullptr;  ///< kOfxChangePluginEdited where the plug-in itself has set it
 };
 
-/// Listens to one instance. Calls come on the thread that works with the instance.
+/// Listens to one instance. Calls come on the thread that works with the instance; messages may
+/// come from any, and are serialised with the host's.
 class InstanceListener {
 public:
     virtual ~InstanceListener() = default;
@@ -25,6 +26,14 @@ public:
     /// nest; each end has its begin.
     virtual void editBegan(Instance& /*instance*/, std::string_view /*label*/) {}
     virtual void editEnded(Instance& /*instance*/) {}
+    /// A message that names the instance. Returns its status, or nothing to leave it to the host's
+    /// sink.
+    virtual std::optional<OfxStatus> messagePosted(const Message& /*message*/)
+    {
+        return std::nullopt;
+    }
+    /// Listens to the instance's renders in place of the host's listener; null is the host's.
+    virtual RenderListener* renderListener() { return nullptr; }
 };
 
 }  // namespace Tesseret::Host

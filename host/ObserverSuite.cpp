@@ -1,7 +1,9 @@
-/// "TesseretObserverSuite": passes what the plug-in tells of its render on to the host's listener.
+/// "TesseretObserverSuite": passes what the plug-in tells of its render on to whoever listens to
+/// the instance.
 
 #include "host/EffectObject.h"
 #include "host/EmbeddedHost.h"
+#include "host/Instance.h"
 #include "host/SuiteGuard.h"
 #include "host/Suites.h"
 
@@ -9,7 +11,7 @@ namespace Tesseret::Host {
 
 namespace {
 
-/// Calls `tell(listener, instance)` when the handle is an instance of a host that listens.
+/// Calls `tell(listener, instance)` when the handle is an instance that somebody listens to.
 template <typename Tell>
 void forward(OfxImageEffectHandle handle, Tell tell)
 {
@@ -17,7 +19,7 @@ void forward(OfxImageEffectHandle handle, Tell tell)
         auto* const effect = static_cast<EffectObject*>(findObject(HandleKind::Effect, handle));
         if (!effect || !effect->instance()) {
             badCall("observer suite: no such instance", kOfxStatErrBadHandle);
-        } else if (RenderListener* const listener = effect->host().listener()) {
+        } else if (RenderListener* const listener = effect->instance()->renderListener()) {
             tell(*listener, *effect->instance());
         }
     });

@@ -87,8 +87,12 @@ Host::Project projectOf(const JobInputs& inputs)
 }  // namespace
 
 InstanceSetup::InstanceSetup(PluginSession& session, const RenderSettings& settings,
-                             const JobInputs& inputs, Depth depth)
-    : session_(session), inputs_(inputs), depth_(depth), context_(chooseContext(settings, inputs))
+                             const JobInputs& inputs, Depth depth, Host::InstanceListener* listener)
+    : session_(session),
+      inputs_(inputs),
+      depth_(depth),
+      listener_(listener),
+      context_(chooseContext(settings, inputs))
 {
     const ContextDescription& description = session.describe(context_);
     checkClips(description, inputs);
@@ -158,7 +162,7 @@ ReadyInstance InstanceSetup::make() const
     const auto [first, last] = std::ranges::minmax(inputs_.frames());
     ReadyInstance ready;
     try {
-        ready.instance = session_.effect().createInstance(longContextName(context_));
+        ready.instance = session_.effect().createInstance(longContextName(context_), listener_);
         ready.instance->setProject(projectOf(inputs_));
         ready.instance->setDepth(depth_);
         for (const auto& [name, info] : inputs_.infos()) {

@@ -23,9 +23,10 @@ class InstanceSetup {
 public:
     /// Chooses the context and the parameter values: those given, those that the options and files
     /// given ask for (a matte is filled from, a texture is used), and the sample box. Throws
-    /// `UsageError`. Session and inputs outlive the object.
+    /// `UsageError`. Session, inputs and the instances' listener, which may be null, outlive the
+    /// object.
     InstanceSetup(PluginSession& session, const RenderSettings& settings, const JobInputs& inputs,
-                  Depth depth);
+                  Depth depth, Host::InstanceListener* listener = nullptr);
 
     /// The same with other values; those not given are the plug-in's defaults. Throws `UsageError`
     /// when the sample box does not lie in the textures.
@@ -55,6 +56,7 @@ private:
     PluginSession& session_;
     const JobInputs& inputs_;
     Depth depth_;
+    Host::InstanceListener* listener_;
     std::string context_;
     ParameterValues values_;
     FillRegion fillRegion_;

@@ -24,6 +24,7 @@ Host::HostOptions PluginMessages::hostOptions(unsigned int threads)
 OfxStatus PluginMessages::receive(const Host::Message& message)
 {
     if (message.type == kOfxMessageError || message.type == kOfxMessageFatal) {
+        const std::lock_guard lock(mutex_);
         appendItem(errors_, "\n", message.text);
     } else {
         listener_.message(message.text);
@@ -33,6 +34,7 @@ OfxStatus PluginMessages::receive(const Host::Message& message)
 
 std::string PluginMessages::takeErrors()
 {
+    const std::lock_guard lock(mutex_);
     return std::exchange(errors_, {});
 }
 

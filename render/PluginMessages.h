@@ -1,15 +1,17 @@
 #pragma once
 
+#include <mutex>
 #include <string>
 
 #include "host/EmbeddedHost.h"
+#include "host/InstanceListener.h"
 #include "render/JobListener.h"
 
 namespace Tesseret::Render {
 
 /// Passes on what a plug-in and its host have to say, and keeps the plug-in's errors until the
-/// render has ended.
-class PluginMessages {
+/// render has ended. It listens to a whole host, or to instances of one that serves others too.
+class PluginMessages final : public Host::InstanceListener {
 public:
     /// Both outlive this.
     PluginMessages(JobListener& listener, WarningFilter& warnings)
@@ -23,12 +25,19 @@ public:
     /// The plug-in's errors since the last call, a line each.
     std::string takeErrors();
 
+    std::optional<OfxStatus> messagePosted(const Host::Message& message) override
+    {
+        return receive(message);
+    }
+    Host::RenderListener* renderListener() override { return &listener_; }
+
 private:
     OfxStatus receive(const Host::Message& message);
 
     JobListener& listener_;
     WarningFilter& warnings_;
-    std::string errors_;
+    std::mutex mutex_;
+    std::string errors_;  ///< guarded by mutex_
 };
 
 }  // namespace Tesseret::Render

@@ -7,7 +7,8 @@
 
 namespace Tesseret::Render {
 
-/// A plug-in that is loaded and described, with the host it lives in.
+/// A plug-in that is loaded and described, with the host it lives in. A loaded library knows one
+/// host, the last that was opened on it: whoever works with it in a process shares one session.
 class PluginSession {
 public:
     /// An empty path looks for the plug-in. Throws `UsageError` when it cannot be found or used.

@@ -304,6 +304,34 @@ TEST_F(InvertTest, TellsItsListenerOfValuesAndEdits)
                             "amount 0.50 0.75 OfxChangePluginEdited", "began drag", "ended"));
 }
 
+/// Writes down the remarks and messages of the instances that it listens to.
+class Hearer final : public InstanceListener, public RenderListener {
+public:
+    std::optional<OfxStatus> messagePosted(const Message& message) override
+    {
+        lines.push_back(message.text);
+        return kOfxStatReplyNo;
+    }
+    RenderListener* renderListener() override { return this; }
+    void note(Instance&, std::string_view text) override { lines.emplace_back(text); }
+
+    std::vector<std::string> lines;
+};
+
+TEST_F(InvertTest, HasEachInstanceHeardByItsOwnListener)
+{
+    Hearer ofHost, ofSecond;
+    host.setListener(&ofHost);
+    const auto second = effect.createInstance(kOfxImageEffectContextFilter, &ofSecond);
+    const auto message = messageSuite().message;
+    observerSuite().note(instance->handle(), "a");
+    observerSuite().note(second->handle(), "b");
+    EXPECT_EQ(message(instance->handle(), kOfxMessageQuestion, "", "c"), kOfxStatReplyDefault);
+    EXPECT_EQ(message(second->handle(), kOfxMessageQuestion, "", "d"), kOfxStatReplyNo);
+    EXPECT_THAT(ofHost.lines, ElementsAre("a"));
+    EXPECT_THAT(ofSecond.lines, ElementsAre("b", "d"));
+}
+
 TEST_F(InvertTest, ShowsTheProjectAsTheSwitchesHaveIt)
 {
     const PropertySet& own = instance->properties();

@@ -29,6 +29,19 @@ protected:
         EXPECT_EQ(worker.latest()->error, "");
         return worker.latest();
     }
+    /// A worker with a session of its own.
+    struct OwnWorker {
+        explicit OwnWorker(const Render::RenderSettings& given)
+            : pictures(given),
+              session(given.plugin, messages.hostOptions(given.threads)),
+              worker(session, given, pictures)
+        {}
+
+        PictureCache pictures;
+        MessageList messages;
+        Render::PluginSession session;
+        RenderWorker worker;
+    };
     /// Against a file that `tesseret render` wrote.
     void expectSame(const Picture& picture, const std::string& file) const
     {
@@ -50,8 +63,8 @@ TEST_F(RenderWorkerTest, RendersWhatTheCommandRenders)
 {
     const Render::RenderSettings given = settings("m.png");
     const Render::ParameterValues values = valuesOf(given);
-    PictureCache pictures(given);
-    RenderWorker worker(given, pictures);
+    OwnWorker own(given);
+    RenderWorker& worker = own.worker;
     for (const char* scale : {"1", "0.5"}) {
         fill("a.png", "o.png", {"--matte", in("m.png"), "--render-scale", scale});
         const auto result = rendered(worker, {.scale = std::stod(scale), .values = values});
@@ -82,8 +95,8 @@ TEST_F(RenderWorkerTest, RepeatsTheBlocksOfTheFirstFrame)
     fill("s.####.png", "o.####.png",
          {"--matte", in("m.png"), "--frames", "5-7", "temporalConsistancy=on"});
     const Render::ParameterValues values = valuesOf(given);
-    PictureCache pictures(given);
-    RenderWorker worker(given, pictures);
+    OwnWorker own(given);
+    RenderWorker& worker = own.worker;
     for (const int frame : {7, 6, 5, 6}) {
         const auto result = rendered(worker, {.frame = frame, .values = values});
         expectSame(result->picture, Fixtures::numbered("o.%04d.png", frame));
@@ -94,8 +107,8 @@ TEST_F(RenderWorkerTest, TheNewestOrderWins)
 {
     const Render::RenderSettings given = settings();
     Render::ParameterValues values = valuesOf(given);
-    PictureCache pictures(given);
-    RenderWorker worker(given, pictures);
+    OwnWorker own(given);
+    RenderWorker& worker = own.worker;
     std::atomic<int> done{0};
     worker.setOnDone([&] { ++done; });
     values["numSamples"] = 100000;  // takes minutes, unless it is aborted
@@ -112,8 +125,8 @@ TEST_F(RenderWorkerTest, EndsWhileARenderRuns)
     const Render::RenderSettings given = settings();
     Render::ParameterValues values = valuesOf(given);
     values["numSamples"] = 100000;
-    PictureCache pictures(given);
-    RenderWorker worker(given, pictures);
+    OwnWorker own(given);
+    RenderWorker& worker = own.worker;
     worker.order({.values = values});
     while (worker.state().stage.empty()) std::this_thread::yield();
 }
@@ -122,8 +135,8 @@ TEST_F(RenderWorkerTest, GetsOverFailures)
 {
     const Render::RenderSettings given = settings();
     const Render::ParameterValues values = valuesOf(given);
-    PictureCache pictures(given);
-    RenderWorker worker(given, pictures);
+    OwnWorker own(given);
+    RenderWorker& worker = own.worker;
     Render::ParameterValues wrong = values;
     wrong["blockSize"] = std::string("many");
     worker.order({.values = wrong});
@@ -141,8 +154,8 @@ TEST_F(RenderWorkerTest, ManyOrdersInARow)
 {
     const Render::RenderSettings given = settings("m.png");
     Render::ParameterValues values = valuesOf(given);
-    PictureCache pictures(given);
-    RenderWorker worker(given, pictures);
+    OwnWorker own(given);
+    RenderWorker& worker = own.worker;
     for (int i = 0; i < 200; ++i) {
         values["seed"] = i;
         worker.order({.scale = i % 2 == 0 ? 1.0 : 0.5, .values = values, .wantsMaps = i % 3 == 0});

@@ -33,11 +33,12 @@ protected:
         settings.parameters = {"blockSize=30", "overlap=8", "pathWidth=2", "edgeBlend=1"};
         return settings;
     }
-    Render::RenderSettings invert() const
+    /// With another plug-in, and nothing else set.
+    Render::RenderSettings foreign(const char* plugin) const
     {
         Render::RenderSettings settings;
         settings.source = in("a.png");
-        settings.plugin = INVERT_PLUGIN;
+        settings.plugin = plugin;
         return settings;
     }
 

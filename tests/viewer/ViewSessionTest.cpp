@@ -91,9 +91,47 @@ TEST_F(ViewSessionTest, DragsWhileTheWorkerRenders)
               session.value("sampleCorner1"));
 }
 
+/// Counts the host records that a loaded plug-in is given, while it lives.
+class HostRecords {
+public:
+    explicit HostRecords(const char* file)
+        : library_(Host::PluginLibrary::load(file)), setHost_(library_->plugin().setHost)
+    {
+        given.clear();
+        passedOn_ = setHost_;
+        library_->plugin().setHost = [](OfxHost* host) {
+            given.push_back(host);
+            passedOn_(host);
+        };
+    }
+    ~HostRecords() { library_->plugin().setHost = setHost_; }
+    HostRecords(const HostRecords&) = delete;
+    HostRecords& operator=(const HostRecords&) = delete;
+
+    static inline std::vector<OfxHost*> given;
+
+private:
+    using SetHost = void (*)(OfxHost*);
+    static inline SetHost passedOn_ = nullptr;
+    std::shared_ptr<Host::PluginLibrary> library_;
+    SetHost setHost_;
+};
+
+TEST_F(ViewSessionTest, SharesOneHostWithItsWorker)
+{
+    const HostRecords records(FAILING_PLUGIN);
+    ViewSession session(foreign(FAILING_PLUGIN));
+    session.order(1.0);
+    session.worker().wait();
+    EXPECT_EQ(records.given.size(), 1u);
+    // What the plug-in says of the worker's instance is said of the render, and nowhere else.
+    EXPECT_THAT(session.worker().latest()->messages, testing::ElementsAre("the lens is cracked"));
+    EXPECT_THAT(session.takeMessages(), testing::IsEmpty());
+}
+
 TEST_F(ViewSessionTest, ServesAnyPlugin)
 {
-    ViewSession session(invert());
+    ViewSession session(foreign(INVERT_PLUGIN));
     EXPECT_EQ(session.pages().size(), 1u);
     EXPECT_EQ(session.pages()[0].columns, (std::vector<std::vector<std::string>>{{"amount"}}));
     session.set("amount", 0.25);

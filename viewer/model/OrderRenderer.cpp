@@ -22,15 +22,14 @@ OrderRenderer::Setup::Setup(const RenderOrder& given, RenderSettings scaled,
       frames(settings, std::move(setup), watch, warnings)
 {}
 
-OrderRenderer::OrderRenderer(const RenderSettings& settings, PictureCache& pictures,
-                             RenderWatch& watch)
+OrderRenderer::OrderRenderer(Render::PluginSession& session, const RenderSettings& settings,
+                             PictureCache& pictures, RenderWatch& watch)
     : settings_(settings),
       pictures_(pictures),
       watch_(watch),
       warnings_(watch),
       messages_(watch, warnings_),
-      session_(settings.plugin, messages_.hostOptions(settings.threads)),
-      setup_(session_, settings, pictures.inputs(), pictures.depth())
+      setup_(session, settings, pictures.inputs(), pictures.depth(), &messages_)
 {}
 
 void OrderRenderer::begin()

@@ -14,10 +14,10 @@ namespace Tesseret::Viewer {
 /// Renders orders one after another on instances of its own.
 class OrderRenderer {
 public:
-    /// Loads the plug-in and checks the settings. Throws as `InstanceSetup` does. Pictures and
-    /// watch outlive the object.
-    OrderRenderer(const Render::RenderSettings& settings, PictureCache& pictures,
-                  RenderWatch& watch);
+    /// Checks the settings. Throws as `InstanceSetup` does. Session, pictures and watch outlive the
+    /// object.
+    OrderRenderer(Render::PluginSession& session, const Render::RenderSettings& settings,
+                  PictureCache& pictures, RenderWatch& watch);
 
     /// Before each order: aborts from now on mean that one.
     void begin();
@@ -51,7 +51,6 @@ private:
     RenderWatch& watch_;
     Render::WarningFilter warnings_;
     Render::PluginMessages messages_;
-    Render::PluginSession session_;
     Render::InstanceSetup setup_;
     std::optional<Render::MattePreparation> mattes_;
     double matteScale_ = 0.0;  ///< of mattes_, and its polarity

@@ -6,9 +6,10 @@
 
 namespace Tesseret::Viewer {
 
-RenderWorker::RenderWorker(const Render::RenderSettings& settings, PictureCache& pictures)
+RenderWorker::RenderWorker(Render::PluginSession& session, const Render::RenderSettings& settings,
+                           PictureCache& pictures)
     : watch_(std::make_unique<RenderWatch>()),
-      renderer_(std::make_unique<OrderRenderer>(settings, pictures, *watch_)),
+      renderer_(std::make_unique<OrderRenderer>(session, settings, pictures, *watch_)),
       thread_([this] { run(); })
 {}
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "render/ParameterText.h"
+#include "render/PluginSession.h"
 #include "render/RenderSettings.h"
 #include "viewer/model/PictureCache.h"
 
@@ -49,13 +50,15 @@ struct WorkerState {
     std::size_t area = 0, areaCount = 1;  ///< of the matte; they count from 0
 };
 
-/// A thread that renders the newest order, with a plug-in session and instances of its own.
+/// A thread that renders the newest order, with instances of its own.
 class RenderWorker {
 public:
-    /// Loads the plug-in and checks the settings, whose scale and parameters the orders replace.
-    /// Throws as `InstanceSetup` does. The pictures outlive the object. While a worker lives no
-    /// other session may be opened on its plug-in, which would tell that one how renders go on.
-    RenderWorker(const Render::RenderSettings& settings, PictureCache& pictures);
+    /// Checks the settings, whose scale and parameters the orders replace. Throws as
+    /// `InstanceSetup` does. Session and pictures outlive the object; others may work with other
+    /// instances of the session meanwhile. How renders go on is known only where the session's host
+    /// has a listener, which is not told of them.
+    RenderWorker(Render::PluginSession& session, const Render::RenderSettings& settings,
+                 PictureCache& pictures);
     /// Aborts what runs.
     ~RenderWorker();
     RenderWorker(const RenderWorker&) = delete;

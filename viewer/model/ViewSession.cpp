@@ -43,7 +43,7 @@ ViewSession::ViewSession(Render::RenderSettings settings)
       description_(session_.describe(setup_.context())),
       pages_(panelPages(description_)),
       ready_(setup_.make()),
-      worker_(std::make_unique<RenderWorker>(settings_, pictures_)),
+      worker_(std::make_unique<RenderWorker>(session_, settings_, pictures_)),
       frame_(frames().front())
 {
     instance().setListener(this);
@@ -51,13 +51,6 @@ ViewSession::ViewSession(Render::RenderSettings settings)
         messages_.message(text);
     }
     setFrame(frame_);
-}
-
-/// The worker's session, which the plug-in met last, outlives the instance.
-ViewSession::~ViewSession()
-{
-    overlay_.reset();
-    ready_.instance.reset();
 }
 
 Host::Interact* ViewSession::overlay()

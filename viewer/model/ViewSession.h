@@ -21,13 +21,14 @@
 
 namespace Tesseret::Viewer {
 
+/// Destroyed while the OpenGL context in which the overlay was drawn is current.
 class ViewSession final : private Host::InstanceListener {
 public:
     /// Opens what `tesseret render` would render; the output may be empty. Throws `UsageError` or
     /// `FileError`.
     explicit ViewSession(Render::RenderSettings settings);
-    /// With the overlay, so that an OpenGL context that it was drawn in is still current.
-    ~ViewSession();
+    ViewSession(const ViewSession&) = delete;
+    ViewSession& operator=(const ViewSession&) = delete;
 
     // What there is.
 
@@ -121,16 +122,16 @@ private:
     Render::InstanceSetup setup_;
     const Host::ContextDescription& description_;
     std::vector<PanelPage> pages_;
+    EditHistory history_;  ///< with the flags outlives the instance, which changes them to its end
+    bool isReplaying_ = false;  ///< values come from the history
+    bool hasChanged_ = true;
     Render::ReadyInstance ready_;
     std::unique_ptr<Host::Interact> overlay_;
     bool hasTriedOverlay_ = false;
     std::unique_ptr<RenderWorker> worker_;
     int frame_;
     std::shared_ptr<const Render::FramePictures> shown_;
-    EditHistory history_;
-    bool isReplaying_ = false;                ///< values come from the history
     std::optional<EditHistory::Group> drag_;  ///< while the overlay has the pen
-    bool hasChanged_ = true;
 };
 
 }  // namespace Tesseret::Viewer
