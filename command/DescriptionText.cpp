@@ -5,10 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "render/ParameterText.h"
+#include "render/ParameterFile.h"
 #include "render/PluginSession.h"
-#include "render/TextList.h"
-#include "render/ValueJson.h"
 
 namespace Tesseret::Command {
 
@@ -118,7 +116,7 @@ Json parameterJson(const ParameterDescription& parameter)
     json["secret"] = parameter.secret;
     json["enabled"] = parameter.enabled;
     if (parameter.isGroup() || parameter.isButton()) return json;
-    json["default"] = Render::valueJson<Json>(parameter.initial);
+    json["default"] = Render::valueJson(parameter.initial);
     json["animates"] = parameter.animates;
     if (!parameter.min.empty()) {
         json["min"] = parameter.min;

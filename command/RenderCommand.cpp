@@ -8,7 +8,6 @@
 #include "command/RenderReporter.h"
 #include "render/DebugMaps.h"
 #include "render/Interrupt.h"
-#include "render/JobListeners.h"
 #include "render/RenderJob.h"
 
 namespace Tesseret::Command {

@@ -6,7 +6,7 @@
 
 #include <OpenImageIO/imageio.h>
 
-#include "files/FrameRange.h"
+#include "files/Sequence.h"
 #include "render/JobError.h"
 
 namespace Tesseret::Command {

@@ -8,7 +8,6 @@
 #include "render/Boxes.h"
 #include "render/JobError.h"
 #include "render/ParameterFile.h"
-#include "render/PluginFinder.h"
 
 namespace Tesseret::Render {
 

@@ -18,7 +18,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The user or the system asked to stop30.
+/// The user or the system asked to stop.
 class Interrupted : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -4,7 +4,6 @@
 
 #include "effect/ParameterNames.h"
 #include "files/FileError.h"
-#include "files/FrameRange.h"
 #include "files/PictureWriter.h"
 #include "render/JobError.h"
 

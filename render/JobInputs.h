@@ -12,7 +12,7 @@
 
 #include "effect/ParameterNames.h"
 #include "files/PictureReader.h"
-#include "files/SequencePattern.h"
+#include "files/Sequence.h"
 #include "files/WholeFile.h"
 #include "render/RenderSettings.h"
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <fstream>
 #include <span>
+#include <type_traits>
+#include <variant>
 
 #include <nlohmann/json.hpp>
 
@@ -10,8 +12,6 @@
 #include "files/WholeFile.h"
 #include "render/JobError.h"
 #include "render/PluginSession.h"
-#include "render/TextList.h"
-#include "render/ValueJson.h"
 
 namespace Tesseret::Render {
 
@@ -115,7 +115,7 @@ Json jsonOf(const ParameterDescription& parameter, const ParameterValue& value)
         *number < static_cast<int>(parameter.options.size())) {
         return parameter.options[static_cast<std::size_t>(*number)];
     }
-    return valueJson<Json>(value);
+    return valueJson(value);
 }
 
 }  // namespace
@@ -159,6 +159,19 @@ void saveParameters(const fs::path& file, const std::string& plugin,
                     {kParameters, std::move(parameters)}};
     const std::string text = json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
     Files::writeWhole(file, std::as_bytes(std::span(text)));
+}
+
+Json valueJson(const ParameterValue& value)
+{
+    return std::visit(
+        [](const auto& held) -> Json {
+            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::monostate>) {
+                return nullptr;
+            } else {
+                return held;
+            }
+        },
+        value);
 }
 
 }  // namespace Tesseret::Render

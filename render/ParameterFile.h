@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <string>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include "render/ParameterText.h"
 
 namespace Tesseret::Render {
@@ -23,5 +25,8 @@ ParameterValues loadParameters(const std::filesystem::path& file, const std::str
 /// The file appears whole or not at all. Throws `FileError`.
 void saveParameters(const std::filesystem::path& file, const std::string& plugin,
                     const Host::ContextDescription& description, const ParameterValues& values);
+
+/// A parameter's value as it is; null where a parameter has none.
+nlohmann::ordered_json valueJson(const Host::ParameterValue& value);
 
 }  // namespace Tesseret::Render

@@ -12,7 +12,6 @@
 
 #include "render/JobError.h"
 #include "render/PluginSession.h"
-#include "render/TextList.h"
 
 namespace Tesseret::Render {
 
@@ -260,6 +259,12 @@ std::string numberText(double number)
                                             ? std::to_chars(begin, end, single, format)
                                             : std::to_chars(begin, end, number, format);
     return result.ec == std::errc() ? std::string(begin, result.ptr) : std::to_string(number);
+}
+
+void appendItem(std::string& list, std::string_view separator, std::string_view item)
+{
+    if (!list.empty()) list.append(separator);
+    list.append(item);
 }
 
 }  // namespace Tesseret::Render

@@ -1,6 +1,7 @@
 #pragma once
 
-/// Parameter values as text, checked against what the plug-in described.
+/// Parameter values as text, checked against what the plug-in described, and what such text is put
+/// together of.
 
 #include <map>
 #include <string>
@@ -37,5 +38,8 @@ std::string rangeText(const std::vector<double>& min, const std::vector<double>&
 
 /// A number without superfluous digits.
 std::string numberText(double number);
+
+/// Adds an item to a list that is text, with a separator before all but the first.
+void appendItem(std::string& list, std::string_view separator, std::string_view item);
 
 }  // namespace Tesseret::Render

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "ofx/ofxMessage.h"
-#include "render/TextList.h"
+#include "render/ParameterText.h"
 
 namespace Tesseret::Render {
 

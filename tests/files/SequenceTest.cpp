@@ -4,8 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "files/FrameRange.h"
-#include "files/SequencePattern.h"
+#include "files/Sequence.h"
 #include "tests/fixtures/TemporaryFolder.h"
 
 namespace Tesseret::Files {

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "files/FrameRange.h"
-#include "render/TextList.h"
+#include "files/Sequence.h"
+#include "render/ParameterText.h"
 
 namespace Tesseret::Viewer {
 

@@ -1,11 +1,24 @@
 #pragma once
 
+/// Sequences of files: frame numbers as users write them, "1001", "1001-1100", "1-9x2" and several
+/// of these with commas, and file names with a place for the number.
+
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Tesseret::Files {
+
+/// The frames of a text in the order written, each once. "A-BxS" counts from A up to B in steps of
+/// S; numbers may be negative ("-5--1"). Throws `std::invalid_argument` with one line that says
+/// what is wrong: not a range, a range that runs downwards, a step below 1, more than a million
+/// frames.
+std::vector<int> parseFrames(std::string_view text);
+
+/// The shortest way to write ascending frames: {1, 2, 3, 7} is "1-3,7".
+std::string framesText(const std::vector<int>& frames);
 
 /// A file name with a place for the frame number: "plate.####.exr" or "plate.%04d.exr". The number
 /// is padded with zeros to the count of marks; longer numbers are written whole. A name without a

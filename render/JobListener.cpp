@@ -1,4 +1,4 @@
-#include "render/JobListeners.h"
+#include "render/JobListener.h"
 
 #include <algorithm>
 
