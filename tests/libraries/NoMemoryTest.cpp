@@ -15,19 +15,19 @@ thread_local bool hasNoMemory = false;
 
 // This program's own allocation: a thread can be left without any.
 
-void* operator new(std::size_t size)
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
     void* block = hasNoMemory ? nullptr : std::malloc(size > 0 ? size : 1);
     if (block == nullptr) throw std::bad_alloc();
     return block;
 }
 
-void operator delete(void* block) noexcept
+[[gnu::noinline]] void operator delete(void* block) noexcept
 {
     std::free(block);
 }
 
-void operator delete(void* block, std::size_t) noexcept
+[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept
 {
     std::free(block);
 }
