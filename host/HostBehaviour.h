@@ -1,8 +1,8 @@
 #pragma once
 
 /// Where hosts differ from each other, and what a plug-in calls: each function is a point where a
-/// host's answer may be another, or the notification of a call, or both. The functions of this
-/// class are the host that keeps the published standard and takes no notes. They are called on
+/// host may return something else, or the notification of a call, or both. The functions of this
+/// class are the host that keeps the published standard and keeps no record. They are called on
 /// whatever thread the plug-in calls on.
 
 #include <cstddef>
@@ -51,7 +51,7 @@ public:
         return suite;
     }
     /// A message has been shown; returns the status for the plug-in.
-    virtual OfxStatus messagePosted(const Message& /*message*/, OfxStatus answer) { return answer; }
+    virtual OfxStatus messagePosted(const Message& /*message*/, OfxStatus status) { return status; }
     virtual void reported(const Report& /*report*/) {}
 
     // Calls that a host may refuse: 0 goes on with the call, any other status is returned at once.

@@ -36,7 +36,7 @@ public:
     ImageMemory(const ImageMemory&) = delete;
     ImageMemory& operator=(const ImageMemory&) = delete;
 
-    // The suite's side; each answers the standard's statuses.
+    // The suite's side; each returns the standard's statuses.
     static OfxStatus allocate(EmbeddedHost& host, std::size_t bytes, OfxImageMemoryHandle& memory);
     static OfxStatus free(OfxImageMemoryHandle memory);
     static OfxStatus lock(OfxImageMemoryHandle memory, void*& data);

@@ -20,7 +20,8 @@ struct ParameterChange {
 class InstanceListener {
 public:
     virtual ~InstanceListener() = default;
-    /// A parameter of an instance that exists has another value; the plug-in has not been told yet.
+    /// A parameter of an instance that exists has another value; the plug-in has not been notified
+    /// yet.
     virtual void parameterChanged(Instance& /*instance*/, const ParameterChange& /*change*/) {}
     /// Around changes of the plug-in that belong together, in one action or several. Blocks may
     /// nest; each end has its begin.
@@ -32,7 +33,7 @@ public:
     {
         return std::nullopt;
     }
-    /// Listens to the instance's renders in place of the host's listener; null is the host's.
+    /// Listens to the instance's renders in place of the host's listener; null leaves them to it.
     virtual RenderListener* renderListener() { return nullptr; }
 };
 

@@ -1,5 +1,5 @@
-/// "TesseretObserverSuite": passes what the plug-in tells of its render on to whoever listens to
-/// the instance.
+/// "TesseretObserverSuite": passes what the plug-in reports of its render on to the listener of the
+/// instance.
 
 #include "host/EffectObject.h"
 #include "host/EmbeddedHost.h"
@@ -11,7 +11,7 @@ namespace Tesseret::Host {
 
 namespace {
 
-/// Calls `tell(listener, instance)` when the handle is an instance that somebody listens to.
+/// Calls `tell(listener, instance)` when the handle is an instance with a listener.
 template <typename Tell>
 void forward(OfxImageEffectHandle handle, Tell tell)
 {

@@ -264,7 +264,7 @@ TEST_F(InvertTest, CarriesPenAndChangesBetweenOverlayAndInstance)
     EXPECT_EQ(interactSuite().interactRedraw(nullptr), kOfxStatErrBadHandle);
 }
 
-/// Writes down what an instance's listener is told.
+/// Writes down the changes of an instance.
 class Diary final : public InstanceListener {
 public:
     void parameterChanged(Instance&, const ParameterChange& change) override
@@ -284,7 +284,7 @@ public:
     std::vector<std::string> lines;
 };
 
-TEST_F(InvertTest, TellsItsListenerOfValuesAndEdits)
+TEST_F(InvertTest, NotifiesItsListenerOfValuesAndEdits)
 {
     Diary diary;
     instance->setListener(&diary);
@@ -304,8 +304,8 @@ TEST_F(InvertTest, TellsItsListenerOfValuesAndEdits)
                             "amount 0.50 0.75 OfxChangePluginEdited", "began drag", "ended"));
 }
 
-/// Writes down the remarks and messages of the instances that it listens to.
-class Hearer final : public InstanceListener, public RenderListener {
+/// Writes down the remarks and messages of instances.
+class Listener final : public InstanceListener, public RenderListener {
 public:
     std::optional<OfxStatus> messagePosted(const Message& message) override
     {
@@ -318,9 +318,9 @@ public:
     std::vector<std::string> lines;
 };
 
-TEST_F(InvertTest, HasEachInstanceHeardByItsOwnListener)
+TEST_F(InvertTest, NotifiesTheListenerOfEachInstance)
 {
-    Hearer ofHost, ofSecond;
+    Listener ofHost, ofSecond;
     host.setListener(&ofHost);
     const auto second = effect.createInstance(kOfxImageEffectContextFilter, &ofSecond);
     const auto message = messageSuite().message;

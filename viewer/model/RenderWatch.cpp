@@ -125,7 +125,7 @@ void RenderWatch::mapMade(Host::Instance& /*instance*/, const TesseretMapV1& map
 {
     try {
         if (const std::optional<FillPicture> made = pictures_.make(map)) keep(*made);
-    } catch (const std::exception& error) {  // none may reach the plug-in
+    } catch (const std::exception& error) {  // a map that cannot be shown fails no render
         addNote(error.what());
     }
 }

@@ -56,7 +56,7 @@ public:
     /// Checks the settings, whose scale and parameters the orders replace. Throws as
     /// `InstanceSetup` does. Session and pictures outlive the object; others may work with other
     /// instances of the session meanwhile. How renders go on is known only where the session's host
-    /// has a listener, which is not told of them.
+    /// has a listener, which is not notified of them.
     RenderWorker(Render::PluginSession& session, const Render::RenderSettings& settings,
                  PictureCache& pictures);
     /// Aborts what runs.

@@ -14,7 +14,7 @@
 #include "host/Interact.h"
 #include "render/InstanceSetup.h"
 #include "viewer/model/EditHistory.h"
-#include "viewer/model/MessageList.h"
+#include "viewer/model/Messages.h"
 #include "viewer/model/PanelPages.h"
 #include "viewer/model/PictureCache.h"
 #include "viewer/model/RenderWorker.h"

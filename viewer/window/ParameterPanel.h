@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "viewer/model/MessageLog.h"
+#include "viewer/model/Messages.h"
 #include "viewer/model/ViewSession.h"
 
 namespace Tesseret::Viewer {

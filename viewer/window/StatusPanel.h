@@ -1,6 +1,6 @@
 #pragma once
 
-#include "viewer/model/MessageLog.h"
+#include "viewer/model/Messages.h"
 #include "viewer/model/ViewSession.h"
 
 namespace Tesseret::Viewer {

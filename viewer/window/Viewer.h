@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "viewer/model/MessageLog.h"
+#include "viewer/model/Messages.h"
 #include "viewer/model/RenderScheduler.h"
 #include "viewer/window/ParameterPanel.h"
 #include "viewer/window/PathDialog.h"

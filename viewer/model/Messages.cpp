@@ -1,6 +1,7 @@
-#include "viewer/model/MessageLog.h"
+#include "viewer/model/Messages.h"
 
 #include <exception>
+#include <utility>
 
 namespace Tesseret::Viewer {
 
@@ -9,6 +10,21 @@ namespace {
 constexpr std::size_t kMostLines = 500;
 
 }  // namespace
+
+void MessageList::add(const std::string& line)
+{
+    const std::lock_guard lock(mutex_);
+    lines_.push_back(line);
+}
+
+std::vector<std::string> MessageList::take()
+{
+    std::string errors = plugin_.takeErrors();
+    const std::lock_guard lock(mutex_);
+    std::vector<std::string> lines = std::exchange(lines_, {});
+    if (!errors.empty()) lines.push_back(std::move(errors));
+    return lines;
+}
 
 void MessageLog::add(Kind kind, const std::string& text)
 {
