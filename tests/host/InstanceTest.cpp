@@ -297,7 +297,7 @@ TEST_F(InvertTest, NotifiesItsListenerOfValuesAndEdits)
     EXPECT_EQ(suite.paramEditBegin(set, "drag"), kOfxStatOK);
     EXPECT_EQ(suite.paramEditEnd(set), kOfxStatOK);
     EXPECT_THAT(quirky.calls.badCalls(), IsEmpty());
-    EXPECT_EQ(suite.paramEditEnd(set), kOfxStatOK);
+    EXPECT_EQ(suite.paramEditEnd(set), kOfxStatFailed);
     EXPECT_THAT(quirky.calls.badCalls(), ElementsAre(HasSubstr("no edit was begun")));
     EXPECT_THAT(diary.lines,
                 ElementsAre("amount 1.00 0.50 OfxChangeUserEdited",
