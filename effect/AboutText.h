@@ -6,7 +6,7 @@
 
 namespace Tesseret {
 
-/// What the help button shows: label, grouping and versions, description. At most 1023 characters.
+/// The text of the help button: label, grouping and versions, description. At most 1023 characters.
 [[nodiscard]] std::string makeAboutText(const Orvane::OvEffectDescriptor& descriptor);
 
 }  // namespace Tesseret

@@ -10,12 +10,11 @@
 
 namespace Tesseret {
 
-/// What the engine may ask during one render action, answered by the action's host wrapper and the
-/// effect's interface.
+/// The engine's context of one render action, over the action's host wrapper and the effect's
+/// interface.
 class EffectRenderContext final : public Orvane::Engine::RenderContext {
 public:
-    /// Both outlive the context. Asks the host whether somebody watches the render, and for its
-    /// time.
+    /// Both outlive the context. Asks the host for an observer, then for the time of the render.
     EffectRenderContext(Orvane::OvOfxHostWrapper& wrapper,
                         Orvane::OvOfxEffectInterface& effectInterface);
 

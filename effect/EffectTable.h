@@ -1,7 +1,7 @@
 #pragma once
 
-/// Everything a host gets to see of the effect, as data: labels, hints, values, pages, and the
-/// names of effect/ParameterNames.h.
+/// Everything that a host sees of the effect, as data: labels, hints, values, pages, and the names
+/// of effect/ParameterNames.h.
 
 #include <array>
 #include <span>
@@ -20,7 +20,7 @@ extern const char* const kDescription;
 inline constexpr std::array kContexts = {"Filter", "General"};
 inline constexpr std::array kPixelDepths = {"byte", "short", "float"};
 
-/// In which contexts something exists.
+/// The contexts in which a clip or parameter exists.
 enum class In { Both, FilterOnly, GeneralOnly };
 
 struct ClipRow {
@@ -33,7 +33,7 @@ struct ClipRow {
     In contexts = In::Both;
 };
 
-// The kinds of parameter, each with what it has beyond its names. `initial` is the default.
+// The kinds of parameter, each with its data besides the names. `initial` is the default.
 struct Integer {
     int initial, min, max, displayMin, displayMax;
 };
@@ -43,13 +43,13 @@ struct Real {
 struct Boolean {
     bool initial;
 };
-/// A boolean that only the overlay looks at.
+/// A boolean that only the overlay uses.
 struct InterfaceToggle {};
 struct Choice {
-    const char* initial;  ///< an option; hosts choose when it is none of them
+    const char* initial;  ///< an option; hosts choose if it is not among them
     std::span<const char* const> options;
 };
-/// A corner of the sample region, in parts of the project's size.
+/// A corner of the sample region, in fractions of the project's size.
 struct Corner {
     int number;  ///< 1 or 2
     float initialX, initialY;
@@ -69,7 +69,7 @@ struct ParamRow {
 };
 
 /// One row of a page: names of parameters, kEmptyCell where a cell stays empty, null at the end.
-/// Those of parameters that a context lacks are left out.
+/// Names of parameters that a context lacks are skipped.
 using PageLine = std::array<const char*, 5>;
 inline constexpr const char* kEmptyCell = "";
 

@@ -89,7 +89,7 @@ int FillParameterReader::scaledInt(const char* name)
     return truncateToInt(pixels * scaleX_);
 }
 
-/// A length that is no matter of the scale; a negative one and NaN count as 0.
+/// A length that does not depend on the scale; a negative one and NaN count as 0.
 float FillParameterReader::lengthAt(const char* name)
 {
     const auto length = static_cast<float>(interface_.doubleAt(name, time_));

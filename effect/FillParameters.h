@@ -8,16 +8,15 @@
 
 namespace Tesseret {
 
-/// Reads what a render is asked to do: which parameter becomes which setting, and how. Hosts see
-/// each read, so they come in the order of the functions, and each value is read once.
+/// Reads the settings of a render from the parameters. Hosts see each read, so the reads come in
+/// the order of the functions, and each value is read once.
 class FillParameterReader {
 public:
-    /// Both outlive the reader. Parameters are asked for in single precision, whatever the host's
-    /// times are.
+    /// Both outlive the reader. Parameter times are single precision, whatever the host's are.
     FillParameterReader(const Orvane::OvOfxHostWrapper& wrapper,
                         Orvane::OvOfxEffectInterface& effectInterface, double time);
 
-    /// Reads what makes lengths at full size into pixels of the render.
+    /// Reads the factors that convert lengths at full size to pixels of the render.
     void readScale();
     /// Reads whether blocks are reused and where the mask comes from.
     void readRegion(Orvane::Engine::FillParameters& fill);

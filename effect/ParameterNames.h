@@ -1,9 +1,8 @@
 #pragma once
 
-/// The names of the effect's parameters, fill choices and clips: each of them is spelt here and
-/// nowhere else. Projects and parameter files are saved by them, so they keep their spelling for
-/// ever, odd ones included. Includes nothing of the tree, so that the command line and the viewer
-/// can share it.
+/// The names of the effect's parameters, fill choices and clips: each is spelt only here. Projects
+/// and parameter files store them, so they keep their spelling, odd ones included. Includes nothing
+/// of the tree, so that the command line and the viewer can share it.
 
 #include <array>
 

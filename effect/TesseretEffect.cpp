@@ -20,7 +20,7 @@ using Engine::PixelKind;
 
 namespace {
 
-/// What whole and fractional numbers have in common.
+/// Sets what integer and double parameters have in common.
 template <typename Row, typename Param>
 void copyRange(const Row& row, Param& param)
 {
@@ -149,7 +149,7 @@ void TesseretEffect::addClips()
         clip.supportsTiles = false;
         useColourEdges(clip);
         general().clips.push_back(&clip);
-        // A filter asks for its one clip by name.
+        // A filter requires its one clip by name.
         if (row.contexts == In::Both) filter().namedClips.front().clip = &clip;
     }
 }

@@ -11,7 +11,7 @@
 
 namespace Tesseret {
 
-/// The effect: its description, made from the tables, and what an instance adds to it, the blocks
+/// The effect: its description, made from the tables, and the state of an instance, the blocks
 /// recorded by the last fresh render.
 class TesseretEffect final : public Orvane::OvOfxEffect {
 public:
@@ -29,7 +29,7 @@ public:
         Orvane::OvOfxHostWrapper& wrapper) override;
     void instanceCreated() override;
     std::string aboutText() override;
-    /// Renders RGBA of the three depths; any other output stays as it is.
+    /// Renders RGBA of the three depths; any other output stays unchanged.
     void render(Orvane::OvOfxHostWrapper& wrapper, Orvane::OvComponents components,
                 Orvane::OvDepth depth) override;
 
@@ -43,7 +43,7 @@ private:
     Orvane::OvOfxContextContainer& filter() { return *container(Orvane::OvContext::Filter); }
     Orvane::OvOfxContextContainer& general() { return *container(Orvane::OvContext::General); }
 
-    /// Tells the host that frames have to come in order while blocks are kept from frame to frame.
+    /// Makes the host render frames in order while blocks are kept from frame to frame.
     void writeSequentialRender() const;
     void showAbout(const Orvane::OvOfxChangeRecord& change);
 

@@ -10,8 +10,8 @@
 namespace Tesseret {
 namespace {
 
-/// Whether every render needs the whole region of definition of that clip.
-bool isPicture(std::string_view clip)
+/// Whether every render needs the clip's whole region of definition.
+bool isNeededWhole(std::string_view clip)
 {
     return clip == Names::kSource ||
            std::ranges::find(Names::kTextures, clip) != Names::kTextures.end();
@@ -22,7 +22,7 @@ bool isPicture(std::string_view clip)
 bool TesseretInterface::getRegionOfInterest(const char* clipName, const Orvane::OvRect&,
                                             Orvane::OvRect& rect)
 {
-    if (!isPicture(clipName)) return false;
+    if (!isNeededWhole(clipName)) return false;
     const Orvane::OvOfxClipAccessor* clip = wrapper().clip(clipName);
     if (clip == nullptr) return false;
     rect = clip->pixelRegionOfDefinition(wrapper().time());

@@ -5,14 +5,14 @@
 
 namespace Tesseret {
 
-/// The effect's answers to what hosts ask. Everything not answered here is left to the host.
+/// Handles the host's queries. Queries without an override are left to the host.
 class TesseretInterface final : public Orvane::OvOfxEffectInterface {
 public:
     TesseretInterface(Orvane::OvOfxHostWrapper& wrapper, Orvane::Engine::TemporalState& state)
         : OvOfxEffectInterface(wrapper), state_(state)
     {}
 
-    /// The whole picture: blocks may come from anywhere, whatever part of the output is wanted.
+    /// The whole image: blocks may come from anywhere, whatever part of the output is rendered.
     bool getRegionOfInterest(const char* clipName, const Orvane::OvRect& outputRegion,
                              Orvane::OvRect& rect) override;
     /// Forgets the recorded blocks.

@@ -45,7 +45,7 @@ using OfxPropertySetHandle = struct OfxPropertySetStruct*;
 
 struct OfxHost {
     OfxPropertySetHandle host;
-    /// Answers null for an unknown name or version. To be given the `host` member above.
+    /// Returns null for an unknown name or version. Takes the `host` member above.
     const void* (*fetchSuite)(OfxPropertySetHandle host, const char* suiteName, int suiteVersion);
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
 /// "OfxMessageSuite" version 1. `format` is printf-style: a text that may hold a per-cent sign
-/// belongs in an argument of "%s". Answers: 0 posted, 12 yes, 13 no, anything else not shown.
+/// belongs in an argument of "%s". Statuses: 0 posted, 12 yes, 13 no, anything else not shown.
 
 #include "ofx/ofxCore.h"
 

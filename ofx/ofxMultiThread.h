@@ -1,7 +1,8 @@
 #pragma once
 
 /// "OfxMultiThreadSuite" version 1: one function run on several host threads. `multiThread` returns
-/// after all calls have returned; only the two arguments of the thread function are certain inside.
+/// after all calls have returned; only the two arguments of the thread function are reliable
+/// inside.
 
 #include "ofx/ofxCore.h"
 

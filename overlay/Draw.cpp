@@ -25,7 +25,7 @@ void enable(const OpenGL& gl, GLenum capability, bool on)
     }
 }
 
-/// Made at the first use and kept until the process ends; null when it cannot be had.
+/// Made at the first use and kept until the process ends; null when unavailable.
 GLUquadric* sharedQuadric()
 {
     static GLUquadric* quadric = nullptr;

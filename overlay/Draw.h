@@ -22,19 +22,19 @@ void setColour(const OverlayColour& colour);
 void drawLine(float x1, float y1, float x2, float y2);
 void drawRectOutline(float x1, float y1, float x2, float y2);
 
-/// A line whose dashes, four pixels long, alternate between two colours. Stipple settings are put
-/// back.
+/// A line whose dashes, four pixels long, alternate between two colours. Stipple settings are
+/// restored.
 void drawDashedLine(float x1, float y1, float x2, float y2, const OverlayColour& a,
                     const OverlayColour& b);
 
-// Round a centre, in the current colour; a radius of 0 or less draws nothing, and so does a system
-// without GLU.
+// Around a centre, in the current colour. Nothing is drawn for a radius of 0 or less, or without
+// GLU.
 void drawCircle(float x, float y, float radius);
 void drawDisk(float x, float y, float radius);
 void drawDiskOutlined(float x, float y, float radius, const OverlayColour& fill,
                       const OverlayColour& outline);
 
-/// Blends by alpha and smooths lines for as long as it lives; then everything is as before.
+/// Enables alpha blending and line smoothing during its lifetime, then restores the state.
 class BlendedLines {
 public:
     BlendedLines();
@@ -43,11 +43,11 @@ public:
     BlendedLines& operator=(const BlendedLines&) = delete;
 
 private:
-    bool blends_ = false, smooths_ = false;  ///< before
+    bool blends_ = false, smooths_ = false;  ///< state to restore
     int sourceFactor_ = 0, destinationFactor_ = 0;
 };
 
-/// Keeps colour, raster position and matrix mode of whoever draws around an overlay; inside, the
+/// Saves and restores the host's colour, raster position and matrix mode; in between, the
 /// model-view matrix is the current one.
 class DrawingState {
 public:
@@ -60,7 +60,7 @@ private:
     int matrixMode_ = 0;
 };
 
-/// Moves the origin for as long as it lives.
+/// Moves the origin during its lifetime.
 class Translated {
 public:
     Translated(float x, float y);

@@ -19,7 +19,7 @@ Manipulator* Manipulator::pickIfNear(OvPoint pen, OvPoint tolerance)
     return picked;
 }
 
-void Manipulator::tellListeners(OverlayEventType type, OvPoint position)
+void Manipulator::notifyListeners(OverlayEventType type, OvPoint position)
 {
     for (ManipulatorListener* listener : listeners_) {
         listener->onEvent({.type = type, .position = position});

@@ -28,14 +28,14 @@ struct OverlayEvent {
     OvPoint position;  ///< canonical
 };
 
-/// Hears what happens to a manipulator.
+/// Receives the events of a manipulator.
 class ManipulatorListener {
 public:
     virtual ~ManipulatorListener() = default;
     virtual void onEvent(const OverlayEvent& event) = 0;
 };
 
-/// A rectangle by its corner of least x and y and its size.
+/// A rectangle: its lower left corner and its size.
 struct BoundingBox {
     float x = 0.0f, y = 0.0f, width = 0.0f, height = 0.0f;
 
@@ -47,8 +47,8 @@ struct BoundingBox {
     }
 };
 
-/// Anything on screen that the pen can take hold of. Positions are in the coordinates of the group
-/// it stands in, canonical at the top.
+/// An object on screen that the pen can grab. Positions are in the coordinates of its group,
+/// canonical at the top.
 class Manipulator {
 public:
     explicit Manipulator(std::string name) : name_(std::move(name)) {}
@@ -57,14 +57,15 @@ public:
     virtual ~Manipulator() = default;
 
     // Virtual operations, in slot order.
-    /// The manipulator under the pen, which remembers what part of it is: itself, a child, or null.
+    /// The manipulator under the pen: itself, a child, or null. It remembers the part under the
+    /// pen.
     virtual Manipulator* pick(OvPoint pen, OvPoint tolerance) = 0;
     virtual void draw() = 0;
-    /// Moves what the pen holds; whether anything changed.
+    /// Moves the grabbed part; returns whether anything changed.
     virtual bool drag(OvPoint pen) = 0;
     virtual void pushTransform() {}
     virtual void popTransform() {}
-    /// The pen went down on it; whether it takes hold.
+    /// Handles pen down; returns whether the pen grabs it.
     virtual bool press(OvPoint pen) = 0;
     virtual bool release() = 0;
     virtual void enterHover() { hovered_ = true; }
@@ -79,20 +80,20 @@ public:
     void setColour(const OverlayColour& colour) { colour_ = colour; }
     void setShown(bool shown) { shown_ = shown; }
     void setActive(bool active) { active_ = active; }
-    /// Whether the pen must be near the bounding box before the manipulator is asked.
+    /// Whether the pen must be near the bounding box before `pick` is called.
     void setBoxTest(bool on) { boxTest_ = on; }
     bool isShown() const { return shown_; }
     bool isActive() const { return active_; }
     bool isPressed() const { return pressed_; }
     bool isHovered() const { return hovered_; }
-    /// The child that holds the pen, or the manipulator itself; null when none does.
+    /// The child that the pen has grabbed, or the manipulator itself; null when there is none.
     Manipulator* grabbedChild() const { return grabbedChild_; }
 
-    /// What answers a pick: `pick` is only asked of what is shown, active and near the pen.
+    /// Calls `pick` if the manipulator is shown, active and near the pen; else returns null.
     Manipulator* pickIfNear(OvPoint pen, OvPoint tolerance);
 
 protected:
-    void tellListeners(OverlayEventType type, OvPoint position);
+    void notifyListeners(OverlayEventType type, OvPoint position);
     void setGrabbedChild(Manipulator* child) { grabbedChild_ = child; }
     void setPressed(bool pressed) { pressed_ = pressed; }
     void setBoundingBox(const BoundingBox& box) { boundingBox_ = box; }

@@ -10,7 +10,7 @@ namespace Orvane {
 /// Manipulators that move, turn and grow together.
 class ManipulatorGroup final : public Manipulator {
 public:
-    /// Where the group stands in the coordinates around it.
+    /// The placement of the group in the coordinates around it.
     struct Transform {
         OvPoint translation{0.0f, 0.0f};
         float rotation = 0.0f;  ///< radians about z, counter-clockwise
@@ -39,7 +39,7 @@ public:
 
 private:
     Matrix3 matrix() const;
-    /// A point of the coordinates around the group, in the group's own.
+    /// Converts a point from the coordinates around the group to the group's own.
     OvPoint inside(OvPoint point);
 
     std::vector<Manipulator*> children_;
@@ -48,8 +48,8 @@ private:
     bool handlesShown_ = false;
 };
 
-/// The first manipulator that answers a pick, from the last one to the first, and the child that
-/// leads to it.
+/// The result of a pick among children: the picked manipulator, and the child that it belongs to.
+/// Children are tested from the last to the first.
 struct Picked {
     Manipulator* manipulator = nullptr;
     Manipulator* child = nullptr;

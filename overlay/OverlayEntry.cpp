@@ -82,7 +82,7 @@ OfxStatus overlayEntry(const char* action, const void* handle, OfxPropertySetHan
     try {
         return dispatch(action, static_cast<OfxInteractHandle>(const_cast<void*>(handle)), inArgs);
     } catch (...) {
-        // Only memory can be short here. An overlay that was never made is found by no action.
+        // Only memory can run out here. Later actions do not find an overlay that was never made.
         return creates ? kOfxStatOK : kOfxStatReplyDefault;
     }
 }

@@ -8,7 +8,7 @@ namespace Orvane {
 extern "C" OfxStatus overlayEntry(const char* action, const void* handle,
                                   OfxPropertySetHandle inArgs, OfxPropertySetHandle outArgs);
 
-/// Frees what overlays share; their font.
+/// Frees the font that overlays share.
 void unloadOverlays();
 
 }  // namespace Orvane

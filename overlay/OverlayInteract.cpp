@@ -12,7 +12,7 @@
 namespace Orvane {
 namespace {
 
-constexpr float kLeastMotion = 0.001f;      ///< a smaller motion of a lifted pen is none
+constexpr float kMinMotion = 0.001f;        ///< smaller motions of a lifted pen are ignored
 constexpr OvPoint kHelpOffset{8.0f, 8.0f};  ///< of a help text from the pen
 
 void readInto(const OvOfxPropertySet& inArgs, DrawArguments& arguments)
@@ -147,7 +147,7 @@ void OverlayInteract::routeMotion(OvPoint pen)
 {
     if (penDown_) {
         changed_ = picked_.child != nullptr && picked_.child->drag(pen);
-    } else if (std::abs(penDelta_.x) >= kLeastMotion || std::abs(penDelta_.y) >= kLeastMotion) {
+    } else if (std::abs(penDelta_.x) >= kMinMotion || std::abs(penDelta_.y) >= kMinMotion) {
         const Manipulator* before = hovered_;
         leaveHover();
         pickUnder(pen);
@@ -176,7 +176,7 @@ void OverlayInteract::leaveHover()
     hovered_ = nullptr;
 }
 
-/// Whether there is something to hover over.
+/// Returns whether a manipulator is under the pen.
 bool OverlayInteract::enterHover()
 {
     hovered_ = picked_.manipulator;
@@ -187,7 +187,7 @@ bool OverlayInteract::enterHover()
 void OverlayInteract::drawContents()
 {
     changed_ = false;
-    // An interact can be drawn by a host that forgot its context.
+    // A host may send a draw action without a current context.
     if (!hasCurrentContext()) return;
     const DrawingState state;
     for (Manipulator* child : children_) {

@@ -12,7 +12,7 @@
 
 namespace Orvane {
 
-/// What a draw action is told. Members that the host leaves out are 0.
+/// The arguments of a draw action. Members that the host leaves out are 0.
 struct DrawArguments {
     OvPoint viewport;    ///< screen pixels
     OvPoint pixelScale;  ///< canonical units for each screen pixel
@@ -28,16 +28,16 @@ struct PenArguments : DrawArguments {
 DrawArguments readDrawArguments(const OvOfxPropertySet& inArgs);
 PenArguments readPenArguments(const OvOfxPropertySet& inArgs);
 
-/// The properties of an interact; none where the host has none.
+/// The properties of an interact; a null set where the host has none.
 OvOfxPropertySet interactProperties(OfxInteractHandle interact);
 
-/// Joins a parameter to its manipulator: the manipulator shows the parameter's value, and a change
-/// on screen is written to the parameter at once.
+/// Connects a parameter to its manipulator: the manipulator shows the parameter's value, and a
+/// change on screen is written to the parameter at once.
 class ParamBinding : public ManipulatorListener {
 public:
     // Virtual operations, in slot order.
     ~ParamBinding() override = default;
-    /// Writes the parameter whenever the manipulator's value changed and when the pen lets go.
+    /// Writes the parameter whenever the manipulator's value changes and when the drag ends.
     void onEvent(const OverlayEvent& event) override
     {
         if (event.type == OverlayEventType::ValueChanged ||
@@ -47,25 +47,25 @@ public:
     }
     virtual void attach(ManipulatorGroup& group) = 0;
     virtual void writeParams() = 0;
-    /// Shows the values, and whether the manipulator is shown at all.
+    /// Updates the manipulator's values and visibility.
     virtual void readParams(double time) = 0;
 };
 
 /// One overlay of one instance: a tree of manipulators that the host's actions are routed to. Lives
 /// from the interact's creation to its destruction; the host keeps its address as the interact's
-/// instance data. A host may destroy the effect first: the overlay then has none any more.
+/// instance data. A host may destroy the effect first: the overlay then has no effect any more.
 class OverlayInteract {
 public:
-    /// Finds the effect behind the interact and registers with it. Without one the overlay is there
-    /// and shows nothing.
+    /// Finds the effect behind the interact and registers with it. Without one the overlay exists
+    /// but shows nothing.
     explicit OverlayInteract(OfxInteractHandle interact);
     OverlayInteract(const OverlayInteract&) = delete;
     OverlayInteract& operator=(const OverlayInteract&) = delete;
 
-    // Virtual operations, in slot order. Those with inArgs carry out an action and answer its
+    // Virtual operations, in slot order. Those with inArgs carry out an action and return its
     // status.
     virtual ~OverlayInteract();
-    /// Routes one pen event. An event that arrives while another is routed does nothing.
+    /// Routes one pen event. An event that arrives while another is routed is ignored.
     virtual void handleEvent(const OverlayEvent& event);
     virtual OvPoint penPosition() const { return penPosition_; }
     virtual OvPoint penDelta() const { return penDelta_; }
@@ -79,12 +79,12 @@ public:
     virtual OfxStatus loseFocus(const OvOfxPropertySet& inArgs);
     virtual OfxStatus draw(const OvOfxPropertySet& inArgs);
 
-    /// Has the host redraw the overlay when a parameter changes.
+    /// Makes the host redraw the overlay when a parameter changes.
     void slaveTo(const std::string& parameter);
     /// Null without an effect.
     OvOfxInstanceRecord* instance() const { return instance_.lock().get(); }
-    /// Whether there was an effect and the host destroyed it. No action may be passed on then: what
-    /// the manipulators are bound to went with it.
+    /// Whether there was an effect and the host destroyed it. No action may be passed on then: the
+    /// parameters of the manipulators are gone too.
     bool hasLostEffect() const { return effect_ != nullptr && instance_.expired(); }
     /// Whether the host keeps this overlay's address.
     bool isKept() const { return kept_; }
@@ -112,7 +112,7 @@ private:
     OfxInteractHandle interact_;
     OvOfxPropertySet properties_;
     std::deque<OvOfxActionFrame> frames_;
-    OvOfxEffect* effect_ = nullptr;                ///< not owned; good while `instance_` is
+    OvOfxEffect* effect_ = nullptr;                ///< not owned; valid while `instance_` is
     std::weak_ptr<OvOfxInstanceRecord> instance_;  ///< expires with the effect
     std::vector<std::unique_ptr<ParamBinding>> bindings_;
     int slaveCount_ = 0;
@@ -120,7 +120,7 @@ private:
     OvPoint penPosition_, penDelta_;
     bool penDown_ = false;
     Manipulator* hovered_ = nullptr;
-    Picked picked_;  ///< what answered the last pick
+    Picked picked_;  ///< the result of the last pick
     OvPoint pickTolerance_{3.0f, 3.0f};
     bool tooltips_ = true;
     bool changed_ = false;

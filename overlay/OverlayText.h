@@ -6,10 +6,10 @@
 
 namespace Orvane {
 
-/// Builds the font in the context that a device context belongs to. Answers the name of its first
-/// display list, or 0 without a device context or when there is no room.
+/// Builds the font in the context that a device context belongs to. Returns the name of its first
+/// display list, or 0 without a device context or free lists.
 GLuint createOverlayFont(void* deviceContext);
-/// The list base that text is drawn with from now on; 0 for none.
+/// Sets the list base of all later text; 0 for none.
 void setOverlayFont(GLuint base);
 GLuint overlayFont();
 /// Pixels: 11 until a font has been built.

@@ -5,7 +5,7 @@
 namespace Orvane {
 namespace {
 
-/// What normalised positions are parts of, in canonical units.
+/// The reference of normalised positions, in canonical units.
 struct Project {
     OvPoint size, offset;
 
@@ -19,7 +19,7 @@ struct Project {
     }
 };
 
-/// Read afresh each time: hosts change it under open viewers.
+/// Read on every use: hosts change it while viewers are open.
 Project projectOf(const OvOfxInstanceRecord& instance)
 {
     return {instance.projectSize(), instance.projectOffset()};
@@ -54,8 +54,8 @@ void RectBinding::writeParams()
     const OvPoint lower = project.normalised({rect.xMin, rect.yMin});
     const OvPoint upper = project.normalised({rect.xMax, rect.yMax});
     if (!isFinite(lower) || !isFinite(upper)) return;
-    // One edit for the two corners, not one from press to release: a host may keep the release to
-    // itself, and an edit must not stay open.
+    // One edit for the two corners, not one from press to release: a host may not send the release,
+    // and an edit must not stay open.
     const OvOfxParamEdit edit(*instance, control_->rectangle().label.c_str());
     control_->rectangle().corner1.setValue(lower);
     control_->rectangle().corner2.setValue(upper);

@@ -71,7 +71,7 @@ int RectManipulator::barsNear(OvPoint pen, OvPoint tolerance) const
 
 bool RectManipulator::press(OvPoint pen)
 {
-    tellListeners(OverlayEventType::ManipulationStarted, pen);
+    notifyListeners(OverlayEventType::ManipulationStarted, pen);
     lastPen_ = pen;
     setPressed(true);
     return true;
@@ -79,13 +79,13 @@ bool RectManipulator::press(OvPoint pen)
 
 bool RectManipulator::release()
 {
-    tellListeners(OverlayEventType::ManipulationEnded, lastPen_);
+    notifyListeners(OverlayEventType::ManipulationEnded, lastPen_);
     setPressed(false);
     return true;
 }
 
-/// Each step applies the pen's movement, so an edge that was held at the opposite one stays behind
-/// the pen when that comes back.
+/// Each step applies the pen's relative motion, so an edge that stopped at the opposite one lags
+/// behind the pen when the pen returns.
 bool RectManipulator::drag(OvPoint pen)
 {
     const float dx = pen.x - lastPen_.x, dy = pen.y - lastPen_.y;
@@ -105,7 +105,7 @@ bool RectManipulator::drag(OvPoint pen)
     if (has(kVerticalBar)) moved.yMin += dy, moved.yMax += dy;
     if (moved == rect_) return false;
     setRect(moved.xMin, moved.yMin, moved.xMax, moved.yMax);
-    tellListeners(OverlayEventType::ValueChanged, pen);
+    notifyListeners(OverlayEventType::ValueChanged, pen);
     return true;
 }
 

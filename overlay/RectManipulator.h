@@ -26,7 +26,7 @@ public:
     virtual void setRect(float a, float b, float c, float d);
     /// In order: x1 <= x2, y1 <= y2.
     OvRect rect() const { return rect_; }
-    /// What was under the pen at the last pick.
+    /// The parts under the pen at the last pick.
     int parts() const { return parts_; }
 
 private:

@@ -4,7 +4,7 @@
 
 namespace Orvane {
 
-/// Has overlays show a rectangle as long as a switch is on. It is no parameter of the host's.
+/// Makes overlays show a rectangle while a switch is on. Hosts do not see it.
 class RectangleControl final : public OvOfxCoded<OvOfxParam, 58> {
 public:
     RectangleControl(std::string objectName, Rect2D& rectangle, const OvOfxBooleanParam& shown)

@@ -2,7 +2,7 @@
 
 namespace Orvane {
 
-/// A moment in UTC, fields as people write them: month and day count from 1.
+/// A moment in UTC; month and day count from 1.
 struct UtcTime {
     int year, month, day, hour, minute, second;
 };

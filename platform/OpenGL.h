@@ -22,7 +22,7 @@ using GLushort = unsigned short;
 using GLbitfield = unsigned int;
 struct GLUquadric;
 
-// The interface's own names in our spelling: the values are fixed for ever.
+// The constants of OpenGL and GLU in our spelling.
 inline constexpr GLenum kGlLineLoop = 0x0002;
 inline constexpr GLenum kGlLineStrip = 0x0003;
 inline constexpr GLenum kGlSrcAlpha = 0x0302;
@@ -99,7 +99,8 @@ struct Glu {
     }
 };
 
-/// The entry points, or null when the process and the system have none. Looked up until found.
+/// The entry points, or null when neither the process nor the system has them. Looked up until
+/// found.
 const OpenGL* openGL();
 const Glu& glu();
 

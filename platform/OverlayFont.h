@@ -8,7 +8,7 @@ namespace Orvane {
 inline constexpr int kFontFirstCode = 32;
 inline constexpr int kFontListCount = 96;
 
-/// What OpenGL draws to on this thread, or null without a current context.
+/// The device context that OpenGL draws to on this thread, or null without a current context.
 void* currentDeviceContext();
 
 struct FontLists {

@@ -9,7 +9,8 @@
 
 namespace Orvane {
 
-/// One character. Rows lie from the lowest up, each padded to whole bytes, leftmost pixel first.
+/// One character. Rows are stored from the bottom up, each padded to whole bytes, leftmost pixel
+/// first.
 struct FontGlyph {
     std::int16_t width, height;  ///< pixels
     std::int16_t left, bottom;   ///< from the pen to the bitmap's lower left corner

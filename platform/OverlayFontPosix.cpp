@@ -4,7 +4,7 @@
 namespace Orvane {
 namespace {
 
-/// Has OpenGL read our bitmaps as they lie, whatever the host reads its own with.
+/// Sets OpenGL to read tightly packed bitmaps, whatever pixel storage the host has set.
 void readTightRows(const OpenGL& gl)
 {
     gl.glPixelStorei(kGlUnpackSwapBytes, 0);
@@ -28,7 +28,7 @@ void compileGlyph(const OpenGL& gl, GLuint list, const FontGlyph& glyph)
 
 void* currentDeviceContext()
 {
-    // The font is no system object here, so all that counts is that there is a context.
+    // The font is not a system object here: it only matters whether a context exists.
     static char token = 0;
     return hasCurrentContext() ? &token : nullptr;
 }

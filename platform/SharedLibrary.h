@@ -4,8 +4,8 @@
 
 namespace Orvane {
 
-/// A function's address by name: first among what the process holds already, then in the system's
-/// libraries by file name, in order. A library that is opened stays open. Null when there is none.
+/// Looks up a function by name: first in what the process has loaded, then in the given libraries
+/// by file name, in order. Opened libraries stay open. Null when it is not found.
 void* findFunction(const char* name, std::span<const char* const> libraries);
 
 }  // namespace Orvane

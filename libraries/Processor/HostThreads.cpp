@@ -9,8 +9,8 @@
 namespace Orvane {
 namespace {
 
-/// The two arguments the host called the thread function with. They alone are certain: some hosts
-/// answer another index or another processor count while the threads run.
+/// The two arguments of the host's call of the thread function. Only these are reliable: some hosts
+/// report another index or another processor count while the threads run.
 struct Share {
     unsigned int index = 0;
     unsigned int count = 0;  ///< 0 outside a call
@@ -26,8 +26,8 @@ struct Block {
 
 int toInt(unsigned int value)
 {
-    constexpr unsigned int kHighest = std::numeric_limits<int>::max();
-    return static_cast<int>(std::min(value, kHighest));
+    constexpr unsigned int kMax = std::numeric_limits<int>::max();
+    return static_cast<int>(std::min(value, kMax));
 }
 
 extern "C" void trampoline(unsigned int index, unsigned int count, void* argument)

@@ -6,27 +6,28 @@ namespace Orvane {
 
 /// Small functions over the host's threads (libraries/services/HostServices.h).
 
-/// How many threads a pass is spread over: what the host reports, at least 1.
+/// The number of threads that share a pass: what the host reports, at least 1.
 int hostNumCPUs();
 
-/// The index of the calling thread: inside a call of `runOnThreads` the one that call was made
-/// with, elsewhere what the host reports.
+/// The index of the calling thread: inside a call of `runOnThreads` the index of that call,
+/// elsewhere what the host reports.
 int hostThreadIndex();
 
-/// How many calls the pass that the calling thread runs in consists of; 0 outside `runOnThreads`.
+/// The number of calls that share the calling thread's pass; 0 outside `runOnThreads`.
 int hostThreadCount();
 
-/// Whether the calling thread works for `runOnThreads` already, by the host's word or by our own
-/// knowledge: a host may run the calls on the calling thread and report that as no spawned thread.
+/// Whether the calling thread already works for `runOnThreads`, according to the host or to our own
+/// record: a host may run the calls on the calling thread and report that it is not spawned.
 bool hostIsSpawnedThread();
 
-/// At most so many arguments reach the function.
+/// The maximum number of arguments that reach the function.
 inline constexpr std::size_t kMaxThreadArguments = 6;
 
 using ThreadWork = void (*)(std::span<void* const> arguments);
 
-/// Runs work(arguments) once on each of `hostNumCPUs()` host threads and returns when all have.
-/// More arguments than kMaxThreadArguments are cut off. A host that refuses runs nothing.
+/// Runs work(arguments) once on each of `hostNumCPUs()` host threads and returns when all calls
+/// have returned. Arguments beyond kMaxThreadArguments are dropped. If the host refuses, nothing
+/// runs.
 void runOnThreads(ThreadWork work, std::span<void* const> arguments);
 
 }  // namespace Orvane

@@ -2,14 +2,14 @@
 
 namespace Orvane {
 
-/// What a failed worker leaves in a status record and in its node.
+/// The error codes that a failed worker stores in the status record and in its node.
 inline constexpr int kErrorOutOfMemory = 1000;
 inline constexpr int kErrorThreadFailed = 1002;
 
 /// Abort and failure of the current render, shared by everything that runs in it. Not owned by the
-/// nodes that point at it. Workers only ever write `aborted` and `errorCode`, through `fail`.
+/// nodes that point at it. Workers only write `aborted` and `errorCode`, atomically.
 struct RenderStatus {
-    /// Answers non-zero when the render is to stop; may store an error code.
+    /// Returns non-zero when the render is to stop; may store an error code.
     using Poll = int (*)(void* abortHandle, int* errorCode);
 
     void* abortHandle = nullptr;
@@ -17,7 +17,7 @@ struct RenderStatus {
     int aborted = 0;
     int errorCode = 0;
 
-    /// Whether the render is to stop, asking the host unless that is known already.
+    /// Whether the render is to stop, asking the host unless it is known already.
     [[nodiscard]] bool pollAbort()
     {
         if (aborted == 0 && poll != nullptr) aborted = poll(abortHandle, &errorCode);

@@ -33,8 +33,8 @@ void splitRange(int& begin, int& end, int index, int count)
     const std::int64_t chunk = (length + count - 1) / count;
     const std::int64_t first = index * chunk;
     const std::int64_t last = index == count - 1 ? length : std::min(first + chunk, length);
-    constexpr std::int64_t kHighest = std::numeric_limits<int>::max();
-    begin = static_cast<int>(std::min(base + first, kHighest));
+    constexpr std::int64_t kMax = std::numeric_limits<int>::max();
+    begin = static_cast<int>(std::min(base + first, kMax));
     end = static_cast<int>(base + last);
 }
 
@@ -109,7 +109,7 @@ void MultiProcessor::throwFailure()
 
 void MultiProcessor::recordFailure(int code) noexcept
 {
-    // Several workers may fail at the same moment; the record itself is plain words.
+    // Several workers may fail at the same moment, and the members of the record are plain ints.
     if (statusRecord_ != nullptr) {
         std::atomic_ref(statusRecord_->aborted).store(1);
         std::atomic_ref(statusRecord_->errorCode).store(code);
@@ -136,7 +136,7 @@ void MultiProcessor::workerEntry(std::span<void* const> arguments) noexcept
                                          "bad_alloc");
         recordCatch(failure, kUnknownFunction, kSourceName, kLineWorkerBadAlloc);
     } catch (...) {
-        // Nothing throws anything else; should it happen, it is a failed worker like any other.
+        // No other type is thrown on purpose; it would count as a failed worker.
         node.recordFailure(kErrorThreadFailed);
         Exceptions::ThreadFailed failure(kUnknownFunction, kSourceName, kLineWorkerException,
                                          "unknown exception");

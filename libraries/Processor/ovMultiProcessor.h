@@ -13,13 +13,13 @@ struct RowRange {
     bool isEmpty() const { return begin >= end; }
 };
 
-/// Replaces [begin, end) with the share of thread `index` out of `count`: bands of equal height,
-/// the quotient taken upwards, the last thread ending at the end. A thread past the last row gets a
-/// range whose begin is not below its end. The whole range stays when index is below 0 or count
-/// below 1.
+/// Replaces [begin, end) with the share of thread `index` out of `count`: equal numbers of rows,
+/// rounded up, the last share ending at `end`. A thread past the last row gets an empty range,
+/// whose begin may lie beyond its end. The range stays whole when index is below 0 or count below
+/// 1.
 void splitRange(int& begin, int& end, int index, int count);
 
-/// Base of every processing node: work done in one or more passes, each spread over the host's
+/// Base of every processing node: work done in one or more passes, each distributed over the host's
 /// threads in one call. Only `processPass` runs on workers; it writes its own share and nothing
 /// else. A failure on a worker becomes an exception of the family Orvane::Exceptions on the calling
 /// thread once all workers are done. An abort skips passes without any error.
@@ -42,7 +42,7 @@ public:
     virtual void setMultiThreaded(bool on) { multiThreaded_ = on; }
     virtual bool isMultiThreaded() const { return multiThreaded_; }
     virtual bool isRunningThreaded() const { return runningThreaded_; }
-    /// How many threads share a pass: while one runs, the number of calls the host made.
+    /// The number of threads that share a pass: while one runs, the number of calls the host made.
     virtual int numThreads() const;
     virtual int numCPUs() const;
     virtual int threadIndex() const;
@@ -57,11 +57,11 @@ public:
     int currentPass() const { return currentPass_; }
 
 protected:
-    /// Runs one pass, for a node that decides in `runPasses` itself how many there are. An abort
-    /// skips it; a worker's failure is thrown when it is done.
+    /// Runs one pass, for a node whose `runPasses` decides itself how many there are. An abort
+    /// skips the pass; a worker's failure is thrown when the pass is done.
     void runPass();
 
-    /// Whether the render is to stop; asks the host unless that is known already.
+    /// Whether the render is to stop; asks the host unless it is known already.
     [[nodiscard]] bool pollAbort() const
     {
         return statusRecord_ != nullptr && statusRecord_->pollAbort();

@@ -16,15 +16,15 @@ struct Entry {
     ErrorContext context;
 };
 
-/// All stacks, as entries in the order they were pushed. The storage is fixed: what is recorded
-/// most often is that there is no memory left, on threads whose frames belong to the host.
+/// All stacks, as entries in the order they were pushed. The storage is fixed: the most frequent
+/// failure is a lack of memory, on threads whose frames belong to the host.
 struct Table {
     std::mutex lock;
     std::size_t count = 0;
     std::array<Entry, kMaxErrorContexts> entries;
 };
 
-// Zeros that no code has to run for when the library is loaded.
+// Zero-initialised: no code has to run when the library is loaded.
 Table table;
 
 }  // namespace

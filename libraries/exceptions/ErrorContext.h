@@ -22,7 +22,7 @@ struct ErrorContext {
     void moveTo(const char* newFunction, const char* path, std::int32_t newLine) noexcept;
 };
 
-/// `path` from its last backslash on, that included; the whole of it when it has none.
+/// The part of `path` from its last backslash on, backslash included; all of it when there is none.
 const char* fileOfPath(const char* path) noexcept;
 
 /// The contexts one thread has pushed, by sequence number: 0 is the oldest.
@@ -30,14 +30,14 @@ using ErrorStack = std::map<std::uint32_t, ErrorContext>;
 /// The stacks by host thread index.
 using ErrorStacks = std::map<unsigned int, ErrorStack>;
 
-/// All stacks together hold so many: more than a failing pass can push on any machine. They are
+/// The capacity of all stacks together: more than a failing pass can push on any machine. They are
 /// emptied after each failure.
 inline constexpr std::size_t kMaxErrorContexts = 1024;
 
-/// Appends a copy of the context, as it is, to the calling thread's stack, and only then moves the
-/// context itself to the catch site: a stored context says where its exception came from. Threads
-/// that fail together may push at the same moment. Needs no memory; when the stacks are full
-/// only the context itself moves.
+/// Appends an unchanged copy of the context to the calling thread's stack, then moves the context
+/// itself to the catch site: a stored context records where its exception came from. Threads may
+/// push at the same moment. Needs no memory; when the stacks are full only the context itself
+/// moves.
 void pushErrorContext(ErrorContext& context, const char* function, const char* file,
                       std::int32_t line) noexcept;
 

@@ -14,7 +14,7 @@ constexpr const char* kRule = "----------------------------------------";
 constexpr std::size_t kFunctionColumn = 30;
 constexpr std::size_t kFileColumn = 20;
 
-/// A name that fits its column as it is, a longer one as dots and its last characters.
+/// A name fitted to its column: a longer one becomes dots and its last characters.
 std::string shortened(std::string_view name, std::size_t column)
 {
     if (name.size() <= column) return std::string(name);

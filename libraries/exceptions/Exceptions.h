@@ -30,7 +30,7 @@ private:
     ErrorContext context_;
 };
 
-/// Family of failures that are nothing in particular.
+/// Family of general failures.
 class Exception : public ExceptionI {
 protected:
     using ExceptionI::ExceptionI;
@@ -69,8 +69,8 @@ private:
     const char* detail_;
 };
 
-/// What every catch site does first: names the exception in its context and pushes that context,
-/// which then stands at the catch site. Needs no memory.
+/// The first step of every catch site: stores the exception's names in its context and pushes that
+/// context, which is then moved to the catch site. Needs no memory.
 void recordCatch(ExceptionI& exception, const char* function, const char* file,
                  std::int32_t line) noexcept;
 

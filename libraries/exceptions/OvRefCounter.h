@@ -4,8 +4,8 @@
 
 namespace Orvane {
 
-/// Base of everything that carries a reference count. The count travels with copies; nothing in
-/// this library counts it down, since exceptions are thrown and caught by value or by reference.
+/// Base of classes with a reference count. The count travels with copies; nothing in this library
+/// counts it down, since exceptions are thrown and caught by value or by reference.
 class OvRefCounter {
 public:
     virtual ~OvRefCounter() = default;

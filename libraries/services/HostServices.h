@@ -1,7 +1,7 @@
 #pragma once
 
-/// What the engine may ask of whoever hosts it: threads and image memory, each one small abstract
-/// class. Until somebody sets other services there is one thread and no memory.
+/// The services that the engine needs from its host: threads and image memory, one small abstract
+/// class each. Until services are set there is one thread and no memory.
 
 #include <cstddef>
 
@@ -16,14 +16,14 @@ using HostThreadFunction = void(unsigned int index, unsigned int count, void* ar
 class ThreadService {
 public:
     virtual ~ThreadService() = default;
-    /// The number of processors, or 0 when it cannot be told. May change between two questions.
+    /// The number of processors, or 0 when unknown. May change between two calls.
     virtual unsigned int numCPUs() = 0;
-    /// The index of the calling thread, or 0 when it cannot be told.
+    /// The index of the calling thread, or 0 when unknown.
     virtual unsigned int threadIndex() = 0;
-    /// Whether the calling thread is one that the host made for `run`.
+    /// Whether the host made the calling thread for `run`.
     virtual bool isSpawnedThread() = 0;
-    /// Calls function on up to numThreads threads and returns when all calls have. A host that
-    /// cannot makes no call.
+    /// Calls function on up to numThreads threads and returns when all calls have returned. A host
+    /// that cannot do so makes no call.
     virtual void run(HostThreadFunction* function, unsigned int numThreads, void* argument) = 0;
 };
 
@@ -40,12 +40,12 @@ public:
     virtual void free(void* handle) = 0;
 };
 
-/// The services in force, process-wide. The references stay valid until the next set call.
+/// The current services, process-wide. The references stay valid until the next set call.
 ThreadService& threadService();
 ImageMemoryService& imageMemoryService();
 
-/// Puts other services in force; null brings the default back. The caller keeps ownership, and sets
-/// services only while nothing renders.
+/// Sets the current services; null restores the default. The caller keeps ownership, and sets
+/// services only while no render runs.
 void setThreadService(ThreadService* service);
 void setImageMemoryService(ImageMemoryService* service);
 

@@ -23,8 +23,8 @@ OvOfxEffect* findInstance(const Call& call)
     return findInstance(call.effect, properties);
 }
 
-/// What an action on an instance works with. The members die in reverse order: nothing outlives
-/// what it was made from.
+/// The objects that an action on an instance works with. They are destroyed in reverse order, so
+/// that none outlives the objects it was made from.
 class InstanceAction {
 public:
     InstanceAction(OvOfxEffect& effect, OfxPropertySetHandle inArgs, OfxPropertySetHandle outArgs)
@@ -44,7 +44,7 @@ private:
     std::unique_ptr<OvOfxHostWrapper> wrapper_;
 };
 
-/// An action that asks the effect something.
+/// An action that queries the effect.
 class InstanceQuery : public InstanceAction {
 public:
     InstanceQuery(OvOfxEffect& effect, OfxPropertySetHandle inArgs, OfxPropertySetHandle outArgs)
@@ -57,19 +57,19 @@ private:
     std::unique_ptr<OvOfxEffectInterface> interface_;
 };
 
-/// Answers one query for every connected input: kOfxStatOK when it was answered for any.
+/// Runs one query for every connected input; kOfxStatOK when it was handled for any.
 template <typename Query>
-OfxStatus askForInputs(OvOfxEffect& effect, const Query& query)
+OfxStatus queryInputs(OvOfxEffect& effect, const Query& query)
 {
-    bool answered = false;
+    bool handled = false;
     for (const auto& [name, clip] : effect.clipTable()) {
         if (name == kOfxImageEffectOutputClipName || !clip->isConnected()) continue;
-        if (query(name)) answered = true;
+        if (query(name)) handled = true;
     }
-    return answered ? kOfxStatOK : kOfxStatReplyDefault;
+    return handled ? kOfxStatOK : kOfxStatReplyDefault;
 }
 
-/// Runs a hook that answers through an action frame.
+/// Runs a hook that returns its results through an action frame.
 OfxStatus runInFrame(const Call& call, OvActionKind kind, void (OvOfxEffect::*hook)())
 {
     OvOfxEffect* effect = findInstance(call);
@@ -103,7 +103,7 @@ void notify(const OvOfxParam& param, const OvOfxChangeRecord& change)
     if (param.onChange) param.onChange(change);
 }
 
-/// Whether the host can do what the effect cannot do without; tells the user if not.
+/// Whether the host has the features that the effect requires; notifies the user if not.
 bool hasNeededFeatures(const OvOfxEffect& effect)
 {
     if (!effect.descriptor.temporalClipAccess || hostDescription().temporalClipAccess) return true;
@@ -126,7 +126,7 @@ void writeClipPreferenceSlaves(OvOfxEffect& effect, const OvOfxPropertySet& prop
     }
 }
 
-/// Brings whatever depends on a parameter up to date, once for every parameter.
+/// Calls the change callback of every parameter, so that all dependent state is up to date.
 void notifyAll(OvOfxEffect& effect)
 {
     for (const OvOfxParam* param : effect.parameters()) {
@@ -141,7 +141,7 @@ void destroy(std::unique_ptr<OvOfxEffect> effect)
     effect->deleteHandles();
 }
 
-/// Asks the host a last time whether it still wants the picture, and tells it how the render ended.
+/// Polls the host's abort a last time and returns the status of the render.
 OfxStatus finish(RenderStatus& status)
 {
     if (!status.pollAbort() || status.errorCode == 0) return kOfxStatOK;
@@ -222,7 +222,7 @@ OfxStatus createInstance(const Call& call)
         throw;
     }
     if (status != kOfxStatOK && status != kOfxStatReplyDefault) {
-        // To the host there is no instance: it sends no action that would find this one.
+        // The host has no instance: no later action would find this one.
         properties.setPointer(kOfxPropInstanceData, nullptr);
         destroy(std::move(effect));
         return status;
@@ -273,11 +273,11 @@ OfxStatus instanceChanged(const Call& call)
     if (effect == nullptr) return kOfxStatReplyDefault;
     const OvOfxPropertySet inArgs(call.inArgs);
     const OvOfxChangeRecord change = readChangeRecord(inArgs, true);
-    // Nobody edits on a render-only machine: whoever says so is not to be trusted with a render.
+    // A render-only machine has no user, so a user edit is an error of the host and fatal.
     if (hostDescription().isBackground && change.reason == OvChangeReason::UserEdited) {
         return kOfxStatErrFatal;
     }
-    // A clip has nobody to notify.
+    // Clips have no change callback.
     if (inArgs.stringOr(kOfxPropType, "") != kOfxTypeParameter) return kOfxStatReplyDefault;
     const std::string name = inArgs.stringOr(kOfxPropName, "");
     if (OvOfxParam* param = effect->findParam(name.c_str())) {
@@ -313,7 +313,7 @@ OfxStatus getRegionsOfInterest(const Call& call)
     if (effect == nullptr) return kOfxStatReplyDefault;
     const InstanceQuery query(*effect, call.inArgs, call.outArgs);
     const OvRect output = readRect(query.inArgs(), kOfxImageEffectPropRegionOfInterest);
-    return askForInputs(*effect, [&](const std::string& clip) {
+    return queryInputs(*effect, [&](const std::string& clip) {
         OvRect rect;
         if (!query->getRegionOfInterest(clip.c_str(), output, rect)) return false;
         writeRect(query.outArgs(), kOfxImageClipPropRoIPrefix + clip,
@@ -332,7 +332,7 @@ OfxStatus getFramesNeeded(const Call& call)
     OvOfxEffect* effect = findInstance(call);
     if (effect == nullptr) return kOfxStatReplyDefault;
     const InstanceQuery query(*effect, call.inArgs, call.outArgs);
-    return askForInputs(
+    return queryInputs(
         *effect, [&](const std::string& clip) { return query->getFramesNeeded(clip.c_str()); });
 }
 

@@ -2,11 +2,11 @@
 
 #include "ofx/ofxImageEffect.h"
 
-/// One function for each action of the host. Each answers the action's status; an action on an
-/// instance that does not exist answers kOfxStatReplyDefault.
+/// One function for each action of the host. Each returns the action's status; an action on an
+/// instance that does not exist returns kOfxStatReplyDefault.
 namespace Orvane::Actions {
 
-/// What an action comes with. Any of the three may be null.
+/// The arguments of an action. Any of the three may be null.
 struct Call {
     OfxImageEffectHandle effect;
     OfxPropertySetHandle inArgs;
@@ -16,7 +16,7 @@ struct Call {
 // The library
 OfxStatus load(const Call& call);
 OfxStatus unload(const Call& call);
-/// For actions in which this framework has no part.
+/// For actions that this framework does not handle.
 OfxStatus leaveToHost(const Call& call);
 
 // Descriptors

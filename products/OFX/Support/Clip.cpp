@@ -39,7 +39,7 @@ OvOfxClipHandle::OvOfxClipHandle(const OvOfxInstanceRecord& record, std::string 
       isOutput_(isOutput)
 {
     if (clip_ == nullptr) return;
-    OfxPropertySetHandle properties = nullptr;  // decides, whatever status the host answers
+    OfxPropertySetHandle properties = nullptr;  // decides, whatever status the host returns
     hostDescription().suites.imageEffect->clipGetPropertySet(clip_, &properties);
     properties_ = OvOfxPropertySet(properties);
 }

@@ -39,13 +39,13 @@ private:
     bool isOutput_;
 };
 
-/// What effect code gets to see of a clip.
+/// The part of a clip that effect code uses.
 class OvOfxClipAccessor {
 public:
     explicit OvOfxClipAccessor(const OvOfxClip& clip) : clip_(clip) {}
 
-    /// The image at that time, or null outside the clip's frame range. A range that the host does
-    /// not tell keeps no time out. `region` is canonical and may be null.
+    /// The image at that time, or null outside the clip's frame range. Without a range from the
+    /// host no time is outside. `region` is canonical and may be null.
     [[nodiscard]] std::unique_ptr<Engine::ClipImage> image(double time, const OvRect* region) const;
     /// The region of definition with x divided by the project's pixel aspect ratio.
     [[nodiscard]] OvRect pixelRegionOfDefinition(double time) const;
@@ -55,7 +55,7 @@ private:
     const OvOfxClip& clip_;
 };
 
-/// A clip. Every query answers zeros, false or null on a clip that is unbound or not in use.
+/// A clip. Every query returns zeros, false or null on a clip that is unbound or not in use.
 class OvOfxClip : public OvOfxCoded<OvOfxParam, 47> {
 public:
     explicit OvOfxClip(const std::string& objectName);
@@ -63,8 +63,8 @@ public:
     [[nodiscard]] bool isConnected() const;
     /// Canonical units.
     [[nodiscard]] OvRect regionOfDefinition(double time) const;
-    /// First and last frame, both included. Answers whether the host tells them; if not, both are
-    /// 0.
+    /// First and last frame, both included. Returns false when the host does not report them; both
+    /// are then 0.
     bool frameRange(float& first, float& last) const;
     [[nodiscard]] double frameRate() const;
     [[nodiscard]] OvComponents components() const;
@@ -75,7 +75,7 @@ public:
                                                                 const OvRect* region) const;
     [[nodiscard]] const OvOfxClipAccessor& accessor() const { return accessor_; }
 
-    /// Makes the handle object under the given name.
+    /// Creates the handle object under the given name.
     void bind(const OvOfxInstanceRecord& record, const char* boundName);
     /// The handle object while the clip is bound and in use, else null.
     [[nodiscard]] const OvOfxClipHandle* boundHandle() const;
@@ -106,7 +106,7 @@ public:
 };
 
 /// Defines a clip to the host under the given name. `fieldExtraction` is the effect's setting.
-/// Answers the host's status, or kOfxStatFailed for a component name that nobody knows.
+/// Returns the host's status, or kOfxStatFailed for an unknown component name.
 [[nodiscard]] OfxStatus defineClip(OfxImageEffectHandle effect, const OvOfxClip& clip,
                                    const char* name, int fieldExtraction);
 

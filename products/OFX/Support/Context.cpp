@@ -8,7 +8,7 @@
 namespace Orvane {
 namespace {
 
-/// What a context asks of every effect; null where it asks nothing.
+/// What a context requires of every effect; null where it requires nothing.
 struct ContextNeeds {
     OvContext context;
     std::array<const char*, 2> clips;

@@ -11,7 +11,7 @@
 namespace Orvane {
 namespace {
 
-/// How descriptors name something, and how hosts do.
+/// A name as descriptors and as hosts spell it.
 struct HostName {
     std::string_view name;
     const char* hostName;
@@ -35,8 +35,7 @@ constexpr auto kDepthNames = std::to_array<HostName>({
 constexpr std::array kThreadSafetyNames = {
     kOfxImageEffectRenderUnsafe, kOfxImageEffectRenderInstanceSafe, kOfxImageEffectRenderFullySafe};
 
-/// Writes a list of names, up to the first that hosts do not have. Answers whether all were
-/// written.
+/// Writes a list of names, up to the first unknown one. Returns whether all were written.
 bool writeNames(const OvOfxPropertySet& properties, const char* property,
                 const std::vector<std::string>& names, std::span<const HostName> known)
 {
@@ -75,7 +74,7 @@ std::vector<OvOfxParam*> paramsOf(const OvOfxContextContainer& container)
 
 OvOfxEffect* findInstance(OfxImageEffectHandle effect, OvOfxPropertySet& properties)
 {
-    // The handle decides whether there is one; some hosts' statuses mean nothing.
+    // The handle decides whether there is one; some hosts' statuses are meaningless.
     static_cast<void>(effectProperties(effect, properties));
     void* instance = nullptr;
     static_cast<void>(properties.getPointer(kOfxPropInstanceData, instance));

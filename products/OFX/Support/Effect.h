@@ -15,7 +15,7 @@
 
 namespace Orvane {
 
-/// What an effect tells the host about itself. The initial values are the framework's.
+/// The description of an effect for its host. The initial values are the framework's defaults.
 struct OvEffectDescriptor {
     std::string label;
     std::string grouping;
@@ -32,7 +32,7 @@ struct OvEffectDescriptor {
     int fieldExtraction = 2;  ///< 0 both fields, 1 a single field, 2 a field doubled
 };
 
-/// An effect: the throw-away object that describes itself, and the long-lived instance.
+/// An effect: a temporary object while describing, or a long-lived instance.
 ///
 /// It owns its clips, parameters, pages and markers, has a container of them per context, and is
 /// bound to one context: without a record while describing, with one as an instance.
@@ -48,15 +48,15 @@ public:
     virtual ~OvOfxEffect();
     [[nodiscard]] virtual int typeCode() const { return kCode; }
     [[nodiscard]] virtual bool isA(int code) const { return code == kCode; }
-    /// The queries of one action; the wrapper outlives the answer.
+    /// Makes the object that handles the queries of one action; the wrapper outlives it.
     virtual std::unique_ptr<OvOfxEffectInterface> makeInterface(OvOfxHostWrapper& wrapper);
-    /// The view of one action; the argument sets may be null and outlive the answer.
+    /// Makes the wrapper of one action; the argument sets may be null and outlive it.
     virtual std::unique_ptr<OvOfxHostWrapper> makeHostWrapper(const OvOfxPropertySet* inArgs,
                                                               const OvOfxPropertySet* outArgs);
     virtual void instanceCreated() {}
     virtual void instanceDestroyed() {}
     virtual void getTimeDomain() {}
-    /// Whether everything the instance holds is in its parameters now.
+    /// Whether all state of the instance is stored in its parameters now.
     virtual bool syncPrivateData() { return false; }
     virtual void beginInstanceChanged(const OvOfxChangeRecord&) {}
     virtual void endInstanceChanged(const OvOfxChangeRecord&) {}
@@ -69,12 +69,12 @@ public:
     /// Renders one frame to an output clip of the given kind.
     virtual void render(OvOfxHostWrapper&, OvComponents, OvDepth) {}
 
-    /// Writes the descriptor. Answers kOfxStatFailed at the first context or depth that nobody
-    /// knows, else 0: what a host thinks of single properties is its own affair.
+    /// Writes the descriptor. Returns kOfxStatFailed at the first unknown context or depth, else 0:
+    /// the host's statuses for single properties are ignored.
     [[nodiscard]] OfxStatus writePluginProperties(const OvOfxPropertySet& properties) const;
 
-    /// Puts the objects of a context in use. With a record the effect becomes an instance: it keeps
-    /// the record, and every object in use gets its handle and its place in the tables.
+    /// Marks the objects of a context as in use. With a record the effect becomes an instance: it
+    /// keeps the record, and every object in use gets its handle and its place in the tables.
     void bind(OvContext context, std::unique_ptr<OvOfxInstanceRecord> record);
     /// The two halves of destroying an instance, in this order around `instanceDestroyed`.
     void deleteInstanceRecord();
@@ -84,16 +84,16 @@ public:
     [[nodiscard]] OvContext context() const { return context_; }
     /// Null while describing.
     [[nodiscard]] OvOfxInstanceRecord* instance() const { return record_.get(); }
-    /// The same for those who may outlive the effect, its overlays: expires before anything that
-    /// the effect owns goes.
+    /// The same for objects that may outlive the effect, such as its overlays: expires before
+    /// anything that the effect owns is destroyed.
     [[nodiscard]] std::weak_ptr<OvOfxInstanceRecord> watchedInstance() const { return record_; }
     [[nodiscard]] OvOfxOutputClip& outputClip() const { return *outputClip_; }
-    /// Everything that `own` made, in that order.
+    /// All objects made by `own`, in the order of creation.
     [[nodiscard]] const std::vector<std::unique_ptr<OvOfxParam>>& objects() const
     {
         return objects_;
     }
-    /// What the effect has in a context, or null for an unknown one.
+    /// The container of a context, or null for an unknown one.
     [[nodiscard]] OvOfxContextContainer* container(OvContext context);
     /// The parameters defined (while describing) or bound (in an instance), in that order.
     [[nodiscard]] std::vector<OvOfxParam*>& parameters() { return parameters_; }
@@ -101,11 +101,11 @@ public:
     {
         return clipTable_;
     }
-    /// Posts a message; kinds and answers are those of `postEffectMessage`.
+    /// Posts a message; kinds and results are those of `postEffectMessage`.
     int message(const char* text, int kind, const char* id) const;
 
     OvEffectDescriptor descriptor;
-    int counter = 0;  ///< at the free disposal of the effect's code
+    int counter = 0;  ///< free for use by the effect's code
 
     /// Takes an object into the effect's ownership.
     template <typename T, typename... Arguments>
@@ -125,7 +125,7 @@ private:
     void bindClip(OvOfxClip& clip, const char* name);
     void bindParam(OvOfxParam& param);
 
-    std::shared_ptr<OvOfxInstanceRecord> record_;  ///< shared with nobody, only watched
+    std::shared_ptr<OvOfxInstanceRecord> record_;  ///< never shared; overlays hold weak pointers
     OvContext context_ = OvContext::None;
     std::vector<std::unique_ptr<OvOfxParam>> objects_;  // in creation order
     OvOfxOutputClip* outputClip_;
@@ -137,7 +137,7 @@ private:
     std::map<std::string, OvOfxClip*, std::less<>> clipTable_;
 };
 
-/// The instance behind an effect handle, or null. Its properties come along.
+/// The instance behind an effect handle, or null. Also sets `properties` to those of the effect.
 [[nodiscard]] OvOfxEffect* findInstance(OfxImageEffectHandle effect, OvOfxPropertySet& properties);
 
 }  // namespace Orvane

@@ -9,8 +9,8 @@ namespace Orvane {
 
 class OvOfxHostWrapper;
 
-/// The queries that a host asks of an effect, one object per action. The answers here are those of
-/// an effect that leaves everything to the host.
+/// Handles the host's queries to an effect, one object per action. The base class leaves every
+/// query to the host.
 class OvOfxEffectInterface {
 public:
     explicit OvOfxEffectInterface(OvOfxHostWrapper& wrapper) : wrapper_(wrapper) {}
@@ -30,7 +30,8 @@ public:
     /// Adds a range of frames that the action needs of a clip, both ends included.
     virtual void addFrameRange(const char* clipName, double first, double last);
     virtual ~OvOfxEffectInterface() = default;
-    /// Rectangles are in pixels of the action. A query that answers false leaves its results alone.
+    /// Rectangles are in pixels of the action. A query that returns false leaves its results
+    /// unchanged.
     virtual bool getRegionOfDefinition(OvRect& rect);
     virtual bool getRegionOfInterest(const char* clipName, const OvRect& outputRegion,
                                      OvRect& rect);
@@ -38,7 +39,7 @@ public:
     /// Whether the output equals the clip `clipName` at `time`; both come in with the action's own.
     virtual bool isIdentity(std::string& clipName, double& time);
     virtual bool furtherQuery();
-    /// Drops whatever can be made again.
+    /// Frees everything that can be recomputed.
     virtual void purgeCaches();
 
 protected:

@@ -11,14 +11,14 @@
 namespace Orvane {
 namespace {
 
-/// What one host wants otherwise than the standard says, by its name.
+/// A host's deviation from the standard, by its name.
 struct HostQuirk {
     const char* host;
     OfxStatus loadStatus;
 };
 
 constexpr std::array kQuirks{
-    // Takes every other answer to the load action, "default" included, for a failure and drops the
+    // Treats every other status of the load action, "default" included, as a failure and drops the
     // plug-in.
     HostQuirk{.host = "MLT", .loadStatus = kOfxStatOK},
 };
@@ -28,9 +28,9 @@ std::atomic<OfxHost*> record{nullptr};
 const OvOfxHost kNoHost;
 std::atomic<const OvOfxHost*> current{&kNoHost};
 
-/// Every description there ever was. They are kept until the library goes, since an action on
-/// another thread may be reading one while the host unloads and describes again; a host that does
-/// so for every instance says the same each time, so that there is hardly ever a second one.
+/// Every description made so far. They are kept until the library is unloaded, since an action on
+/// another thread may be reading one while the host unloads and describes again. A host that does
+/// so for every instance reports the same each time, so there is hardly ever a second one.
 struct Descriptions {
     std::deque<OvOfxHost> known;
     // Some hosts send their last actions from destructors that run after ours.
@@ -41,7 +41,7 @@ std::mutex describing;
 Descriptions descriptions;  // guarded by the lock
 bool isDescribed = false;   // guarded by the lock
 
-/// The properties of the host record, through a suite that is not in force yet.
+/// The properties of the host record, through a suite that is not published yet.
 class HostProperties {
 public:
     HostProperties(const OfxPropertySuiteV1& suite, OfxPropertySetHandle handle)
@@ -116,7 +116,7 @@ void readCapabilities(const HostProperties& host, OvOfxHost& description)
     description.isBackground = host.flag(kOfxImageEffectHostPropIsBackground);
 }
 
-/// Puts a description in force, the kept one when the same was known before. Needs the lock.
+/// Publishes a description, or a kept one that is equal. Needs the lock.
 void publish(OvOfxHost description)
 {
     std::deque<OvOfxHost>& known = descriptions.known;

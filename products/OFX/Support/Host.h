@@ -25,8 +25,8 @@ struct OvOfxSuites {
     friend bool operator==(const OvOfxSuites&, const OvOfxSuites&) = default;
 };
 
-/// What is known of the host. Read once, never changed afterwards. The initial values are those of
-/// a host that does not say.
+/// The capabilities of the host. Read once, never changed afterwards. The initial values apply
+/// where the host reports nothing.
 struct OvOfxHost {
     OvOfxSuites suites;
     std::string name;
@@ -51,27 +51,28 @@ struct OvOfxHost {
     friend bool operator==(const OvOfxHost&, const OvOfxHost&) = default;
 };
 
-/// The host record, as the host last handed it over; null before that.
+/// The host record that the host passed most recently; null before that.
 void setHostRecord(OfxHost* host);
 [[nodiscard]] OfxHost* hostRecord();
 
 /// A suite of the host by name, or null when there is no host, no way to ask, or no such suite.
 [[nodiscard]] const void* fetchSuite(const OfxHost* host, const char* name, int version);
 
-/// Reads suites and capabilities of the host and puts its threads and image memory in force.
-/// Answers kOfxStatErrMissingHostFeature when the host or a required suite is missing; the next
-/// call then tries again. Once it has succeeded it does nothing until `forgetHost`.
+/// Reads suites and capabilities of the host and installs its threads and image memory. Returns
+/// kOfxStatErrMissingHostFeature when the host or a required suite is missing; the next call then
+/// tries again. After a success, further calls do nothing until `forgetHost`.
 [[nodiscard]] OfxStatus describeHost(const OfxHost* host);
 
-/// Has the host described anew next time. What was known stays valid and in force until then: other
-/// threads may be in the middle of an action.
+/// Makes the next `describeHost` read the host again. The current description stays valid until
+/// then: other threads may be in the middle of an action.
 void forgetHost();
 
-/// The host as last described; without suites before the first description. The reference is good
-/// as long as the library is loaded.
+/// The current description; without suites before the first one. The reference is valid as long as
+/// the library is loaded.
 [[nodiscard]] const OvOfxHost& hostDescription();
 
-/// The answer to the load action, by what this host accepts. The host is not described yet then.
+/// The status of the load action, chosen for this host. The host is not described yet at that
+/// point.
 [[nodiscard]] OfxStatus loadStatus(const OfxHost* host);
 
 }  // namespace Orvane

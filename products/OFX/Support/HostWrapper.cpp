@@ -10,10 +10,10 @@
 namespace Orvane {
 namespace {
 
-/// Asks the host whether the action should stop. Nothing else of a render runs while it does.
+/// Asks the host whether to abort the action. No other part of a render runs meanwhile.
 int pollHost(void* abortHandle, int*)
 {
-    if (abortHandle == nullptr) return 0;  // some hosts read a null handle as a wish to stop
+    if (abortHandle == nullptr) return 0;  // some hosts report an abort for a null handle
     return hostDescription().suites.imageEffect->abort(
         static_cast<OfxImageEffectHandle>(abortHandle));
 }
@@ -45,8 +45,8 @@ T* OvOfxHostWrapper::find(const char* name) const
     return paramCast<T>(findParam(name));
 }
 
-/// What normalised values are parts of. Where the host does not tell the project's size, the
-/// source's region of definition takes its place.
+/// The reference of normalised values. Where the host reports no project size, the source's region
+/// of definition is used.
 OvProject OvOfxHostWrapper::project()
 {
     const OvOfxInstanceRecord* record = effect_.instance();

@@ -15,11 +15,11 @@ class OvOfxClipAccessor;
 class OvOfxEffect;
 class OvOfxParam;
 
-/// What effect code may ask about the current action: its time, scale and window, values by name,
+/// Gives effect code access to the current action: its time, scale and window, values by name,
 /// clips by name, and the render status. One per action, on the action's thread.
 ///
-/// Queries by name answer zeros for a parameter of another type, and for an unknown name after a
-/// line on standard output. Nothing throws but std::bad_alloc.
+/// Queries by name return zeros for a parameter of another type. For an unknown name they return
+/// zeros and write a line to standard output. Only std::bad_alloc is thrown.
 class OvOfxHostWrapper final {
 public:
     /// The argument sets may be null or hold null handles; effect and sets outlive the wrapper.
@@ -30,14 +30,14 @@ public:
 
     // Operations, in slot order. Parameter times are single precision, whatever the host's are.
     [[nodiscard]] bool hasParam(const char* name) const;
-    /// Normalised values arrive in canonical units.
+    /// Normalised values are converted to canonical units.
     [[nodiscard]] double doubleAt(const char* name, float time);
     /// An integer, the index of a choice, or 0 and 1 for a boolean.
     [[nodiscard]] int intAt(const char* name, float time);
     [[nodiscard]] bool boolAt(const char* name, float time);
     [[nodiscard]] std::array<float, 3> rgbAt(const char* name, float time);
     [[nodiscard]] std::array<float, 4> rgbaAt(const char* name, float time);
-    /// Normalised positions arrive in pixels of the action.
+    /// Normalised positions are converted to pixels of the action.
     [[nodiscard]] OvPoint double2DAt(const char* name, float time);
     [[nodiscard]] double doubleIntegral(const char* name, float from, float to);
     [[nodiscard]] double doubleDerivative(const char* name, float time);
@@ -73,7 +73,7 @@ public:
     /// The n-th call writes the values 2n and 2n + 1 of the clip's frame range argument.
     void addFrameRange(const char* clipName, double first, double last);
 
-    /// A rectangle in pixels of the action in canonical units.
+    /// Converts a rectangle from pixels of the action to canonical units.
     [[nodiscard]] OvRect toCanonical(const OvRect& pixels) const;
 
     [[nodiscard]] OvOfxEffect& effect() const { return effect_; }

@@ -43,7 +43,7 @@ PixelKind kindOf(OvDepth depth, OvComponents components)
     }
 }
 
-/// A channel from a number on the channel's own scale, without its fraction; never out of range.
+/// A number on the channel's own scale as a channel: truncated and clamped.
 template <typename Channel>
 Channel channelOf(float value)
 {
@@ -55,8 +55,8 @@ Channel channelOf(float value)
     }
 }
 
-/// A clip's edge colour as a pixel. Of a single-channel clip the alpha counts, on the scale 0 to 1
-/// whatever the depth.
+/// A clip's edge colour as a pixel. A single-channel clip uses the alpha, on the scale 0 to 1 at
+/// every depth.
 template <typename Pixel>
 Pixel edgePixel(const std::array<float, 4>& colour)
 {
@@ -72,7 +72,7 @@ Pixel edgePixel(const std::array<float, 4>& colour)
     }
 }
 
-/// A part of an axis in whole pixels, for any part.
+/// A fraction of an axis in whole pixels; the fraction may be any number.
 int pixelsOf(int size, float part)
 {
     const double pixels = std::trunc(static_cast<double>(size) * static_cast<double>(part));
@@ -116,8 +116,7 @@ private:
         map_.setOrigin(x.origin, y.origin);
     }
 
-    /// `data` is the first pixel of the bounds; those before the region of definition are passed
-    /// over.
+    /// `data` is the first pixel of the bounds; those before the region of definition are skipped.
     std::byte* firstStored(std::byte* data, const OvImageAxis& x, const OvImageAxis& y) const
     {
         const std::int64_t offset =
@@ -153,7 +152,7 @@ std::unique_ptr<Engine::ClipImage> viewOf(std::unique_ptr<OvOfxImage> image, con
 std::unique_ptr<OvOfxImage> OvOfxImage::fetch(const OvOfxClipHandle& clip, double time,
                                               const OvRect* region)
 {
-    OfxPropertySetHandle handle = nullptr;  // decides, whatever status the host answers
+    OfxPropertySetHandle handle = nullptr;  // decides, whatever status the host returns
     const OfxRectD wanted = region != nullptr ? toOfx(*region) : OfxRectD{};
     // Made before the fetch, so that nothing can fail between the fetch and its release.
     std::unique_ptr<OvOfxImage> image(new OvOfxImage(nullptr));
@@ -211,7 +210,7 @@ PixelKind OvOfxImage::kind(const OvOfxClip& clip) const
 
 OvImageAxis imageAxis(int definedMin, int definedMax, int storedMin, int storedMax)
 {
-    // 64 bits: hosts may hand over extents that no int holds.
+    // 64 bits: hosts may pass extents that overflow an int.
     std::int64_t first = definedMin;
     std::int64_t end = definedMax;
     if (definedMin == kOfxFlagInfiniteMin || definedMax == kOfxFlagInfiniteMax || first == end ||

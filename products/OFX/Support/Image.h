@@ -14,8 +14,8 @@ namespace Orvane {
 class OvOfxClip;
 class OvOfxClipHandle;
 
-/// One image fetched from the host, released by the destructor. Queries answer zeros where the host
-/// does not say.
+/// One image fetched from the host, released by the destructor. Queries return zeros where the host
+/// reports nothing.
 class OvOfxImage {
 public:
     /// The clip's image at that time, or null. `region` is canonical and may be null.
@@ -29,14 +29,14 @@ public:
     [[nodiscard]] void* data() const;
     /// Bytes from one row to the one above; negative for images stored top down.
     [[nodiscard]] int rowBytes() const;
-    /// What is stored, in pixels of the image.
+    /// The stored region, in pixels of the image.
     [[nodiscard]] OfxRectI bounds() const;
-    /// What is defined, in pixels of the image; may be infinite.
+    /// In pixels of the image; may be infinite.
     [[nodiscard]] OfxRectI regionOfDefinition() const;
     [[nodiscard]] double pixelAspectRatio() const;
     [[nodiscard]] OvField field() const;
-    /// The kind of the pixels: depth and components as the image tells them, as the clip does where
-    /// the image tells nothing. None for a kind that no map holds.
+    /// The pixel kind, from the depth and components of the image, or of the clip where the image
+    /// reports none. None for a kind that maps do not support.
     [[nodiscard]] Engine::PixelKind kind(const OvOfxClip& clip) const;
 
 private:
@@ -45,8 +45,9 @@ private:
     OvOfxPropertySet properties_;
 };
 
-/// One axis of an image as a map: index 0 is the pixel at `origin`, of `size` pixels those from
-/// `storeFirst` to `storeLast` are stored, and the host's memory starts `skipped` pixels before.
+/// One axis of an image as a map: index 0 is the pixel at `origin`; of its `size` pixels, those
+/// from `storeFirst` to `storeLast` are stored, and the host's memory starts `skipped` pixels
+/// earlier.
 struct OvImageAxis {
     int origin = 0;
     int size = 0;
@@ -59,11 +60,11 @@ struct OvImageAxis {
 
 /// The axis of an image that is defined from `definedMin` to `definedMax` and stored from
 /// `storedMin` to `storedMax`, the maxima excluded. An infinite or empty region of definition, or
-/// one whose extent no int holds, is replaced by what is stored.
+/// one whose size overflows an int, is replaced by the stored region.
 [[nodiscard]] OvImageAxis imageAxis(int definedMin, int definedMax, int storedMin, int storedMax);
 
-/// The image as a map that borrows its memory, read outside as the clip says. Null for a kind that
-/// no map holds; an image without a single pixel to read becomes a map without storage.
+/// The image as a map that borrows its memory, with the clip's edge methods. Null for a pixel kind
+/// that maps do not support; an image without readable pixels becomes a map without storage.
 [[nodiscard]] std::unique_ptr<Engine::ClipImage> makeImageView(std::unique_ptr<OvOfxImage> image,
                                                                const OvOfxClip& clip);
 

@@ -9,7 +9,7 @@
 namespace Orvane {
 namespace {
 
-/// Part of the name of hosts whose answers to messages mean nothing.
+/// Part of the name of hosts whose message statuses are meaningless.
 constexpr const char* kSilentHost = "film master";
 
 }  // namespace
@@ -128,16 +128,16 @@ void OvOfxInstanceRecord::setSequentialRender(bool sequential) const
 
 OfxStatus OvOfxInstanceRecord::postMessage(const char* type, const char* id, const char* text) const
 {
-    const OfxStatus answer = postToHost(effect_, type, id, text != nullptr ? text : "");
+    const OfxStatus status = postToHost(effect_, type, id, text != nullptr ? text : "");
     const bool silent = hostDescription().name.find(kSilentHost) != std::string::npos;
-    return silent ? kOfxStatFailed : answer;
+    return silent ? kOfxStatFailed : status;
 }
 
 OvOfxParamEdit::OvOfxParamEdit(const OvOfxInstanceRecord& record, const char* name)
 {
     const OfxParameterSuiteV1* suite = hostDescription().suites.parameter;
     if (suite == nullptr || record.paramSet() == nullptr) return;
-    // A host with only one of the two could not keep them balanced.
+    // With only one of the two functions edits could not be balanced.
     if (suite->paramEditBegin == nullptr || suite->paramEditEnd == nullptr) return;
     if (suite->paramEditBegin(record.paramSet(), name) == kOfxStatOK) begun_ = record.paramSet();
 }

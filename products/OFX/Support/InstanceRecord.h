@@ -18,17 +18,17 @@ struct OvOfxChangeRecord {
     double time = 0.0;
 };
 
-/// The record that in-args of a change action hold. Without `withTime` the time is 0.
+/// Reads the change record from the in-args of a change action. Without `withTime` the time is 0.
 [[nodiscard]] OvOfxChangeRecord readChangeRecord(const OvOfxPropertySet& inArgs, bool withTime);
 
 /// Two doubles as floats; (0, 0) where the property cannot be read.
 [[nodiscard]] OvPoint pointOf(const OvOfxPropertySet& properties, const char* name);
 
-/// The properties of an effect, descriptor or instance. Answers the host's status, or
-/// kOfxStatErrBadHandle when that is 0 and there are none all the same.
+/// Fetches the properties of an effect descriptor or instance. Returns the host's status, or
+/// kOfxStatErrBadHandle when the host reports success but gives no property set.
 [[nodiscard]] OfxStatus effectProperties(OfxImageEffectHandle effect, OvOfxPropertySet& properties);
 
-/// The actions that keep a frame. The last number serves both the pen's release and drawing.
+/// The actions with a frame. The last value serves both pen release and drawing.
 enum class OvActionKind {
     ClipPreferences = 2,
     TimeDomain = 10,
@@ -45,7 +45,7 @@ struct OvOfxActionFrame {
     OfxStatus status = kOfxStatReplyDefault;
 };
 
-/// The host's side of one instance; the property set it is, is the effect's own.
+/// The host's side of one instance; as a property set it is that of the effect.
 class OvOfxInstanceRecord final : public OvOfxPropertySet {
 public:
     explicit OvOfxInstanceRecord(OfxImageEffectHandle effect);
@@ -53,14 +53,14 @@ public:
     [[nodiscard]] OfxImageEffectHandle effectHandle() const { return effect_; }
     [[nodiscard]] OfxParamSetHandle paramSet() const { return paramSet_; }
 
-    /// The host's handle, or null when it has nothing of that name. Only names of the current
-    /// context should be asked for; some hosts throw at others.
+    /// The host's handle, or null for an unknown name. Request only names of the current context;
+    /// some hosts throw for others.
     [[nodiscard]] OfxParamHandle paramHandle(const char* name) const;
     [[nodiscard]] OfxImageClipHandle clipHandle(const char* name) const;
 
     void pushFrame(OvActionKind kind, const OvOfxPropertySet& inArgs,
                    const OvOfxPropertySet& outArgs);
-    /// Removes the newest frame and answers its status; kOfxStatReplyDefault when there is none.
+    /// Removes the newest frame and returns its status; kOfxStatReplyDefault when there is none.
     OfxStatus popFrame();
     /// The newest frame, or null.
     [[nodiscard]] OvOfxActionFrame* frame();
@@ -68,11 +68,11 @@ public:
     /// The time of the newest frame, 0 without one.
     [[nodiscard]] double time() const;
 
-    // Canonical units; (0, 0) where the host does not say.
+    // Canonical units; (0, 0) where the host reports nothing.
     [[nodiscard]] OvPoint projectSize() const;
     [[nodiscard]] OvPoint projectExtent() const;
     [[nodiscard]] OvPoint projectOffset() const;
-    /// Width over height of a pixel; 1 where the host does not say.
+    /// Width over height of a pixel; 1 where the host reports nothing.
     [[nodiscard]] double pixelAspectRatio() const;
 
     /// The instance's overlays; removing one that is not there does nothing.
@@ -80,10 +80,10 @@ public:
     void removeInteract(OfxInteractHandle interact);
     [[nodiscard]] const std::vector<OfxInteractHandle>& interacts() const { return interacts_; }
 
-    /// Tells the host whether frames have to be rendered in order.
+    /// Sets whether the host has to render frames in order.
     void setSequentialRender(bool sequential) const;
 
-    /// Shows a text to the user and answers the host's status. `type` is one of kOfxMessage...; a
+    /// Shows a text to the user and returns the host's status. `type` is one of kOfxMessage...; a
     /// null id is allowed. Per-cent signs in the text are shown as they are.
     OfxStatus postMessage(const char* type, const char* id, const char* text) const;
 
@@ -94,18 +94,18 @@ private:
     std::vector<OfxInteractHandle> interacts_;
 };
 
-/// What is written to parameters as long as this lives is one edit, a single step to undo. Where
-/// the host has no edits, or refuses this one, each write stands for itself.
+/// Groups the parameter writes made during its lifetime into one edit, a single undo step. Where
+/// the host has no edits, or refuses this one, each write is separate.
 class OvOfxParamEdit {
 public:
-    /// The user may be shown the name.
+    /// Hosts may show the name to the user.
     OvOfxParamEdit(const OvOfxInstanceRecord& record, const char* name);
     ~OvOfxParamEdit();
     OvOfxParamEdit(const OvOfxParamEdit&) = delete;
     OvOfxParamEdit& operator=(const OvOfxParamEdit&) = delete;
 
 private:
-    OfxParamSetHandle begun_ = nullptr;  ///< null when there is nothing to end
+    OfxParamSetHandle begun_ = nullptr;  ///< null when no edit is open
 };
 
 }  // namespace Orvane

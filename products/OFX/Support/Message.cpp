@@ -38,8 +38,8 @@ OfxStatus postToHost(void* effect, const char* type, const char* id, std::string
 {
     const OfxMessageSuiteV1* suite = hostDescription().suites.message;
     if (suite == nullptr) return kOfxStatErrMissingHostFeature;
-    // The suite takes a format. A lone per-cent sign would have the host read arguments that are
-    // not there.
+    // The suite takes a format: an unescaped per-cent sign would make the host read missing
+    // arguments.
     std::string format;
     format.reserve(text.size());
     for (const char c : text) {

@@ -16,7 +16,7 @@ struct Row {
     Value value;
 };
 
-// Names that are missing here, such as "OfxFieldBoth" or "OfxBitDepthHalf", mean nothing to us.
+// Names that are missing here, such as "OfxFieldBoth" or "OfxBitDepthHalf", become None.
 constexpr std::array<Row<OvField>, 2> kFields{{
     {kOfxImageFieldLower, OvField::Lower},
     {kOfxImageFieldUpper, OvField::Upper},

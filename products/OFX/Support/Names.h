@@ -2,7 +2,7 @@
 
 namespace Orvane {
 
-/// What our side calls the things that the host names with strings. Every value is part of the
+/// Enumerations for values that the host passes as strings. Their numbers are part of the
 /// framework's interface: hooks receive them as ints. A null or unknown name is None.
 enum class OvField { None = 0, Lower = 1, Upper = 2 };
 enum class OvDepth { None = 0, Byte = 1, Short = 2, Float = 3 };
@@ -17,7 +17,7 @@ enum class OvContext {
     Paint = 6
 };
 
-/// Reasons of a change; None only in the record that instance creation makes up.
+/// Reasons for a change; None occurs only in the record that instance creation makes.
 enum class OvChangeReason { None = 0, UserEdited = 1, PluginEdited = 2, TimeChanged = 3 };
 
 [[nodiscard]] OvField fieldFromName(const char* name);

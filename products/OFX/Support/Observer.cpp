@@ -13,7 +13,7 @@ OfxRectI rectOf(const Engine::FillBounds& bounds)
     return {bounds.x0, bounds.y0, bounds.x1, bounds.y1};
 }
 
-/// Where the stored pixels of a map lie.
+/// The bounds of a map's stored pixels.
 OfxRectI storedBounds(const Engine::MapDomain& map)
 {
     const Engine::MapAxis& x = map.xAxis();
@@ -29,21 +29,21 @@ public:
         : suite_(&suite), effect_(effect)
     {}
 
-    void stageBegan(const char* stage) override { tell(suite_->stageBegan, stage); }
-    void stageEnded(const char* stage) override { tell(suite_->stageEnded, stage); }
-    void progress(double fraction) override { tell(suite_->progress, fraction); }
+    void stageBegan(const char* stage) override { notify(suite_->stageBegan, stage); }
+    void stageEnded(const char* stage) override { notify(suite_->stageEnded, stage); }
+    void progress(double fraction) override { notify(suite_->progress, fraction); }
     void blockLaid(const Engine::LaidBlock& block) override
     {
-        const TesseretBlockV1 told{.x = block.x,
+        const TesseretBlockV1 sent{.x = block.x,
                                    .y = block.y,
                                    .width = block.width,
                                    .height = block.height,
                                    .srcX = block.srcX,
                                    .srcY = block.srcY,
                                    .textureIndex = block.textureIndex};
-        tell(suite_->blockLaid, &told);
+        notify(suite_->blockLaid, &sent);
     }
-    void note(const char* text) override { tell(suite_->note, text); }
+    void note(const char* text) override { notify(suite_->note, text); }
 
     bool wantsMaps() override
     {
@@ -51,13 +51,13 @@ public:
     }
     void mapMade(const Engine::ObservedMap& map) override
     {
-        const TesseretMapV1 told{.name = map.name,
+        const TesseretMapV1 sent{.name = map.name,
                                  .pixels = static_cast<const float*>(map.map->firstPixel()),
                                  .rowBytes = map.map->stride(),
                                  .bounds = storedBounds(*map.map),
                                  .fillRect = rectOf(map.fillRect),
                                  .full = map.full};
-        tell(suite_->mapMade, &told);
+        notify(suite_->mapMade, &sent);
     }
     void pathFound(std::span<const Engine::PixelPoint> path,
                    const Engine::FillBounds& fillRect) override
@@ -65,16 +65,16 @@ public:
         std::vector<OfxPointI> points;
         points.reserve(path.size());
         for (const Engine::PixelPoint p : path) points.push_back({p.x, p.y});
-        const TesseretPathV1 told{.points = points.data(),
+        const TesseretPathV1 sent{.points = points.data(),
                                   .count = static_cast<int>(points.size()),
                                   .fillRect = rectOf(fillRect)};
-        tell(suite_->pathFound, &told);
+        notify(suite_->pathFound, &sent);
     }
 
 private:
     /// Any member of the suite may be null.
     template <typename Value>
-    void tell(void (*function)(OfxImageEffectHandle, Value), Value value)
+    void notify(void (*function)(OfxImageEffectHandle, Value), Value value)
     {
         if (function != nullptr) function(effect_, value);
     }

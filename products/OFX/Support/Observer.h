@@ -7,8 +7,8 @@
 
 namespace Orvane {
 
-/// An observer that passes everything on to the host's "TesseretObserverSuite", or null when the
-/// host offers none, as nearly all do. To be asked for at the start of a render and kept until its
+/// An observer that forwards every call to the host's "TesseretObserverSuite", or null when the
+/// host has none, which is the usual case. Make it at the start of a render and keep it until its
 /// end.
 [[nodiscard]] std::unique_ptr<Engine::RenderObserver> makeHostObserver(OfxImageEffectHandle effect);
 

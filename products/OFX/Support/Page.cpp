@@ -33,11 +33,11 @@ PageExtent measure(std::span<const OvOfxParam* const> children)
     return extent;
 }
 
-/// One column as the host sees it: a cell per row, empty text where there is nothing, and one cell
-/// more for the marker that ends it.
+/// One column of the host's page: a cell per row, an empty text for an empty cell, and one more
+/// cell for the marker that ends it.
 using Column = std::vector<std::string>;
 
-/// Puts the marker below the last cell in use and fills the holes above it.
+/// Puts the marker below the last used cell and fills the empty cells above it.
 void closeColumn(Column& column)
 {
     std::size_t used = column.size() - 1;

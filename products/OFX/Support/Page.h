@@ -21,14 +21,14 @@ public:
     std::vector<const OvOfxParam*> children;
 };
 
-/// The list of children that hosts want, column by column, with their skip markers: each column of
-/// it is made of the entries that stand at one position of the rows.
+/// The list of children as hosts expect it, column by column, with skip markers: each column holds
+/// the entries at one position of the rows.
 [[nodiscard]] std::vector<std::string> layOutPage(std::span<const OvOfxParam* const> children);
 
-/// Whether a host whose pages have that many rows and columns has room for every page.
+/// Whether every page fits on host pages of that many rows and columns.
 [[nodiscard]] bool hasRoomForPages(std::span<const OvOfxPage* const> pages, int rows, int columns);
 
-/// Defines a page and its children. Answers the host's status.
+/// Defines a page and its children. Returns the host's status.
 [[nodiscard]] OfxStatus definePage(const OvOfxPage& page, OfxParamSetHandle paramSet);
 
 }  // namespace Orvane

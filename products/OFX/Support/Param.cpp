@@ -8,7 +8,7 @@ OvOfxParamHandle::OvOfxParamHandle(const OvOfxInstanceRecord& record, std::strin
     : name_(std::move(name)), param_(record.paramHandle(name_.c_str()))
 {
     if (param_ == nullptr) return;
-    OfxPropertySetHandle properties = nullptr;  // decides, whatever status the host answers
+    OfxPropertySetHandle properties = nullptr;  // decides, whatever status the host returns
     suite().paramGetPropertySet(param_, &properties);
     properties_ = OvOfxPropertySet(properties);
 }

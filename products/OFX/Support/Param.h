@@ -23,8 +23,8 @@ public:
     /// Asks the host for the parameter and, when it has one, for its property set.
     OvOfxParamHandle(const OvOfxInstanceRecord& record, std::string name);
 
-    /// Whether the host has the parameter. Nothing below may be called on an unknown one, except
-    /// `setEnabled`, which then does nothing.
+    /// Whether the host has the parameter. On an unknown one only `setEnabled` may be called, which
+    /// then does nothing.
     [[nodiscard]] bool isKnown() const { return param_ != nullptr; }
 
     template <typename T, std::size_t N>
@@ -40,7 +40,7 @@ public:
             [&](auto*... parts) { suite().paramGetValueAtTime(param_, time, parts...); });
     }
 
-    /// Hosts need not offer these two; without them the parameter counts as unbound.
+    /// These functions are optional for hosts; without them the parameter counts as unbound.
     [[nodiscard]] static bool canDerive() { return suite().paramGetDerivative != nullptr; }
     [[nodiscard]] static bool canIntegrate() { return suite().paramGetIntegral != nullptr; }
 
@@ -86,11 +86,11 @@ private:
     OvOfxPropertySet properties_;
 };
 
-/// Anything an effect shows to its host by name: parameters, groups, pages, clips, and the markers
-/// that pages are laid out with, which are of this class itself.
+/// A named object of an effect that its host sees: parameter, group, page or clip. Page markers are
+/// plain objects of this class.
 ///
 /// One object describes itself, is bound to the host's handle when an instance is created, and
-/// answers queries: from the host when bound, else from its own default. The effect owns it.
+/// returns values: from the host when bound, else from its own default. The effect owns it.
 class OvOfxParam {
 public:
     static constexpr int kCode = 8;
@@ -106,9 +106,9 @@ public:
     /// Whether `code` is that of the object's class or of one of its bases.
     [[nodiscard]] virtual bool isA(int code) const { return code == kCode; }
 
-    /// Forgets what happened to the object: its change time and its exclusion.
+    /// Resets the change time and the exclusion.
     void reset();
-    /// The handle object when the host has the parameter, else null: then defaults answer.
+    /// The handle object when the host has the parameter, else null: then the default holds.
     [[nodiscard]] const OvOfxParamHandle* knownHandle() const;
 
     std::unique_ptr<OvOfxParamHandle> handle;  ///< null until bound
@@ -121,7 +121,7 @@ public:
     bool secret = false;
     bool overlaySlave = false;  ///< a change redraws the overlay
     bool inUse = true;          ///< belongs to the context that the effect was bound to last
-    /// Called when the host reports a change, and once at creation; empty does nothing.
+    /// Called when the host reports a change, and once at creation; may be empty.
     std::function<void(const OvOfxChangeRecord&)> onChange;
 };
 
@@ -135,7 +135,7 @@ public:
     [[nodiscard]] bool isA(int code) const override { return code == Code || Base::isA(code); }
 };
 
-/// The object as a `T`, or null when there is none or it is no `T`.
+/// The object as a `T`, or null when it is null or of another class.
 template <typename T>
 T* paramCast(OvOfxParam* param)
 {

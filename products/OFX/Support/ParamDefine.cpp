@@ -13,10 +13,10 @@
 namespace Orvane {
 namespace {
 
-// What hosts without a user interface are told instead of labels and hints.
+// Replaces labels and hints in hosts without a user interface.
 constexpr const char* kRenderOnly = "Render Only";
 
-/// The name of a value; values without one bear the first name.
+/// The name of a value; values without one get the first name.
 const char* nameOf(std::span<const char* const> names, int value)
 {
     const bool known = value >= 0 && static_cast<std::size_t>(value) < names.size();
@@ -97,7 +97,7 @@ void writeChoice(const OvOfxParam& param, const OvOfxPropertySet& properties)
     for (const std::string& option : choice.options) {
         properties.setString(kOfxParamPropChoiceOption, option.c_str(), index++);
     }
-    // A default that is no option leaves the choice to the host, which takes the first one.
+    // Without a default among the options the host chooses, namely the first one.
     if (choice.initialIndex() >= 0) properties.setInt(kOfxParamPropDefault, choice.initialIndex());
 }
 
@@ -163,7 +163,7 @@ void writeValued(const OvOfxValuedParam& param, const OvOfxPropertySet& properti
     properties.setInt(kOfxParamPropEvaluateOnChange, param.evaluateOnChange ? 1 : 0);
 }
 
-/// How the objects of a class are defined. The codes are asked in this order, so a class stands
+/// How the objects of a class are defined. The codes are tested in this order, so a class comes
 /// before its base.
 struct ParamKind {
     int code;
@@ -184,7 +184,7 @@ constexpr auto kKinds = std::to_array<ParamKind>({
     {OvOfxDouble2DParam::kCode, kOfxParamTypeDouble2D, writeDouble2D},
 });
 
-/// Defines the list's entries that are no clips, only as many as the host takes.
+/// Defines the entries of the list except clips, up to the host's limit.
 OfxStatus defineList(OvOfxEffect& effect, std::span<OvOfxParam* const> params,
                      OfxParamSetHandle paramSet, const char* parent)
 {
@@ -213,7 +213,7 @@ OfxStatus defineGroup(OvOfxEffect& effect, OvOfxGroup& group, OfxParamSetHandle 
     return defineList(effect, group.children, paramSet, group.name.c_str());
 }
 
-/// Pages are all or none: a host without room for one of them lays the parameters out itself.
+/// Defines all pages or none: a host without room for one of them makes its own layout.
 OfxStatus definePages(std::span<OvOfxPage* const> pages, const OvOfxPropertySet& effectProperties,
                       OfxParamSetHandle paramSet)
 {

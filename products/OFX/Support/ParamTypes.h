@@ -9,8 +9,8 @@
 
 namespace Orvane {
 
-/// The limits that hosts are given where a parameter has none of its own.
-inline constexpr float kWidestValue = 9000000.0f;
+/// The range of a parameter without limits of its own, from -kParamLimit to kParamLimit.
+inline constexpr float kParamLimit = 9000000.0f;
 
 /// A parameter that has a value. Members named `initial` are the defaults.
 class OvOfxValuedParam : public OvOfxCoded<OvOfxParam, 10> {
@@ -22,7 +22,7 @@ public:
     bool pluginMayWrite = false;
     bool persistent = true;
     bool clipPreferencesSlave = false;
-    int cacheInvalidation = 0;  ///< 0 the value's time, 1 from there to the end, 2 everything
+    int cacheInvalidation = 0;  ///< 0 the value's time, 1 from there to the end, 2 all times
     bool evaluateOnChange = true;
 };
 
@@ -49,8 +49,8 @@ public:
     [[nodiscard]] double integral(double from, double to) const;
     void setValue(double value) const;
 
-    float min = -kWidestValue;
-    float max = kWidestValue;
+    float min = -kParamLimit;
+    float max = kParamLimit;
     float displayMin = 0.0f;
     float displayMax = 1.0f;
     float initial = 0.0f;
@@ -69,7 +69,7 @@ public:
     bool initial = false;
 };
 
-/// A switch of the user interface: it starts on and changes no picture.
+/// A switch of the user interface: on by default, without effect on the result.
 class OvOfxInterfaceToggle final : public OvOfxCoded<OvOfxBooleanParam, 17> {
 public:
     explicit OvOfxInterfaceToggle(std::string objectName);
@@ -93,7 +93,7 @@ public:
     using OvOfxCoded::OvOfxCoded;
 };
 
-/// A colour; also the base of the one with an alpha, whose fourth component it ignores.
+/// A colour; also the base of the class with alpha. Without alpha the fourth component is ignored.
 class OvOfxRGBParam : public OvOfxCoded<OvOfxValuedParam, 13> {
 public:
     using OvOfxCoded::OvOfxCoded;
@@ -144,8 +144,8 @@ public:
     OvPoint initial{0.5f, 0.5f};
     OvPoint displayMin{-1.0f, -1.0f};
     OvPoint displayMax{1.0f, 1.0f};
-    OvPoint min{-kWidestValue, -kWidestValue};
-    OvPoint max{kWidestValue, kWidestValue};
+    OvPoint min{-kParamLimit, -kParamLimit};
+    OvPoint max{kParamLimit, kParamLimit};
     float increment = 1.0f;
     int digits = 2;
 };
@@ -157,7 +157,7 @@ public:
     std::vector<OvOfxParam*> children;
 };
 
-/// A limit that a rectangle's corners may be kept within.
+/// An optional limit for a rectangle's corners.
 struct OvRectLimit {
     OvPoint min{0.0f, 0.0f};
     OvPoint max{1.0f, 1.0f};

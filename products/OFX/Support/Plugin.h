@@ -1,6 +1,6 @@
 #pragma once
 
-/// The one seam upward: what the host interface layer needs of the effect that is linked with it.
+/// The only dependency upwards: what the host interface layer needs from the effect linked with it.
 
 #include <memory>
 
@@ -8,7 +8,7 @@ namespace Orvane {
 
 class OvOfxEffect;
 
-/// What hosts tell plug-ins apart by. Projects store it.
+/// Identifies the plug-in to hosts. Projects store it.
 struct PluginIdentity {
     const char* identifier;  ///< reversed domain and product, all lower case
     unsigned int versionMajor;
@@ -19,7 +19,7 @@ struct PluginHooks {
     /// A new effect, without an instance.
     std::unique_ptr<OvOfxEffect> (*makeEffect)();
     PluginIdentity (*identity)();
-    /// Frees what the effect keeps for the whole process; null when that is nothing.
+    /// Frees the effect's process-wide resources; null when there are none.
     void (*unload)();
 };
 

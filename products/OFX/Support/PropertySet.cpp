@@ -5,7 +5,7 @@
 namespace Orvane {
 namespace {
 
-/// Calls one function of the property suite, unless there is nothing to call or to ask.
+/// Calls one function of the property suite, unless the suite or the handle is missing.
 template <typename Function, typename... Arguments>
 OfxStatus call(Function OfxPropertySuiteV1::*function, OfxPropertySetHandle handle,
                const char* name, Arguments... arguments)

@@ -7,10 +7,10 @@
 
 namespace Orvane {
 
-/// One property set of the host, possibly none. Every operation answers the status of the host's
-/// property suite unchanged; a null handle is answered with kOfxStatErrBadHandle and a host that
-/// was never described with kOfxStatErrMissingHostFeature, without a call. Nothing throws but
-/// std::bad_alloc.
+/// One property set of the host; the handle may be null. Every operation returns the status of the
+/// host's property suite unchanged. Without calling it, an operation returns kOfxStatErrBadHandle
+/// for a null handle and kOfxStatErrMissingHostFeature before any host is described. Only
+/// std::bad_alloc is thrown.
 class OvOfxPropertySet {
 public:
     OvOfxPropertySet() = default;
@@ -21,16 +21,15 @@ public:
 
     [[nodiscard]] OfxPropertySetHandle handle() const { return handle_; }
 
-    // The statuses of descriptor writes are mostly of no interest, so the setters may be called
-    // bare.
+    // Most callers ignore the statuses of descriptor writes, so the setters are not [[nodiscard]].
     OfxStatus setPointer(const char* name, void* value, int index = 0) const;
     OfxStatus setString(const char* name, const char* value, int index = 0) const;
     OfxStatus setDouble(const char* name, double value, int index = 0) const;
     OfxStatus setInt(const char* name, int value, int index = 0) const;
     OfxStatus setDoubles(const char* name, std::span<const double> values) const;
 
-    // On failure a value is what it was before the call, or what the host left in it. A pointer
-    // starts as null, so that the pointer itself can be asked whether there is one.
+    // On failure a value keeps what it held before the call, or what the host stored in it.
+    // Pointers are set to null first, so that callers can test the pointer itself.
     [[nodiscard]] OfxStatus getPointer(const char* name, void*& value, int index = 0) const;
     /// Copies the text; a null text is an empty string.
     [[nodiscard]] OfxStatus getString(const char* name, std::string& value, int index = 0) const;
@@ -43,7 +42,7 @@ public:
     [[nodiscard]] std::string stringOr(const char* name, const char* fallback, int index = 0) const;
     [[nodiscard]] double doubleOr(const char* name, double fallback, int index = 0) const;
     [[nodiscard]] int intOr(const char* name, int fallback, int index = 0) const;
-    /// Whether the int property is there and not 0.
+    /// Whether the int property exists and is not 0.
     [[nodiscard]] bool isSet(const char* name) const { return intOr(name, 0) != 0; }
 
 private:

@@ -12,7 +12,7 @@ struct OvPoint {
 };
 
 /// A rectangle of the framework, canonical or pixels. The members are in the framework's order, not
-/// in that of OFX; the functions below are the only place where one becomes the other.
+/// in that of OFX; only the functions below convert between the two.
 struct OvRect {
     float xMin = 0.0f;
     float xMax = 0.0f;

@@ -8,7 +8,7 @@ namespace {
 
 thread_local OfxImageEffectHandle runningEffect = nullptr;
 
-/// One call of `run`: what every thread of the host needs to take its part.
+/// One call of `run`, shared by all threads of the host.
 struct Spread {
     HostThreadFunction* function;
     void* argument;
@@ -51,8 +51,8 @@ public:
     {
         OfxImageMemoryHandle memory = nullptr;
         const OfxStatus status = suite().imageMemoryAlloc(nullptr, bytes, &memory);
-        // Some hosts have no memory for nobody, though the standard lets the effect be null. Memory
-        // that ran dry (8) is not asked for twice.
+        // Some hosts refuse image memory without an effect, though the standard allows a null one.
+        // A lack of memory (8) is not tried again.
         if (memory == nullptr && status == kOfxStatErrBadHandle && runningEffect != nullptr) {
             suite().imageMemoryAlloc(runningEffect, bytes, &memory);
         }

@@ -4,12 +4,12 @@
 
 namespace Orvane {
 
-/// Has the threads and the image memory of the described host serve the engine, process-wide.
+/// Makes the engine use the threads and the image memory of the described host, process-wide.
 void useHostServices();
 
-/// Says, as long as it lives, on whose behalf the calling thread runs: an effect instance or
-/// descriptor, possibly null. Nests. Hosts that refuse image memory to nobody give it to that
-/// effect.
+/// Sets, during its lifetime, the effect that the calling thread works for: an instance or
+/// descriptor, possibly null. Nests. Hosts that refuse image memory without an effect are asked for
+/// it with this one.
 class RunningEffect {
 public:
     explicit RunningEffect(OfxImageEffectHandle effect);

@@ -64,7 +64,7 @@ OfxStatus dispatch(const char* action, const Actions::Call& call)
     return kOfxStatReplyDefault;
 }
 
-/// Shows the user what is known of a failure that nobody handled.
+/// Shows the user the report of an unhandled failure.
 void reportFailure(Exceptions::ExceptionI& exception)
 {
     try {
@@ -73,7 +73,7 @@ void reportFailure(Exceptions::ExceptionI& exception)
         Exceptions::writeErrorReport(report);
         postToHost(nullptr, kOfxMessageError, kReportId, report.view());
     } catch (...) {
-        // There is no memory left to tell it in; the action ends as it would have.
+        // No memory is left for the report; the action ends with the same status.
     }
 }
 
