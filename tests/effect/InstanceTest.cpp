@@ -19,7 +19,7 @@ using ::testing::StartsWith;
 constexpr const char* kFilter = kOfxImageEffectContextFilter;
 constexpr const char* kGeneral = kOfxImageEffectContextGeneral;
 
-/// What the instance last told the host of the order of frames, -1 for nothing.
+/// The instance's last sequential render flag, -1 if never set.
 int sequentialRender(TestHost& test)
 {
     return test.instance().properties().intOr(kOfxImageEffectInstancePropSequentialRender, -1);
@@ -30,7 +30,7 @@ std::array<double, 4> sides(const OfxRectD& rect)
     return {rect.x1, rect.y1, rect.x2, rect.y2};
 }
 
-TEST(EffectInstance, SaysWhetherFramesHaveToComeInOrder)
+TEST(EffectInstance, ReportsWhetherFramesHaveToComeInOrder)
 {
     TestHost test;
     test.create(kFilter);
@@ -71,7 +71,7 @@ TEST(EffectInstance, ShowsItsHelpToAUserOnly)
     EXPECT_THAT(messages[0].text, ::testing::EndsWith("plug-in in this mode."));
 }
 
-TEST(EffectInstance, WantsTheWholeOfEveryConnectedPicture)
+TEST(EffectInstance, NeedsTheWholeOfEveryConnectedImage)
 {
     struct Case {
         double aspect;
@@ -79,7 +79,7 @@ TEST(EffectInstance, WantsTheWholeOfEveryConnectedPicture)
         std::array<double, 4> source;
     };
     // The source covers (2, 4) to (34, 28) in pixels, which is twice as wide at an aspect ratio of
-    // 2. In canonical units the answer is the region itself, divided by the render scale.
+    // 2. In canonical units the result is the region itself, divided by the render scale.
     for (const Case& each : {Case{1.0, {1.0, 1.0}, {2.0, 4.0, 34.0, 28.0}},
                              Case{2.0, {1.0, 1.0}, {4.0, 4.0, 68.0, 28.0}},
                              Case{2.0, {0.5, 0.25}, {8.0, 16.0, 136.0, 112.0}}}) {
@@ -94,11 +94,11 @@ TEST(EffectInstance, WantsTheWholeOfEveryConnectedPicture)
         EXPECT_EQ(test.instance().regionsOfInterest(0.0, each.scale, {0, 0, 1, 1}, regions),
                   kOfxStatOK);
         EXPECT_EQ(sides(regions["Source"]), each.source);
-        std::vector<std::string> answered;
+        std::vector<std::string> written;
         for (const Fixtures::PropertyWrite& write : test.calls().propertyWrites()) {
-            if (write.index == 0) answered.push_back(write.property);
+            if (write.index == 0) written.push_back(write.property);
         }
-        EXPECT_THAT(answered,
+        EXPECT_THAT(written,
                     ElementsAre("OfxImageClipPropRoI_Source", "OfxImageClipPropRoI_Texture2"));
         test.expectClean();
     }
@@ -159,7 +159,7 @@ TEST(EffectInstance, ReleasesEveryImageWhicheverFetchFails)
     }
 }
 
-TEST(EffectInstance, RendersNothingIntoAnOutputThatIsNoColourPicture)
+TEST(EffectInstance, RendersNothingIntoAnOutputWithoutColour)
 {
     TestHost test;
     test.create(kFilter, Depth::Float);
@@ -175,7 +175,7 @@ TEST(EffectInstance, RendersNothingIntoAnOutputThatIsNoColourPicture)
     EXPECT_EQ(test.calls().counters().fetchCalls, 0u);
 }
 
-TEST(EffectInstance, UsesDefaultsForParametersThatTheHostDidNotTake)
+TEST(EffectInstance, UsesDefaultsForParametersThatTheHostRefused)
 {
     Fixtures::HostQuirks limited;
     limited.identity.maxParameters = 4;  // corners, avoidFillRegion, fillRegion

@@ -113,7 +113,7 @@ public:
     std::vector<TesseretBlockV1> blocks;
 };
 
-TEST(RenderReads, AskTheHostOnceForEachValueInTheirOrder)
+TEST(RenderReads, HappenOnceForEachValueInOrder)
 {
     const Names begin = {"Output", "Source", "temporalConsistancy", "fillRegion"};
     const Names fill = {"sampleCorner1", "sampleCorner2",   "seed",           "blockSize",
@@ -140,7 +140,7 @@ TEST(RenderReads, AskTheHostOnceForEachValueInTheirOrder)
                 test.connect(clip, texturePicture(kBounds, Depth::Byte, 3));
             }
             test.instance().set("useTexture1", 1);
-            test.instance().set("useTexture3", 1);  // of a clip that nothing is connected to
+            test.instance().set("useTexture3", 1);  // of an unconnected clip
         }
         test.instance().set("fillRegion", each.fillRegion);
         Names expected = begin;
@@ -186,7 +186,7 @@ TEST(RenderReads, ScaleLengthsByTheHorizontalScaleAndTruncateThem)
     EXPECT_EQ(listener.blocks[1].x, 24) << "an overlap of 1.5 is 1";
 }
 
-TEST(RenderReads, SurviveValuesThatAreNoNumbers)
+TEST(RenderReads, SurviveValuesThatAreNotNumbers)
 {
     for (const double wild : {kNaN, 1e30, -1e30, 0.0}) {
         SCOPED_TRACE(wild);

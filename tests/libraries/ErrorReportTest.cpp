@@ -60,7 +60,7 @@ TEST(ErrorReport, NumbersFromTheNewestDownAndNamesThreadsOnlyWhenThereAreSeveral
     EXPECT_THAT(two, HasSubstr("(OutOfMemory)\r\n\r\nThread 2\r\n" + rule + "1. "));
 }
 
-TEST(ErrorReport, LaysOutTheColumns)
+TEST(ErrorReport, FormatsTheColumns)
 {
     const std::string message = "\"Unregistered Error (5)\"  (OutOfMemory)";
     const std::string name30(30, 'f'), name31(31, 'g');

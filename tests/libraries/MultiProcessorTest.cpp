@@ -19,7 +19,7 @@ using Testing::FakeServices;
 using Testing::FakeThreads;
 using ::testing::Pair;
 
-TEST(RowSplit, GivesEveryThreadOneBand)
+TEST(RowSplit, GivesEveryThreadOneShare)
 {
     struct Case {
         int begin, end, index, count;
@@ -86,7 +86,7 @@ TEST(MultiProcessor, CoversEveryRowOnceHoweverTheHostRunsIt)
     expectEveryRowOnce(node);
 }
 
-TEST(MultiProcessor, RunsOnTheCallingThreadWhenToldTo)
+TEST(MultiProcessor, RunsOnTheCallingThreadWhenSingleThreaded)
 {
     FakeServices services(4);
     RowCounter node(5);
@@ -115,7 +115,7 @@ public:
 
 TEST(MultiProcessor, DoesNotSpreadAPassReachedFromAWorker)
 {
-    // A host that makes its calls on the calling thread says that this is no spawned thread.
+    // A host that makes its calls on the calling thread reports that it is not spawned.
     for (const auto mode : {FakeThreads::Mode::Real, FakeThreads::Mode::InARow}) {
         FakeServices services(3, mode);
         Outer outer;
@@ -126,7 +126,7 @@ TEST(MultiProcessor, DoesNotSpreadAPassReachedFromAWorker)
     }
 }
 
-TEST(MultiProcessor, LeavesAPassUndoneThatTheHostRefuses)
+TEST(MultiProcessor, SkipsAPassThatTheHostRefuses)
 {
     FakeServices services(2, FakeThreads::Mode::Refuse);
     RowCounter node(2);
@@ -150,7 +150,7 @@ TEST(MultiProcessor, AbortSkipsPassesWithoutAnError)
     EXPECT_EQ(node.begun, 2);
     EXPECT_EQ(node.ended, 1);
     EXPECT_EQ(record.aborted, 1);
-    EXPECT_EQ(allowed, -1);  // once known, the host is not asked again
+    EXPECT_EQ(allowed, -1);  // once known, the host is not polled again
 }
 
 [[noreturn]] void throwBadAlloc()

@@ -98,7 +98,7 @@ TEST(OverlayDrawing, FollowsTheParametersAndTheHostsMatrix)
     EXPECT_EQ(gl.pixel(100, 180), kBackground);
 }
 
-TEST(OverlayDrawing, PutsEveryStateBack)
+TEST(OverlayDrawing, RestoresEveryState)
 {
     OffscreenGl gl(400, 300);
     OverlayRig rig;
@@ -133,7 +133,7 @@ TEST(OverlayDrawing, PutsEveryStateBack)
     check("another matrix mode");
 }
 
-TEST(OverlayDrawing, NeedsNoContextToBeMadeMovedAndUnmade)
+TEST(OverlayDrawing, NeedsNoContextToBeCreatedMovedAndDestroyed)
 {
     OverlayRig rig;
     EXPECT_EQ(rig.overlay->draw(), kOfxStatOK) << "no context, and nothing to draw with";

@@ -16,15 +16,15 @@ namespace {
 
 using ::testing::ElementsAre;
 
-// What the suite below was asked, and how it is to answer.
+// The calls of the suite below, and the statuses it returns.
 std::vector<std::string> made;
-OfxStatus beginAnswer = kOfxStatOK, setAnswer = kOfxStatOK;
+OfxStatus beginStatus = kOfxStatOK, setStatus = kOfxStatOK;
 
 OfxStatus begin(OfxParamSetHandle set, const char* name)
 {
     made.push_back(std::string("begin ") + name);
-    return beginAnswer == kOfxStatOK ? Host::parameterSuite().paramEditBegin(set, name)
-                                     : beginAnswer;
+    return beginStatus == kOfxStatOK ? Host::parameterSuite().paramEditBegin(set, name)
+                                     : beginStatus;
 }
 
 OfxStatus end(OfxParamSetHandle set)
@@ -42,8 +42,8 @@ OfxStatus set(OfxParamHandle parameter, ...)
     const double y = va_arg(components, double);
     va_end(components);
     made.emplace_back("set");
-    return setAnswer == kOfxStatOK ? Host::parameterSuite().paramSetValue(parameter, x, y)
-                                   : setAnswer;
+    return setStatus == kOfxStatOK ? Host::parameterSuite().paramSetValue(parameter, x, y)
+                                   : setStatus;
 }
 
 OfxParameterSuiteV1 patched;
@@ -61,7 +61,7 @@ protected:
     EditTest()
     {
         made.clear();
-        beginAnswer = setAnswer = kOfxStatOK;
+        beginStatus = setStatus = kOfxStatOK;
         patched = Host::parameterSuite();
         patched.paramEditBegin = &begin;
         patched.paramEditEnd = &end;
@@ -77,7 +77,7 @@ protected:
         expectClean();
     }
 
-    /// Presses on the left edge of the box, moves it twice and lets go.
+    /// Presses on the left edge of the box, drags it twice and releases.
     std::vector<std::string> dragCalls()
     {
         create(kOfxImageEffectContextFilter, Depth::Byte, {0, 0, 400, 300});
@@ -107,14 +107,14 @@ TEST_F(EditTest, HoldsBothCornersOfEveryStep)
 
 TEST_F(EditTest, EndsWhenWritesFail)
 {
-    setAnswer = kOfxStatErrValue;
+    setStatus = kOfxStatErrValue;
     EXPECT_THAT(dragCalls(), ElementsAre("begin Region", "set", "set", "end", "begin Region", "set",
                                          "set", "end", "begin Region", "set", "set", "end"));
 }
 
 TEST_F(EditTest, IsNotEndedWhereItWasRefused)
 {
-    beginAnswer = kOfxStatErrUnsupported;
+    beginStatus = kOfxStatErrUnsupported;
     EXPECT_THAT(dragCalls(), ElementsAre("begin Region", "set", "set", "begin Region", "set", "set",
                                          "begin Region", "set", "set"));
 }

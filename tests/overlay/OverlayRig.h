@@ -29,7 +29,7 @@ struct OverlayRig : TestHost {
         instance().set("sampleCorner1", corner1);
         instance().set("sampleCorner2", corner2);
     }
-    /// Both corners, x and y, in canonical units of a project without an offset.
+    /// Both corners, x and y, in canonical units of a project without offset.
     std::vector<double> box() const { return boxOf(*overlay); }
     static std::vector<double> boxOf(const Host::Interact& interact)
     {

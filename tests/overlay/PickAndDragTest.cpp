@@ -1,5 +1,5 @@
-// What the pen takes hold of, and what that writes to the parameters. No OpenGL context: hosts give
-// none to pen actions.
+// What the pen grabs, and what that writes to the parameters. No OpenGL context: hosts give none to
+// pen actions.
 
 #include <cmath>
 #include <limits>
@@ -48,7 +48,7 @@ TEST(Overlay, DragsWhatIsUnderThePen)
     }
 }
 
-TEST(Overlay, AnEdgeHeldAtTheOppositeOneStaysBehindThePen)
+TEST(Overlay, AnEdgeStoppedAtTheOppositeOneLagsBehindThePen)
 {
     OverlayRig rig;
     rig.overlay->draw();
@@ -94,7 +94,7 @@ TEST(Overlay, MeasuresFromTheProjectsOffset)
     EXPECT_THAT(rig.box(), boxIs(60, 20, 160, 80));
 }
 
-TEST(Overlay, AnswersWhetherAnythingChanged)
+TEST(Overlay, ReportsWhetherAnythingChanged)
 {
     OverlayRig rig;
     rig.overlay->draw();
@@ -180,7 +180,7 @@ TEST(Overlay, OutlivesItsEffect)
     EXPECT_THAT(rig.box(), boxIs(80, 60, 320, 240));
 }
 
-TEST(Overlay, WritesNoNumberThatIsNone)
+TEST(Overlay, WritesNoValueThatIsNotANumber)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinity = std::numeric_limits<double>::infinity();
@@ -215,7 +215,7 @@ TEST(Overlay, DoesNothingWhereTheHostKeepsNothing)
     EXPECT_EQ(rig.press(80, 150), kOfxStatOK) << "the other one is as it was";
 }
 
-TEST(Overlay, IsFoundByNoActionWhenThereWasNoMemoryToMakeIt)
+TEST(Overlay, IgnoresActionsWhenThereWasNoMemoryToMakeIt)
 {
     OverlayRig rig;
     rig.overlay->draw();

@@ -41,7 +41,7 @@ TEST(OverlayText, DrawsYellowOverItsShadow)
     EXPECT_GT(yellow, 40);
     EXPECT_GT(shadow, 10);
     EXPECT_EQ(others, 0);
-    // A capital stands on the line, and its stems are bold: two pixels wide at least.
+    // A capital is drawn on the line, and its stems are bold: two pixels wide at least.
     EXPECT_EQ(gl.pixel(13, 8), kBackground) << "below the line";
 }
 
@@ -70,11 +70,11 @@ TEST(OverlayText, WithoutFontOrTextDrawsNothing)
     const Font font;
     drawShadowedText(nullptr, 5.0f, 5.0f);
     drawText("A", 0, 5.0f, 5.0f);
-    drawText("\x81\xFE", 2, 5.0f, 5.0f);  // lists that nobody made
+    drawText("\x81\xFE", 2, 5.0f, 5.0f);  // lists that do not exist
     EXPECT_EQ(gl.drawnPixels(), 0);
 }
 
-TEST(OverlayDraw, CirclesAndDisksStandRoundTheirCentre)
+TEST(OverlayDraw, CirclesAndDisksAreRoundTheirCentre)
 {
     OffscreenGl gl(60, 60);
     const OverlayColour red{1.0f, 0.0f, 0.0f}, blue{0.0f, 0.0f, 1.0f};
@@ -99,7 +99,7 @@ TEST(OverlayDraw, CirclesAndDisksStandRoundTheirCentre)
     EXPECT_GT(gl.drawnPixels(), 40);
 }
 
-TEST(MatrixStack, NestsTransformsAndGivesThePenItsWayBack)
+TEST(MatrixStack, NestsTransformsAndInvertsThemForThePen)
 {
     const Matrix3 moved{{{1, 0, 0}, {0, 1, 0}, {7, 3, 1}}};
     const Matrix3 turned{{{0, 2, 0}, {-2, 0, 0}, {0, 0, 1}}};  // a quarter turn, doubled

@@ -24,16 +24,16 @@ TEST(Entry, FillsItsOneRecordAtEachCall)
     EXPECT_NE(record->mainEntry, nullptr);
 }
 
-struct Answers {
+struct Statuses {
     const char* action;
     OfxStatus withoutInstance;
-    OfxStatus quiet;      ///< with an instance that leaves everything to the host
-    OfxStatus answering;  ///< with one that answers what it is asked
+    OfxStatus unhandled;  ///< with an instance that leaves everything to the host
+    OfxStatus handled;    ///< with one that handles every query
 };
 
-constexpr Answers kAnswers[] = {
+constexpr Statuses kStatuses[] = {
     {nullptr, 14, 14, 14},
-    {"OfxActionNobodyKnows", 14, 14, 14},
+    {"OfxActionUnknown", 14, 14, 14},
     {"ofxActionUnload", 14, 14, 14},
     {"OfxActionPurgeCaches", 14, 14, 14},
     {"OfxActionSyncPrivateData", 14, 14, 0},
@@ -54,27 +54,27 @@ constexpr Answers kAnswers[] = {
     {"OfxActionLoad", 14, 14, 14},
 };
 
-TEST(Entry, AnswersEveryActionWithAndWithoutAnInstance)
+TEST(Entry, ReturnsItsStatusForEveryActionWithAndWithoutAnInstance)
 {
     TinyHost tiny;
     const auto instance = tiny.create();
     const auto destroyed = tiny.create();
     instance->connect("Source", tinySource());
     EXPECT_EQ(destroyed->action(kOfxActionDestroyInstance), kOfxStatOK);
-    const OfxImageEffectHandle nobody[] = {nullptr, tiny.effect().descriptor().handle(),
-                                           destroyed->handle()};
-    for (const Answers& row : kAnswers) {
+    const OfxImageEffectHandle withoutInstance[] = {nullptr, tiny.effect().descriptor().handle(),
+                                                    destroyed->handle()};
+    for (const Statuses& row : kStatuses) {
         SCOPED_TRACE(row.action != nullptr ? row.action : "no action");
-        const auto answer = [&](OfxImageEffectHandle handle) {
+        const auto send = [&](OfxImageEffectHandle handle) {
             return tiny.effect().send(row.action, handle, nullptr, nullptr);
         };
-        for (const OfxImageEffectHandle handle : nobody) {
-            EXPECT_EQ(answer(handle), row.withoutInstance);
+        for (const OfxImageEffectHandle handle : withoutInstance) {
+            EXPECT_EQ(send(handle), row.withoutInstance);
         }
-        tinyBehaviour().answersQueries = false;
-        EXPECT_EQ(answer(instance->handle()), row.quiet);
-        tinyBehaviour().answersQueries = true;
-        EXPECT_EQ(answer(instance->handle()), row.answering);
+        tinyBehaviour().handlesQueries = false;
+        EXPECT_EQ(send(instance->handle()), row.unhandled);
+        tinyBehaviour().handlesQueries = true;
+        EXPECT_EQ(send(instance->handle()), row.handled);
     }
     EXPECT_EQ(tiny.effect().send(kOfxActionDestroyInstance, nullptr, nullptr, nullptr),
               kOfxStatErrBadHandle);
@@ -83,7 +83,7 @@ TEST(Entry, AnswersEveryActionWithAndWithoutAnInstance)
     EXPECT_EQ(destroyed->action(kOfxActionDestroyInstance), 5);
 }
 
-TEST(Entry, UnloadAnswersOKAndRunsTheHookOfTheEffect)
+TEST(Entry, UnloadReturnsOKAndRunsTheHookOfTheEffect)
 {
     TinyHost tiny;
     std::atomic<int> unloads = 0;
@@ -124,7 +124,7 @@ TEST(Render, TurnsItsRecordIntoAStatus)
         tiny.quirks().abortFromPoll = each.hostAborts ? 1 : 0;
         EXPECT_EQ(instance->renderOnly({.window = {0, 0, 8, 4}}, nullptr), each.status)
             << each.aborted << ' ' << each.errorCode << ' ' << each.hostAborts;
-        // An abort that is known is not asked for again.
+        // A known abort is not polled again.
         EXPECT_EQ(tiny.calls().counters().abortPolls, each.aborted != 0 ? 0u : 1u);
     }
 }

@@ -50,7 +50,7 @@ std::vector<std::string> lastWords(const std::vector<std::string>& lines, const 
     return words;
 }
 
-TEST(Plugin, StandsInstancesThatComeAndGoOnTwoThreads)
+TEST(Plugin, SurvivesInstancesCreatedAndDestroyedOnTwoThreads)
 {
     const auto library = Host::PluginLibrary::load(TESSERET_PLUGIN_FILE);
     EXPECT_STREQ(library->plugin().pluginIdentifier, "com.orvane.brisant.tesseret");

@@ -11,7 +11,7 @@ namespace {
 
 using namespace Orvane;
 
-/// The tiny effect's main entry describes the host; what it says of itself is not used.
+/// The tiny effect's main entry describes the host; its own description is not used.
 Host::Descriptor freshDescriptor(TinyHost& tiny)
 {
     tiny.effect().start();
@@ -59,7 +59,7 @@ OfxStatus FrameworkRig::describe()
 OvOfxEffect& FrameworkRig::bind()
 {
     instance_ = std::make_unique<Host::Instance>(tiny_.effect(), descriptor_);
-    calls().reset();  // the tiny effect asked for clips of its own
+    calls().reset();  // the tiny effect fetched clips of its own
     bound_ = make();
     bound_->bind(context_, std::make_unique<OvOfxInstanceRecord>(instance_->handle()));
     return *bound_;

@@ -25,7 +25,7 @@ public:
     FrameworkRig(const FrameworkRig&) = delete;
     FrameworkRig& operator=(const FrameworkRig&) = delete;
 
-    /// Defines clips and parameters; answers the first status that is not 0.
+    /// Defines clips and parameters; returns the first status that is not 0.
     OfxStatus describe();
     /// Makes an instance of what was described and binds a second effect to it.
     Orvane::OvOfxEffect& bind();

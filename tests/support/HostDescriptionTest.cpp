@@ -89,7 +89,7 @@ std::vector<int> limits()
             hostDescription().pageColumns};
 }
 
-TEST(HostDescription, KeepsWhatTheHostSaysAndDefaultsWhereItSaysNothing)
+TEST(HostDescription, KeepsWhatTheHostReportsAndDefaultsElsewhere)
 {
     HostQuirks silent;
     silent.identity.maxParameters.reset();
@@ -120,12 +120,12 @@ TEST(HostDescription, RefusesToDescribeWhatTheHostCannotDo)
     TinyHost tiny(quirks);
     tinyBehaviour().needsTemporalAccess = true;
     EXPECT_EQ(tiny.effect().sendDescribe(), kOfxStatErrMissingHostFeature);
-    EXPECT_THAT(tiny.calls().messages(), IsEmpty());  // there is no instance to tell it through
+    EXPECT_THAT(tiny.calls().messages(), IsEmpty());  // there is no instance to post through
     tinyBehaviour().needsTemporalAccess = false;
     EXPECT_EQ(tiny.effect().sendDescribe(), kOfxStatOK);
 }
 
-TEST(Load, AnswersOKOnlyWhereNothingElseIsAccepted)
+TEST(Load, ReturnsOKOnlyWhereNothingElseIsAccepted)
 {
     HostQuirks quirks;
     quirks.loadMustAnswerOK = true;
@@ -137,7 +137,7 @@ TEST(Load, AnswersOKOnlyWhereNothingElseIsAccepted)
     EXPECT_EQ(other.effect().sendLoad(), kOfxStatReplyDefault);
 }
 
-TEST(HostState, StaysInForceForInstancesThatOutliveAnUnload)
+TEST(HostState, StaysValidForInstancesThatOutliveAnUnload)
 {
     HostQuirks quirks;
     quirks.identity.name = "a host with a name that is too long to be kept without an allocation";
@@ -148,7 +148,7 @@ TEST(HostState, StaysInForceForInstancesThatOutliveAnUnload)
     EXPECT_EQ(instance->action(kOfxActionDestroyInstance), kOfxStatOK);
 }
 
-TEST(HostState, StandsActionsOnSeveralThreads)
+TEST(HostState, SurvivesActionsOnSeveralThreads)
 {
     TinyHost tiny;
     tiny.start();

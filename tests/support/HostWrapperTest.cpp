@@ -102,16 +102,17 @@ TEST_F(HostWrapper, ReadsValuesFromTheHostAtATime)
     EXPECT_EQ(wrapper.double2DAt("position", 0.0f), (OvPoint{237.5f, 70.0f}));
 }
 
-TEST_F(HostWrapper, AsksForTimesInSinglePrecision)
+TEST_F(HostWrapper, PassesTimesInSinglePrecision)
 {
     OvOfxHostWrapper& wrapper = start();
     const float time = 0.1f;
-    instance().setAt("integer", 0.1, 1);                        // 0.1f lies just behind 0.1 ...
-    instance().setAt("integer", static_cast<double>(time), 2);  // ... and is asked for as it is
+    instance().setAt("integer", 0.1, 1);  // 0.1f lies just behind 0.1 ...
+    instance().setAt("integer", static_cast<double>(time),
+                     2);  // ... and reaches the host unchanged
     EXPECT_EQ(wrapper.intAt("integer", time), 2);
 }
 
-TEST_F(HostWrapper, AnswersZerosForAbsentNamesAndOtherTypes)
+TEST_F(HostWrapper, ReturnsZerosForAbsentNamesAndOtherTypes)
 {
     OvOfxHostWrapper& wrapper = start();
     testing::internal::CaptureStdout();
@@ -151,7 +152,7 @@ TEST_F(HostWrapper, SetsValuesInTheUnitsOfTheParameter)
     EXPECT_THAT(rig_->calls().badCalls(), IsEmpty());
 }
 
-TEST_F(HostWrapper, TakesTheStandInsOfAHostWithoutDerivatives)
+TEST_F(HostWrapper, HasFallbacksInAHostWithoutDerivatives)
 {
     for (const bool missing : {false, true}) {
         Fixtures::HostQuirks quirks;
@@ -185,7 +186,7 @@ TEST_F(HostWrapper, ReadsZerosWhereAHostRefusesAndDefaultsWhereItHasNoParameter)
     EXPECT_EQ(wrapper.intAt("choice", 0.0f), 7);
 }
 
-TEST_F(HostWrapper, AnswersForTheActionFromItsArguments)
+TEST_F(HostWrapper, ReadsTheActionFromItsArguments)
 {
     OvOfxHostWrapper& wrapper = start();
     EXPECT_EQ(wrapper.time(), 12.0);
@@ -227,7 +228,7 @@ TEST_F(HostWrapper, HasDefaultsWithoutArguments)
     OvOfxEffect descriptor;
     OvOfxHostWrapper describing(descriptor, nullptr, nullptr);
     EXPECT_EQ(describing.renderStatus().abortHandle, nullptr);
-    EXPECT_FALSE(describing.renderStatus().pollAbort());  // nobody to ask
+    EXPECT_FALSE(describing.renderStatus().pollAbort());  // no host to poll
     EXPECT_EQ(describing.pixelAspectRatio(), 1.0);
 }
 
@@ -247,7 +248,7 @@ TEST_F(HostWrapper, WritesFrameRangesOneAfterTheOther)
                 ElementsAre(0.0, 0.0, 0.0, 0.0, 5.0, 6.0));
 }
 
-TEST_F(HostWrapper, TakesTheSourcesRegionWhereTheProjectHasNoSize)
+TEST_F(HostWrapper, UsesTheSourcesRegionWhereTheProjectHasNoSize)
 {
     Fixtures::HostQuirks quirks;
     quirks.projectProperties = Fixtures::ProjectProperties::Never;

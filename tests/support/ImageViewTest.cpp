@@ -32,7 +32,7 @@ void sourceAndMatte(OvOfxEffect& effect, OvOfxContextContainer& container)
     }
 }
 
-/// An instance with a source and a matte over the same bounds; every pixel tells its place.
+/// An instance with a source and a matte over the same bounds; every pixel holds its position.
 class ImageView : public ::testing::Test {
 protected:
     void start(const Fixtures::HostQuirks& quirks, OfxRectI bounds, Depth depth = Depth::Byte)
@@ -114,7 +114,7 @@ TEST_F(ImageView, ShowsThePixelsOfEveryDepthAndTheEdgeColourAround)
     expectAllReleased();
 }
 
-TEST_F(ImageView, StandsWhateverBoundsAndRowsAHostHandsOver)
+TEST_F(ImageView, SurvivesAnyBoundsAndRowsOfAHost)
 {
     struct Case {
         const char* what;
@@ -150,7 +150,7 @@ TEST_F(ImageView, StandsWhateverBoundsAndRowsAHostHandsOver)
     }
 }
 
-TEST_F(ImageView, BelievesTheImageBeforeTheClip)
+TEST_F(ImageView, PrefersTheImageToTheClip)
 {
     start({}, kBounds);
     EXPECT_EQ(image("Matte")->kind(), PixelKind::Alpha8);
@@ -160,7 +160,7 @@ TEST_F(ImageView, BelievesTheImageBeforeTheClip)
     EXPECT_EQ(effect_->findClip("Matte")->components(), OvComponents::Alpha);
     EXPECT_EQ(image("Matte")->kind(), PixelKind::RGBA16);
     rig_->quirks().refusedReads[kOfxImageEffectPropComponents] = kOfxStatErrUnknown;
-    EXPECT_EQ(image("Matte"), nullptr);  // nobody says what it holds
+    EXPECT_EQ(image("Matte"), nullptr);  // its components are unknown
     EXPECT_EQ(rig_->calls().counters().imagesFetched, 2u);
     expectAllReleased();
 }
@@ -188,7 +188,7 @@ TEST_F(ImageView, IsFetchedOnlyInsideAFrameRangeThatCanBeRead)
     quirks.frameRange = Fixtures::FrameRangeAnswer::Missing;
     start(quirks, kBounds);
     EXPECT_EQ(image("Source", 0.0), nullptr);
-    EXPECT_EQ(rig_->calls().counters().fetchCalls, 1u);  // the host itself was asked
+    EXPECT_EQ(rig_->calls().counters().fetchCalls, 1u);  // the request reached the host
     float first = 5.0f;
     float last = 5.0f;
     EXPECT_FALSE(effect_->findClip("Source")->frameRange(first, last));
@@ -196,7 +196,7 @@ TEST_F(ImageView, IsFetchedOnlyInsideAFrameRangeThatCanBeRead)
     EXPECT_EQ(last, 0.0f);
 }
 
-TEST_F(ImageView, IsReleasedOnceWhereTheHostHandsOutOneSetForEveryFetch)
+TEST_F(ImageView, IsReleasedOnceWhereTheHostReturnsOneSetForEveryFetch)
 {
     Fixtures::HostQuirks quirks;
     quirks.oneImageSetPerClip = true;
@@ -209,7 +209,7 @@ TEST_F(ImageView, IsReleasedOnceWhereTheHostHandsOutOneSetForEveryFetch)
     expectAllReleased();
 }
 
-TEST_F(ImageView, ClipsAnswerNothingUnboundOrOutOfUse)
+TEST_F(ImageView, ClipsReturnNothingUnboundOrOutOfUse)
 {
     start({}, kBounds);
     OvOfxClip unbound("Source");

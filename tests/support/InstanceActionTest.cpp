@@ -118,7 +118,7 @@ TEST(Changes, ByAUserAreFatalOnABackgroundHost)
     EXPECT_THAT(tinyBehaviour().calls, ElementsAre("change size 2 1"));
 }
 
-TEST(Queries, AreAskedForConnectedInputsOnlyAndAnsweredInCanonicalUnits)
+TEST(Queries, RunForConnectedInputsOnlyAndReturnCanonicalUnits)
 {
     TinyHost tiny;
     const auto instance = tiny.create(kOfxImageEffectContextGeneral);
@@ -127,7 +127,7 @@ TEST(Queries, AreAskedForConnectedInputsOnlyAndAnsweredInCanonicalUnits)
     project.size = {8.0, 4.0};
     project.pixelAspectRatio = 2.0;
     instance->setProject(project);
-    tinyBehaviour().answersQueries = true;
+    tinyBehaviour().handlesQueries = true;
     tinyBehaviour().rect = {.xMin = 1.0f, .xMax = 5.0f, .yMin = 2.0f, .yMax = 4.0f};
     tinyBehaviour().isRecording = true;
 
@@ -152,7 +152,7 @@ TEST(Queries, AreAskedForConnectedInputsOnlyAndAnsweredInCanonicalUnits)
                             "getFramesNeeded Source", "isIdentity"));
 }
 
-TEST(Queries, OfTimeAndPreferencesAnswerThroughTheirFrame)
+TEST(Queries, OfTimeAndPreferencesReturnThroughTheirFrame)
 {
     TinyHost tiny;
     const auto instance = tiny.create();
@@ -197,7 +197,7 @@ TEST(DescribeInContext, ListsTheParametersThatClipPreferencesDependOn)
                 ElementsAre("height"));
 }
 
-TEST(DescribeInContext, FailsForAContextThatNobodyKnows)
+TEST(DescribeInContext, FailsForAnUnknownContext)
 {
     TinyHost tiny;
     tiny.start();

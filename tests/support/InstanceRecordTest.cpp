@@ -28,7 +28,7 @@ void withRecord(TinyHost& tiny, const std::function<void(OvOfxInstanceRecord&)>&
     look(record);
 }
 
-TEST(InstanceRecord, ReadsTheProjectOrAnswersWithDefaults)
+TEST(InstanceRecord, ReadsTheProjectOrReturnsDefaults)
 {
     TinyHost tiny;
     withRecord(tiny, [](const OvOfxInstanceRecord& record) {
@@ -50,12 +50,12 @@ TEST(InstanceRecord, ReadsTheProjectOrAnswersWithDefaults)
     });
 }
 
-TEST(InstanceRecord, GivesHandlesOnlyForWhatTheHostHas)
+TEST(InstanceRecord, ReturnsHandlesOnlyForWhatTheHostHas)
 {
-    for (const Fixtures::UnknownClip answer :
+    for (const Fixtures::UnknownClip reply :
          {Fixtures::UnknownClip::BadHandle, Fixtures::UnknownClip::NullHandleOK}) {
         Fixtures::HostQuirks quirks;
-        quirks.unknownClip = answer;
+        quirks.unknownClip = reply;
         TinyHost tiny(quirks);
         withRecord(tiny, [](const OvOfxInstanceRecord& record) {
             EXPECT_NE(record.clipHandle("Source"), nullptr);
@@ -64,10 +64,10 @@ TEST(InstanceRecord, GivesHandlesOnlyForWhatTheHostHas)
             EXPECT_EQ(record.paramHandle("Source"), nullptr);
         });
     }
-    const OvOfxInstanceRecord nobody(nullptr);
-    EXPECT_EQ(nobody.clipHandle("Source"), nullptr);
-    EXPECT_EQ(nobody.paramHandle("size"), nullptr);
-    EXPECT_EQ(nobody.projectSize(), OvPoint());
+    const OvOfxInstanceRecord none(nullptr);
+    EXPECT_EQ(none.clipHandle("Source"), nullptr);
+    EXPECT_EQ(none.paramHandle("size"), nullptr);
+    EXPECT_EQ(none.projectSize(), OvPoint());
 }
 
 TEST(InstanceRecord, TakesItsTimeFromTheNewestFrame)

@@ -12,18 +12,18 @@ namespace {
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-/// What an instance's message comes to in that host.
+/// The result of an instance's message in that host.
 int postFromInstance(TinyHost& tiny, const char* text, int kind, const char* id)
 {
     const auto instance = tiny.create();
-    int answer = -1;
+    int result = -1;
     tinyBehaviour().onHook = [&](const std::string&, const Orvane::OvOfxEffect& effect) {
-        answer = Orvane::postEffectMessage(effect.instance(), text, kind, id);
+        result = Orvane::postEffectMessage(effect.instance(), text, kind, id);
     };
     tiny.calls().reset();
     instance->syncPrivateData();
     tinyBehaviour().onHook = nullptr;
-    return answer;
+    return result;
 }
 
 TEST(Messages, ReachTheHostWithTheTypeOfTheirKind)
@@ -42,10 +42,10 @@ TEST(Messages, ReachTheHostWithTheTypeOfTheirKind)
     }
 }
 
-TEST(Messages, MapTheAnswerOfTheHost)
+TEST(Messages, MapTheStatusOfTheHost)
 {
     struct Case {
-        OfxStatus answer;
+        OfxStatus status;
         const char* hostName;
         int result;
     };
@@ -54,16 +54,16 @@ TEST(Messages, MapTheAnswerOfTheHost)
           Case{-77, "host", 3}, Case{12, "The film master 3", 3}, Case{0, "film master", 3},
           Case{12, "film-master", 1}, Case{12, "Film Master", 1}}) {
         Fixtures::HostQuirks quirks;
-        quirks.messageAnswer = each.answer;
+        quirks.messageAnswer = each.status;
         quirks.identity.name = each.hostName;
         TinyHost tiny(quirks);
         EXPECT_EQ(postFromInstance(tiny, "Well?", Orvane::kMessageQuestion, nullptr), each.result)
-            << each.hostName << ' ' << each.answer;
+            << each.hostName << ' ' << each.status;
         EXPECT_THAT(tiny.calls().messages(), SizeIs(1));
     }
 }
 
-TEST(Messages, OfUnknownKindsAndFromDescriptorsArePostedToNobody)
+TEST(Messages, OfUnknownKindsAndFromDescriptorsAreNotPosted)
 {
     TinyHost tiny;
     EXPECT_EQ(postFromInstance(tiny, "text", 7, "id"), 3);

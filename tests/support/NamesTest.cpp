@@ -6,7 +6,7 @@
 namespace Orvane {
 namespace {
 
-TEST(Names, ThatMeanNothingToUsAreNone)
+TEST(Names, ThatAreUnknownAreNone)
 {
     for (const char* name :
          {"OfxFieldBoth", "OfxFieldNone", "OfxFieldSingle", "OfxBitDepthHalf",

@@ -54,7 +54,7 @@ TEST(PageLayout, KeepsThePlaceOfAnExcludedEntry)
                 ElementsAre(kSkipRow, "C", kSkipColumn, "B", "D", kSkipColumn));
 }
 
-TEST(PageLayout, TakesALastRowThatNothingEnds)
+TEST(PageLayout, AcceptsALastRowWithoutAnEnd)
 {
     EXPECT_THAT(Rows("A end B C").layout(),
                 ElementsAre("A", "B", kSkipColumn, kSkipRow, "C", kSkipColumn));
@@ -74,7 +74,7 @@ TEST(PageRoom, CountsClosedRowsAndEntriesWithEmptyCells)
     EXPECT_TRUE(hasRoomForPages(pages, 3, 4));
     EXPECT_FALSE(hasRoomForPages(pages, 2, 4));
     EXPECT_FALSE(hasRoomForPages(pages, 3, 3));
-    EXPECT_FALSE(hasRoomForPages(pages, -1, -1));  // a host that tells no counts
+    EXPECT_FALSE(hasRoomForPages(pages, -1, -1));  // a host that reports no counts
     EXPECT_FALSE(hasRoomForPages(pages, 0, 0));
 }
 

@@ -165,7 +165,7 @@ TEST(ParamDefine, IgnoresTheStatusOfSingleProperties)
     EXPECT_EQ(rig.described().parameters().size(), 13u);
 }
 
-TEST(ParamDefine, DefinesTheParameterThatAContextAsksForFirst)
+TEST(ParamDefine, DefinesTheParameterThatAContextRequiresFirst)
 {
     FrameworkRig rig(oneOfEach, {}, OvContext::Transition);
     ASSERT_EQ(rig.describe(), kOfxStatOK);
@@ -178,7 +178,7 @@ TEST(ParamDefine, DefinesTheParameterThatAContextAsksForFirst)
     EXPECT_THAT(unknown.descriptor().parameters().all(), IsEmpty());
 }
 
-TEST(ClipDefine, StopsAtComponentsThatNobodyKnows)
+TEST(ClipDefine, StopsAtUnknownComponents)
 {
     FrameworkRig rig([](OvOfxEffect& effect, OvOfxContextContainer& container) {
         auto& clip = effect.own<OvOfxClip>("Odd");

@@ -27,7 +27,7 @@ void insideRender(TinyHost& tiny, const std::function<void(Orvane::OvOfxHostWrap
     tinyBehaviour().onRender = nullptr;
 }
 
-TEST(ImageMemory, IsAskedForWithTheRunningEffectWhereNobodyIsRefused)
+TEST(ImageMemory, IsAllocatedForTheRunningEffectWhereANullEffectIsRefused)
 {
     Fixtures::HostQuirks quirks;
     quirks.memoryRefusesNullEffect = true;
@@ -45,7 +45,7 @@ TEST(ImageMemory, IsAskedForWithTheRunningEffectWhereNobodyIsRefused)
     EXPECT_EQ(tiny.calls().counters().blocksLive, 0u);
 }
 
-TEST(ImageMemory, ThatRanDryIsNotAskedForTwice)
+TEST(ImageMemory, IsNotAllocatedAgainWhenTheHostHasNone)
 {
     TinyHost tiny;
     insideRender(tiny, [&](const Orvane::OvOfxHostWrapper&) {
@@ -55,7 +55,7 @@ TEST(ImageMemory, ThatRanDryIsNotAskedForTwice)
     });
 }
 
-TEST(Threads, RunOnBehalfOfTheEffectThatSpreadItsWork)
+TEST(Threads, RunOnBehalfOfTheEffectOfTheCallingThread)
 {
     Fixtures::HostQuirks quirks;
     quirks.memoryRefusesNullEffect = true;
@@ -64,7 +64,7 @@ TEST(Threads, RunOnBehalfOfTheEffectThatSpreadItsWork)
         Orvane::ThreadService& threads = Orvane::threadService();
         EXPECT_EQ(threads.numCPUs(), 2u);
         EXPECT_FALSE(threads.isSpawnedThread());
-        // Often enough that a thread of the host takes its part even where the calling one is fast.
+        // Often enough that a thread of the host runs its share even where the calling one is fast.
         constexpr int kRuns = 500;
         std::array<std::atomic<int>, 2> served{};
         for (int run = 0; run < kRuns; ++run) {
@@ -118,7 +118,7 @@ public:
     }
 
     bool wants = true;
-    std::vector<int> numbers;  ///< of the map told last
+    std::vector<int> numbers;  ///< of the last map
     std::vector<std::vector<int>> points;
     std::vector<std::string> lines;
     std::vector<std::vector<int>> blocks;
@@ -130,7 +130,7 @@ private:
     }
 };
 
-TEST(Observer, TellsAHostThatListensAndIsNoneOtherwise)
+TEST(Observer, NotifiesAHostThatListensAndIsNullOtherwise)
 {
     TinyHost tiny;
     Diary diary;
@@ -146,7 +146,7 @@ TEST(Observer, TellsAHostThatListensAndIsNoneOtherwise)
     EXPECT_THAT(diary.lines, ElementsAre("began quilt", "note 100% done", "ended quilt"));
     EXPECT_THAT(diary.blocks, ElementsAre(ElementsAre(1, 2, 3, 4, 5, 6, 7)));
 
-    // Where a map lies and how its rows are stored arrives as it is.
+    // A map's bounds and row layout arrive unchanged.
     insideRender(tiny, [&](const Orvane::OvOfxHostWrapper& wrapper) {
         std::vector<float> topDown{4, 5, 6, 1, 2, 3};
         Orvane::Engine::Map<float> map;
@@ -174,8 +174,8 @@ TEST(Observer, MembersOfItsSuiteMayBeNull)
 {
     const TinyHost tiny;
     OfxHost host{nullptr, [](OfxPropertySetHandle, const char*, int) -> const void* {
-                     static const TesseretObserverSuiteV1 kNothing{};
-                     return &kNothing;
+                     static const TesseretObserverSuiteV1 kEmpty{};
+                     return &kEmpty;
                  }};
     int set = 0;
     host.host = reinterpret_cast<OfxPropertySetHandle>(&set);

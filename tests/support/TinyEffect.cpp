@@ -12,7 +12,7 @@ using namespace Orvane;
 
 TinyBehaviour behaviour;
 
-void tell(const std::string& hook, OvOfxEffect& effect)
+void report(const std::string& hook, OvOfxEffect& effect)
 {
     if (behaviour.isRecording) behaviour.calls.push_back(hook);
     if (behaviour.onHook) behaviour.onHook(hook, effect);
@@ -25,32 +25,32 @@ public:
     bool getRegionOfDefinition(OvRect& rect) override
     {
         rect = behaviour.rect;
-        return answer("getRegionOfDefinition");
+        return handle("getRegionOfDefinition");
     }
     bool getRegionOfInterest(const char* clip, const OvRect& output, OvRect& rect) override
     {
-        // What was asked for comes back one pixel wider, so that it shows in the answer.
+        // One pixel wider than requested, so that tests see the difference.
         rect = output;
         rect.xMax += 1.0f;
-        return answer("getRegionOfInterest " + std::string(clip));
+        return handle("getRegionOfInterest " + std::string(clip));
     }
     bool getFramesNeeded(const char* clip) override
     {
-        return answer("getFramesNeeded " + std::string(clip));
+        return handle("getFramesNeeded " + std::string(clip));
     }
     bool isIdentity(std::string& clip, double& time) override
     {
         clip = "Source";
         time += 1.0;
-        return answer("isIdentity");
+        return handle("isIdentity");
     }
-    void purgeCaches() override { answer("purgeCaches"); }
+    void purgeCaches() override { handle("purgeCaches"); }
 
 private:
-    bool answer(const std::string& query)
+    bool handle(const std::string& query)
     {
-        tell(query, wrapper().effect());
-        return behaviour.answersQueries;
+        report(query, wrapper().effect());
+        return behaviour.handlesQueries;
     }
 };
 
@@ -74,9 +74,9 @@ public:
             auto& param = own<OvOfxIntegerParam>(name);
             param.clipPreferencesSlave = behaviour.preferencesSlave == name;
             param.onChange = [this, name](const OvOfxChangeRecord& change) {
-                tell(std::string("change ") + name + " " +
-                     std::to_string(static_cast<int>(change.reason)) + " " +
-                     std::to_string(static_cast<int>(change.time)));
+                report(std::string("change ") + name + " " +
+                       std::to_string(static_cast<int>(change.reason)) + " " +
+                       std::to_string(static_cast<int>(change.time)));
             };
             for (const OvContext each : {OvContext::Filter, OvContext::General}) {
                 container(each)->params.push_back(&param);
@@ -92,31 +92,31 @@ public:
     {
         return std::make_unique<TinyInterface>(wrapper);
     }
-    void instanceCreated() override { tell("instanceCreated"); }
-    void instanceDestroyed() override { tell("instanceDestroyed"); }
-    void getTimeDomain() override { tell("getTimeDomain"); }
+    void instanceCreated() override { report("instanceCreated"); }
+    void instanceDestroyed() override { report("instanceDestroyed"); }
+    void getTimeDomain() override { report("getTimeDomain"); }
     bool syncPrivateData() override
     {
-        tell("syncPrivateData");
-        return behaviour.answersQueries;
+        report("syncPrivateData");
+        return behaviour.handlesQueries;
     }
     void beginInstanceChanged(const OvOfxChangeRecord& change) override
     {
-        tell("beginInstanceChanged " + std::to_string(static_cast<int>(change.reason)));
+        report("beginInstanceChanged " + std::to_string(static_cast<int>(change.reason)));
     }
     void endInstanceChanged(const OvOfxChangeRecord& change) override
     {
-        tell("endInstanceChanged " + std::to_string(static_cast<int>(change.reason)));
+        report("endInstanceChanged " + std::to_string(static_cast<int>(change.reason)));
     }
-    void getClipPreferences() override { tell("getClipPreferences"); }
-    void describe() override { tell("describe"); }
+    void getClipPreferences() override { report("getClipPreferences"); }
+    void describe() override { report("describe"); }
     void render(OvOfxHostWrapper& wrapper, OvComponents, OvDepth) override
     {
         if (behaviour.onRender) behaviour.onRender(wrapper);
     }
 
 private:
-    void tell(const std::string& hook) { Fixtures::tell(hook, *this); }
+    void report(const std::string& hook) { Fixtures::report(hook, *this); }
 
     std::atomic<int>* destroyed_ = behaviour.destroyed;
 };

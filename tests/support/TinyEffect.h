@@ -1,7 +1,7 @@
 #pragma once
 
 /// The effect that the tests of this folder link with the host interface layer: two clips, two
-/// integers, and hooks that do what a test tells them.
+/// integers, and hooks that a test controls.
 
 #include <atomic>
 #include <functional>
@@ -21,11 +21,11 @@ namespace Tesseret::Fixtures {
 /// What tiny effects do. Set while no action runs.
 struct TinyBehaviour {
     bool isRecording = false;
-    std::vector<std::string> calls;  ///< while recording: what `onHook` is told
-    /// Called by every hook, query and change with its name and what it was told; may throw.
+    std::vector<std::string> calls;  ///< while recording: what `onHook` received
+    /// Called by every hook, query and change with its name and arguments; may throw.
     std::function<void(const std::string& hook, Orvane::OvOfxEffect& effect)> onHook;
     std::function<void(Orvane::OvOfxHostWrapper& wrapper)> onRender;
-    bool answersQueries = false;
+    bool handlesQueries = false;
     Orvane::OvRect rect;  ///< the region of definition, pixels of the action
     bool needsTemporalAccess = false;
     bool sequentialRender = true;
