@@ -1,0 +1,15 @@
+/// The kernels for processors with AVX2; compiled with flags of its own.
+
+namespace Orvane::Engine::Kernels {
+namespace {
+constexpr int kLanes = 8;
+}
+}  // namespace Orvane::Engine::Kernels
+
+#include "engine/kernels/Lanes.h"
+
+namespace Orvane::Engine::Kernels {
+
+constinit const KernelTable kAvx2Table = tableNamed("avx2");
+
+}  // namespace Orvane::Engine::Kernels

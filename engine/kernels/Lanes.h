@@ -1,0 +1,643 @@
+/// The kernels on several pixels at once, in the vector types of GCC and Clang. Each file of an
+/// instruction set says how many (`kLanes`, 4 or 8), includes this once and is compiled with flags
+/// of its own, so nothing here may leave that file: everything is in the unnamed namespace, and no
+/// function or template of another header is called. (The linker keeps one copy of what several
+/// files share; it could be the one that this processor cannot run.)
+///
+/// Where a result must be the plain one's to the last bit, every lane goes through the same
+/// operations in the same order; lanes never meet but where the plain form adds them up too.
+
+#include "engine/kernels/Tables.h"
+
+namespace Orvane::Engine::Kernels {
+namespace {
+
+#define TESSERET_LANES inline __attribute__((always_inline))
+
+static_assert(kRoughLanes % kLanes == 0);
+
+using Ints = int __attribute__((vector_size(4 * kLanes)));
+using Floats = float __attribute__((vector_size(4 * kLanes)));
+using HalfFloats = float __attribute__((vector_size(2 * kLanes)));
+using Doubles = double __attribute__((vector_size(4 * kLanes)));  ///< half as many
+using Words = unsigned short __attribute__((vector_size(2 * kLanes)));
+
+template <typename Vector>
+TESSERET_LANES Vector load(const void* from)
+{
+    Vector vector;
+    __builtin_memcpy(&vector, from, sizeof(Vector));
+    return vector;
+}
+
+template <typename Vector>
+TESSERET_LANES void store(void* to, Vector vector)
+{
+    __builtin_memcpy(to, &vector, sizeof(Vector));
+}
+
+TESSERET_LANES Floats floats(Ints v)
+{
+    return __builtin_convertvector(v, Floats);
+}
+
+/// Toward zero.
+TESSERET_LANES Ints ints(Floats v)
+{
+    return __builtin_convertvector(v, Ints);
+}
+
+TESSERET_LANES Floats all(float value)
+{
+    return Floats{} + value;
+}
+
+// Shuffles of two vectors: every second entry, and entries in turn.
+
+template <typename Vector>
+TESSERET_LANES Vector evens(Vector a, Vector b)
+{
+    if constexpr (kLanes == 8) {
+        return __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14);
+    } else {
+        return __builtin_shufflevector(a, b, 0, 2, 4, 6);
+    }
+}
+
+template <typename Vector>
+TESSERET_LANES Vector odds(Vector a, Vector b)
+{
+    if constexpr (kLanes == 8) {
+        return __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15);
+    } else {
+        return __builtin_shufflevector(a, b, 1, 3, 5, 7);
+    }
+}
+
+template <typename Vector>
+TESSERET_LANES Vector zipLow(Vector a, Vector b)
+{
+    if constexpr (kLanes == 8) {
+        return __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11);
+    } else {
+        return __builtin_shufflevector(a, b, 0, 4, 1, 5);
+    }
+}
+
+template <typename Vector>
+TESSERET_LANES Vector zipHigh(Vector a, Vector b)
+{
+    if constexpr (kLanes == 8) {
+        return __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15);
+    } else {
+        return __builtin_shufflevector(a, b, 2, 6, 3, 7);
+    }
+}
+
+template <typename Vector>
+TESSERET_LANES auto lowHalf(Vector v)
+{
+    if constexpr (sizeof(Vector) == 32) {
+        return __builtin_shufflevector(v, v, 0, 1, 2, 3);
+    } else {
+        return __builtin_shufflevector(v, v, 0, 1);
+    }
+}
+
+template <typename Vector>
+TESSERET_LANES auto highHalf(Vector v)
+{
+    if constexpr (sizeof(Vector) == 32) {
+        return __builtin_shufflevector(v, v, 4, 5, 6, 7);
+    } else {
+        return __builtin_shufflevector(v, v, 2, 3);
+    }
+}
+
+template <typename Vector>
+TESSERET_LANES auto joined(Vector low, Vector high)
+{
+    if constexpr (sizeof(Vector) == 16) {
+        return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
+    } else {
+        return __builtin_shufflevector(low, high, 0, 1, 2, 3);
+    }
+}
+
+/// Lane by lane `mask ? yes : no`; a mask's lanes are all ones or all zeros.
+TESSERET_LANES Floats choose(Ints mask, Floats yes, Floats no)
+{
+    return reinterpret_cast<Floats>((mask & reinterpret_cast<Ints>(yes)) |
+                                    (~mask & reinterpret_cast<Ints>(no)));
+}
+
+/// The colours of kLanes pixels.
+struct Planes {
+    Floats r, g, b;
+};
+
+/// kLanes pixels of a kind: how they lie in registers, and how their colours come out and go in.
+template <typename Pixel>
+struct Lanes;
+
+template <>
+struct Lanes<PixelRGBA8> {
+    static constexpr float kMax = 255.0f;
+    static constexpr float kInverseMax = 0.003921569f;
+
+    Ints pixels;
+
+    TESSERET_LANES static Lanes read(const PixelRGBA8* from) { return {load<Ints>(from)}; }
+    TESSERET_LANES void write(PixelRGBA8* to) const { store(to, pixels); }
+
+    TESSERET_LANES Ints red() const { return pixels & 0xff; }
+    TESSERET_LANES Ints green() const { return (pixels >> 8) & 0xff; }
+    TESSERET_LANES Ints blue() const { return (pixels >> 16) & 0xff; }
+    TESSERET_LANES Planes colours() const
+    {
+        return {floats(red()), floats(green()), floats(blue())};
+    }
+
+    /// Colours of 0 to M, toward zero; alpha is that of `alpha`.
+    TESSERET_LANES static Lanes from(const Planes& c, const Lanes& alpha)
+    {
+        return {ints(c.r) | (ints(c.g) << 8) | (ints(c.b) << 16) |
+                (alpha.pixels & static_cast<int>(0xff000000u))};
+    }
+
+    /// (a - b) / M for each channel, as `PixelTraits::difference` has it.
+    TESSERET_LANES static Planes differences(const PixelRGBA8* a, const PixelRGBA8* b)
+    {
+        const Planes d = plainDifferences(a, b);
+        return {d.r / kMax, d.g / kMax, d.b / kMax};
+    }
+    TESSERET_LANES static Planes plainDifferences(const PixelRGBA8* a, const PixelRGBA8* b)
+    {
+        const Lanes from = read(a), to = read(b);
+        return {floats(from.red() - to.red()), floats(from.green() - to.green()),
+                floats(from.blue() - to.blue())};
+    }
+    TESSERET_LANES Floats mean() const
+    {
+        const Ints sum = red() + green() + blue();
+        return floats((sum * 43691) >> 17);  // a third of anything up to 765, exactly
+    }
+};
+
+template <>
+struct Lanes<PixelRGBA16> {
+    static constexpr float kMax = 65535.0f;
+    static constexpr float kInverseMax = 1.5259022e-05f;
+
+    Ints redGreen, blueAlpha;
+
+    TESSERET_LANES static Lanes read(const PixelRGBA16* from)
+    {
+        const auto low = load<Ints>(from);
+        const auto high = load<Ints>(from + kLanes / 2);
+        return {evens(low, high), odds(low, high)};
+    }
+    TESSERET_LANES void write(PixelRGBA16* to) const
+    {
+        store(to, zipLow(redGreen, blueAlpha));
+        store(to + kLanes / 2, zipHigh(redGreen, blueAlpha));
+    }
+
+    TESSERET_LANES Ints red() const { return redGreen & 0xffff; }
+    TESSERET_LANES Ints green() const { return (redGreen >> 16) & 0xffff; }
+    TESSERET_LANES Ints blue() const { return blueAlpha & 0xffff; }
+    TESSERET_LANES Planes colours() const
+    {
+        return {floats(red()), floats(green()), floats(blue())};
+    }
+
+    TESSERET_LANES static Lanes from(const Planes& c, const Lanes& alpha)
+    {
+        return {ints(c.r) | (ints(c.g) << 16),
+                ints(c.b) | (alpha.blueAlpha & static_cast<int>(0xffff0000u))};
+    }
+
+    TESSERET_LANES static Planes differences(const PixelRGBA16* a, const PixelRGBA16* b)
+    {
+        const Lanes from = read(a), to = read(b);
+        return {floats(from.red() - to.red()) * kInverseMax,
+                floats(from.green() - to.green()) * kInverseMax,
+                floats(from.blue() - to.blue()) * kInverseMax};
+    }
+    TESSERET_LANES Floats mean() const
+    {
+        // A sum up to 196605: its float quotient lies nowhere near enough to the next integer to be
+        // rounded to it.
+        return floats(ints(floats(red() + green() + blue()) / 3.0f));
+    }
+};
+
+template <>
+struct Lanes<PixelRGBAf> {
+    static constexpr float kMax = 1.0f;
+    static constexpr float kInverseMax = 1.0f;
+    static constexpr int kQuarter = kLanes / 4;  ///< pixels in one vector as they lie in memory
+
+    Floats r, g, b, a;
+
+    TESSERET_LANES static Lanes read(const PixelRGBAf* from)
+    {
+        return split(load<Floats>(from), load<Floats>(from + kQuarter),
+                     load<Floats>(from + 2 * kQuarter), load<Floats>(from + 3 * kQuarter));
+    }
+    /// Channels in turn, as they lie in memory, become planes.
+    TESSERET_LANES static Lanes split(Floats v0, Floats v1, Floats v2, Floats v3)
+    {
+        const Floats rb0 = evens(v0, v1), rb1 = evens(v2, v3);
+        const Floats ga0 = odds(v0, v1), ga1 = odds(v2, v3);
+        return {evens(rb0, rb1), evens(ga0, ga1), odds(rb0, rb1), odds(ga0, ga1)};
+    }
+    TESSERET_LANES void write(PixelRGBAf* to) const
+    {
+        const Floats rb0 = zipLow(r, b), rb1 = zipHigh(r, b);
+        const Floats ga0 = zipLow(g, a), ga1 = zipHigh(g, a);
+        store(to, zipLow(rb0, ga0));
+        store(to + kQuarter, zipHigh(rb0, ga0));
+        store(to + 2 * kQuarter, zipLow(rb1, ga1));
+        store(to + 3 * kQuarter, zipHigh(rb1, ga1));
+    }
+
+    TESSERET_LANES Planes colours() const { return {r, g, b}; }
+    TESSERET_LANES static Lanes from(const Planes& c, const Lanes& alpha)
+    {
+        return {c.r, c.g, c.b, alpha.a};
+    }
+    TESSERET_LANES static Planes differences(const PixelRGBAf* a, const PixelRGBAf* b)
+    {
+        const auto d = [a, b](int quarter) {
+            return load<Floats>(a + quarter * kQuarter) - load<Floats>(b + quarter * kQuarter);
+        };
+        const Lanes planes = split(d(0), d(1), d(2), d(3));
+        return {planes.r, planes.g, planes.b};
+    }
+    TESSERET_LANES Floats mean() const { return (r + g + b) / 3.0f; }
+};
+
+/// A few pixels at the end of a row, followed by zeros; nothing behind the row is touched.
+template <typename Pixel>
+struct Tail {
+    Pixel pixels[kRoughLanes];
+
+    TESSERET_LANES Tail(const Pixel* from, int count)
+    {
+        __builtin_memset(pixels, 0, sizeof(pixels));
+        __builtin_memcpy(pixels, from, static_cast<__SIZE_TYPE__>(count) * sizeof(Pixel));
+    }
+};
+
+TESSERET_LANES Doubles eighthPower(HalfFloats d)
+{
+    // exact: the square of a float is exact in double, the other two round once each.
+    const Doubles wide = __builtin_convertvector(d, Doubles);
+    const Doubles second = wide * wide;
+    const Doubles fourth = second * second;
+    return fourth * fourth;
+}
+
+TESSERET_LANES HalfFloats errorsOf(HalfFloats r, HalfFloats g, HalfFloats b)
+{
+    // exact: in double, in the order B, G, R, then rounded to floats.
+    Doubles sum = eighthPower(b);
+    sum += eighthPower(g);
+    sum += eighthPower(r);
+    return __builtin_convertvector(sum, HalfFloats);
+}
+
+template <typename Pixel>
+TESSERET_LANES Floats errorsOfLanes(const Pixel* a, const Pixel* b)
+{
+    const Planes d = Lanes<Pixel>::differences(a, b);
+    return joined(errorsOf(lowHalf(d.r), lowHalf(d.g), lowHalf(d.b)),
+                  errorsOf(highHalf(d.r), highHalf(d.g), highHalf(d.b)));
+}
+
+template <typename Pixel>
+void errorMap(Rows<Pixel> a, Rows<Pixel> b, int width, int height, float* map,
+              std::ptrdiff_t mapStride)
+{
+    const auto* aBytes = reinterpret_cast<const unsigned char*>(a.first);
+    const auto* bBytes = reinterpret_cast<const unsigned char*>(b.first);
+    for (int y = 0; y < height; ++y, aBytes += a.stride, bBytes += b.stride, map += mapStride) {
+        const auto* aRow = reinterpret_cast<const Pixel*>(aBytes);
+        const auto* bRow = reinterpret_cast<const Pixel*>(bBytes);
+        if (width < kLanes) {
+            const Tail<Pixel> aTail(aRow, width), bTail(bRow, width);
+            const Floats errors = errorsOfLanes(aTail.pixels, bTail.pixels);
+            __builtin_memcpy(map, &errors, static_cast<__SIZE_TYPE__>(width) * sizeof(float));
+            continue;
+        }
+        int x = 0;
+        for (; x + kLanes <= width; x += kLanes) {
+            store(map + x, errorsOfLanes(aRow + x, bRow + x));
+        }
+        // The last ones once more, with those before them.
+        if (x < width) {
+            x = width - kLanes;
+            store(map + x, errorsOfLanes(aRow + x, bRow + x));
+        }
+    }
+}
+
+TESSERET_LANES Floats roughPower(Floats d)
+{
+    const Floats second = d * d;
+    const Floats fourth = second * second;
+    return fourth * fourth;
+}
+
+constexpr int kRoughParts = kRoughLanes / kLanes;
+
+/// Ones in the lanes that count of the last kRoughLanes pixels of a row, by how many those are.
+struct LastLanes {
+    int lanes[2 * kRoughLanes] = {0, 0, 0, 0, 0, 0, 0, 0, -1, -1, -1, -1, -1, -1, -1, -1};
+
+    TESSERET_LANES Ints mask(int count, int part) const
+    {
+        return load<Ints>(lanes + count + part * kLanes);
+    }
+};
+constexpr LastLanes kLastLanes;
+
+TESSERET_LANES Floats keep(Ints mask, Floats v)
+{
+    return reinterpret_cast<Floats>(mask & reinterpret_cast<Ints>(v));
+}
+
+/// The sums of a rough error, colour by colour.
+template <typename Pixel>
+struct RoughSums {
+    Floats r[kRoughParts] = {}, g[kRoughParts] = {}, b[kRoughParts] = {};
+
+    TESSERET_LANES void add(const Pixel* from, const Pixel* to)
+    {
+        for (int part = 0; part < kRoughParts; ++part) {
+            const Planes d =
+                Lanes<Pixel>::plainDifferences(from + part * kLanes, to + part * kLanes);
+            r[part] += roughPower(d.r);
+            g[part] += roughPower(d.g);
+            b[part] += roughPower(d.b);
+        }
+    }
+    /// Adds the last `count` of kRoughLanes pixels.
+    TESSERET_LANES void addLast(const Pixel* from, const Pixel* to, int count)
+    {
+        for (int part = 0; part < kRoughParts; ++part) {
+            const Planes d =
+                Lanes<Pixel>::plainDifferences(from + part * kLanes, to + part * kLanes);
+            const Ints mask = kLastLanes.mask(count, part);
+            r[part] += roughPower(keep(mask, d.r));
+            g[part] += roughPower(keep(mask, d.g));
+            b[part] += roughPower(keep(mask, d.b));
+        }
+    }
+    TESSERET_LANES float total() const
+    {
+        float lanes[kRoughLanes];
+        for (int part = 0; part < kRoughParts; ++part) {
+            store(lanes + part * kLanes, r[part] + g[part] + b[part]);
+        }
+        return roughTotal(lanes);
+    }
+    TESSERET_LANES static float roughTotal(const float* l)
+    {
+        return (((l[0] + l[4]) + (l[2] + l[6])) + ((l[1] + l[5]) + (l[3] + l[7]))) *
+               RoughScale<Pixel>::kAfter;
+    }
+};
+
+/// The same for kinds whose channels are as wide as a lane, or become so while they are read: all
+/// four channels as they lie in memory, so that nothing has to be shuffled. Alpha's sums are
+/// ignored.
+template <typename Pixel>
+struct WideRoughSums {
+    static constexpr int kVectors = 4 * kRoughLanes / kLanes;
+    static constexpr int kPixels = kLanes / 4;  ///< in one vector
+
+    Floats sums[kVectors] = {};
+
+    TESSERET_LANES void add(const Pixel* from, const Pixel* to)
+    {
+        for (int v = 0; v < kVectors; ++v) {
+            sums[v] += roughPower(difference(from + v * kPixels, to + v * kPixels));
+        }
+    }
+    TESSERET_LANES void addLast(const Pixel* from, const Pixel* to, int count)
+    {
+        for (int v = 0; v < kVectors; ++v) {
+            const int* lane = kLastLanes.lanes + count + v * kPixels;
+            Ints mask;
+            for (int i = 0; i < kLanes; ++i) mask[i] = lane[i / 4];
+            sums[v] += roughPower(keep(mask, difference(from + v * kPixels, to + v * kPixels)));
+        }
+    }
+    TESSERET_LANES float total() const
+    {
+        float channels[4 * kRoughLanes];
+        for (int v = 0; v < kVectors; ++v) store(channels + v * kLanes, sums[v]);
+        float lanes[kRoughLanes];
+        for (int i = 0; i < kRoughLanes; ++i) {
+            lanes[i] = channels[4 * i] + channels[4 * i + 1] + channels[4 * i + 2];
+        }
+        return RoughSums<Pixel>::roughTotal(lanes);
+    }
+
+    TESSERET_LANES static Floats difference(const PixelRGBA16* from, const PixelRGBA16* to)
+    {
+        const Ints a = __builtin_convertvector(load<Words>(from), Ints);
+        const Ints b = __builtin_convertvector(load<Words>(to), Ints);
+        return floats(a - b) * RoughScale<PixelRGBA16>::kBefore;
+    }
+    TESSERET_LANES static Floats difference(const PixelRGBAf* from, const PixelRGBAf* to)
+    {
+        return load<Floats>(from) - load<Floats>(to);
+    }
+};
+
+template <typename Pixel>
+struct RoughSumsOf {
+    using Type = WideRoughSums<Pixel>;
+};
+template <>
+struct RoughSumsOf<PixelRGBA8> {
+    using Type = RoughSums<PixelRGBA8>;
+};
+
+template <typename Pixel>
+float roughError(Rows<Pixel> a, Rows<Pixel> b, int width, int height, float limit)
+{
+    typename RoughSumsOf<Pixel>::Type sums;
+    int seen = 0;
+    const int rest = width % kRoughLanes;
+    const int body = width - rest;
+    const auto* aBytes = reinterpret_cast<const unsigned char*>(a.first);
+    const auto* bBytes = reinterpret_cast<const unsigned char*>(b.first);
+    for (int y = 0; y < height; ++y, aBytes += a.stride, bBytes += b.stride) {
+        const auto* aRow = reinterpret_cast<const Pixel*>(aBytes);
+        const auto* bRow = reinterpret_cast<const Pixel*>(bBytes);
+        for (int x = 0; x < body; x += kRoughLanes) sums.add(aRow + x, bRow + x);
+        if (body == 0) {
+            const Tail<Pixel> aTail(aRow, rest), bTail(bRow, rest);
+            sums.add(aTail.pixels, bTail.pixels);  // equal zeros behind the row add zeros
+        } else if (rest != 0) {
+            sums.addLast(aRow + width - kRoughLanes, bRow + width - kRoughLanes, rest);
+        }
+        seen += width;
+        if (seen < kRoughStretch) continue;
+        seen = 0;
+        if (sums.total() > limit) break;
+    }
+    return sums.total();
+}
+
+/// `v` clamped to [0, limit]; NaN becomes 0.
+TESSERET_LANES Floats clamped(Floats v, float limit)
+{
+    const Floats most = all(limit);
+    const Floats upper = choose(most < v, most, v);
+    return choose(v > 0.0f, upper, Floats{});
+}
+
+/// The part t of the way from one plane to another.
+TESSERET_LANES Floats mixed(Floats from, Floats to, Floats t)
+{
+    return from + (to - from) * t;  // exact: float, in this order
+}
+
+/// As its kind would store it and read it again.
+template <typename Pixel>
+TESSERET_LANES Floats stored(Floats v)
+{
+    return floats(ints(v));
+}
+
+template <>
+TESSERET_LANES Floats stored<PixelRGBAf>(Floats v)
+{
+    return v;
+}
+
+template <typename Pixel>
+TESSERET_LANES Floats gained(Floats channel, Floats gain)
+{
+    return stored<Pixel>(clamped(channel * gain, Lanes<Pixel>::kMax));
+}
+
+template <typename Pixel>
+TESSERET_LANES void compositeLanes(Pixel* out, const Pixel* source, const float* mask,
+                                   const float* gain)
+{
+    const auto texture = Lanes<Pixel>::read(out);
+    const Planes behind = Lanes<Pixel>::read(source).colours();
+    Planes front = texture.colours();
+    if (gain != nullptr) {
+        const auto g = load<Floats>(gain);
+        front = {gained<Pixel>(front.r, g), gained<Pixel>(front.g, g), gained<Pixel>(front.b, g)};
+    }
+    const Floats share = clamped(load<Floats>(mask) * Lanes<Pixel>::kInverseMax, 1.0f);
+    const Ints none = share == 0.0f;
+    const Planes result = {choose(none, behind.r, mixed(behind.r, front.r, share)),
+                           choose(none, behind.g, mixed(behind.g, front.g, share)),
+                           choose(none, behind.b, mixed(behind.b, front.b, share))};
+    Lanes<Pixel>::from(result, texture).write(out);
+}
+
+template <typename Pixel>
+void composite(Pixel* out, const Pixel* source, const float* mask, const float* gain, int count)
+{
+    int i = 0;
+    for (; i + kLanes <= count; i += kLanes) {
+        compositeLanes(out + i, source + i, mask + i, gain != nullptr ? gain + i : nullptr);
+    }
+    const int rest = count - i;
+    if (rest == 0) return;
+    Tail<Pixel> last(out + i, rest);
+    const Tail<Pixel> lastSource(source + i, rest);
+    const Tail<float> lastMask(mask + i, rest);
+    if (gain != nullptr) {
+        const Tail<float> lastGain(gain + i, rest);
+        compositeLanes(last.pixels, lastSource.pixels, lastMask.pixels, lastGain.pixels);
+    } else {
+        compositeLanes<Pixel>(last.pixels, lastSource.pixels, lastMask.pixels, nullptr);
+    }
+    __builtin_memcpy(out + i, last.pixels, static_cast<__SIZE_TYPE__>(rest) * sizeof(Pixel));
+}
+
+template <typename Pixel>
+TESSERET_LANES void blendLanes(Pixel* to, const Pixel* from, const float* shares)
+{
+    const auto before = Lanes<Pixel>::read(to);
+    const Planes a = before.colours();
+    const Planes b = Lanes<Pixel>::read(from).colours();
+    const auto t = load<Floats>(shares);
+    const Planes result = {mixed(a.r, b.r, t), mixed(a.g, b.g, t), mixed(a.b, b.b, t)};
+    Lanes<Pixel>::from(result, before).write(to);
+}
+
+template <typename Pixel>
+void blend(Pixel* to, const Pixel* from, const float* shares, int count)
+{
+    int i = 0;
+    for (; i + kLanes <= count; i += kLanes) blendLanes(to + i, from + i, shares + i);
+    const int rest = count - i;
+    if (rest == 0) return;
+    Tail<Pixel> last(to + i, rest);
+    const Tail<Pixel> lastFrom(from + i, rest);
+    const Tail<float> lastShares(shares + i, rest);
+    blendLanes(last.pixels, lastFrom.pixels, lastShares.pixels);
+    __builtin_memcpy(to + i, last.pixels, static_cast<__SIZE_TYPE__>(rest) * sizeof(Pixel));
+}
+
+template <typename Pixel>
+void luma(const Pixel* pixels, float* means, int count)
+{
+    int i = 0;
+    for (; i + kLanes <= count; i += kLanes)
+        store(means + i, Lanes<Pixel>::read(pixels + i).mean());
+    const int rest = count - i;
+    if (rest == 0) return;
+    const Tail<Pixel> last(pixels + i, rest);
+    const Floats lastMeans = Lanes<Pixel>::read(last.pixels).mean();
+    __builtin_memcpy(means + i, &lastMeans, static_cast<__SIZE_TYPE__>(rest) * sizeof(float));
+}
+
+TESSERET_LANES Floats leastOf(const float* before, int step)
+{
+    auto least = load<Floats>(before - step);
+    for (int from = 1 - step; from <= step; ++from) {
+        // In this order of operands: a NaN is kept where it came first and passed over elsewhere.
+        const auto next = load<Floats>(before + from);
+        least = choose(next < least, next, least);
+    }
+    return least;
+}
+
+/// Whole vectors, into the padding where the line ends within one.
+void seamLine(const float* error, const float* before, float* cost, int count, int step)
+{
+    for (int s = 0; s < count; s += kLanes) {
+        store(cost + s, load<Floats>(error + s) + leastOf(before + s, step));
+    }
+}
+
+template <typename Pixel>
+constexpr PixelKernels<Pixel> kPixelKernels = {errorMap<Pixel>, roughError<Pixel>, composite<Pixel>,
+                                               blend<Pixel>, luma<Pixel>};
+
+constexpr KernelTable tableNamed(const char* name)
+{
+    return {name,
+            kPixelKernels<PixelRGBA8>,
+            kPixelKernels<PixelRGBA16>,
+            kPixelKernels<PixelRGBAf>,
+            {seamLine}};
+}
+
+#undef TESSERET_LANES
+
+}  // namespace
+}  // namespace Orvane::Engine::Kernels

@@ -1,0 +1,178 @@
+/// The kernels as one would write them down: a pixel after the other, no instruction set in mind.
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "engine/kernels/Tables.h"
+#include "engine/map/PixelMix.h"
+#include "engine/map/PixelTraits.h"
+
+namespace Orvane::Engine::Kernels {
+namespace {
+
+/// d to the eighth.
+double eighthPower(float d)
+{
+    // exact: the square of a float is exact in double; the fourth and the eighth power round once
+    // each, on every machine alike, which a library's pow does not promise.
+    const double second = static_cast<double>(d) * static_cast<double>(d);
+    const double fourth = second * second;
+    return fourth * fourth;
+}
+
+template <typename Pixel>
+float pixelError(const Pixel& a, const Pixel& b)
+{
+    // exact: the terms are added in double in the order B, G, R, and the sum is rounded to a float.
+    using Traits = PixelTraits<Pixel>;
+    double sum = eighthPower(Traits::difference(a.b, b.b));
+    sum += eighthPower(Traits::difference(a.g, b.g));
+    sum += eighthPower(Traits::difference(a.r, b.r));
+    return static_cast<float>(sum);
+}
+
+template <typename Pixel>
+void errorMap(Rows<Pixel> a, Rows<Pixel> b, int width, int height, float* map,
+              std::ptrdiff_t mapStride)
+{
+    for (int y = 0; y < height; ++y) {
+        const Pixel* aRow = a.at(y);
+        const Pixel* bRow = b.at(y);
+        for (int x = 0; x < width; ++x) map[y * mapStride + x] = pixelError(aRow[x], bRow[x]);
+    }
+}
+
+/// The sums of a rough error.
+struct RoughSums {
+    std::array<float, kRoughLanes> r{}, g{}, b{};
+
+    float total(float scale) const
+    {
+        std::array<float, kRoughLanes> sums;
+        for (std::size_t i = 0; i < sums.size(); ++i) sums[i] = r[i] + g[i] + b[i];
+        for (std::size_t half = kRoughLanes / 2; half > 0; half /= 2) {
+            for (std::size_t i = 0; i < half; ++i) sums[i] += sums[i + half];
+        }
+        return sums[0] * scale;
+    }
+};
+
+float roughPower(float d)
+{
+    const float second = d * d;
+    const float fourth = second * second;
+    return fourth * fourth;
+}
+
+template <typename Channel>
+float plainDifference(Channel a, Channel b)
+{
+    return static_cast<float>(a) - static_cast<float>(b);
+}
+
+template <typename Pixel>
+float roughError(Rows<Pixel> a, Rows<Pixel> b, int width, int height, float limit)
+{
+    using Scale = RoughScale<Pixel>;
+    RoughSums sums;
+    int seen = 0;
+    const int last = std::max(width - kRoughLanes, 0);
+    for (int y = 0; y < height; ++y) {
+        const Pixel* aRow = a.at(y);
+        const Pixel* bRow = b.at(y);
+        for (int x = 0; x < width; ++x) {
+            const bool inBody = x < width - width % kRoughLanes;
+            const auto lane = static_cast<std::size_t>(inBody ? x % kRoughLanes : x - last);
+            sums.r[lane] += roughPower(plainDifference(aRow[x].r, bRow[x].r) * Scale::kBefore);
+            sums.g[lane] += roughPower(plainDifference(aRow[x].g, bRow[x].g) * Scale::kBefore);
+            sums.b[lane] += roughPower(plainDifference(aRow[x].b, bRow[x].b) * Scale::kBefore);
+        }
+        seen += width;
+        if (seen < kRoughStretch) continue;
+        seen = 0;
+        if (sums.total(Scale::kAfter) > limit) break;
+    }
+    return sums.total(Scale::kAfter);
+}
+
+/// `value` clamped to [0, limit]; NaN becomes 0.
+float clamped(float value, float limit)
+{
+    return value > 0.0f ? std::min(value, limit) : 0.0f;
+}
+
+/// R, G and B times the gain, clamped to [0, M].
+template <typename Pixel>
+Pixel gained(const Pixel& p, float gain)
+{
+    using Traits = PixelTraits<Pixel>;
+    const auto scale = [gain](auto channel) {
+        return Traits::stored(clamped(static_cast<float>(channel) * gain, Traits::kMax));
+    };
+    return {scale(p.r), scale(p.g), scale(p.b), p.a};
+}
+
+template <typename Pixel>
+void composite(Pixel* out, const Pixel* source, const float* mask, const float* gain, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        const Pixel texture = gain != nullptr ? gained(out[i], gain[i]) : out[i];
+        const float share = clamped(mask[i] * PixelTraits<Pixel>::kInverseMax, 1.0f);
+        // exact: without any texture the source's own bits, which the mixture loses where floats
+        // are -0 or too far apart.
+        Pixel result = share == 0.0f ? source[i] : mixed(source[i], texture, share);
+        result.a = texture.a;
+        out[i] = result;
+    }
+}
+
+template <typename Pixel>
+void blend(Pixel* to, const Pixel* from, const float* shares, int count)
+{
+    for (int i = 0; i < count; ++i) to[i] = mixed(to[i], from[i], shares[i]);
+}
+
+template <typename Pixel>
+float lumaOf(const Pixel& p)
+{
+    // exact: at 8 and 16 bits an integer division.
+    return static_cast<float>((p.r + p.g + p.b) / 3);
+}
+
+template <>
+float lumaOf(const PixelRGBAf& p)
+{
+    return (p.r + p.g + p.b) / 3.0f;
+}
+
+template <typename Pixel>
+void luma(const Pixel* pixels, float* means, int count)
+{
+    for (int i = 0; i < count; ++i) means[i] = lumaOf(pixels[i]);
+}
+
+void seamLine(const float* error, const float* before, float* cost, int count, int step)
+{
+    for (int s = 0; s < count; ++s) {
+        float least = before[s - step];
+        for (int from = s - step + 1; from <= s + step; ++from) {
+            if (before[from] < least) least = before[from];
+        }
+        cost[s] = error[s] + least;  // exact: float sums
+    }
+}
+
+template <typename Pixel>
+constexpr PixelKernels<Pixel> kPixelKernels = {errorMap<Pixel>, roughError<Pixel>, composite<Pixel>,
+                                               blend<Pixel>, luma<Pixel>};
+
+}  // namespace
+
+const KernelTable kPlainTable = {"plain",
+                                 kPixelKernels<PixelRGBA8>,
+                                 kPixelKernels<PixelRGBA16>,
+                                 kPixelKernels<PixelRGBAf>,
+                                 {seamLine}};
+
+}  // namespace Orvane::Engine::Kernels
