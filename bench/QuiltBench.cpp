@@ -18,38 +18,56 @@ namespace {
 using Testing::FakeServices;
 using Testing::noise;
 using Testing::TestMap;
+
+/// Strips of the shapes that quilting has, from places all over two pictures; the second argument
+/// says whether the sum is exact.
 template <typename Pixel>
 void overlapError(benchmark::State& state)
 {
-    const FakeServices services(1, Testing::FakeThreads::Mode::InARow);
-    const auto a = noise<Pixel>(kWidth, kHeight, 7), b = noise<Pixel>(kWidth, kHeight, 8);
-    TestMap<Pixel32f> error(kWidth, kHeight);
-    OverlapError<Pixel> node;
-    node.setImages({&*a, 0, 0}, {&*b, 0, 0});
-    for (auto _ : state) benchmark::DoNotOptimize(node.measure(*error));
-    countPixels(state, kWidth, kHeight);
-}
-BENCHMARK(overlapError<PixelRGBA8>)->Unit(benchmark::kMillisecond);
-BENCHMARK(overlapError<PixelRGBA16>)->Unit(benchmark::kMillisecond);
-BENCHMARK(overlapError<PixelRGBAf>)->Unit(benchmark::kMillisecond);
-
-void bestFitPath(benchmark::State& state)
-{
-    const FakeServices services;
-    const bool vertical = state.range(0) != 0;
-    const int width = vertical ? 25 : kWidth, height = vertical ? kHeight : 25;
-    TestMap<Pixel32f> error(width, height);
-    std::mt19937 random(7);
-    for (float& e : error.pixels()) e = static_cast<float>(random() % 1000);
-    Map<Pixel32f> cost;
-    std::vector<PixelVec2f> path(static_cast<std::size_t>(vertical ? height : width));
+    const int width = static_cast<int>(state.range(0)), height = static_cast<int>(state.range(1));
+    const auto a = noise<Pixel>(512, 512, 7), b = noise<Pixel>(512, 512, 8);
+    OverlapError<Pixel> error(1);
+    std::vector<Pixel> copy;
+    int at = 0;
     for (auto _ : state) {
-        Engine::bestFitPath({2, 0}, *error, cost, path,
-                            vertical ? SeamMode::Vertical : SeamMode::Horizontal);
+        at = (at + 37) % 400;
+        const Strip<Pixel> strip = {.a = windowOf(*a, at, 400 - at, width, height, copy),
+                                    .b = windowOf(*b, 400 - at, at, width, height, copy),
+                                    .weights = {},
+                                    .width = width,
+                                    .height = height};
+        benchmark::DoNotOptimize(state.range(2) != 0 ? error.exact(strip)
+                                                     : error.rough(strip, 1e30f));
     }
     countPixels(state, width, height);
 }
-BENCHMARK(bestFitPath)->Arg(1)->Arg(0)->Unit(benchmark::kMicrosecond);
+
+void strips(benchmark::internal::Benchmark* bench)
+{
+    for (const int exact : {0, 1}) {
+        bench->Args({25, 100, exact})->Args({100, 25, exact})->Args({7, 30, exact});
+    }
+    bench->ArgNames({"width", "height", "exact"})->Unit(benchmark::kMicrosecond);
+}
+BENCHMARK(overlapError<PixelRGBA8>)->Apply(strips);
+BENCHMARK(overlapError<PixelRGBA16>)->Apply(strips);
+BENCHMARK(overlapError<PixelRGBAf>)->Apply(strips);
+
+void bestFitPath(benchmark::State& state)
+{
+    const int lines = static_cast<int>(state.range(0)), across = static_cast<int>(state.range(1));
+    SeamStrip strip;
+    strip.shape(lines, across);
+    std::mt19937 random(7);
+    for (int t = 0; t < lines; ++t) {
+        std::generate_n(strip.errors(t), across,
+                        [&random] { return static_cast<float>(random() % 1000); });
+    }
+    std::vector<int> path(static_cast<std::size_t>(lines));
+    for (auto _ : state) Engine::bestFitPath({2, 0}, strip, path);
+    countPixels(state, across, lines);
+}
+BENCHMARK(bestFitPath)->Args({100, 25})->Args({1920, 25})->Unit(benchmark::kMicrosecond);
 
 template <typename Pixel>
 void blockPaste(benchmark::State& state)

@@ -7,22 +7,9 @@
 #include <cstddef>
 #include <span>
 
-#include "engine/map/PixelTypes.h"
+#include "engine/map/Rows.h"
 
 namespace Orvane::Engine::Kernels {
-
-/// Rows of pixels in memory; `stride` is the distance from one row to the next in bytes.
-template <typename Pixel>
-struct Rows {
-    const Pixel* first;
-    std::ptrdiff_t stride;
-
-    const Pixel* at(int y) const
-    {
-        const auto* bytes = reinterpret_cast<const unsigned char*>(first);
-        return reinterpret_cast<const Pixel*>(bytes + y * stride);
-    }
-};
 
 /// How many sums a rough error is spread over.
 inline constexpr int kRoughLanes = 8;
@@ -30,21 +17,24 @@ inline constexpr int kRoughLanes = 8;
 inline constexpr int kRoughStretch = 256;
 
 /// Floats that a seam line may read before its first and behind its last entry, and write behind
-/// it.
+/// it, for steps up to the most.
 inline constexpr int kSeamPadding = 16;
+inline constexpr int kMostSeamStep = 8;
 
 template <typename Pixel>
 struct PixelKernels {
-    /// The errors of two images (`OverlapError`), `width` for each of `height` rows; `map` rows lie
-    /// `mapStride` floats apart.
-    void (*errorMap)(Rows<Pixel> a, Rows<Pixel> b, int width, int height, float* map,
-                     std::ptrdiff_t mapStride);
+    /// The errors of two images (`OverlapError`), `width` for each of `height` rows, 0 where
+    /// `weights` (if there are any) are not positive; the rows of `map` lie `mapStride` floats
+    /// apart.
+    void (*errorMap)(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, int height,
+                     float* map, std::ptrdiff_t mapStride);
 
     /// About the sum of these errors, in float throughout and spread over kRoughLanes sums for each
     /// colour: a row's pixel x goes to sum x mod kRoughLanes, those behind the last full group as
     /// if the row's last kRoughLanes pixels were one. Ends early once it has more than `limit`, at
     /// which it looks every kRoughStretch pixels or more.
-    float (*roughError)(Rows<Pixel> a, Rows<Pixel> b, int width, int height, float limit);
+    float (*roughError)(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, int height,
+                        float limit);
 
     /// The final composite: the texture in `out`, times the gain (null: none), over the source by
     /// the share that `mask` gives. `SynthesisNode` says what becomes of each pixel.

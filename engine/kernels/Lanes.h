@@ -286,9 +286,18 @@ struct Tail {
     TESSERET_LANES Tail(const Pixel* from, int count)
     {
         __builtin_memset(pixels, 0, sizeof(pixels));
+        if (from == nullptr) return;
         __builtin_memcpy(pixels, from, static_cast<__SIZE_TYPE__>(count) * sizeof(Pixel));
     }
 };
+
+template <typename Pixel>
+TESSERET_LANES const Pixel* row(Rows<Pixel> rows, int y)
+{
+    const auto* bytes = reinterpret_cast<const unsigned char*>(rows.first);
+    return rows.first != nullptr ? reinterpret_cast<const Pixel*>(bytes + y * rows.stride)
+                                 : nullptr;
+}
 
 TESSERET_LANES Doubles eighthPower(HalfFloats d)
 {
@@ -316,30 +325,43 @@ TESSERET_LANES Floats errorsOfLanes(const Pixel* a, const Pixel* b)
                   errorsOf(highHalf(d.r), highHalf(d.g), highHalf(d.b)));
 }
 
+TESSERET_LANES Floats keep(Ints mask, Floats v)
+{
+    return reinterpret_cast<Floats>(mask & reinterpret_cast<Ints>(v));
+}
+
+/// Errors that count where weights are positive; null weights always are.
 template <typename Pixel>
-void errorMap(Rows<Pixel> a, Rows<Pixel> b, int width, int height, float* map,
+TESSERET_LANES Floats weightedErrors(const Pixel* a, const Pixel* b, const float* weights)
+{
+    const Floats errors = errorsOfLanes(a, b);
+    return weights != nullptr ? keep(load<Floats>(weights) > 0.0f, errors) : errors;
+}
+
+template <typename Pixel>
+void errorMap(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, int height, float* map,
               std::ptrdiff_t mapStride)
 {
-    const auto* aBytes = reinterpret_cast<const unsigned char*>(a.first);
-    const auto* bBytes = reinterpret_cast<const unsigned char*>(b.first);
-    for (int y = 0; y < height; ++y, aBytes += a.stride, bBytes += b.stride, map += mapStride) {
-        const auto* aRow = reinterpret_cast<const Pixel*>(aBytes);
-        const auto* bRow = reinterpret_cast<const Pixel*>(bBytes);
+    for (int y = 0; y < height; ++y, map += mapStride) {
+        const Pixel* aRow = row(a, y);
+        const Pixel* bRow = row(b, y);
+        const float* weightRow = row(weights, y);
         if (width < kLanes) {
             const Tail<Pixel> aTail(aRow, width), bTail(bRow, width);
-            const Floats errors = errorsOfLanes(aTail.pixels, bTail.pixels);
+            const Tail<float> weightTail(weightRow, width);
+            const Floats errors = weightedErrors(
+                aTail.pixels, bTail.pixels, weightRow != nullptr ? weightTail.pixels : nullptr);
             __builtin_memcpy(map, &errors, static_cast<__SIZE_TYPE__>(width) * sizeof(float));
             continue;
         }
+        const auto errorsAt = [=](int x) {
+            const float* w = weightRow != nullptr ? weightRow + x : nullptr;
+            store(map + x, weightedErrors(aRow + x, bRow + x, w));
+        };
         int x = 0;
-        for (; x + kLanes <= width; x += kLanes) {
-            store(map + x, errorsOfLanes(aRow + x, bRow + x));
-        }
+        for (; x + kLanes <= width; x += kLanes) errorsAt(x);
         // The last ones once more, with those before them.
-        if (x < width) {
-            x = width - kLanes;
-            store(map + x, errorsOfLanes(aRow + x, bRow + x));
-        }
+        if (x < width) errorsAt(width - kLanes);
     }
 }
 
@@ -352,47 +374,58 @@ TESSERET_LANES Floats roughPower(Floats d)
 
 constexpr int kRoughParts = kRoughLanes / kLanes;
 
-/// Ones in the lanes that count of the last kRoughLanes pixels of a row, by how many those are.
-struct LastLanes {
-    int lanes[2 * kRoughLanes] = {0, 0, 0, 0, 0, 0, 0, 0, -1, -1, -1, -1, -1, -1, -1, -1};
+/// Which of kRoughLanes pixels count.
+struct RoughMask {
+    Ints parts[kRoughParts];
 
-    TESSERET_LANES Ints mask(int count, int part) const
+    /// The last `count`.
+    TESSERET_LANES static RoughMask last(int count)
     {
-        return load<Ints>(lanes + count + part * kLanes);
+        alignas(32) constexpr static int kOnes[2 * kRoughLanes] = {0,  0,  0,  0,  0,  0,  0,  0,
+                                                                   -1, -1, -1, -1, -1, -1, -1, -1};
+        RoughMask mask;
+        for (int part = 0; part < kRoughParts; ++part) {
+            mask.parts[part] = load<Ints>(kOnes + count + part * kLanes);
+        }
+        return mask;
+    }
+    /// Those whose weights are positive.
+    TESSERET_LANES static RoughMask positive(const float* weights)
+    {
+        RoughMask mask;
+        for (int part = 0; part < kRoughParts; ++part) {
+            mask.parts[part] = load<Floats>(weights + part * kLanes) > 0.0f;
+        }
+        return mask;
+    }
+    TESSERET_LANES RoughMask operator&(const RoughMask& other) const
+    {
+        RoughMask both;
+        for (int part = 0; part < kRoughParts; ++part) {
+            both.parts[part] = parts[part] & other.parts[part];
+        }
+        return both;
     }
 };
-constexpr LastLanes kLastLanes;
-
-TESSERET_LANES Floats keep(Ints mask, Floats v)
-{
-    return reinterpret_cast<Floats>(mask & reinterpret_cast<Ints>(v));
-}
 
 /// The sums of a rough error, colour by colour.
 template <typename Pixel>
 struct RoughSums {
     Floats r[kRoughParts] = {}, g[kRoughParts] = {}, b[kRoughParts] = {};
 
-    TESSERET_LANES void add(const Pixel* from, const Pixel* to)
+    /// Adds kRoughLanes pixels; of those that `mask` leaves out, zeros.
+    template <bool kMasked>
+    TESSERET_LANES void add(const Pixel* from, const Pixel* to, const RoughMask& mask)
     {
         for (int part = 0; part < kRoughParts; ++part) {
-            const Planes d =
-                Lanes<Pixel>::plainDifferences(from + part * kLanes, to + part * kLanes);
+            Planes d = Lanes<Pixel>::plainDifferences(from + part * kLanes, to + part * kLanes);
+            if constexpr (kMasked) {
+                const Ints ones = mask.parts[part];
+                d = {keep(ones, d.r), keep(ones, d.g), keep(ones, d.b)};
+            }
             r[part] += roughPower(d.r);
             g[part] += roughPower(d.g);
             b[part] += roughPower(d.b);
-        }
-    }
-    /// Adds the last `count` of kRoughLanes pixels.
-    TESSERET_LANES void addLast(const Pixel* from, const Pixel* to, int count)
-    {
-        for (int part = 0; part < kRoughParts; ++part) {
-            const Planes d =
-                Lanes<Pixel>::plainDifferences(from + part * kLanes, to + part * kLanes);
-            const Ints mask = kLastLanes.mask(count, part);
-            r[part] += roughPower(keep(mask, d.r));
-            g[part] += roughPower(keep(mask, d.g));
-            b[part] += roughPower(keep(mask, d.b));
         }
     }
     TESSERET_LANES float total() const
@@ -420,19 +453,19 @@ struct WideRoughSums {
 
     Floats sums[kVectors] = {};
 
-    TESSERET_LANES void add(const Pixel* from, const Pixel* to)
+    template <bool kMasked>
+    TESSERET_LANES void add(const Pixel* from, const Pixel* to, const RoughMask& mask)
     {
         for (int v = 0; v < kVectors; ++v) {
-            sums[v] += roughPower(difference(from + v * kPixels, to + v * kPixels));
-        }
-    }
-    TESSERET_LANES void addLast(const Pixel* from, const Pixel* to, int count)
-    {
-        for (int v = 0; v < kVectors; ++v) {
-            const int* lane = kLastLanes.lanes + count + v * kPixels;
-            Ints mask;
-            for (int i = 0; i < kLanes; ++i) mask[i] = lane[i / 4];
-            sums[v] += roughPower(keep(mask, difference(from + v * kPixels, to + v * kPixels)));
+            Floats d = difference(from + v * kPixels, to + v * kPixels);
+            if constexpr (kMasked) {
+                const Ints ones = mask.parts[v * kPixels / kLanes];
+                const int first = v * kPixels % kLanes;
+                Ints spread;
+                for (int i = 0; i < kLanes; ++i) spread[i] = ones[first + i / 4];
+                d = keep(spread, d);
+            }
+            sums[v] += roughPower(d);
         }
     }
     TESSERET_LANES float total() const
@@ -467,31 +500,54 @@ struct RoughSumsOf<PixelRGBA8> {
     using Type = RoughSums<PixelRGBA8>;
 };
 
-template <typename Pixel>
-float roughError(Rows<Pixel> a, Rows<Pixel> b, int width, int height, float limit)
+template <typename Pixel, bool kWeighted, typename Sums>
+TESSERET_LANES void addRow(Sums& sums, const Pixel* a, const Pixel* b, const float* weights,
+                           int width)
+{
+    const int rest = width % kRoughLanes;
+    const int body = width - rest;
+    const auto weightsAt = [weights](int x) {
+        return kWeighted ? RoughMask::positive(weights + x) : RoughMask::last(kRoughLanes);
+    };
+    if (body == 0) {
+        const Tail<Pixel> aTail(a, rest), bTail(b, rest);
+        const Tail<float> weightTail(weights, rest);
+        // Equal zeros behind the row: they add zeros.
+        const RoughMask mask =
+            kWeighted ? RoughMask::positive(weightTail.pixels) : RoughMask::last(kRoughLanes);
+        sums.template add<kWeighted>(aTail.pixels, bTail.pixels, mask);
+        return;
+    }
+    for (int x = 0; x < body; x += kRoughLanes) {
+        sums.template add<kWeighted>(a + x, b + x, weightsAt(x));
+    }
+    if (rest == 0) return;
+    const int x = width - kRoughLanes;
+    sums.template add<true>(a + x, b + x, RoughMask::last(rest) & weightsAt(x));
+}
+
+template <typename Pixel, bool kWeighted>
+TESSERET_LANES float roughSum(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width,
+                              int height, float limit)
 {
     typename RoughSumsOf<Pixel>::Type sums;
     int seen = 0;
-    const int rest = width % kRoughLanes;
-    const int body = width - rest;
-    const auto* aBytes = reinterpret_cast<const unsigned char*>(a.first);
-    const auto* bBytes = reinterpret_cast<const unsigned char*>(b.first);
-    for (int y = 0; y < height; ++y, aBytes += a.stride, bBytes += b.stride) {
-        const auto* aRow = reinterpret_cast<const Pixel*>(aBytes);
-        const auto* bRow = reinterpret_cast<const Pixel*>(bBytes);
-        for (int x = 0; x < body; x += kRoughLanes) sums.add(aRow + x, bRow + x);
-        if (body == 0) {
-            const Tail<Pixel> aTail(aRow, rest), bTail(bRow, rest);
-            sums.add(aTail.pixels, bTail.pixels);  // equal zeros behind the row add zeros
-        } else if (rest != 0) {
-            sums.addLast(aRow + width - kRoughLanes, bRow + width - kRoughLanes, rest);
-        }
+    for (int y = 0; y < height; ++y) {
+        addRow<Pixel, kWeighted>(sums, row(a, y), row(b, y), row(weights, y), width);
         seen += width;
         if (seen < kRoughStretch) continue;
         seen = 0;
         if (sums.total() > limit) break;
     }
     return sums.total();
+}
+
+template <typename Pixel>
+float roughError(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, int height,
+                 float limit)
+{
+    return weights.first != nullptr ? roughSum<Pixel, true>(a, b, weights, width, height, limit)
+                                    : roughSum<Pixel, false>(a, b, weights, width, height, limit);
 }
 
 /// `v` clamped to [0, limit]; NaN becomes 0.

@@ -32,14 +32,22 @@ float pixelError(const Pixel& a, const Pixel& b)
     return static_cast<float>(sum);
 }
 
+bool counts(Rows<float> weights, int x, int y)
+{
+    return weights.first == nullptr || weights.at(y)[x] > 0.0f;
+}
+
 template <typename Pixel>
-void errorMap(Rows<Pixel> a, Rows<Pixel> b, int width, int height, float* map,
+void errorMap(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, int height, float* map,
               std::ptrdiff_t mapStride)
 {
     for (int y = 0; y < height; ++y) {
         const Pixel* aRow = a.at(y);
         const Pixel* bRow = b.at(y);
-        for (int x = 0; x < width; ++x) map[y * mapStride + x] = pixelError(aRow[x], bRow[x]);
+        float* row = map + y * mapStride;
+        for (int x = 0; x < width; ++x) {
+            row[x] = counts(weights, x, y) ? pixelError(aRow[x], bRow[x]) : 0.0f;
+        }
     }
 }
 
@@ -72,7 +80,8 @@ float plainDifference(Channel a, Channel b)
 }
 
 template <typename Pixel>
-float roughError(Rows<Pixel> a, Rows<Pixel> b, int width, int height, float limit)
+float roughError(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, int height,
+                 float limit)
 {
     using Scale = RoughScale<Pixel>;
     RoughSums sums;
@@ -82,6 +91,7 @@ float roughError(Rows<Pixel> a, Rows<Pixel> b, int width, int height, float limi
         const Pixel* aRow = a.at(y);
         const Pixel* bRow = b.at(y);
         for (int x = 0; x < width; ++x) {
+            if (!counts(weights, x, y)) continue;
             const bool inBody = x < width - width % kRoughLanes;
             const auto lane = static_cast<std::size_t>(inBody ? x % kRoughLanes : x - last);
             sums.r[lane] += roughPower(plainDifference(aRow[x].r, bRow[x].r) * Scale::kBefore);

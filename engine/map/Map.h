@@ -56,6 +56,15 @@ public:
     Pixel* pixelAt(int column, int row) { return address(column, row); }
     const Pixel* pixelAt(int column, int row) const { return address(column, row); }
 
+    /// The pixel that (x, y) reads when nothing of [x, x + width) x [y, y + height) needs edge
+    /// handling, and the others lie beside and above it; else null.
+    const Pixel* interiorPixels(int x, int y, int width, int height) const
+    {
+        const std::optional<int> column = xAxis().interiorIndex(x, width);
+        const std::optional<int> row = yAxis().interiorIndex(y, height);
+        return at(column, row);
+    }
+
     /// The pixel that absolute (x, y) reads through the edge modes, or null where there is none.
     const Pixel* resolve(int x, int y) const { return at(xAxis().resolve(x), yAxis().resolve(y)); }
     /// The pixel at absolute (x, y) itself, or null when it is not stored.

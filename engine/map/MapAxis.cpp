@@ -116,6 +116,14 @@ std::optional<int> MapAxis::resolveIndex(std::int64_t index) const
     return stored(index);
 }
 
+std::optional<int> MapAxis::interiorIndex(int p, int count) const
+{
+    const std::int64_t first = std::int64_t{p} - offset;
+    const std::int64_t last = first + count - 1;
+    if (first < std::max(activeStart, storeStart) || last > std::min(activeEnd, storeEnd)) return {};
+    return static_cast<int>(first - storeStart);
+}
+
 std::optional<int> MapAxis::translate(int p) const
 {
     return stored(std::int64_t{p} - origin);

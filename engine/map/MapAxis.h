@@ -48,6 +48,8 @@ struct MapAxis {
     std::optional<int> resolve(int p) const { return resolveIndex(std::int64_t{p} - offset); }
     /// The same for an index that no offset applies to.
     std::optional<int> resolveIndex(std::int64_t index) const;
+    /// The stored index that p reads when none of [p, p + count) needs edge handling.
+    std::optional<int> interiorIndex(int p, int count) const;
     /// The stored index of the absolute coordinate p itself, if it has a pixel.
     std::optional<int> translate(int p) const;
 

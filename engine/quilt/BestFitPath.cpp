@@ -1,27 +1,11 @@
 #include "engine/quilt/BestFitPath.h"
 
 #include <algorithm>
-#include <cstddef>
+
+#include "engine/kernels/Kernels.h"
 
 namespace Orvane::Engine {
 namespace {
-
-/// A map seen along the seam: line t is a row (vertical seam), or a column counted from the last
-/// one (horizontal seam); s counts across.
-struct Lines {
-    float* first;
-    std::ptrdiff_t along, across;
-    float& at(int t, int s) const { return first[t * along + s * across]; }
-};
-
-Lines linesOf(const Map<Pixel32f>& map, SeamMode mode)
-{
-    // The map is only written where the caller owns it as a work map.
-    auto* first = const_cast<float*>(map.pixelAt(0, 0));
-    const auto rowFloats = map.stride() / static_cast<std::ptrdiff_t>(sizeof(float));
-    if (mode == SeamMode::Vertical) return {first, rowFloats, 1};
-    return {first + (map.width() - 1), -1, rowFloats};
-}
 
 struct Range {
     int begin, end;
@@ -31,12 +15,12 @@ struct Range {
     }
 };
 
-/// The position of the smallest value of line t within a range, the first one of several.
-int cheapest(const Lines& cost, int t, const Range& range)
+/// The position of the smallest cost within a range, the first one of several.
+int cheapest(const float* costs, const Range& range)
 {
     int best = range.begin;
     for (int s = range.begin + 1; s < range.end; ++s) {
-        if (cost.at(t, s) < cost.at(t, best)) best = s;
+        if (costs[s] < costs[best]) best = s;
     }
     return best;
 }
@@ -47,49 +31,67 @@ Range allowedRange(int across, int margin)
     return {kept, across - kept};
 }
 
-void accumulate(const Lines& error, const Lines& cost, int lines, const Range& allowed, int step)
+/// Repeats the ends of a line beyond it, so that a minimum near an end needs no test: what stands
+/// there twice is never smaller than itself.
+void padLine(float* line, const Range& range, int step)
 {
-    for (int s = allowed.begin; s < allowed.end; ++s) cost.at(0, s) = error.at(0, s);
-    for (int t = 1; t < lines; ++t) {
-        for (int s = allowed.begin; s < allowed.end; ++s) {
-            const int from = cheapest(cost, t - 1, allowed.around(s, step));
-            cost.at(t, s) = error.at(t, s) + cost.at(t - 1, from);  // exact: float sums
-        }
+    std::fill_n(line + range.begin - step, step, line[range.begin]);
+    std::fill_n(line + range.end, step, line[range.end - 1]);
+}
+
+void accumulate(SeamStrip& strip, const Range& allowed, int step)
+{
+    const auto& kernels = Kernels::kernels().plane;
+    const int count = allowed.end - allowed.begin;
+    std::copy_n(strip.errors(0) + allowed.begin, count, strip.costs(0) + allowed.begin);
+    padLine(strip.costs(0), allowed, step);
+    for (int t = 1; t < strip.lines(); ++t) {
+        kernels.seamLine(strip.errors(t) + allowed.begin, strip.costs(t - 1) + allowed.begin,
+                         strip.costs(t) + allowed.begin, count, step);
+        padLine(strip.costs(t), allowed, step);
     }
 }
 
 }  // namespace
 
-void bestFitPath(const SeamSearch& search, const Map<Pixel32f>& error, Map<Pixel32f>& cost,
-                 std::span<PixelVec2f> path, SeamMode mode)
+void SeamStrip::shape(int lines, int across)
 {
-    const bool vertical = mode == SeamMode::Vertical;
-    const int lines = vertical ? error.height() : error.width();
-    const auto entry = [&](int t, int s) {
-        const auto along = static_cast<float>(vertical ? t : lines - 1 - t);
-        const auto across = static_cast<float>(s);
-        return vertical ? PixelVec2f{across, along} : PixelVec2f{along, across};
-    };
-    const auto put = [&](int t, int s) {
-        path[static_cast<std::size_t>(vertical ? t : lines - 1 - t)] = entry(t, s);
-    };
-    if (cost.width() != error.width() || cost.height() != error.height()) {
-        cost.setSize(error.width(), error.height());
-        cost.allocate();
+    lines_ = lines;
+    across_ = across;
+    stride_ = across + 2 * Kernels::kSeamPadding;
+    const auto size = static_cast<std::size_t>(stride_ * lines);
+    if (errors_.size() < size) {
+        errors_.resize(size);
+        costs_.resize(size);
     }
-    if (!error.isUsable() || !cost.isUsable()) {
-        for (int t = 0; t < lines; ++t) put(t, 0);
-        return;
+    line_ = errors_.data() + Kernels::kSeamPadding;
+}
+
+void SeamStrip::setColumns(const Rows<float>& rows)
+{
+    // A few columns of every row at a time: they come from, and go to, memory that is near.
+    constexpr int kColumns = 16;
+    for (int first = 0; first < lines_; first += kColumns) {
+        const int end = std::min(first + kColumns, lines_);
+        for (int s = 0; s < across_; ++s) {
+            const float* row = rows.at(s);
+            for (int column = first; column < end; ++column) {
+                errors(lines_ - 1 - column)[s] = row[column];
+            }
+        }
     }
-    const Lines errors = linesOf(error, mode);
-    const Lines costs = linesOf(cost, mode);
-    const Range allowed = allowedRange(vertical ? error.width() : error.height(), search.margin);
-    accumulate(errors, costs, lines, allowed, search.step);
-    int s = cheapest(costs, lines - 1, allowed);
-    put(lines - 1, s);
-    for (int t = lines - 2; t >= 0; --t) {
-        s = cheapest(costs, t, allowed.around(s, search.step));
-        put(t, s);
+}
+
+void bestFitPath(const SeamSearch& search, SeamStrip& strip, std::span<int> path)
+{
+    const int lines = strip.lines();
+    const Range allowed = allowedRange(strip.across(), search.margin);
+    const int step = std::min(search.step, Kernels::kMostSeamStep);
+    accumulate(strip, allowed, step);
+    int s = cheapest(strip.costs(lines - 1), allowed);
+    for (int t = lines - 1; t >= 0; --t) {
+        if (t < lines - 1) s = cheapest(strip.costs(t), allowed.around(s, step));
+        path[static_cast<std::size_t>(t)] = s;
     }
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <span>
+#include <vector>
 
-#include "engine/map/Map.h"
+#include "engine/map/Rows.h"
 
 namespace Orvane::Engine {
 
@@ -11,19 +13,35 @@ struct SeamSearch {
     int margin;  ///< columns (rows) at both sides of the strip where the seam may not lie
 };
 
-enum class SeamMode {
-    Vertical,   ///< one x for each row of the strip
-    Horizontal  ///< one y for each column of the strip
+/// The errors of a strip, seen along its seam: a line is a row of the strip for a seam that runs
+/// upwards, and a column for one that runs to the right, counted from the last one. So the search
+/// runs along memory either way. Keeps its storage from strip to strip.
+class SeamStrip {
+public:
+    /// Makes room for so many lines of `across` errors. Their values are what they were.
+    void shape(int lines, int across);
+    int lines() const { return lines_; }
+    int across() const { return across_; }
+
+    float* errors(int line) { return line_ + line * stride_; }
+    /// From one line to the next, floats.
+    std::ptrdiff_t stride() const { return stride_; }
+    float* costs(int line) { return costs_.data() + (errors(line) - errors_.data()); }
+
+    /// Fills the lines from the rows of a strip of `lines` x `across` pixels.
+    void setColumns(const Rows<float>& rows);
+
+private:
+    int lines_ = 0, across_ = 0;
+    std::ptrdiff_t stride_ = 0;
+    float* line_ = nullptr;  ///< the first line's first error
+    std::vector<float> errors_, costs_;
 };
 
 /// The seam of least error through a strip (Efros and Freeman 2001, section 2.1), by dynamic
-/// programming over float sums; every minimum goes to the smallest index. A strip narrower than
-/// both margins has its margins cut so that the middle column (row) is left.
-///
-/// `error` is W x H; `path` gets H pairs (x, row) or W pairs (column, y), strip-local. `cost` is a
-/// work map that is given the size of `error` when it has another. Without storage in either map
-/// the path is the straight line at index 0.
-void bestFitPath(const SeamSearch& search, const Map<Pixel32f>& error, Map<Pixel32f>& cost,
-                 std::span<PixelVec2f> path, SeamMode mode);
+/// programming over float sums from the first line to the last, and back; every minimum goes to the
+/// smallest index. A strip narrower than both margins has its margins cut so that the middle is
+/// left. `path` gets the position across the strip for each line.
+void bestFitPath(const SeamSearch& search, SeamStrip& strip, std::span<int> path);
 
 }  // namespace Orvane::Engine

@@ -38,6 +38,15 @@ int cutAt(int corner, float seam)
     return truncateToInt(static_cast<float>(corner) + seam);
 }
 
+std::vector<float> blendRamp(int halfWidth)
+{
+    std::vector<float> ramp;
+    for (int dx = -halfWidth; dx < halfWidth; ++dx) {
+        ramp.push_back(share(dx, 0, {.width = halfWidth, .height = 0}));
+    }
+    return ramp;
+}
+
 template <typename Pixel>
 void BlockPaste<Pixel>::begin()
 {

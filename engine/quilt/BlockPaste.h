@@ -10,6 +10,10 @@ namespace Orvane::Engine {
 /// The absolute coordinate at which a rectangle with this corner is cut by a seam.
 int cutAt(int corner, float seam);
 
+/// The shares of the pasted image across a blend band of this half-width, from the first pixel
+/// before the seam to the last one behind it.
+std::vector<float> blendRamp(int halfWidth);
+
 /// Where a rectangle is cut: vertical[j].x is the seam's x in row j, horizontal[i].y its y in
 /// column i, both relative to the rectangle's corner. The arrays must outlive the paste.
 struct Seams {

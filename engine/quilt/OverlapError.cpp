@@ -1,103 +1,78 @@
 #include "engine/quilt/OverlapError.h"
 
-#include "engine/map/MapRow.h"
-#include "engine/map/PixelTraits.h"
+#include <algorithm>
+#include <limits>
+
+#include "libraries/Processor/ovMultiProcessor.h"
 
 namespace Orvane::Engine {
 namespace {
 
-/// d to the eighth.
-constexpr double eighthPower(float d)
-{
-    // exact: the square of a float is exact in double; the fourth and the eighth power round once
-    // each, on every machine alike, which a library's pow does not promise.
-    const double second = static_cast<double>(d) * static_cast<double>(d);
-    const double fourth = second * second;
-    return fourth * fourth;
-}
+constexpr double kRounding = 1.0 / (1 << 24);
+constexpr double kUnderflow = 1e-36;  ///< of one pixel, whether or not the host flushes to zero
 
-template <typename Pixel>
-float pixelError(const Pixel& a, const Pixel& b)
+double relativeError(std::int64_t pixels)
 {
-    // exact: the terms are added in double in the order B, G, R, and the sum is rounded to a float.
-    using Traits = PixelTraits<Pixel>;
-    double sum = eighthPower(Traits::difference(a.b, b.b));
-    sum += eighthPower(Traits::difference(a.g, b.g));
-    sum += eighthPower(Traits::difference(a.r, b.r));
-    return static_cast<float>(sum);
+    return (2.0 * static_cast<double>(pixels) + 128.0) * kRounding;
 }
-
-/// Writes the errors of `count` pixels and returns them added up from left to right.
-template <typename A, typename B, typename Counts>
-float errorsOfRow(const A& a, const B& b, const Counts& counts, float* error, int count, float sum)
-{
-    for (int i = 0; i < count; ++i) {
-        const float e = counts(i) ? pixelError(a[i], b[i]) : 0.0f;
-        error[i] = e;
-        sum += e;
-    }
-    return sum;
-}
-
-/// Reads a row from a given x on.
-template <typename Pixel>
-struct ShiftedRow {
-    RowReader<Pixel> row;
-    int x;
-    Pixel operator[](int i) const { return row[x + i]; }
-};
 
 }  // namespace
 
 template <typename Pixel>
-float OverlapError<Pixel>::measure(Map<Pixel32f>& error)
+float OverlapError<Pixel>::exact(const Strip<Pixel>& strip)
 {
-    threadSums_.clear();
-    this->process(&error);
+    if (strip.isEmpty()) return 0.0f;
+    line_.resize(static_cast<std::size_t>(strip.width));
+    const auto& kernels = Kernels::pixelKernels<Pixel>(Kernels::kernels());
     float sum = 0.0f;
-    for (const float threadSum : threadSums_) sum += threadSum;
+    for (int thread = 0; thread < threads_; ++thread) {
+        RowRange rows{0, strip.allRows > 0 ? strip.allRows : strip.height};
+        splitRange(rows.begin, rows.end, thread, threads_);
+        if (rows.isEmpty()) break;
+        rows.begin = std::max(rows.begin - strip.firstRow, 0);
+        rows.end = std::min(rows.end - strip.firstRow, strip.height);
+        // exact: a float sum for each thread's rows, from left to right and row by row; these are
+        // added in thread order.
+        float threadSum = 0.0f;
+        for (int y = rows.begin; y < rows.end; ++y) {
+            const Rows<float> weights =
+                strip.weights.first != nullptr ? strip.weights.from(0, y) : Rows<float>{};
+            kernels.errorMap(strip.a.from(0, y), strip.b.from(0, y), weights, strip.width, 1,
+                             line_.data(), strip.width);
+            for (const float error : line_) threadSum += error;
+        }
+        sum += threadSum;
+    }
     return sum;
 }
 
 template <typename Pixel>
-void OverlapError<Pixel>::beginPass()
+float OverlapError<Pixel>::rough(const Strip<Pixel>& strip, float limit) const
 {
-    // A thread with a row to do has an index below the number of rows.
-    threadSums_.assign(static_cast<std::size_t>(this->region().y1 - this->region().y0), 0.0f);
+    if (strip.isEmpty()) return 0.0f;
+    const auto& kernels = Kernels::pixelKernels<Pixel>(Kernels::kernels());
+    return kernels.roughError(strip.a, strip.b, strip.weights, strip.width, strip.height, limit);
 }
 
-template <typename Pixel>
-void OverlapError<Pixel>::processPass()
+ErrorBounds boundsOf(double rough, std::int64_t pixels)
 {
-    const RowRange rows = this->threadRows();
-    if (rows.isEmpty()) return;
-    float sum = 0.0f;
-    for (int y = rows.begin; y < rows.end; ++y) sum = measureRow(y, sum);
-    threadSums_[static_cast<std::size_t>(this->threadIndex())] = sum;
+    const double relative = relativeError(pixels);
+    const double absolute = static_cast<double>(pixels) * kUnderflow;
+    return {rough * (1.0 - relative) - absolute, rough * (1.0 + relative) + absolute};
 }
 
-/// One row of the error map, added to a running sum.
-template <typename Pixel>
-float OverlapError<Pixel>::measureRow(int y, float sum)
+float roughLimit(double most, std::int64_t pixels)
 {
-    const Region& region = this->region();
-    const int count = region.x1 - region.x0;
-    float* error = RowWriter(this->target(), y).from(region.x0);
-    const ShiftedRow<Pixel> a{RowReader(*a_.map, a_.y + y), a_.x + region.x0};
-    const ShiftedRow<Pixel> b{RowReader(*b_.map, b_.y + y), b_.x + region.x0};
-    if (weight_.map != nullptr) {
-        const ShiftedRow<Pixel32f> weight{RowReader(*weight_.map, weight_.y + y),
-                                          weight_.x + region.x0};
-        const auto known = [&weight](int i) { return weight[i] > 0.0f; };
-        return errorsOfRow(a, b, known, error, count, sum);
-    }
-    const auto all = [](int) { return true; };
-    const Pixel* aSpan = a.row.span(a.x, count);
-    const Pixel* bSpan = b.row.span(b.x, count);
-    if (aSpan != nullptr && bSpan != nullptr) {
-        return errorsOfRow(aSpan, bSpan, all, error, count, sum);
-    }
-    return errorsOfRow(a, b, all, error, count, sum);
+    const double absolute = static_cast<double>(pixels) * kUnderflow;
+    // Rounded upwards on its way to a float.
+    const double limit = (most + absolute) / (1.0 - relativeError(pixels)) * (1.0 + 1e-6);
+    constexpr float kHighest = std::numeric_limits<float>::max();
+    return limit < static_cast<double>(kHighest) ? static_cast<float>(limit) : kHighest;
+}
+
+bool canBound(std::int64_t pixels)
+{
+    return relativeError(pixels) <= 0.25;
 }
 
 template class OverlapError<PixelRGBA8>;

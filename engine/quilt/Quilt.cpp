@@ -1,32 +1,23 @@
 #include "engine/quilt/Quilt.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <limits>
 
 #include "engine/filter/FillAndCopy.h"
-#include "engine/map/ExactMath.h"
-#include "engine/map/MapRow.h"
+#include "engine/map/PixelMix.h"
 
 namespace Orvane::Engine {
 namespace {
 
-/// How often a candidate that keeps clear of the fill region is looked for.
-constexpr int kAvoidAttempts = 999;
-
-/// From so many samples on, positions drawn again are not measured again.
-constexpr int kManySamples = 1000;
-
 constexpr const char* kCannotAvoid = "Cannot avoid matte!\n";
-
-/// Gives a work map a size, keeping its storage when it has that size already.
-template <typename Pixel>
-void shape(Map<Pixel>& map, int width, int height)
-{
-    if (map.width() == width && map.height() == height) return;
-    map.setSize(width, height);
-    map.allocate();
-}
+constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
+constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
+/// Runs of blocks in a step, for each thread: a thread that is late costs the others little.
+constexpr int kRunsPerThread = 2;
+/// A sample box outside of its texture is copied when it is not larger than this, pixels.
+constexpr std::int64_t kMostUnfolded = 1 << 22;
 
 }  // namespace
 
@@ -34,40 +25,31 @@ template <typename Pixel>
 Quilt<Pixel>::Quilt(const QuiltInputs<Pixel>& inputs)
     : in_(inputs),
       blocks_(inputs.blocks),
-      avoids_(inputs.avoidFillRegion && inputs.fillMask != nullptr)
-{
-    overlapError_.setStatusRecord(in_.statusRecord);
-    paste_.setStatusRecord(in_.statusRecord);
-}
+      work_(inputs.statusRecord),
+      surrender_{kNowhere, kNever},
+      benches_(static_cast<std::size_t>(work_.workers()))
+{}
 
 template <typename Pixel>
 QuiltResult Quilt<Pixel>::run()
 {
-    const bool wasToAvoid = avoids_;
     clampSizes();
     QuiltResult result;
     result.blockSize = {static_cast<float>(blocks_.blockW), static_cast<float>(blocks_.blockH)};
     const Region& rect = in_.fillRect;
     if (rect.isEmpty() || in_.textures.empty()) return result;
-    shape(fillBuffer_, rect.x1 - rect.x0, rect.y1 - rect.y0);
-    fillBuffer_.placeAt(rect.x0, rect.y0);
-    // A rectangle that no memory can hold has millions of rows: placing them would never end.
-    result.hasRoom = fillBuffer_.isUsable();
+    result.hasRoom = makeRoom();
     if (!result.hasRoom) {
         MapProcessor::reportMap("Sampler", "bogus");
         return result;
     }
-    for (int rowY = rect.y0; !isAborted(); rowY += strideY()) {
-        const int height = std::min(blocks_.blockH, rect.y1 - rowY);
-        layRow(rowY, height);
-        reportProgress(rowY + height);
-        if (rect.y1 - rowY <= strideY()) break;  // not a comparison of sums: those could overflow
-    }
+    if (isAvoiding()) findSurrender();
+    result.gaveUpAvoiding = surrender_.block != kNowhere;
+    if (!placeBlocks()) return result;
     RowCopy<Pixel> copy;
     copy.setStatusRecord(in_.statusRecord);
     copy.setRegion(rect);
     copy.process(&fillBuffer_, in_.target);
-    result.gaveUpAvoiding = wasToAvoid && !avoids_;
     return result;
 }
 
@@ -79,7 +61,7 @@ void Quilt<Pixel>::clampSizes()
     const Region& box = in_.sampleBox;
     // Avoiding candidates come from the whole texture and need not fit the sample box. A block is
     // at least one pixel, even when the box has no width or height.
-    if (!avoids_) {
+    if (!isAvoiding()) {
         if (s.blockW >= 1) s.blockW = std::min(s.blockW, box.x1 - box.x0);
         if (s.blockH >= 1) s.blockH = std::min(s.blockH, box.y1 - box.y0);
     }
@@ -91,258 +73,300 @@ void Quilt<Pixel>::clampSizes()
     s.blendH = std::clamp(s.blendH, 0, s.overlapH / 2);
 }
 
+/// Makes what all blocks share; false when there is no memory for the rectangle.
 template <typename Pixel>
-void Quilt<Pixel>::layRow(int rowY, int height)
+bool Quilt<Pixel>::makeRoom()
 {
     const Region& rect = in_.fillRect;
-    shape(rowBuffer_, rect.x1 - rect.x0, height);
-    rowBuffer_.placeAt(rect.x0, rowY);
-    zeros_.assign(static_cast<std::size_t>(std::max(rect.x1 - rect.x0, height)), {0.0f, 0.0f});
-    const std::size_t firstRecord = in_.blockList != nullptr ? in_.blockList->size() : 0;
-    for (int x = rect.x0;; x += strideX()) {
-        const int width = std::min(blocks_.blockW, rect.x1 - x);
-        layBlock({x, rowY, width, height, x == rect.x0, rowY == rect.y0});
-        if (isAborted()) return;
-        if (rect.x1 - x <= strideX()) break;
+    grid_ = BlockGrid(rect, blocks_);
+    const int workers = work_.workers();
+    if (workers > 1) grid_.cutRuns(kRunsPerThread * workers);
+    fillBuffer_.setSize(rect.x1 - rect.x0, rect.y1 - rect.y0);
+    fillBuffer_.placeAt(rect.x0, rect.y0);
+    fillBuffer_.allocate();
+    if (!fillBuffer_.isUsable()) return false;
+    const int stripRows = (grid_.rows() - 1) * blocks_.overlapH;
+    if (stripRows > 0) {
+        strips_.setSize(rect.x1 - rect.x0, stripRows);
+        strips_.allocate();
+        if (!strips_.isUsable()) return false;
     }
-    joinRow(rowY, height);
-    if (in_.blockList != nullptr) recordRowSeam(firstRecord);
+    chosen_.resize(grid_.index(grid_.rows(), 0));
+    if (in_.blockList != nullptr) in_.blockList->resize(chosen_.size());
+    for (const Map<Pixel>* texture : in_.textures) {
+        textures_.emplace_back(*texture);
+        if (!isAvoiding()) textures_.back().unfold(in_.sampleBox, kMostUnfolded);
+        textureDomains_.push_back(texture);
+    }
+    if (isAvoiding()) avoided_ = std::make_unique<RegionSums>(*in_.fillMask);
+    candidates_ = {in_.sampleBox, textureDomains_, avoided_.get(), std::max(blocks_.numSamples, 1),
+                   in_.seed};
+    return true;
 }
 
-/// Lays one block: draws candidates, keeps the one that agrees best with what is laid, cuts it in
-/// along a seam, and records it for replay.
+/// Which candidate cannot keep clear of the fill region is known before any block is placed, since
+/// candidates depend on nothing but their block. So the blocks after that one draw freely, in
+/// whatever order they are worked.
 template <typename Pixel>
-void Quilt<Pixel>::layBlock(const BlockPlace& place)
+void Quilt<Pixel>::findSurrender()
 {
-    const Candidate best = bestCandidate(place);
-    seamV_.assign(static_cast<std::size_t>(place.height), {0.0f, 0.0f});
-    if (!place.firstInRow) findVerticalSeam(place, best);
-    pasteBlock(place, best);
-    if (isAborted()) return;
-    record(place, best);
+    std::vector<Surrender> first(static_cast<std::size_t>(grid_.rows()), surrender_);
+    std::atomic<int> firstRow{grid_.rows()};
+    const auto drawRow = [&](int row, int worker) {
+        for (int column = 0; column < grid_.columns() && row <= firstRow; ++column) {
+            const BlockPlace place = grid_.at(row, column);
+            CandidateDraw draw(candidates_, place, kNever, bench(worker).choice.tried());
+            while (!draw.failedToAvoid() && draw.next()) {
+            }
+            if (!draw.failedToAvoid()) continue;
+            first[static_cast<std::size_t>(row)] = {grid_.index(row, column), draw.drawn()};
+            for (int least = firstRow; row < least;) firstRow.compare_exchange_weak(least, row);
+            return;
+        }
+    };
+    if (!work_.run(grid_.rows(), drawRow) || firstRow == grid_.rows()) return;
+    surrender_ = first[static_cast<std::size_t>(firstRow)];
+    std::fputs(kCannotAvoid, stderr);
+}
+
+/// How many candidates of a block are drawn clear of the fill region.
+template <typename Pixel>
+std::int64_t Quilt<Pixel>::freeFrom(std::size_t block) const
+{
+    if (block == surrender_.block) return surrender_.drawn;
+    return block < surrender_.block ? kNever : 0;
+}
+
+/// Whether all blocks were placed before an abort.
+template <typename Pixel>
+bool Quilt<Pixel>::placeBlocks()
+{
+    for (int step = 0; step <= grid_.steps(); ++step) {
+        const std::vector<BlockRun> runs =
+            step < grid_.steps() ? grid_.runsOf(step) : std::vector<BlockRun>{};
+        // Rows that were completed in the step before are joined beside this one.
+        std::vector<int> joins;
+        for (int row = 0; row < grid_.rows(); ++row) {
+            if (grid_.lastStepOf(row) == step - 1) joins.push_back(row);
+        }
+        const int runCount = static_cast<int>(runs.size());
+        const auto work = [&](int task, int worker) {
+            if (task < runCount) {
+                placeRun(runs[static_cast<std::size_t>(task)], bench(worker));
+            } else {
+                joinRow(joins[static_cast<std::size_t>(task - runCount)], bench(worker));
+            }
+        };
+        if (!work_.run(runCount + static_cast<int>(joins.size()), work)) return false;
+        reportRows(joins.empty() ? 0 : joins.back() + 1);
+    }
+    return true;
 }
 
 template <typename Pixel>
-typename Quilt<Pixel>::Candidate Quilt<Pixel>::bestCandidate(const BlockPlace& place)
+void Quilt<Pixel>::placeRun(const BlockRun& run, Bench& bench)
 {
-    Random random(blockSeed(place));
-    Candidate best{};
-    float bestError = std::numeric_limits<float>::max();
-    bool found = false;
-    const int samples = std::max(blocks_.numSamples, 1);
-    for (int texture = 0; texture < static_cast<int>(in_.textures.size()); ++texture) {
-        startTrying(place, samples);
-        for (int sample = 0; sample < samples && !isAborted(); ++sample) {
-            const Candidate candidate = draw(texture, place, random);
-            if (!tried_.isNew(candidate.x, candidate.y)) continue;
-            const float error = candidateError(place, candidate);
-            // Ties keep the earlier candidate. The first one stands in when no error is a number
-            // below the limit, as with pixels that are not finite.
-            if (error < bestError || !found) best = candidate;
-            if (error < bestError) bestError = error;
-            found = true;
+    for (int column = run.begin; column < run.end && !work_.stops(); ++column) {
+        placeBlock(grid_.at(run.row, column), bench);
+    }
+}
+
+/// Places one block: draws candidates, keeps the one that agrees best with what is there, cuts it
+/// in along a seam, and records it for replay.
+template <typename Pixel>
+void Quilt<Pixel>::placeBlock(const BlockPlace& place, Bench& bench)
+{
+    const std::size_t index = grid_.index(place.row, place.column);
+    const BlockSurroundings<Pixel> surroundings = {
+        .textures = textures_,
+        .known = in_.fillAll ? nullptr : in_.source,
+        .weights = in_.weightMap,
+        .left = place.firstInRow() ? nullptr : &chosen_[index - 1],
+        .leftShift = blocks_.strideX(),
+        .below = below(place)};
+    CandidateDraw draw(candidates_, place, freeFrom(index), bench.choice.tried());
+    const Candidate best =
+        bench.choice.best(draw, place, surroundings, [this] { return work_.stops(); });
+    chosen_[index] = best;
+    const Rows<Pixel> block = textures_[static_cast<std::size_t>(best.texture)].window(
+        best.x, best.y, place.width, place.height, bench.copy);
+    bench.path.assign(static_cast<std::size_t>(place.height), 0);
+    if (place.overlapW > 0) findVerticalSeam(place, block, bench);
+    pasteBlock(place, block, bench.path);
+    if (in_.blockList != nullptr) record(place, best, bench.path);
+}
+
+/// The row below, from the block's corner on.
+template <typename Pixel>
+Rows<Pixel> Quilt<Pixel>::below(const BlockPlace& place) const
+{
+    if (place.overlapH < 1) return {};
+    return {fillBuffer_.pixelAt(place.x - in_.fillRect.x0, place.y - in_.fillRect.y0),
+            fillBuffer_.stride()};
+}
+
+template <typename Pixel>
+void Quilt<Pixel>::findVerticalSeam(const BlockPlace& place, const Rows<Pixel>& block,
+                                    Bench& bench) const
+{
+    const Candidate& left = chosen_[grid_.index(place.row, place.column - 1)];
+    const Rows<Pixel> beside = textures_[static_cast<std::size_t>(left.texture)].window(
+        left.x + blocks_.strideX(), left.y, place.overlapW, place.height, bench.besideCopy);
+    bench.strip.shape(place.height, place.overlapW);
+    Kernels::pixelKernels<Pixel>(Kernels::kernels())
+        .errorMap(beside, block, {}, place.overlapW, place.height, bench.strip.errors(0),
+                  bench.strip.stride());
+    bestFitPath({blocks_.seamStep, blocks_.blendW}, bench.strip, bench.path);
+}
+
+/// The pixel at the block's first column and row y of it: apart from the fill buffer where the row
+/// lies over the one below.
+template <typename Pixel>
+Pixel* Quilt<Pixel>::pixelsAt(const BlockPlace& place, int y)
+{
+    const int column = place.x - in_.fillRect.x0;
+    if (y < place.overlapH) return stripAt(place.row, y) + column;
+    return fillBuffer_.pixelAt(column, place.y - in_.fillRect.y0 + y);
+}
+
+template <typename Pixel>
+Pixel* Quilt<Pixel>::stripAt(int row, int y)
+{
+    return strips_.pixelAt(0, (row - 1) * blocks_.overlapH + y);
+}
+
+/// Cuts a block in along its vertical seam; the first of a row has nothing beside it.
+template <typename Pixel>
+void Quilt<Pixel>::pasteBlock(const BlockPlace& place, const Rows<Pixel>& block,
+                              std::span<const int> seam)
+{
+    const int blend = place.firstInRow() ? 0 : blocks_.blendW;
+    const std::vector<float> ramp = blendRamp(blend);
+    for (int y = 0; y < place.height; ++y) {
+        Pixel* to = pixelsAt(place, y);
+        const Pixel* from = block.at(y);
+        // Columns of the block, from its corner on.
+        const int cut =
+            place.firstInRow()
+                ? 0
+                : cutAt(place.x, static_cast<float>(seam[static_cast<std::size_t>(y)])) - place.x;
+        const int begin = std::clamp(cut - blend, 0, place.width);
+        const int whole = std::clamp(cut + blend, 0, place.width);
+        if (begin < whole) {
+            Kernels::pixelKernels<Pixel>(Kernels::kernels())
+                .blend(to + begin, from + begin, ramp.data() + (begin - cut + blend),
+                       whole - begin);
+        }
+        std::copy(from + whole, from + place.width, to + whole);
+    }
+}
+
+/// Cuts a complete row into the fill buffer along its seam with the row below.
+template <typename Pixel>
+void Quilt<Pixel>::joinRow(int row, Bench& bench)
+{
+    const int width = in_.fillRect.x1 - in_.fillRect.x0;
+    const int overlap = grid_.rowOverlap(row);
+    bench.path.assign(static_cast<std::size_t>(width), 0);
+    if (overlap > 0) {
+        const Rows<Pixel> lower{fillBuffer_.pixelAt(0, grid_.rowY(row) - in_.fillRect.y0),
+                                fillBuffer_.stride()};
+        const Rows<Pixel> upper{stripAt(row, 0), strips_.stride()};
+        bench.errors.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(overlap));
+        Kernels::pixelKernels<Pixel>(Kernels::kernels())
+            .errorMap(lower, upper, {}, width, overlap, bench.errors.data(), width);
+        bench.strip.shape(width, overlap);
+        bench.strip.setColumns({bench.errors.data(), static_cast<std::ptrdiff_t>(4) * width});
+        bestFitPath({blocks_.seamStep, blocks_.blendH}, bench.strip, bench.path);
+        // The search ran from the last column to the first.
+        std::ranges::reverse(bench.path);
+        pasteStrip(row, bench.path);
+    }
+    if (in_.blockList != nullptr) recordRowSeam(row, bench.path);
+}
+
+template <typename Pixel>
+void Quilt<Pixel>::pasteStrip(int row, std::span<const int> seam)
+{
+    const int rowY = grid_.rowY(row);
+    const int blend = blocks_.blendH;
+    const std::vector<float> ramp = blendRamp(blend);
+    std::vector<int> cuts;
+    cuts.reserve(seam.size());
+    for (const int y : seam) cuts.push_back(cutAt(rowY, static_cast<float>(y)) - rowY);
+    for (int y = 0; y < grid_.rowOverlap(row); ++y) {
+        const Pixel* from = stripAt(row, y);
+        Pixel* to = fillBuffer_.pixelAt(0, rowY - in_.fillRect.y0 + y);
+        for (std::size_t x = 0; x < cuts.size(); ++x) {
+            const int above = y - cuts[x];
+            if (above >= blend) {
+                to[x] = from[x];
+            } else if (above >= -blend) {
+                to[x] = mixed(to[x], from[x], ramp[static_cast<std::size_t>(above + blend)]);
+            }
         }
     }
-    return best;
-}
-
-/// Keeps track of the positions drawn from the sample box where there are enough draws for that to
-/// pay.
-template <typename Pixel>
-void Quilt<Pixel>::startTrying(const BlockPlace& place, int samples)
-{
-    const Region& box = in_.sampleBox;
-    const std::int64_t columns = std::int64_t{box.x1} - place.width - box.x0;
-    const std::int64_t rows = std::int64_t{box.y1} - place.height - box.y0;
-    // A box that is smaller than the block draws to its other side.
-    if (samples < kManySamples || avoids_ || columns < 0 || rows < 0) {
-        tried_.stop();
-    } else {
-        tried_.start(box.x0, box.y0, columns, rows);
-    }
 }
 
 template <typename Pixel>
-typename Quilt<Pixel>::Candidate Quilt<Pixel>::draw(int texture, const BlockPlace& place,
-                                                    Random& random)
+void Quilt<Pixel>::record(const BlockPlace& place, const Candidate& best, std::span<const int> seam)
 {
-    Candidate candidate{texture, 0, 0};
-    if (avoids_) {
-        if (!drawAvoiding(random, place, candidate)) {
-            std::fputs(kCannotAvoid, stderr);
-            avoids_ = false;
-        }
-        return candidate;
+    BlockRecord& record = (*in_.blockList)[grid_.index(place.row, place.column)];
+    record.x = static_cast<float>(place.x);
+    record.y = static_cast<float>(place.y);
+    record.srcX = static_cast<float>(best.x);
+    record.srcY = static_cast<float>(best.y);
+    record.textureIndex = best.texture;
+    record.seamV.assign(seam.size(), {0.0f, 0.0f});
+    if (place.overlapW < 1) return;
+    for (std::size_t y = 0; y < seam.size(); ++y) {
+        record.seamV[y] = {static_cast<float>(seam[y]), static_cast<float>(y)};
     }
-    const Region& box = in_.sampleBox;
-    candidate.x = box.x0 + drawBelow(random, std::int64_t{box.x1} - place.width - box.x0);
-    candidate.y = box.y0 + drawBelow(random, std::int64_t{box.y1} - place.height - box.y0);
-    return candidate;
-}
-
-/// Draws from the whole texture until a candidate keeps clear of the fill region; the last one
-/// drawn stands when none does.
-template <typename Pixel>
-bool Quilt<Pixel>::drawAvoiding(Random& random, const BlockPlace& place, Candidate& candidate) const
-{
-    const Map<Pixel>& texture = *in_.textures[static_cast<std::size_t>(candidate.texture)];
-    for (int attempt = 0; attempt < kAvoidAttempts; ++attempt) {
-        candidate.x =
-            texture.xAxis().offset + drawBelow(random, std::int64_t{texture.width()} - place.width);
-        candidate.y = texture.yAxis().offset +
-                      drawBelow(random, std::int64_t{texture.height()} - place.height);
-        if (!touchesFillRegion(candidate, place)) return true;
-    }
-    return false;
-}
-
-template <typename Pixel>
-bool Quilt<Pixel>::touchesFillRegion(const Candidate& candidate, const BlockPlace& place) const
-{
-    for (int j = 0; j < place.height; ++j) {
-        const RowReader mask(*in_.fillMask, candidate.y + j);
-        for (int i = 0; i < place.width; ++i) {
-            if (mask[candidate.x + i] != 0.0f) return true;
-        }
-    }
-    return false;
-}
-
-/// The candidate's disagreement with the known pixels, the previous block and the previous row.
-template <typename Pixel>
-float Quilt<Pixel>::candidateError(const BlockPlace& place, const Candidate& candidate)
-{
-    const int overlapW = std::min(blocks_.overlapW, place.width);
-    const int overlapH = std::min(blocks_.overlapH, place.height);
-    float error = 0.0f;  // exact: float, in this order
-    if (!in_.fillAll) {
-        overlapError_.setWeight({in_.weightMap, place.x, place.y});
-        error +=
-            errorAgainst(*in_.source, place, candidate, blockError_, place.width, place.height);
-        overlapError_.setWeight({});
-    }
-    if (!place.firstInRow) {
-        error += errorAgainst(rowBuffer_, place, candidate, columnError_, overlapW, place.height);
-    }
-    if (!place.firstRow) {
-        error += errorAgainst(fillBuffer_, place, candidate, rowError_, place.width, overlapH);
-    }
-    return error;
-}
-
-/// The disagreement over the block's first `width` x `height` pixels, left in `error`.
-template <typename Pixel>
-float Quilt<Pixel>::errorAgainst(const Map<Pixel>& laid, const BlockPlace& place,
-                                 const Candidate& candidate, Map<Pixel32f>& error, int width,
-                                 int height)
-{
-    if (width < 1 || height < 1) return 0.0f;
-    shape(error, width, height);
-    const Map<Pixel>* texture = in_.textures[static_cast<std::size_t>(candidate.texture)];
-    overlapError_.setImages({&laid, place.x, place.y}, {texture, candidate.x, candidate.y});
-    return overlapError_.measure(error);
-}
-
-template <typename Pixel>
-void Quilt<Pixel>::findVerticalSeam(const BlockPlace& place, const Candidate& best)
-{
-    const int overlap = std::min(blocks_.overlapW, place.width);
-    if (overlap < 1) return;
-    errorAgainst(rowBuffer_, place, best, columnError_, overlap, place.height);
-    if (isAborted()) return;
-    bestFitPath({blocks_.seamStep, blocks_.blendW}, columnError_, columnCost_, seamV_,
-                SeamMode::Vertical);
-}
-
-template <typename Pixel>
-void Quilt<Pixel>::pasteBlock(const BlockPlace& place, const Candidate& best)
-{
-    paste_.setSourcePosition(best.x, best.y);
-    paste_.setSeams({.horizontal = zeros_, .vertical = seamV_});
-    // The first block of a row has nothing beside it to blend with.
-    paste_.setBlend({.width = place.firstInRow ? 0 : blocks_.blendW, .height = 0});
-    paste_.setRegion({place.x, place.y, place.x + place.width, place.y + place.height});
-    paste_.process(*in_.textures[static_cast<std::size_t>(best.texture)], rowBuffer_);
-}
-
-template <typename Pixel>
-void Quilt<Pixel>::record(const BlockPlace& place, const Candidate& best)
-{
-    if (in_.blockList != nullptr) {
-        in_.blockList->push_back({static_cast<float>(place.x),
-                                  static_cast<float>(place.y),
-                                  static_cast<float>(best.x),
-                                  static_cast<float>(best.y),
-                                  best.texture,
-                                  {},
-                                  seamV_});
-    }
-    if (in_.observer != nullptr) {
-        in_.observer->blockLaid(
-            {place.x, place.y, place.width, place.height, best.x, best.y, best.texture});
-    }
-}
-
-/// Cuts the finished row into the fill buffer along its seam with the row before.
-template <typename Pixel>
-void Quilt<Pixel>::joinRow(int rowY, int height)
-{
-    const Region& rect = in_.fillRect;
-    const int width = rect.x1 - rect.x0;
-    const int overlap = std::min(blocks_.overlapH, height);
-    const bool firstRow = rowY == rect.y0;
-    seamH_.assign(static_cast<std::size_t>(width), {0.0f, 0.0f});
-    if (!firstRow && overlap >= 1) {
-        Map<Pixel32f> error;
-        shape(error, width, overlap);
-        overlapError_.setImages({&fillBuffer_, rect.x0, rowY}, {&rowBuffer_, rect.x0, rowY});
-        overlapError_.measure(error);
-        if (isAborted()) return;
-        bestFitPath({blocks_.seamStep, blocks_.blendH}, error, rowCost_, seamH_,
-                    SeamMode::Horizontal);
-    }
-    paste_.setSourcePosition(rect.x0, rowY);
-    paste_.setSeams({.horizontal = seamH_, .vertical = zeros_});
-    paste_.setBlend({.width = 0, .height = firstRow ? 0 : blocks_.blendH});
-    paste_.setRegion({rect.x0, rowY, rect.x1, rowY + height});
-    paste_.process(rowBuffer_, fillBuffer_);
 }
 
 /// Gives each block of the row its part of the row's horizontal seam.
 template <typename Pixel>
-void Quilt<Pixel>::recordRowSeam(std::size_t firstRecord)
+void Quilt<Pixel>::recordRowSeam(int row, std::span<const int> seam)
 {
-    const int width = in_.fillRect.x1 - in_.fillRect.x0;
-    int start = 0;
-    for (std::size_t i = firstRecord; i < in_.blockList->size(); ++i) {
-        const auto first = seamH_.begin() + start;
-        const int count = std::min(blocks_.blockW, width - start);
-        (*in_.blockList)[i].seamH.assign(first, first + count);
-        start += strideX();
+    const bool isJoined = grid_.rowOverlap(row) > 0;
+    for (int column = 0; column < grid_.columns(); ++column) {
+        const auto start =
+            static_cast<std::size_t>(column) * static_cast<std::size_t>(blocks_.strideX());
+        const std::size_t count =
+            std::min(static_cast<std::size_t>(blocks_.blockW), seam.size() - start);
+        auto& part = (*in_.blockList)[grid_.index(row, column)].seamH;
+        part.assign(count, {0.0f, 0.0f});
+        if (!isJoined) continue;
+        for (std::size_t i = 0; i < count; ++i) {
+            part[i] = {static_cast<float>(start + i), static_cast<float>(seam[start + i])};
+        }
     }
 }
 
-/// The block's own seed: its candidates depend on its place and the user's seed only.
+/// Reports the blocks of rows that are complete, in order.
 template <typename Pixel>
-std::uint32_t Quilt<Pixel>::blockSeed(const BlockPlace& place) const
-{
-    // exact: 32-bit wrap-around
-    return 200u * static_cast<std::uint32_t>(place.y) + 103u * static_cast<std::uint32_t>(place.x) +
-           static_cast<std::uint32_t>(in_.seed);
-}
-
-template <typename Pixel>
-void Quilt<Pixel>::reportProgress(int yDone) const
+void Quilt<Pixel>::reportRows(int rows)
 {
     if (in_.observer == nullptr) return;
-    const Region& rect = in_.fillRect;
-    in_.observer->progress(static_cast<double>(yDone - rect.y0) / (rect.y1 - rect.y0));
+    for (; reportedRows_ < rows; ++reportedRows_) {
+        for (int column = 0; column < grid_.columns(); ++column) {
+            const BlockPlace place = grid_.at(reportedRows_, column);
+            const Candidate& best = chosen_[grid_.index(reportedRows_, column)];
+            in_.observer->blockLaid(
+                {place.x, place.y, place.width, place.height, best.x, best.y, best.texture});
+        }
+        const Region& rect = in_.fillRect;
+        const int done = grid_.rowY(reportedRows_) + grid_.rowHeight(reportedRows_) - rect.y0;
+        in_.observer->progress(static_cast<double>(done) / (rect.y1 - rect.y0));
+    }
 }
 
 template <typename Pixel>
-bool Quilt<Pixel>::isAborted() const
+typename Quilt<Pixel>::Bench& Quilt<Pixel>::bench(int worker)
 {
-    return in_.statusRecord != nullptr && in_.statusRecord->aborted != 0;
+    auto& bench = benches_[static_cast<std::size_t>(worker)];
+    if (bench == nullptr) bench = std::make_unique<Bench>(work_.workers());
+    return *bench;
 }
 
 template class Quilt<PixelRGBA8>;

@@ -1,27 +1,18 @@
 #pragma once
 
-#include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
 #include "engine/RenderObserver.h"
 #include "engine/TemporalState.h"
-#include "engine/map/Random.h"
+#include "engine/pass/SharedWork.h"
 #include "engine/quilt/BestFitPath.h"
+#include "engine/quilt/BlockChoice.h"
+#include "engine/quilt/BlockGrid.h"
 #include "engine/quilt/BlockPaste.h"
-#include "engine/quilt/OverlapError.h"
-#include "engine/quilt/TriedPositions.h"
 
 namespace Orvane::Engine {
-
-/// Sizes in pixels; quilting clamps them to each other.
-struct BlockSettings {
-    int blockW = 1, blockH = 1;
-    int overlapW = 0, overlapH = 0;
-    int blendW = 0, blendH = 0;
-    int seamStep = 2;    ///< largest step of a seam between neighbouring rows or columns
-    int numSamples = 1;  ///< candidates for each texture and block; fewer than 1 counts as 1
-};
 
 /// What quilting works on. Maps are borrowed for one call.
 template <typename Pixel>
@@ -53,8 +44,12 @@ struct QuiltResult {
 /// overlapping rows, from the corner with the smallest x and y. Each block is the best of a number
 /// of random candidates; blocks of a row, and rows, are joined along seams of least error.
 ///
-/// A map that cannot be allocated contributes nothing and the operation goes on, unless it is the
-/// one for the whole rectangle. After an abort it ends early and the target keeps what it had.
+/// `BlockGrid` says which blocks can be worked side by side. Every block is pasted over the one to
+/// its left at once; but the strip in which a row lies over the one below is kept apart, since both
+/// rows are read there until the upper one is complete and its seam is found. What the row above
+/// reads lies outside that strip.
+///
+/// After an abort it ends early and the target keeps what it had.
 template <typename Pixel>
 class Quilt {
 public:
@@ -62,48 +57,57 @@ public:
     QuiltResult run();
 
 private:
-    /// Where a block lies, cut at the fill rectangle's edge.
-    struct BlockPlace {
-        int x, y, width, height;
-        bool firstInRow, firstRow;
+    /// What one worker needs for itself.
+    struct Bench {
+        explicit Bench(int threads) : choice(threads) {}
+
+        BlockChoice<Pixel> choice;
+        SeamStrip strip;
+        std::vector<float> errors;
+        std::vector<int> path;
+        std::vector<Pixel> copy, besideCopy;
     };
-    struct Candidate {
-        int texture, x, y;
+    /// The first candidate that could not keep clear of the fill region, and so where drawing
+    /// becomes free: a block in the order of rows, and how many candidates it drew until then.
+    struct Surrender {
+        std::size_t block;
+        std::int64_t drawn;
     };
 
     void clampSizes();
-    void layRow(int rowY, int height);
-    void layBlock(const BlockPlace& place);
-    Candidate bestCandidate(const BlockPlace& place);
-    void startTrying(const BlockPlace& place, int samples);
-    Candidate draw(int texture, const BlockPlace& place, Random& random);
-    bool drawAvoiding(Random& random, const BlockPlace& place, Candidate& candidate) const;
-    bool touchesFillRegion(const Candidate& candidate, const BlockPlace& place) const;
-    float candidateError(const BlockPlace& place, const Candidate& candidate);
-    float errorAgainst(const Map<Pixel>& laid, const BlockPlace& place, const Candidate& candidate,
-                       Map<Pixel32f>& error, int width, int height);
-    void findVerticalSeam(const BlockPlace& place, const Candidate& best);
-    void pasteBlock(const BlockPlace& place, const Candidate& best);
-    void record(const BlockPlace& place, const Candidate& best);
-    void joinRow(int rowY, int height);
-    void recordRowSeam(std::size_t firstRecord);
-    std::uint32_t blockSeed(const BlockPlace& place) const;
-    void reportProgress(int yDone) const;
-    bool isAborted() const;
-    int strideX() const { return blocks_.blockW - blocks_.overlapW; }
-    int strideY() const { return blocks_.blockH - blocks_.overlapH; }
+    bool makeRoom();
+    void findSurrender();
+    bool placeBlocks();
+    void placeRun(const BlockRun& run, Bench& bench);
+    void placeBlock(const BlockPlace& place, Bench& bench);
+    std::int64_t freeFrom(std::size_t block) const;
+    void findVerticalSeam(const BlockPlace& place, const Rows<Pixel>& block, Bench& bench) const;
+    void pasteBlock(const BlockPlace& place, const Rows<Pixel>& block, std::span<const int> seam);
+    void joinRow(int row, Bench& bench);
+    void pasteStrip(int row, std::span<const int> seam);
+    void record(const BlockPlace& place, const Candidate& best, std::span<const int> seam);
+    void recordRowSeam(int row, std::span<const int> seam);
+    void reportRows(int rows);
+    Bench& bench(int worker);
+    Pixel* pixelsAt(const BlockPlace& place, int y);
+    Pixel* stripAt(int row, int y);
+    Rows<Pixel> below(const BlockPlace& place) const;
+    bool isAvoiding() const { return in_.avoidFillRegion && in_.fillMask != nullptr; }
 
     QuiltInputs<Pixel> in_;
-    BlockSettings blocks_;   ///< clamped once the quilt runs
-    bool avoids_;            ///< until that proves impossible
-    Map<Pixel> fillBuffer_;  ///< finished rows, over the fill rectangle
-    Map<Pixel> rowBuffer_;   ///< the row being laid
-    // Work maps keep their storage from block to block.
-    Map<Pixel32f> blockError_, columnError_, rowError_, columnCost_, rowCost_;
-    std::vector<PixelVec2f> seamV_, seamH_, zeros_;
-    TriedPositions tried_;
-    OverlapError<Pixel> overlapError_;
-    BlockPaste<Pixel> paste_;
+    BlockSettings blocks_;  ///< clamped once the quilt runs
+    SharedWork work_;
+    BlockGrid grid_;
+    std::vector<TextureView<Pixel>> textures_;
+    std::vector<const MapDomain*> textureDomains_;
+    std::unique_ptr<RegionSums> avoided_;
+    CandidateSource candidates_;
+    Surrender surrender_;
+    std::vector<std::unique_ptr<Bench>> benches_;
+    std::vector<Candidate> chosen_;  ///< for each block, row by row
+    Map<Pixel> fillBuffer_;          ///< over the fill rectangle
+    Map<Pixel> strips_;              ///< of each row but the first, one above the other
+    int reportedRows_ = 0;
 };
 
 }  // namespace Orvane::Engine

@@ -109,14 +109,19 @@ TYPED_TEST(KernelsTest, ErrorsAreThePlainOnes)
                           bRows = rows(b, &b == &a ? aGap : std::min(aGap, bGap));
         // What lies between the rows of a map stays as it is.
         std::vector<float> wanted(static_cast<std::size_t>(mapStride * height), 7.0f), got = wanted;
-        plain.errorMap(aRows, bRows, width, height, wanted.data(), mapStride);
-        fast.errorMap(aRows, bRows, width, height, got.data(), mapStride);
+        auto weights = this->values(width * height, 1.0f);
+        for (float& w : weights) w = this->below(3) == 0 ? 0.0f : w;
+        const Rows<float> weightRows =
+            this->below(2) ? Rows<float>{}
+                           : Rows<float>{weights.data(), static_cast<std::ptrdiff_t>(4 * width)};
+        plain.errorMap(aRows, bRows, weightRows, width, height, wanted.data(), mapStride);
+        fast.errorMap(aRows, bRows, weightRows, width, height, got.data(), mapStride);
         EXPECT_TRUE(same(wanted, got)) << width << " x " << height;
 
-        const float whole = plain.roughError(aRows, bRows, width, height, kHuge);
+        const float whole = plain.roughError(aRows, bRows, weightRows, width, height, kHuge);
         for (const float limit : {kHuge, whole * 0.5f, 0.0f}) {
-            EXPECT_TRUE(same(plain.roughError(aRows, bRows, width, height, limit),
-                             fast.roughError(aRows, bRows, width, height, limit)))
+            EXPECT_TRUE(same(plain.roughError(aRows, bRows, weightRows, width, height, limit),
+                             fast.roughError(aRows, bRows, weightRows, width, height, limit)))
                 << width << " x " << height << " up to " << limit;
         }
     });

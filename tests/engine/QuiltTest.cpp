@@ -49,54 +49,57 @@ TYPED_TEST_SUITE(QuiltStages, Depths);
 
 TYPED_TEST(QuiltStages, ErrorAgreesWithTheReferenceForEveryThreadCount)
 {
-    for (const int threads : {1, 2, 4, 7}) {
-        FakeServices services(static_cast<unsigned int>(threads));
-        auto a = noise<TypeParam>(40, 33, 1, -3, 5), b = noise<TypeParam>(50, 60, 2, 100, 100);
-        b->setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
-        auto refA = referenceOf(a), refB = referenceOf(b);
+    auto a = noise<TypeParam>(40, 33, 1, -3, 5), b = noise<TypeParam>(50, 60, 2, 100, 100);
+    b->setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
+    auto refA = referenceOf(a), refB = referenceOf(b);
+    for (const int threads : {1, 2, 4, 7, 40}) {
+        OverlapError<TypeParam> error(threads);
         for (const int bx : {100, 140, 60}) {  // inside, and hanging out on both sides
-            TestMap<Pixel32f> error(25, 31);
             Reference::Field refError(0, 0, 25, 31);
-            OverlapError<TypeParam> node;
-            node.setImages({&*a, 2, 6}, {&*b, bx, 101});
-            EXPECT_EQ(node.measure(*error),
-                      Reference::overlapError(refA, 2, 6, refB, bx, 101, refError, threads));
-            EXPECT_EQ(error.pixels(), refError.pixels);
+            const float wanted =
+                Reference::overlapError(refA, 2, 6, refB, bx, 101, refError, threads);
+            std::vector<TypeParam> aCopy, bCopy;
+            Strip<TypeParam> strip;
+            strip.width = 25;
+            strip.height = 31;
+            strip.a = windowOf(*a, 2, 6, 25, 31, aCopy);
+            strip.b = windowOf(*b, bx, 101, 25, 31, bCopy);
+            EXPECT_EQ(error.exact(strip), wanted);
+            const float rough = error.rough(strip, std::numeric_limits<float>::max());
+            EXPECT_LE(boundsOf(rough, strip.pixels()).least, wanted);
+            EXPECT_GE(boundsOf(rough, strip.pixels()).most, wanted);
         }
-        EXPECT_EQ(services.threads.calls, 3);
     }
 }
 
 /// Of the few pixels whose float differs when the terms are added in another order.
 TEST(OverlapError, AddsTheTermsInTheOrderBlueGreenRed)
 {
-    const FakeServices services;
-    TestMap<PixelRGBA16> a(1, 1), b(1, 1);
-    TestMap<Pixel32f> error(1, 1);
-    a.at(0, 0) = {47856, 13852, 24352, 0};
-    OverlapError<PixelRGBA16> node;
-    node.setImages({&*a, 0, 0}, {&*b, 0, 0});
+    const PixelRGBA16 a{47856, 13852, 24352, 0}, b{};
+    const Strip<PixelRGBA16> strip = {
+        .a = {&a, 0}, .b = {&b, 0}, .weights = {}, .width = 1, .height = 1};
+    const float error = OverlapError<PixelRGBA16>(1).exact(strip);
     const auto term = [](std::uint16_t value) {
         const auto d = static_cast<double>(static_cast<float>(value) * 1.5259022e-05f);
         return ((d * d) * (d * d)) * ((d * d) * (d * d));
     };
     const double blueGreenRed = term(24352) + term(13852) + term(47856);
     const double redGreenBlue = term(47856) + term(13852) + term(24352);
-    EXPECT_EQ(node.measure(*error), static_cast<float>(blueGreenRed));
-    EXPECT_NE(node.measure(*error), static_cast<float>(redGreenBlue));
+    EXPECT_EQ(error, static_cast<float>(blueGreenRed));
+    EXPECT_NE(error, static_cast<float>(redGreenBlue));
 }
 
 TYPED_TEST(QuiltStages, ErrorCountsOnlyPositiveWeights)
 {
-    const FakeServices services;
     const auto a = solid<TypeParam>(4, 1, 0.0f), b = solid<TypeParam>(4, 1, 1.0f);
-    TestMap<Pixel32f> weight(4, 1), error(4, 1);
-    weight.pixels() = {1.0f, 0.0f, -1.0f, std::numeric_limits<float>::quiet_NaN()};
-    OverlapError<TypeParam> node;
-    node.setImages({&*a, 0, 0}, {&*b, 0, 0});
-    node.setWeight({&*weight, 0, 0});
-    EXPECT_EQ(node.measure(*error), 3.0f);
-    EXPECT_THAT(error.pixels(), ElementsAre(3.0f, 0.0f, 0.0f, 0.0f));
+    const std::array weights = {1.0f, 0.0f, -1.0f, std::numeric_limits<float>::quiet_NaN()};
+    std::vector<TypeParam> copy;
+    const Strip<TypeParam> strip = {.a = windowOf(*a, 0, 0, 4, 1, copy),
+                                    .b = windowOf(*b, 0, 0, 4, 1, copy),
+                                    .weights = {weights.data(), 0},
+                                    .width = 4,
+                                    .height = 1};
+    EXPECT_EQ(OverlapError<TypeParam>(1).exact(strip), 1.0f + 1.0f + 1.0f);
 }
 
 TYPED_TEST(QuiltStages, PasteAgreesWithTheReference)
@@ -223,36 +226,29 @@ TEST(BestFitPath, AgreesWithTheReferenceAndBreaksTiesToTheSmallestIndex)
         for (float& e : error.pixels()) e = static_cast<float>(random() % 3);  // many ties
         Reference::Field refError(0, 0, w, h);
         refError.pixels = error.pixels();
-        Map<Pixel32f> cost;
-        std::vector<PixelVec2f> vertical(static_cast<std::size_t>(h));
-        std::vector<PixelVec2f> horizontal(static_cast<std::size_t>(w));
-        bestFitPath({step, margin}, *error, cost, vertical, SeamMode::Vertical);
-        bestFitPath({step, margin}, *error, cost, horizontal, SeamMode::Horizontal);
-        const auto refX = Reference::seam(refError, step, margin, true);
-        const auto refY = Reference::seam(refError, step, margin, false);
-        for (std::size_t y = 0; y < refX.size(); ++y) {
-            ASSERT_EQ(vertical[y],
-                      (PixelVec2f{static_cast<float>(refX[y]), static_cast<float>(y)}));
-        }
-        for (std::size_t x = 0; x < refY.size(); ++x) {
-            ASSERT_EQ(horizontal[x],
-                      (PixelVec2f{static_cast<float>(x), static_cast<float>(refY[x])}));
-        }
+        SeamStrip rows, columns;
+        rows.shape(h, w);
+        for (int y = 0; y < h; ++y) std::copy_n(error->pixelAt(0, y), w, rows.errors(y));
+        columns.shape(w, h);
+        columns.setColumns({error->pixelAt(0, 0), error->stride()});
+        std::vector<int> vertical(static_cast<std::size_t>(h));
+        std::vector<int> horizontal(static_cast<std::size_t>(w));
+        bestFitPath({step, margin}, rows, vertical);
+        bestFitPath({step, margin}, columns, horizontal);
+        std::ranges::reverse(horizontal);
+        EXPECT_EQ(vertical, Reference::seam(refError, step, margin, true));
+        EXPECT_EQ(horizontal, Reference::seam(refError, step, margin, false));
     }
 }
 
-TEST(BestFitPath, StaysWithinNarrowStripsAndSurvivesMissingMemory)
+TEST(BestFitPath, StaysWithinNarrowStrips)
 {
-    FakeServices services;
-    TestMap<Pixel32f> error(4, 3);
-    std::vector<PixelVec2f> path(3);
-    Map<Pixel32f> cost;
-    bestFitPath({2, 50}, *error, cost, path, SeamMode::Vertical);
-    for (const PixelVec2f& p : path) EXPECT_TRUE(p.x >= 1.0f && p.x <= 2.0f);
-    services.memory.refuseAll = true;
-    Map<Pixel32f> noCost;
-    bestFitPath({2, 0}, *error, noCost, path, SeamMode::Vertical);
-    EXPECT_THAT(path, ElementsAre(PixelVec2f{0, 0}, PixelVec2f{0, 1}, PixelVec2f{0, 2}));
+    SeamStrip strip;
+    strip.shape(3, 4);
+    for (int y = 0; y < 3; ++y) std::fill_n(strip.errors(y), 4, static_cast<float>(y));
+    std::vector<int> path(3);
+    bestFitPath({2, 50}, strip, path);
+    for (const int s : path) EXPECT_TRUE(s == 1 || s == 2);
 }
 
 /// A small quilt whose settings a test may spoil.
@@ -322,16 +318,25 @@ TEST(Quilt, BlocksDependOnTheirPlaceAndTheSeed)
 
 TEST(Quilt, ManySamplesAreTheSameButMeasuredOnce)
 {
-    FakeServices services(1, Testing::FakeThreads::Mode::InARow);
+    const FakeServices services;
     SmallQuilt some, many;
     some.blocks.numSamples = 999;                                    // every draw is measured
     some.inputs.sampleBox = many.inputs.sampleBox = {2, 1, 17, 15};  // 5 x 4 positions
-    many.blocks.numSamples = 9000000;
+    many.blocks.numSamples = 1000000;
     some.run();
-    const int measured = services.threads.calls;
     many.run();
     EXPECT_EQ(some.target.pixels(), many.target.pixels());
-    EXPECT_LT(services.threads.calls - measured, measured / 20);
+
+    TriedPositions tried;
+    const std::array<const MapDomain*, 1> textures = {&*many.texture};
+    const CandidateSource source = {many.inputs.sampleBox, textures, nullptr, 1000000, 7};
+    BlockPlace place{};
+    place.width = place.height = 10;
+    CandidateDraw draw(source, place, 0, tried);
+    int candidates = 0;
+    while (draw.next()) ++candidates;
+    EXPECT_EQ(draw.drawn(), 1000000);
+    EXPECT_EQ(candidates, 5 * 4);
 }
 
 TEST(Quilt, KeepsClearOfTheFillRegion)

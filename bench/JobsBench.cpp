@@ -1,0 +1,377 @@
+/// Named jobs on real pictures, through the render action of one or two built plug-ins in turn, so
+/// that both meet the same machine: prints the time of each and their ratio, and fails when their
+/// pictures differ.
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "files/PictureReader.h"
+#include "host/Effect.h"
+#include "host/EmbeddedHost.h"
+#include "host/Instance.h"
+#include "host/Plugin.h"
+
+namespace Tesseret::Bench {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Host::Instance;
+using Shared = std::shared_ptr<const Picture>;
+
+/// What a job renders. Mattes are in alpha alone; without one the whole window is filled.
+struct Job {
+    const char* name;
+    const char* what;
+    const char* source;   ///< a file of the folder; null: black, of `size`
+    OfxPointI size;       ///< of a black source
+    const char* texture;  ///< null: the source's own
+    const char* matte;    ///< null: the whole window is filled
+    bool cropsMatte;      ///< to the box of what is white
+    bool repeats;         ///< times the second frame with temporal consistency
+    std::vector<std::pair<const char*, double>> values;
+};
+
+std::vector<Job> allJobs()
+{
+    const OfxPointI kHd{1920, 1080}, kUhd{3840, 2160}, kNone{0, 0};
+    const char* const leaves = "tex_leaves.png";
+    const char* const hole = "photo_spacecraft_hole800.png";
+    const char* const craft = "photo_spacecraft.png";
+    return {
+        {"J1", "quilt 1920x1080 from tex_leaves", nullptr, kHd, leaves, nullptr, false, false, {}},
+        {"J2",
+         "fill photo_coast, full matte",
+         "photo_coast.png",
+         kNone,
+         nullptr,
+         "photo_coast_matte.png",
+         false,
+         false,
+         {}},
+        {"J3",
+         "fill photo_spacecraft, the 800-pixel hole",
+         craft,
+         kNone,
+         nullptr,
+         hole,
+         false,
+         false,
+         {}},
+        {"J3l",
+         "J3 with luminanceMatch",
+         craft,
+         kNone,
+         nullptr,
+         hole,
+         false,
+         false,
+         {{"luminanceMatch", 1}}},
+        {"J3r",
+         "J3 laid again from the record",
+         craft,
+         kNone,
+         nullptr,
+         hole,
+         false,
+         true,
+         {{"temporalConsistancy", 1}}},
+        {"J4", "quilt 3840x2160 from tex_leaves", nullptr, kUhd, leaves, nullptr, false, false, {}},
+        {"J5",
+         "J1 with 50 samples",
+         nullptr,
+         kHd,
+         leaves,
+         nullptr,
+         false,
+         false,
+         {{"numSamples", 50}}},
+        {"J6",
+         "fill photo_coast as the guide recommends",
+         "photo_coast.png",
+         kNone,
+         nullptr,
+         "photo_coast_matte.png",
+         true,
+         false,
+         {{"blockSize", 40},
+          {"overlap", 10},
+          {"numSamples", 100},
+          {"avoidFillRegion", 1},
+          {"luminanceMatch", 1}}},
+        {"hole12",
+         "a 12x12 hole in a picture of 1920x1080",
+         craft,
+         kNone,
+         nullptr,
+         "12",
+         true,
+         false,
+         {}},
+    };
+}
+
+Shared load(const std::filesystem::path& file, Files::ReadAs as, Depth depth)
+{
+    return std::make_shared<Picture>(Files::readPicture(file, as, depth).picture);
+}
+
+/// The part of a matte that is not 0.
+Shared cropped(const Picture& matte)
+{
+    OfxRectI box{matte.bounds().x2, matte.bounds().y2, matte.bounds().x1, matte.bounds().y1};
+    for (int y = matte.bounds().y1; y < matte.bounds().y2; ++y) {
+        for (int x = matte.bounds().x1; x < matte.bounds().x2; ++x) {
+            if (matte.channel(x, y, 0) == 0.0) continue;
+            box = {std::min(box.x1, x), std::min(box.y1, y), std::max(box.x2, x + 1),
+                   std::max(box.y2, y + 1)};
+        }
+    }
+    return std::make_shared<Picture>(matte.copied(box, matte.layout()));
+}
+
+Shared squareMatte(const Picture& source, int side, Depth depth)
+{
+    const int x = source.width() / 2, y = source.height() / 2;
+    Picture matte({x, y, x + side, y + side}, Depth::Byte, Components::Alpha);
+    for (int row = y; row < y + side; ++row) std::memset(matte.row(row), 255, std::size_t(side));
+    return std::make_shared<Picture>(matte.converted(depth, Components::Alpha));
+}
+
+/// The pictures of a job at a depth.
+struct JobPictures {
+    Shared source, texture, matte;
+};
+
+JobPictures picturesOf(const Job& job, const std::filesystem::path& folder, Depth depth)
+{
+    JobPictures pictures;
+    pictures.source =
+        job.source != nullptr
+            ? load(folder / job.source, Files::ReadAs::Picture, depth)
+            : std::make_shared<Picture>(OfxRectI{0, 0, job.size.x, job.size.y}, depth);
+    if (job.texture != nullptr) {
+        pictures.texture = load(folder / job.texture, Files::ReadAs::Picture, depth);
+    }
+    if (job.matte == nullptr) return pictures;
+    if (std::strcmp(job.matte, "12") == 0) {
+        pictures.matte = squareMatte(*pictures.source, 12, depth);
+        return pictures;
+    }
+    pictures.matte = load(folder / job.matte, Files::ReadAs::Matte, depth);
+    if (job.cropsMatte) pictures.matte = cropped(*pictures.matte);
+    return pictures;
+}
+
+/// One plug-in in a host of its own, ready to render a job.
+class Rig {
+public:
+    Rig(const std::string& plugin, const Job& job, const JobPictures& pictures, unsigned threads)
+        : job_(job),
+          host_(optionsFor(threads)),
+          output_(pictures.source->bounds(), pictures.source->depth())
+    {
+        const auto library = Host::PluginLibrary::load(plugin);
+        effect_ = std::make_unique<Host::Effect>(host_, library, library->plugin());
+        effect_->start();
+        instance_ = effect_->createInstance(kOfxImageEffectContextGeneral);
+        connect("Source", pictures.source);
+        if (pictures.texture) {
+            connect("Texture1", pictures.texture);
+            instance_->set("useTexture1", 1);
+            sampleWhole(*pictures.texture);
+        }
+        if (pictures.matte) connect("Matte", pictures.matte);
+        instance_->set("fillRegion", pictures.matte ? 3 : 0);
+        for (const auto& [name, value] : job.values) set(name, value);
+        start_ = pictures.source;
+    }
+
+    /// Seconds of one render action.
+    double render()
+    {
+        Host::RenderRequest request;
+        request.window = output_.bounds();
+        if (job_.repeats) {
+            request.time = 0;
+            renderOnce(request);
+            request.time = 1;
+        }
+        return renderOnce(request);
+    }
+    const Picture& output() const { return output_; }
+
+private:
+    static Host::HostOptions optionsFor(unsigned threads)
+    {
+        Host::HostOptions options;
+        options.threads = threads;
+        return options;
+    }
+    void connect(const char* clip, const Shared& picture)
+    {
+        instance_->connect(clip, std::make_shared<Host::StillSource>(picture, OfxRangeD{0.0, 1.0}));
+    }
+    /// The whole texture is the sample box; corners are in parts of the project.
+    void sampleWhole(const Picture& texture)
+    {
+        const double x = (texture.width() + 0.25) / output_.width();
+        const double y = (texture.height() + 0.25) / output_.height();
+        instance_->set("sampleCorner1", std::vector<double>{0.0, 0.0});
+        instance_->set("sampleCorner2", std::vector<double>{x, y});
+    }
+    void set(const char* name, double value) { instance_->set(name, static_cast<int>(value)); }
+    double renderOnce(const Host::RenderRequest& request)
+    {
+        output_.paste(*start_);
+        const auto begin = Clock::now();
+        if (instance_->renderOnly(request, &output_) != kOfxStatOK) {
+            throw std::runtime_error(std::string(job_.name) + ": the render failed");
+        }
+        return std::chrono::duration<double>(Clock::now() - begin).count();
+    }
+
+    const Job& job_;
+    Host::EmbeddedHost host_;
+    Picture output_;
+    std::unique_ptr<Host::Effect> effect_;
+    std::unique_ptr<Instance> instance_;
+    Shared start_;
+};
+
+bool samePixels(const Picture& a, const Picture& b)
+{
+    const std::size_t rowBytes = a.pixelBytes() * static_cast<std::size_t>(a.width());
+    for (int y = a.bounds().y1; y < a.bounds().y2; ++y) {
+        if (std::memcmp(a.row(y), b.row(y), rowBytes) != 0) return false;
+    }
+    return true;
+}
+
+/// Processes that keep a core busy each, for as long as the object lives.
+class Load {
+public:
+    explicit Load(int count)
+    {
+        for (int i = 0; i < count; ++i) {
+            const pid_t child = ::fork();
+            if (child == 0) {
+                for (volatile bool forever = true; forever;) continue;
+            }
+            children_.push_back(child);
+        }
+    }
+    ~Load()
+    {
+        for (const pid_t child : children_) {
+            ::kill(child, SIGKILL);
+            ::waitpid(child, nullptr, 0);
+        }
+    }
+    Load(const Load&) = delete;
+    Load& operator=(const Load&) = delete;
+
+private:
+    std::vector<pid_t> children_;
+};
+
+struct Options {
+    std::filesystem::path pictures;
+    std::vector<std::string> plugins;
+    std::vector<std::string> jobs;
+    std::vector<unsigned> threads{2};
+    std::string depth = "byte";
+    int rounds = 7, busy = 0;
+};
+
+double median(std::vector<double> values)
+{
+    std::ranges::sort(values);
+    return values[values.size() / 2];
+}
+
+Depth depthOf(const std::string& name)
+{
+    return name == "float" ? Depth::Float : name == "short" ? Depth::Short : Depth::Byte;
+}
+
+/// Prints a line for a job; false when the pictures differ.
+bool runJob(const Job& job, const Options& options, unsigned threads)
+{
+    const JobPictures pictures = picturesOf(job, options.pictures, depthOf(options.depth));
+    std::vector<std::unique_ptr<Rig>> rigs;
+    for (const std::string& plugin : options.plugins) {
+        rigs.push_back(std::make_unique<Rig>(plugin, job, pictures, threads));
+    }
+    std::vector<std::vector<double>> times(rigs.size());
+    for (auto& rig : rigs) rig->render();  // threads and memory are there from here on
+    for (int round = 0; round < options.rounds; ++round) {
+        for (std::size_t i = 0; i < rigs.size(); ++i) times[i].push_back(rigs[i]->render());
+    }
+    std::printf("%-7s %-5s %u threads", job.name, options.depth.c_str(), threads);
+    for (const auto& of : times) {
+        std::printf("  %9.2f ms (least %.2f)", median(of) * 1e3,
+                    *std::ranges::min_element(of) * 1e3);
+    }
+    bool same = true;
+    if (rigs.size() > 1) {
+        std::printf("  ratio %.2f", median(times[0]) / median(times[1]));
+        same = samePixels(rigs[0]->output(), rigs[1]->output());
+        if (!same) std::printf("  THE PICTURES DIFFER");
+    }
+    std::printf("  %s\n", job.what);
+    std::fflush(stdout);
+    return same;
+}
+
+int run(int argc, char** argv)
+{
+    Options options;
+    CLI::App app("Times named jobs on real pictures, with one plug-in or two in turn");
+    app.add_option("pictures", options.pictures, "Folder of the jobs' pictures")->required();
+    app.add_option("plugins", options.plugins,
+                   "Bundles or libraries: one, or the older and the newer")
+        ->required()
+        ->expected(1, 2);
+    app.add_option("--job", options.jobs, "Only these (J1 ...)")->delimiter(',');
+    app.add_option("--threads", options.threads, "Of the host's pool")->delimiter(',');
+    app.add_option("--depth", options.depth)->check(CLI::IsMember({"byte", "short", "float"}));
+    app.add_option("--rounds", options.rounds)->check(CLI::Range(1, 1000));
+    app.add_option("--busy", options.busy, "Processes that keep a core busy each meanwhile")
+        ->check(CLI::Range(0, 64));
+    CLI11_PARSE(app, argc, argv);
+    const Load load(options.busy);
+    bool same = true;
+    for (const Job& job : allJobs()) {
+        const bool wanted =
+            options.jobs.empty() || std::ranges::find(options.jobs, job.name) != options.jobs.end();
+        for (const unsigned threads : wanted ? options.threads : std::vector<unsigned>{}) {
+            same = runJob(job, options, threads) && same;
+        }
+    }
+    return same ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace Tesseret::Bench
+
+int main(int argc, char** argv)
+{
+    try {
+        return Tesseret::Bench::run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "bench_jobs: %s\n", error.what());
+        return 2;
+    }
+}

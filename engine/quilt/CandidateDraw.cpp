@@ -1,0 +1,86 @@
+#include "engine/quilt/CandidateDraw.h"
+
+#include <algorithm>
+
+namespace Orvane::Engine {
+namespace {
+
+/// From so many samples on, positions drawn again are not measured again.
+constexpr int kManySamples = 1000;
+
+/// The block's own seed: its candidates depend on its place and the user's seed only.
+std::uint32_t blockSeed(const BlockPlace& place, int seed)
+{
+    // exact: 32-bit wrap-around
+    return 200u * static_cast<std::uint32_t>(place.y) + 103u * static_cast<std::uint32_t>(place.x) +
+           static_cast<std::uint32_t>(seed);
+}
+
+}  // namespace
+
+CandidateDraw::CandidateDraw(const CandidateSource& source, const BlockPlace& place,
+                             std::int64_t freeFrom, TriedPositions& tried)
+    : source_(&source),
+      place_(&place),
+      freeFrom_(freeFrom),
+      tried_(&tried),
+      random_(blockSeed(place, source.seed))
+{}
+
+std::optional<Candidate> CandidateDraw::next()
+{
+    const std::int64_t all = static_cast<std::int64_t>(source_->textures.size()) * source_->samples;
+    while (drawn_ < all) {
+        if (drawn_ % source_->samples == 0) startTexture();
+        const Candidate candidate = avoids() ? drawAvoiding() : draw();
+        ++drawn_;
+        if (tried_->isNew(candidate.x, candidate.y)) return candidate;
+    }
+    return {};
+}
+
+/// Keeps track of the positions drawn from the sample box where there are enough draws for that to
+/// pay.
+void CandidateDraw::startTexture()
+{
+    texture_ = static_cast<int>(drawn_ / source_->samples);
+    const Region& box = source_->sampleBox;
+    const std::int64_t columns = std::int64_t{box.x1} - place_->width - box.x0;
+    const std::int64_t rows = std::int64_t{box.y1} - place_->height - box.y0;
+    // A box that is smaller than the block draws to its other side.
+    if (source_->samples < kManySamples || avoids() || columns < 0 || rows < 0) {
+        tried_->stop();
+    } else {
+        tried_->start(box.x0, box.y0, columns, rows);
+    }
+}
+
+Candidate CandidateDraw::draw()
+{
+    const Region& box = source_->sampleBox;
+    Candidate candidate{texture_, 0, 0};
+    candidate.x = box.x0 + drawBelow(random_, std::int64_t{box.x1} - place_->width - box.x0);
+    candidate.y = box.y0 + drawBelow(random_, std::int64_t{box.y1} - place_->height - box.y0);
+    return candidate;
+}
+
+/// Draws from the whole texture until a candidate keeps clear of the region; the last one drawn
+/// stands when none does.
+Candidate CandidateDraw::drawAvoiding()
+{
+    const MapDomain& texture = *source_->textures[static_cast<std::size_t>(texture_)];
+    Candidate candidate{texture_, 0, 0};
+    for (int attempt = 0; attempt < kAvoidAttempts; ++attempt) {
+        candidate.x = texture.xAxis().offset +
+                      drawBelow(random_, std::int64_t{texture.width()} - place_->width);
+        candidate.y = texture.yAxis().offset +
+                      drawBelow(random_, std::int64_t{texture.height()} - place_->height);
+        if (!source_->avoided->touches(candidate.x, candidate.y, place_->width, place_->height)) {
+            return candidate;
+        }
+    }
+    failedToAvoid_ = true;
+    return candidate;
+}
+
+}  // namespace Orvane::Engine
