@@ -63,9 +63,9 @@ int render(const CommandOptions& options)
     const Render::RenderSettings settings = settingsFrom(options.render);
     useThreads(settings);
     Render::catchInterrupts();
-    RenderReporter reporter(options.quiet     ? Loudness::Quiet
-                            : options.verbose ? Loudness::Verbose
-                                              : Loudness::Normal);
+    RenderReporter reporter(options.quiet     ? Verbosity::Quiet
+                            : options.verbose ? Verbosity::Verbose
+                                              : Verbosity::Normal);
     std::optional<Render::DebugMaps> maps;
     if (!options.debugMaps.empty()) maps.emplace(options.debugMaps, reporter);
     Render::JobListeners listeners{&reporter, maps ? &*maps : nullptr};

@@ -45,8 +45,8 @@ std::string fixed(double number, int digits)
 
 }  // namespace
 
-RenderReporter::RenderReporter(Loudness loudness)
-    : loudness_(loudness), bar_(stderr, loudness != Loudness::Quiet)
+RenderReporter::RenderReporter(Verbosity verbosity)
+    : verbosity_(verbosity), bar_(stderr, verbosity != Verbosity::Quiet)
 {}
 
 RenderReporter::~RenderReporter()
@@ -63,15 +63,15 @@ void RenderReporter::begin(Render::RenderJob& job)
 {
     const std::lock_guard lock(mutex_);
     frameCount_ = job.inputs().frames().size();
-    if (loudness_ == Loudness::Verbose) sayJob(job);
+    if (verbosity_ == Verbosity::Verbose) printJob(job);
     const bool takesAlpha = job.fillRegion().source == Render::MaskSource::Alpha;
-    if (takesAlpha && loudness_ != Loudness::Quiet) {
+    if (takesAlpha && verbosity_ != Verbosity::Quiet) {
         std::printf("matte taken from the source's alpha\n");
     }
     std::fflush(stdout);
 }
 
-void RenderReporter::sayJob(Render::RenderJob& job)
+void RenderReporter::printJob(Render::RenderJob& job)
 {
     const Host::EffectDescription effect = job.session().effect().description();
     std::printf("plug-in      %s, %s %u.%u\n", job.session().file().c_str(), effect.label.c_str(),
@@ -88,7 +88,7 @@ void RenderReporter::finish()
 {
     const std::lock_guard lock(mutex_);
     bar_.clear();
-    if (loudness_ != Loudness::Verbose) return;
+    if (verbosity_ != Verbosity::Verbose) return;
     std::printf("%-30s %7s %11s\n", "stage", "times", "ms");
     for (const StageTimes::Stage& stage : stages_.all()) {
         const std::string name = std::string(stage.level * 2, ' ') + stage.name;
@@ -119,14 +119,14 @@ void RenderReporter::frameBegan(int frame)
 void RenderReporter::matteTaken(Files::MatteFrom from)
 {
     const std::lock_guard lock(mutex_);
-    if (loudness_ == Loudness::Quiet || from == matteSaid_) return;
+    if (verbosity_ == Verbosity::Quiet || from == reportedMatte_) return;
     bar_.clear();
-    if (matteSaid_) std::printf("frame %d: ", frame_);
+    if (reportedMatte_) std::printf("frame %d: ", frame_);
     std::printf("matte taken from its %s\n", from == Files::MatteFrom::Alpha  ? "alpha"
                                              : from == Files::MatteFrom::Grey ? "grey"
                                                                               : "luminance");
     std::fflush(stdout);
-    matteSaid_ = from;
+    reportedMatte_ = from;
 }
 
 /// A sequence says the number of areas again where it changes.
@@ -135,8 +135,8 @@ void RenderReporter::areaBegan(std::size_t area, std::size_t count)
     const std::lock_guard lock(mutex_);
     area_ = area;
     areaCount_ = count;
-    if (loudness_ != Loudness::Quiet && area == 0 && count != areaCountSaid_) {
-        areaCountSaid_ = count;
+    if (verbosity_ != Verbosity::Quiet && area == 0 && count != reportedAreaCount_) {
+        reportedAreaCount_ = count;
         bar_.clear();
         if (frameCount_ > 1) std::printf("frame %d: ", frame_);
         std::printf("%zu area%s to fill\n", count, count == 1 ? "" : "s");
@@ -153,7 +153,7 @@ void RenderReporter::frameWritten(const Render::FrameResult& result)
     total_.readTime += result.readTime;
     total_.renderTime += result.renderTime;
     total_.writeTime += result.writeTime;
-    if (loudness_ == Loudness::Quiet) return;
+    if (verbosity_ == Verbosity::Quiet) return;
     if (bar_.isShown() && framesWritten_ < frameCount_) {
         drawBar();
         return;
@@ -165,7 +165,7 @@ void RenderReporter::frameWritten(const Render::FrameResult& result)
     std::fflush(stdout);
 }
 
-void RenderReporter::tell(const std::string& kind, const std::string& text)
+void RenderReporter::printLine(const std::string& kind, const std::string& text)
 {
     bar_.clear();
     std::fprintf(stderr, "tesseret: %s%s\n", kind.c_str(), text.c_str());
@@ -175,19 +175,19 @@ void RenderReporter::tell(const std::string& kind, const std::string& text)
 void RenderReporter::warning(const std::string& text)
 {
     const std::lock_guard lock(mutex_);
-    tell("warning: ", text);
+    printLine("warning: ", text);
 }
 
 void RenderReporter::message(const std::string& text)
 {
     const std::lock_guard lock(mutex_);
-    tell("", text);
+    printLine("", text);
 }
 
 void RenderReporter::note(Host::Instance& /*instance*/, std::string_view text)
 {
     const std::lock_guard lock(mutex_);
-    if (notes_.emplace(text).second) tell("note: ", std::string(text));
+    if (notes_.emplace(text).second) printLine("note: ", std::string(text));
 }
 
 void RenderReporter::stageBegan(Host::Instance& /*instance*/, std::string_view stage)

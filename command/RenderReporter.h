@@ -12,13 +12,13 @@
 
 namespace Tesseret::Command {
 
-enum class Loudness { Quiet, Normal, Verbose };
+enum class Verbosity { Quiet, Normal, Verbose };
 
 /// Shows a job to the person who started it: a progress bar on a terminal, else a line for each
 /// file on standard output; notes and warnings on standard error, also when quiet.
 class RenderReporter final : public Render::JobListener {
 public:
-    explicit RenderReporter(Loudness loudness);
+    explicit RenderReporter(Verbosity verbosity);
     ~RenderReporter() override;
 
     /// Before the first frame.
@@ -40,19 +40,19 @@ public:
 
 private:
     void drawBar();
-    void sayJob(Render::RenderJob& job);
-    void tell(const std::string& kind, const std::string& text);
+    void printJob(Render::RenderJob& job);
+    void printLine(const std::string& kind, const std::string& text);
     double elapsed() const;
 
-    const Loudness loudness_;
+    const Verbosity verbosity_;
     const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
     std::mutex mutex_;  ///< guards everything below
     ProgressBar bar_;
     StageTimes stages_;
     std::set<std::string> notes_;
     std::size_t frameCount_ = 1, framesWritten_ = 0, framesBegun_ = 0;
-    std::size_t area_ = 0, areaCount_ = 1, areaCountSaid_ = 1;
-    std::optional<Files::MatteFrom> matteSaid_;
+    std::size_t area_ = 0, areaCount_ = 1, reportedAreaCount_ = 1;
+    std::optional<Files::MatteFrom> reportedMatte_;
     int frame_ = 0;
     double stageFraction_ = 0.0;
     long blocks_ = 0;

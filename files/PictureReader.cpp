@@ -14,7 +14,7 @@ namespace Tesseret::Files {
 
 namespace {
 
-constexpr int kMostPixelsAcross = 1 << 17;
+constexpr int kMaxPixelsAcross = 1 << 17;
 
 std::string firstLine(const std::string& text)
 {
@@ -53,7 +53,7 @@ OpenFile open(const std::filesystem::path& file)
     if (spec.width < 1 || spec.height < 1 || spec.depth > 1 || spec.nchannels < 1) {
         throw FileError(file, "holds no flat picture");
     }
-    if (spec.width > kMostPixelsAcross || spec.height > kMostPixelsAcross) {
+    if (spec.width > kMaxPixelsAcross || spec.height > kMaxPixelsAcross) {
         throw FileError(file, "is too large: " + std::to_string(spec.width) + " x " +
                                   std::to_string(spec.height) + " pixels");
     }

@@ -13,7 +13,7 @@ namespace Tesseret::Files {
 namespace {
 
 constexpr std::streamoff kSignatureBytes = 8;
-constexpr std::uint32_t kMostChunkBytes = 0x7fffffff;
+constexpr std::uint32_t kMaxChunkBytes = 0x7fffffff;
 constexpr std::size_t kBufferBytes = 1 << 16;
 
 std::uint32_t bigEndian(const unsigned char* bytes)
@@ -38,7 +38,7 @@ bool isWholePng(const std::filesystem::path& file)
     std::array<unsigned char, 8> head{};  // length, type
     while (readBytes(stream, head.data(), head.size())) {
         std::uint32_t left = bigEndian(head.data());
-        if (left > kMostChunkBytes) return false;
+        if (left > kMaxChunkBytes) return false;
         uLong checksum = crc32(0, head.data() + 4, 4);  // over the type and the data
         while (left > 0) {
             const std::uint32_t count = left < kBufferBytes ? left : std::uint32_t{kBufferBytes};

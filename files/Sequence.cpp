@@ -11,7 +11,7 @@ namespace Tesseret::Files {
 
 namespace {
 
-constexpr std::size_t kMostFrames = 1'000'000;
+constexpr std::size_t kMaxFrames = 1'000'000;
 
 [[noreturn]] void fail(std::string_view text, const std::string& reason)
 {
@@ -97,7 +97,7 @@ std::vector<int> parseFrames(std::string_view text)
         const std::size_t comma = rest.find(',');
         const Span span = parseSpan(rest.substr(0, comma), text);
         for (long long frame = span.first; frame <= span.last; frame += span.step) {
-            if (frames.size() == kMostFrames) fail(text, "more than a million frames");
+            if (frames.size() == kMaxFrames) fail(text, "more than a million frames");
             const int number = static_cast<int>(frame);
             if (seen.insert(number).second) frames.push_back(number);
         }

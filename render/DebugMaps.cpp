@@ -39,7 +39,7 @@ void makeFolder(const fs::path& folder)
 
 }  // namespace
 
-DebugMaps::DebugMaps(fs::path folder, JobListener& told) : folder_(std::move(folder)), told_(told)
+DebugMaps::DebugMaps(fs::path folder, JobListener& listener) : folder_(std::move(folder)), listener_(listener)
 {}
 
 void DebugMaps::begin(const JobInputs& inputs)
@@ -108,7 +108,7 @@ void DebugMaps::mapMade(Host::Instance& /*instance*/, const TesseretMapV1& map)
     guarded([&] {
         const std::optional<FillPicture> made = pictures_.make(map);
         if (made) write(*made);
-        if (made && made->name == FillPictures::kGain) tellGain(map);
+        if (made && made->name == FillPictures::kGain) reportGain(map);
     });
 }
 
@@ -117,14 +117,14 @@ void DebugMaps::pathFound(Host::Instance& /*instance*/, const TesseretPathV1& pa
     guarded([&] { write(pictures_.make(path)); });
 }
 
-void DebugMaps::tellGain(const TesseretMapV1& map)
+void DebugMaps::reportGain(const TesseretMapV1& map)
 {
     const auto [least, greatest] = pictures_.usedRange(map);
     if (least > greatest) return;
     std::array<char, 96> text{};
     std::snprintf(text.data(), text.size(), ": gain %.3g to %.3g; blue is 1/4, grey 1, orange 4",
                   static_cast<double>(least), static_cast<double>(greatest));
-    told_.message(file(FillPictures::kGain).string() + text.data());
+    listener_.message(file(FillPictures::kGain).string() + text.data());
 }
 
 /// No exception may reach the plug-in, which calls from inside its render.

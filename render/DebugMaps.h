@@ -17,8 +17,8 @@ namespace Tesseret::Render {
 /// or removed where this one makes none.
 class DebugMaps final : public JobListener {
 public:
-    /// `told` gets a message with the numbers that a picture alone does not say; it outlives this.
-    DebugMaps(std::filesystem::path folder, JobListener& told);
+    /// `listener` gets a message with the numbers that a picture alone does not say; it outlives this.
+    DebugMaps(std::filesystem::path folder, JobListener& listener);
 
     /// Before the first render: makes the folder when it is missing. Throws `FileError` when
     /// nothing can be written there, and `UsageError` when that would replace a file that the job
@@ -36,13 +36,13 @@ public:
 private:
     void guarded(const std::function<void()>& work);
     void startPictures(std::string prefix);
-    void tellGain(const TesseretMapV1& map);
+    void reportGain(const TesseretMapV1& map);
     void removeUnmade() const;
     void write(const FillPicture& made);
     std::filesystem::path file(std::string_view map) const;
 
     std::filesystem::path folder_;
-    JobListener& told_;
+    JobListener& listener_;
     bool isSequence_ = false;
     std::string framePrefix_, prefix_;
     bool hasBegun_ = false;

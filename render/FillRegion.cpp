@@ -13,24 +13,24 @@ using Host::ContextDescription;
 namespace {
 
 /// An option and the choice it stands for.
-struct Wish {
+struct Request {
     const char* option;
     std::string_view choice;
 };
 
-std::optional<Wish> wishOf(const RenderSettings& settings)
+std::optional<Request> requestOf(const RenderSettings& settings)
 {
     switch (settings.mask) {
         case MaskOption::MatteInverted:
-            return Wish{"--matte-inverted", Names::kMatteInvertedAlpha};
+            return Request{"--matte-inverted", Names::kMatteInvertedAlpha};
         case MaskOption::Alpha:
-            return Wish{"--fill-alpha", Names::kSourceAlpha};
+            return Request{"--fill-alpha", Names::kSourceAlpha};
         case MaskOption::AlphaInverted:
-            return Wish{"--fill-alpha-inverted", Names::kSourceInvertedAlpha};
+            return Request{"--fill-alpha-inverted", Names::kSourceInvertedAlpha};
         case MaskOption::None:
             break;
     }
-    if (!settings.matte.empty()) return Wish{"--matte", Names::kMatteAlpha};
+    if (!settings.matte.empty()) return Request{"--matte", Names::kMatteAlpha};
     return std::nullopt;
 }
 
@@ -48,19 +48,19 @@ void set(std::string_view choice, const ContextDescription& description, Paramet
             .value;
 }
 
-void checkAlpha(const Wish& wish, const JobInputs& inputs)
+void checkAlpha(const Request& request, const JobInputs& inputs)
 {
     const bool wantsAlpha =
-        wish.choice == Names::kSourceAlpha || wish.choice == Names::kSourceInvertedAlpha;
+        request.choice == Names::kSourceAlpha || request.choice == Names::kSourceInvertedAlpha;
     if (!wantsAlpha || inputs.source().hasAlpha) return;
-    throw UsageError(inputs.source().file.string() + ": has no alpha, which " + wish.option +
+    throw UsageError(inputs.source().file.string() + ": has no alpha, which " + request.option +
                      " takes the mask from");
 }
 
 /// A choice may be the one wished for, or the inverse of a matte that was given without a word.
-bool agrees(const Wish& wish, const RenderSettings& settings, const std::string& choice)
+bool agrees(const Request& request, const RenderSettings& settings, const std::string& choice)
 {
-    return choice == wish.choice ||
+    return choice == request.choice ||
            (settings.mask == MaskOption::None && choice == Names::kMatteInvertedAlpha);
 }
 
@@ -69,33 +69,33 @@ bool agrees(const Wish& wish, const RenderSettings& settings, const std::string&
 bool allowsFillRegion(const RenderSettings& settings, const ContextDescription& description,
                       const ParameterValues& values)
 {
-    const std::optional<Wish> wish = wishOf(settings);
-    return !wish || agrees(*wish, settings, choiceOf(description, values));
+    const std::optional<Request> request = requestOf(settings);
+    return !request || agrees(*request, settings, choiceOf(description, values));
 }
 
 void setFillRegion(const RenderSettings& settings, const ContextDescription& description,
                    const JobInputs& inputs, ParameterValues& values)
 {
-    const std::optional<Wish> wish = wishOf(settings);
+    const std::optional<Request> request = requestOf(settings);
     const bool isGiven = values.contains(Names::kFillRegion);
-    if (!wish) {
+    if (!request) {
         // Without its matte the plug-in's own default would fill everything all the same.
         const bool hasMatte = description.clip(Names::kMatte) != nullptr;
         const bool hasChoice = description.parameter(Names::kFillRegion) != nullptr;
         if (hasMatte && hasChoice && !isGiven) set(Names::kEntireImage, description, values);
         return;
     }
-    checkAlpha(*wish, inputs);
+    checkAlpha(*request, inputs);
     if (isGiven) {
         const std::string given = choiceOf(description, values);
-        if (agrees(*wish, settings, given)) return;
-        throw UsageError(std::string(wish->option) + " and fillRegion=\"" + given +
+        if (agrees(*request, settings, given)) return;
+        throw UsageError(std::string(request->option) + " and fillRegion=\"" + given +
                          "\" contradict each other; give one of them");
     }
     // Another plug-in may make of a matte what it likes.
     const bool isImplied = settings.mask == MaskOption::None;
     if (isImplied && description.parameter(Names::kFillRegion) == nullptr) return;
-    set(wish->choice, description, values);
+    set(request->choice, description, values);
 }
 
 FillRegion fillRegionOf(const ContextDescription& description, const JobInputs& inputs,

@@ -203,11 +203,11 @@ void FrameRenderer::remark(const RenderRequest& request, const PreparedMatte& ma
                            std::size_t count)
 {
     const std::string file = matte.file.string();
-    if (count == 0 && !std::exchange(saidNothingMasked_, true)) {
-        warnings_.tell(file + ": masks nothing, so nothing is filled");
+    if (count == 0 && !std::exchange(reportedEmptyMatte_, true)) {
+        warnings_.report(file + ": masks nothing, so nothing is filled");
     }
     if (count > kManyAreas) {
-        warnings_.tell(file + ": has " + std::to_string(count) +
+        warnings_.report(file + ": has " + std::to_string(count) +
                        " separate areas, each of which is filled by itself; --matte-grow joins "
                        "what lies close, --areas first fills one");
     }
@@ -236,8 +236,8 @@ void FrameRenderer::followAreas(const RenderRequest& request, const PreparedMatt
     }
     if (!areSame && !recorded_.empty()) {
         for (Slot& slot : slots_) slot.instance->purgeCaches();
-        if (!std::exchange(saidAreasChange_, true)) {
-            warnings_.tell(matte.file.string() +
+        if (!std::exchange(reportedAreasChange_, true)) {
+            warnings_.report(matte.file.string() +
                            ": the areas are not those of the frames before; wherever they change, "
                            "temporalConsistancy begins anew");
         }

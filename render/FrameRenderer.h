@@ -61,7 +61,7 @@ private:
     std::optional<Sequence> sequence_;
     std::vector<OfxRectI> recorded_;  ///< boxes of the areas that the instances recorded blocks for
     std::vector<OfxRectI> reached_;   ///< what these and the boxes of all frames since lie in
-    bool saidNothingMasked_ = false, saidAreasChange_ = false;
+    bool reportedEmptyMatte_ = false, reportedAreasChange_ = false;
     std::mutex mutex_;  ///< guards what follows
     bool isAborted_ = false;
     Host::Instance* running_ = nullptr;

@@ -108,7 +108,7 @@ ClipPicture JobInputs::readClip(const Input& input, int frame, Depth depth)
     Files::PictureFile file = Files::readPicture(input.pattern.file(frame), input.as, depth);
     const bool hasFullAlpha =
         file.info.hasAlpha && file.matteFrom && *file.matteFrom != Files::MatteFrom::Alpha;
-    if (hasFullAlpha && !std::exchange(saidFullAlpha_, true)) {
+    if (hasFullAlpha && !std::exchange(reportedFullAlpha_, true)) {
         file.warnings.push_back(file.info.file.string() +
                                 ": its alpha is full everywhere, so that the matte is taken from "
                                 "its colours");

@@ -70,7 +70,7 @@ private:
     std::set<Files::FileIdentity> filesRead_;
     std::map<std::string, Files::PictureInfo> infos_;
     FramePictures stills_;
-    bool saidFullAlpha_ = false;
+    bool reportedFullAlpha_ = false;
 };
 
 }  // namespace Tesseret::Render

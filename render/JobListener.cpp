@@ -13,57 +13,57 @@ JobListeners::JobListeners(std::initializer_list<JobListener*> listeners)
 
 void JobListeners::frameBegan(int frame)
 {
-    tell(&JobListener::frameBegan, frame);
+    notify(&JobListener::frameBegan, frame);
 }
 
 void JobListeners::matteTaken(Files::MatteFrom from)
 {
-    tell(&JobListener::matteTaken, from);
+    notify(&JobListener::matteTaken, from);
 }
 
 void JobListeners::areaBegan(std::size_t area, std::size_t count)
 {
-    tell(&JobListener::areaBegan, area, count);
+    notify(&JobListener::areaBegan, area, count);
 }
 
 void JobListeners::frameWritten(const FrameResult& result)
 {
-    tell(&JobListener::frameWritten, result);
+    notify(&JobListener::frameWritten, result);
 }
 
 void JobListeners::warning(const std::string& text)
 {
-    tell(&JobListener::warning, text);
+    notify(&JobListener::warning, text);
 }
 
 void JobListeners::message(const std::string& text)
 {
-    tell(&JobListener::message, text);
+    notify(&JobListener::message, text);
 }
 
 void JobListeners::stageBegan(Host::Instance& instance, std::string_view stage)
 {
-    tell(&JobListener::stageBegan, instance, stage);
+    notify(&JobListener::stageBegan, instance, stage);
 }
 
 void JobListeners::stageEnded(Host::Instance& instance, std::string_view stage)
 {
-    tell(&JobListener::stageEnded, instance, stage);
+    notify(&JobListener::stageEnded, instance, stage);
 }
 
 void JobListeners::progress(Host::Instance& instance, double fraction)
 {
-    tell(&JobListener::progress, instance, fraction);
+    notify(&JobListener::progress, instance, fraction);
 }
 
 void JobListeners::blockLaid(Host::Instance& instance, const TesseretBlockV1& block)
 {
-    tell(&JobListener::blockLaid, instance, block);
+    notify(&JobListener::blockLaid, instance, block);
 }
 
 void JobListeners::note(Host::Instance& instance, std::string_view text)
 {
-    tell(&JobListener::note, instance, text);
+    notify(&JobListener::note, instance, text);
 }
 
 bool JobListeners::wantsMaps(Host::Instance& instance)
@@ -74,12 +74,12 @@ bool JobListeners::wantsMaps(Host::Instance& instance)
 
 void JobListeners::mapMade(Host::Instance& instance, const TesseretMapV1& map)
 {
-    tell(&JobListener::mapMade, instance, map);
+    notify(&JobListener::mapMade, instance, map);
 }
 
 void JobListeners::pathFound(Host::Instance& instance, const TesseretPathV1& path)
 {
-    tell(&JobListener::pathFound, instance, path);
+    notify(&JobListener::pathFound, instance, path);
 }
 
 }  // namespace Tesseret::Render

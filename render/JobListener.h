@@ -43,16 +43,16 @@ class WarningFilter {
 public:
     explicit WarningFilter(JobListener& listener) : listener_(listener) {}
 
-    void tell(const std::string& warning)
+    void report(const std::string& warning)
     {
         const std::lock_guard lock(mutex_);
-        if (told_.insert(warning).second) listener_.warning(warning);
+        if (reported_.insert(warning).second) listener_.warning(warning);
     }
 
 private:
     JobListener& listener_;
     std::mutex mutex_;
-    std::set<std::string> told_;  ///< guarded by mutex_
+    std::set<std::string> reported_;  ///< guarded by mutex_
 };
 
 /// Tells several listeners what one is told, in their order.
@@ -79,7 +79,7 @@ public:
 
 private:
     template <typename What, typename... Values>
-    void tell(What what, Values&... values)
+    void notify(What what, Values&... values)
     {
         for (JobListener* const listener : listeners_) (listener->*what)(values...);
     }

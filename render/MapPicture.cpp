@@ -20,7 +20,7 @@ constexpr Colour kPathRim{0.55, 0.25, 0.0};
 constexpr Colour kSeam{0.05, 0.05, 0.05};
 constexpr double kWeakestBand = 0.25;  ///< brightness of the weakest of a band
 constexpr double kUnusedGain = 0.35;   ///< brightness of a gain that is not used
-constexpr double kMostSteps = 2.0;     ///< from a gain of 1 to the full colours, in powers of two
+constexpr double kMaxSteps = 2.0;     ///< from a gain of 1 to the full colours, in powers of two
 constexpr int kRim = 1;                ///< pixels
 
 Colour mixed(const Colour& a, const Colour& b, double share)
@@ -88,8 +88,8 @@ Colour blockColour(float number)
 Colour gainColour(float gain)
 {
     if (std::isnan(gain)) return kNeutral;
-    const double steps = gain > 0.0f ? std::log2(static_cast<double>(gain)) : -kMostSteps;
-    const double share = std::sqrt(std::min(std::abs(steps) / kMostSteps, 1.0));
+    const double steps = gain > 0.0f ? std::log2(static_cast<double>(gain)) : -kMaxSteps;
+    const double share = std::sqrt(std::min(std::abs(steps) / kMaxSteps, 1.0));
     return mixed(kNeutral, steps < 0.0 ? kDarker : kBrighter, share);
 }
 

@@ -65,8 +65,8 @@ void MatteAreas::markMasked()
 /// box round it.
 OfxRectI MatteAreas::flood(std::size_t start, Label from, Label to)
 {
-    constexpr int kMost = std::numeric_limits<int>::max();
-    OfxRectI box{kMost, kMost, -kMost, -kMost};
+    constexpr int kMax = std::numeric_limits<int>::max();
+    OfxRectI box{kMax, kMax, -kMax, -kMax};
     const OfxRectI bounds = matte_->bounds();
     std::vector<std::size_t> open{start};
     while (!open.empty()) {

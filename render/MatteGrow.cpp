@@ -28,15 +28,15 @@ OfxRectI grownBounds(const OfxRectI& bounds, int by, const OfxRectI& frame)
             std::max(bounds.x2, inside.x2), std::max(bounds.y2, inside.y2)};
 }
 
-/// The masked stretch of one row, and its maxima over every stretch of 1, 2, 4, ... pixels: two of
+/// The masked segment of one row, and its maxima over every segment of 1, 2, 4, ... pixels: two of
 /// these, which overlap, give the maximum over any length.
 template <typename Channel>
 class RowMaxima {
 public:
-    /// For reaches up to `most` pixels.
-    explicit RowMaxima(int most)
-        : most_(static_cast<std::size_t>(most)),
-          levels_(static_cast<std::size_t>(std::bit_width(2 * most_ + 1)))
+    /// For reaches up to `maxReach` pixels.
+    explicit RowMaxima(int maxReach)
+        : maxReach_(static_cast<std::size_t>(maxReach)),
+          levels_(static_cast<std::size_t>(std::bit_width(2 * maxReach_ + 1)))
     {}
 
     /// False when nothing is masked.
@@ -52,9 +52,9 @@ public:
         if (first == end) return false;
         first_ = first;
         length_ = static_cast<std::size_t>(end - first);
-        levels_[0].assign(length_ + 4 * most_, Channel{0});
+        levels_[0].assign(length_ + 4 * maxReach_, Channel{0});
         for (int x = first; x < end; ++x) {
-            levels_[0][2 * most_ + static_cast<std::size_t>(x - first)] = strength(x);
+            levels_[0][2 * maxReach_ + static_cast<std::size_t>(x - first)] = strength(x);
         }
         for (std::size_t k = 1; k < levels_.size(); ++k) combine(levels_[k - 1], levels_[k], k);
         return true;
@@ -67,12 +67,12 @@ public:
     /// counted from the first masked one.
     void raise(Channel* target, int from, int count, int reach) const
     {
-        const std::size_t stretch = 2 * static_cast<std::size_t>(reach) + 1;
-        const std::size_t half = std::bit_floor(stretch);  // at least half of the stretch
+        const std::size_t segment = 2 * static_cast<std::size_t>(reach) + 1;
+        const std::size_t half = std::bit_floor(segment);  // at least half of the segment
         const auto& maxima = levels_[static_cast<std::size_t>(std::countr_zero(half))];
         const Channel* const left =
-            maxima.data() + static_cast<std::ptrdiff_t>(2 * most_) + from - reach;
-        const Channel* const right = left + (stretch - half);
+            maxima.data() + static_cast<std::ptrdiff_t>(2 * maxReach_) + from - reach;
+        const Channel* const right = left + (segment - half);
         for (int i = 0; i < count; ++i) {
             target[i] = std::max(target[i], std::max(left[i], right[i]));
         }
@@ -89,7 +89,7 @@ private:
         }
     }
 
-    std::size_t most_;
+    std::size_t maxReach_;
     int first_ = 0;
     std::size_t length_ = 0;
     std::vector<std::vector<Channel>> levels_;
@@ -101,9 +101,9 @@ void spread(const Picture& matte, Polarity polarity, const std::vector<int>& rea
 {
     const OfxRectI from = matte.bounds();
     const OfxRectI to = result.bounds();
-    const int most = reach.front();
+    const int maxReach = reach.front();
     const int rows = static_cast<int>(reach.size()) - 1;
-    RowMaxima<Channel> maxima(most);
+    RowMaxima<Channel> maxima(maxReach);
     for (int y = from.y1; y < from.y2; ++y) {
         if (!maxima.take(matte.pixel<Channel>(from.x1, y), matte.width(), polarity)) continue;
         const int first = from.x1 + maxima.first();

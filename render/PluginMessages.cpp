@@ -15,7 +15,7 @@ Host::HostOptions PluginMessages::hostOptions(unsigned int threads)
     options.onMessage = [this](const Host::Message& message) { return receive(message); };
     options.onReport = [this](const Host::Report& report) {
         if (report.kind == Host::Report::Kind::BadCall) {
-            warnings_.tell("the plug-in: " + report.text);
+            warnings_.report("the plug-in: " + report.text);
         }
     };
     return options;

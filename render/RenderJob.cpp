@@ -82,7 +82,7 @@ RenderJob::ReadFrame RenderJob::readFrame(int frame)
     ReadFrame read;
     read.pictures = inputs_.read(frame, depth_);
     for (const auto& [clip, picture] : read.pictures) {
-        for (const std::string& warning : picture.warnings) warnings_.tell(warning);
+        for (const std::string& warning : picture.warnings) warnings_.report(warning);
     }
     if (mattes_) read.matte = mattes_->prepare(read.pictures.at(Names::kMatte));
     read.seconds = watch.seconds();
@@ -120,7 +120,7 @@ void RenderJob::writeFrame(RenderedFrame rendered)
     try {
         for (const std::string& warning : Files::writePicture(
                  rendered.result.file, rendered.picture, *rendered.record, rendered.options)) {
-            warnings_.tell(warning);
+            warnings_.report(warning);
         }
     } catch (const Files::FileError& error) {
         throw RenderFailure(error.what());  // the render came through, but its result did not
