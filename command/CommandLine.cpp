@@ -16,7 +16,7 @@ namespace Tesseret::Command {
 
 namespace {
 
-int complain(const std::exception& error, int code)
+int printError(const std::exception& error, int code)
 {
     std::fprintf(stderr, "tesseret: %s\n", error.what());
     return code;
@@ -27,25 +27,25 @@ int runAction(const Action& action)
     try {
         return action();
     } catch (const Render::Interrupted& error) {
-        return complain(error, kExitInterrupted);
+        return printError(error, kExitInterrupted);
     } catch (const Render::UsageError& error) {
-        return complain(error, kExitUsage);
+        return printError(error, kExitUsage);
     } catch (const Files::FileError& error) {
-        return complain(error, kExitUsage);
+        return printError(error, kExitUsage);
     } catch (const std::invalid_argument& error) {
-        return complain(error, kExitUsage);
+        return printError(error, kExitUsage);
     } catch (const std::exception& error) {
-        return complain(error, kExitFailed);
+        return printError(error, kExitFailed);
     }
 }
 
 int run(int argc, const char* const* argv)
 {
-    CLI::App app("Fills pictures with quilted texture, through the Tesseret OFX plug-in");
+    CLI::App app("Fills pictures with quilted texture, using the Tesseret OFX plug-in");
     app.name("tesseret");
     app.set_version_flag("--version", "tesseret " TESSERET_VERSION);
     app.require_subcommand(1);
-    app.footer("\"tesseret render --help\" has the options and examples.");
+    app.footer("Run \"tesseret render --help\" for its options and examples.");
     Action action;
     addRenderCommand(app, action);
     addViewCommand(app, action);
@@ -55,7 +55,7 @@ int run(int argc, const char* const* argv)
     } catch (const CLI::Success& request) {
         return app.exit(request);  // help or version
     } catch (const CLI::ParseError& error) {
-        return complain(error, kExitUsage);
+        return printError(error, kExitUsage);
     }
     return runAction(action);
 }
@@ -67,7 +67,7 @@ int runCommandLine(int argc, const char* const* argv)
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {
-        return complain(error, kExitFailed);
+        return printError(error, kExitFailed);
     }
 }
 

@@ -39,11 +39,11 @@ void addDescribeCommand(CLI::App& app, Action& action)
 {
     const auto options = std::make_shared<DescribeOptions>();
     CLI::App* const command = app.add_subcommand(
-        "describe", "Lists the plug-in's clips, parameters with their ranges, and pages");
+        "describe", "Lists the plug-in's clips, its parameters with their ranges, and its pages");
     command->add_option("--plugin", options->plugin, "OFX bundle or library")->type_name("FILE");
     command->add_option("--context", options->context, "Only this context: Filter or General")
         ->type_name("NAME");
-    command->add_flag("--json", options->json, "For programs");
+    command->add_flag("--json", options->json, "Prints JSON");
     command->footer("Examples:\n  tesseret describe\n  tesseret describe --context Filter --json");
     command->callback([options, &action] { action = [options] { return describe(*options); }; });
 }

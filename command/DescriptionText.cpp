@@ -49,7 +49,7 @@ void writeParameter(std::ostringstream& text, const ParameterDescription& parame
     const std::string range = Render::rangeText(parameter.min, parameter.max);
     if (!range.empty()) text << "  range " << range;
     const std::string shown = Render::rangeText(parameter.displayMin, parameter.displayMax);
-    if (!shown.empty() && shown != range) text << "  usually " << shown;
+    if (!shown.empty() && shown != range) text << "  slider " << shown;
     text << "\n";
     for (std::size_t i = 0; i < parameter.options.size(); ++i) {
         text << "      " << i << "  \"" << parameter.options[i] << "\"\n";
@@ -83,7 +83,7 @@ void writeContext(std::ostringstream& text, const ContextDescription& context)
     for (const ParameterDescription& parameter : context.parameters) {
         if (!parameter.isPage() && !parameter.isGroup()) writeParameter(text, parameter);
     }
-    text << "\nPages, a line for each column\n";
+    text << "\nPages, one line for each column\n";
     for (const std::string& name : context.pageOrder) {
         if (const ParameterDescription* page = context.parameter(name)) writePage(text, *page);
     }

@@ -7,11 +7,11 @@
 
 namespace Tesseret::Command {
 
-/// What a plug-in described, for people.
+/// The description of a plug-in as text for the user.
 std::string descriptionText(const Host::EffectDescription& effect,
                             const std::vector<Host::ContextDescription>& contexts);
 
-/// The same for programs.
+/// The same as JSON, for programs.
 std::string descriptionJson(const Host::EffectDescription& effect,
                             const std::vector<Host::ContextDescription>& contexts);
 

@@ -6,15 +6,15 @@
 
 namespace Tesseret::Command {
 
-/// One line on a terminal that is drawn over and over; nothing where the stream is no terminal.
+/// A line on a terminal that is redrawn in place; nothing where the stream is not a terminal.
 class ProgressBar {
 public:
     explicit ProgressBar(std::FILE* stream, bool wanted);
 
     bool isShown() const { return shown_; }
-    /// At most ten times a second; `fraction` is 0 to 1.
+    /// Draws at most ten times a second; `fraction` is 0 to 1.
     void update(double fraction, const std::string& text);
-    /// Takes the line away, so that another text can be written; the next update draws it again.
+    /// Erases the line, so that other text can be written; the next update draws it again.
     void clear();
 
 private:

@@ -15,8 +15,8 @@ namespace Tesseret::Command {
 namespace {
 
 constexpr const char* kFooter =
-    R"(Parameters are given by name, choices by name or number; "tesseret describe"
-lists them. Files are PNG, JPEG, TIFF, DPX and EXR.
+    R"(Parameters are set by name, choices by name or number; "tesseret describe"
+lists them. File formats: PNG, JPEG, TIFF, DPX and EXR.
 
 Examples:
   tesseret render --source plate.png --output out.png blockSize=64 seed=7
@@ -27,7 +27,7 @@ Examples:
   tesseret render --source plate.####.exr --frames 1001-1100 --output out.####.exr \
       temporalConsistancy=on)";
 
-/// As they stand on the command line.
+/// The options as written on the command line.
 struct CommandOptions {
     RenderOptions render;
     std::filesystem::path debugMaps;  ///< empty: none
@@ -38,23 +38,24 @@ void addOwnOptions(CLI::App& command, CommandOptions& options)
 {
     command
         .add_option("--window", options.render.window,
-                    "The part of the source to render, x1,y1,x2,y2 in pixels from the upper left "
+                    "Part of the source to render: x1,y1,x2,y2 in pixels from the upper left "
                     "corner, y downwards")
         ->type_name("BOX");
     command
         .add_option("--render-scale", options.render.settings.renderScale,
-                    "Renders smaller or larger, as a host's proxy does: 0.5 is half")
+                    "Renders smaller or larger, like a proxy in a host: 0.5 is half")
         ->check(CLI::Range(0.01, 16.0))
         ->type_name("FACTOR");
     command
-        .add_option(
-            "--debug-maps", options.debugMaps,
-            "Writes what a fill was made with into this folder, as PNGs: the prepared mask, "
-            "the band and the path of its boundary, the blocks, the composite mask, the "
-            "luminance gain")
+        .add_option("--debug-maps", options.debugMaps,
+                    "Writes the maps of the fill into this folder as PNGs: the prepared mask, "
+                    "the band and the path of its boundary, the blocks, the composite mask, the "
+                    "luminance gain")
         ->type_name("DIR");
-    auto* const quiet = command.add_flag("-q,--quiet", options.quiet, "Only warnings and errors");
-    command.add_flag("-v,--verbose", options.verbose, "Time by stage, blocks laid, peak memory")
+    auto* const quiet =
+        command.add_flag("-q,--quiet", options.quiet, "Only notes, warnings and errors");
+    command
+        .add_flag("-v,--verbose", options.verbose, "Time by stage, number of blocks, peak memory")
         ->excludes(quiet);
 }
 

@@ -23,7 +23,7 @@ std::optional<Render::ViewBox> boxFrom(const std::string& text, const char* opti
     const bool isComplete = stream && stream.peek() == EOF && comma1 == ',' && comma2 == ',' &&
                             comma3 == ',' && std::isfinite(box.x2 - box.x1 + box.y2 - box.y1);
     if (!isComplete)
-        throw Render::UsageError(std::string(option) + " " + text + ": x1,y1,x2,y2 is wanted");
+        throw Render::UsageError(std::string(option) + " " + text + ": expected x1,y1,x2,y2");
     if (box.x1 < box.x2 && box.y1 < box.y2) return box;
     throw Render::UsageError(std::string(option) + " " + text +
                              ": x1 must be left of x2, and y1 above y2");
@@ -34,13 +34,12 @@ std::optional<Render::ViewBox> boxFrom(const std::string& text, const char* opti
 void addFileOptions(CLI::App& command, RenderOptions& options, bool wantsOutput)
 {
     Render::RenderSettings& settings = options.settings;
-    command.add_option("-s,--source", settings.source, "Picture to render over")
+    command.add_option("-s,--source", settings.source, "Source picture")
         ->required()
         ->type_name("FILE");
     command
         .add_option("-o,--output", settings.output,
-                    "Where the result goes; its extension says "
-                    "which kind of file it becomes")
+                    "File to write; its extension selects the format")
         ->required(wantsOutput)
         ->type_name("FILE");
     for (std::size_t i = 0; i < settings.textures.size(); ++i) {
@@ -53,9 +52,10 @@ void addFileOptions(CLI::App& command, RenderOptions& options, bool wantsOutput)
             ->type_name("FILE");
     }
     command
-        .add_option("-f,--frames", options.frames,
-                    "Frames of a sequence: 1001-1100, 1-9x2, 1,5,8; files then have #### or "
-                    "%04d in their name, and those that have not are used for every frame")
+        .add_option(
+            "-f,--frames", options.frames,
+            "Frames of a sequence: 1001-1100, 1-9x2, 1,5,8. File names have #### or %04d in "
+            "place of the number; a file without it is used for every frame")
         ->type_name("RANGE");
     command
         .add_option("--compression", settings.compression,
@@ -70,9 +70,10 @@ void addMatteOptions(CLI::App& command, RenderOptions& options)
     Render::RenderSettings& settings = options.settings;
     auto* const matte =
         command
-            .add_option("-m,--matte", settings.matte,
-                        "Region to fill, white on black or as alpha, of the source's size; selects "
-                        "the context General and fillRegion=\"Matte->Alpha\"")
+            .add_option(
+                "-m,--matte", settings.matte,
+                "Region to fill, white on black or as alpha, as large as the source; selects "
+                "the context General and fillRegion=\"Matte->Alpha\"")
             ->type_name("FILE");
     command
         .add_flag("--matte-inverted", options.matteInverted,
@@ -81,21 +82,21 @@ void addMatteOptions(CLI::App& command, RenderOptions& options)
         ->needs(matte);
     command
         .add_option("--areas", options.areas,
-                    "Of a matte with separate areas: all, one after another, or first (default: "
-                    "all)")
+                    "Which separate areas of the matte to fill: all, one after another, or first "
+                    "(default: all)")
         ->needs(matte)
         ->check(CLI::IsMember({"all", "first"}))
         ->type_name("WHICH");
     command
         .add_option("--matte-window", options.matteWindow,
-                    "How much of the matte the plug-in is given: area, the box round the area to "
+                    "How much of the matte the plug-in receives: area, the box round the area to "
                     "fill, or full (default: area)")
         ->needs(matte)
         ->check(CLI::IsMember({"area", "full"}))
         ->type_name("WHICH");
     command
         .add_option("--matte-grow", settings.matteGrow,
-                    "Widens the region to fill by so many pixels first, 0 to 1000")
+                    "Widens the region to fill by this many pixels first, 0 to 1000")
         ->needs(matte)
         ->check(CLI::Range(0.0, 1000.0))
         ->type_name("PIXELS");
@@ -117,21 +118,22 @@ void addPluginOptions(CLI::App& command, RenderOptions& options)
     Render::RenderSettings& settings = options.settings;
     command
         .add_option("--sample-box", options.sampleBox,
-                    "Where blocks are taken from: x1,y1,x2,y2 in pixels from the upper left "
+                    "Box that blocks are taken from: x1,y1,x2,y2 in pixels from the upper left "
                     "corner, y downwards, of the first texture, or of the source when no texture "
                     "is given")
         ->type_name("BOX");
     command
         .add_option("--depth", options.depth,
-                    "byte, short or float: depth of the render and of the result (default: the "
+                    "Depth of the render and of the result: byte, short or float (default: the "
                     "source's own)")
         ->check(CLI::IsMember({"byte", "short", "float"}))
         ->type_name("DEPTH");
     command
         .add_option("--context", settings.context,
-                    "Filter or General (default: Filter, or what the files ask for)")
+                    "Filter or General (default: Filter, or General where the files need it)")
         ->type_name("NAME");
-    command.add_option("--threads", settings.threads, "Worker threads (default: one a processor)")
+    command
+        .add_option("--threads", settings.threads, "Worker threads (default: one per processor)")
         ->check(CLI::Range(1, 1024))
         ->type_name("COUNT");
     command
@@ -141,8 +143,8 @@ void addPluginOptions(CLI::App& command, RenderOptions& options)
         ->type_name("FILE");
     command
         .add_option("--parameters", settings.parameterFile,
-                    "JSON file with values for the plug-in's parameters; what else is said here "
-                    "comes before it")
+                    "JSON file with values for the plug-in's parameters; options and name=value "
+                    "override it")
         ->type_name("FILE");
     command.add_option("parameters", settings.parameters, "Values for the plug-in's parameters")
         ->type_name("name=value");
@@ -155,8 +157,7 @@ Render::RenderSettings settingsFrom(const RenderOptions& options)
     if (options.matteInverted) settings.mask = Render::MaskOption::MatteInverted;
     if (options.fillAlpha) settings.mask = Render::MaskOption::Alpha;
     if (options.fillAlphaInverted) settings.mask = Render::MaskOption::AlphaInverted;
-    if (std::isnan(settings.matteGrow))
-        throw Render::UsageError("--matte-grow: a number is wanted");
+    if (std::isnan(settings.matteGrow)) throw Render::UsageError("--matte-grow: expected a number");
     settings.everyArea = options.areas == "all";
     settings.cropsAreas = options.matteWindow == "area";
     if (options.depth == "byte") settings.depth = Depth::Byte;

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The options that every subcommand that renders has.
+/// The options shared by all subcommands that render.
 
 #include <string>
 
@@ -10,7 +10,7 @@
 
 namespace Tesseret::Command {
 
-/// As they stand on the command line.
+/// The options as written on the command line.
 struct RenderOptions {
     Render::RenderSettings settings;
     std::string frames, depth, window, sampleBox, areas = "all", matteWindow = "area";
@@ -19,14 +19,14 @@ struct RenderOptions {
 
 /// Source, output, textures, frames and compression.
 void addFileOptions(CLI::App& command, RenderOptions& options, bool wantsOutput);
-/// What is to be filled.
+/// The region to fill.
 void addMatteOptions(CLI::App& command, RenderOptions& options);
-/// The plug-in, how it is set up, and values for its parameters.
+/// The plug-in, its setup, and values for its parameters.
 void addPluginOptions(CLI::App& command, RenderOptions& options);
 
-/// Throws `UsageError` for a text that is none of what its option takes.
+/// Throws `UsageError` for a text that its option does not accept.
 Render::RenderSettings settingsFrom(const RenderOptions& options);
-/// Has picture files read and written by as many threads as the settings say.
+/// Sets the number of threads that read and write picture files.
 void useThreads(const Render::RenderSettings& settings);
 
 }  // namespace Tesseret::Command

@@ -15,7 +15,7 @@ double milliseconds(double seconds)
     return seconds * 1e3;
 }
 
-/// The most memory that the process ever had, in megabytes.
+/// The peak memory of the process, in megabytes.
 double peakMemory()
 {
     rusage usage{};
@@ -89,16 +89,16 @@ void RenderReporter::finish()
     const std::lock_guard lock(mutex_);
     bar_.clear();
     if (verbosity_ != Verbosity::Verbose) return;
-    std::printf("%-30s %7s %11s\n", "stage", "times", "ms");
+    std::printf("%-30s %7s %11s\n", "stage", "count", "ms");
     for (const StageTimes::Stage& stage : stages_.all()) {
         const std::string name = std::string(stage.level * 2, ' ') + stage.name;
         std::printf("%-30s %7d %11.1f\n", name.c_str(), stage.count, milliseconds(stage.seconds));
     }
-    std::printf("blocks laid  %ld\n", blocks_);
+    std::printf("blocks       %ld\n", blocks_);
     std::printf("read         %.1f ms\nrender       %.1f ms\nwrite        %.1f ms\n",
                 milliseconds(total_.readTime), milliseconds(total_.renderTime),
                 milliseconds(total_.writeTime));
-    std::printf("all          %.1f ms\npeak memory  %.1f MB\n", milliseconds(elapsed()),
+    std::printf("total        %.1f ms\npeak memory  %.1f MB\n", milliseconds(elapsed()),
                 peakMemory());
     std::fflush(stdout);
 }
@@ -114,8 +114,8 @@ void RenderReporter::frameBegan(int frame)
     drawBar();
 }
 
-/// Which channel was taken cannot be seen from a file's looks; a sequence says it again where it
-/// changes.
+/// A file's look does not show which of its channels is the matte. In a sequence the line is
+/// printed again when the channel changes.
 void RenderReporter::matteTaken(Files::MatteFrom from)
 {
     const std::lock_guard lock(mutex_);
@@ -129,7 +129,7 @@ void RenderReporter::matteTaken(Files::MatteFrom from)
     reportedMatte_ = from;
 }
 
-/// A sequence says the number of areas again where it changes.
+/// In a sequence the number of areas is printed again when it changes.
 void RenderReporter::areaBegan(std::size_t area, std::size_t count)
 {
     const std::lock_guard lock(mutex_);
@@ -217,7 +217,7 @@ void RenderReporter::blockLaid(Host::Instance& /*instance*/, const TesseretBlock
     ++blocks_;
 }
 
-/// A still shows its stage; a sequence its frames, with their rate and the time that is left.
+/// Shows the stage of a still, and the frames of a sequence with their rate and the time left.
 void RenderReporter::drawBar()
 {
     if (!bar_.isShown()) return;

@@ -14,8 +14,8 @@ namespace Tesseret::Command {
 
 enum class Verbosity { Quiet, Normal, Verbose };
 
-/// Shows a job to the person who started it: a progress bar on a terminal, else a line for each
-/// file on standard output; notes and warnings on standard error, also when quiet.
+/// Reports a job to the user: a progress bar on a terminal, else a line for each file on standard
+/// output; notes and warnings on standard error, also when quiet.
 class RenderReporter final : public Render::JobListener {
 public:
     explicit RenderReporter(Verbosity verbosity);
@@ -23,7 +23,7 @@ public:
 
     /// Before the first frame.
     void begin(Render::RenderJob& job);
-    /// After the last frame: where time and memory went, when verbose.
+    /// After the last frame: prints times and memory when verbose.
     void finish();
 
     void frameBegan(int frame) override;

@@ -7,13 +7,13 @@
 
 namespace Tesseret::Command {
 
-/// Where the time of renders goes, by the stages that the plug-in tells. Stages nest; a stage's
-/// time holds that of the stages inside it.
+/// Time spent in each stage that the plug-in reports. Stages nest; the time of a stage includes
+/// that of the stages inside it.
 class StageTimes {
 public:
     struct Stage {
         std::string name;
-        std::size_t level = 0;  ///< how many stages it stands in
+        std::size_t level = 0;  ///< number of stages around it
         int count = 0;
         double seconds = 0.0;
     };
@@ -22,9 +22,9 @@ public:
     /// Ends the stage that began last.
     void ended();
 
-    /// Of the stage that runs; empty when none does.
+    /// The name of the running stage; empty when none runs.
     std::string current() const;
-    /// In the order in which they began first.
+    /// In the order of their first start.
     const std::vector<Stage>& all() const { return stages_; }
 
 private:

@@ -13,8 +13,8 @@ namespace Tesseret::Command {
 namespace {
 
 constexpr const char* kFooter =
-    R"(Files and parameters are those of "tesseret render". The wheel zooms, the middle
-button pans, F fits the picture; the box in the picture can be dragged.
+    R"(Files and parameters are the same as for "tesseret render". The wheel zooms, the
+middle button pans, F fits the picture; the box in the picture can be dragged.
 
 Examples:
   tesseret view --source plate.png
@@ -33,7 +33,7 @@ Viewer::WindowSize sizeFrom(const std::string& text)
     const bool isFit = count == 2 && size.width >= 640 && size.height >= 400 &&
                        size.width <= 16384 && size.height <= 16384;
     if (!isFit) {
-        throw Render::UsageError("--size " + text + ": WxH is wanted, 640x400 to 16384x16384");
+        throw Render::UsageError("--size " + text + ": expected WxH, 640x400 to 16384x16384");
     }
     return size;
 }
@@ -42,7 +42,7 @@ int view(const ViewOptions& options)
 {
     const Viewer::WindowSize size = sizeFrom(options.size);
     Render::RenderSettings settings = settingsFrom(options.render);
-    // The box is on screen, and whoever drags it sees the fill change.
+    // The box is on screen, and dragging it changes the fill at once.
     settings.keepsClear = false;
     useThreads(settings);
     Viewer::Viewer viewer(std::make_unique<Viewer::ViewSession>(settings),
@@ -62,7 +62,7 @@ void addViewCommand(CLI::App& app, Action& action)
     addFileOptions(*command, options->render, /*wantsOutput=*/false);
     addMatteOptions(*command, options->render);
     addPluginOptions(*command, options->render);
-    command->add_option("--size", options->size, "Of the window (default: 1280x800)")
+    command->add_option("--size", options->size, "Size of the window (default: 1280x800)")
         ->type_name("WxH");
     command->callback([options, &action] { action = [options] { return view(*options); }; });
 }

@@ -6,6 +6,6 @@
 
 int main(int argc, char** argv)
 {
-    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error like a full disk
+    std::signal(SIGXFSZ, SIG_IGN);  // a file at its size limit is an error like a full disk
     return Tesseret::Command::runCommandLine(argc, argv);
 }

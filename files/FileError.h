@@ -1,6 +1,6 @@
 #pragma once
 
-/// What went wrong with a file, as one line for a person: the file's name, then the reason.
+/// An error with a file, as one line for the user: the file's name, then the reason.
 
 #include <filesystem>
 #include <stdexcept>

@@ -61,7 +61,7 @@ const FileFormat& formatByName(const std::filesystem::path& file)
     }
     throw FileError(
         file, (extension.empty() ? "the name has no extension" : "unknown extension " + extension) +
-                  "; known are " + knownExtensions());
+                  "; supported are " + knownExtensions());
 }
 
 const FileFormat& formatByContent(const std::filesystem::path& file)

@@ -1,7 +1,7 @@
 #pragma once
 
-/// What is kept of a file beside its colours and alpha, so that a result becomes the same kind of
-/// file again. Only the reader and the writer look inside.
+/// Data kept of a file besides its colours and alpha, so that a result becomes the same kind of
+/// file. Only the reader and the writer use its contents.
 
 #include <cstddef>
 #include <vector>
@@ -13,7 +13,7 @@
 
 namespace Tesseret::Files {
 
-/// Where in the file the picture's channels are; -1 for none. A grey file has one index three
+/// The indices of the picture's channels in the file; -1 for none. A grey file has one index three
 /// times.
 struct ChannelPlaces {
     int red = -1, green = -1, blue = -1, alpha = -1;
@@ -21,7 +21,7 @@ struct ChannelPlaces {
     bool isColour() const { return red != green; }
 };
 
-/// A channel that no render touches (depth, normals, masks), in its own type.
+/// A channel that renders do not change (depth, normals, masks), in its own type.
 struct ExtraChannel {
     int index;
     OIIO::TypeDesc type;
@@ -39,7 +39,7 @@ struct FileRecord {
 /// Of a file's channels: those named R, G and B, else the first three, else the first as grey.
 ChannelPlaces findChannels(const OIIO::ImageSpec& spec);
 
-/// The depth a channel type is rendered in: whole numbers of 8 and 16 bits as they are, the rest as
+/// The depth a channel type is rendered in: integers of 8 and 16 bits as they are, the rest as
 /// float.
 Depth depthOf(const OIIO::TypeDesc& type);
 OIIO::TypeDesc typeOf(Depth depth);

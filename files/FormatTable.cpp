@@ -47,7 +47,7 @@ std::optional<Compression> methodFrom(const std::string& text, std::string_view 
     return hasLevel ? std::optional(result) : std::nullopt;
 }
 
-/// The method as OpenImageIO takes it; without one the source's, or else the default.
+/// The method in OpenImageIO's spelling; without one the source's, or else the default.
 void setMethod(ImageSpec& spec, const Compression& chosen, const char* byDefault)
 {
     std::string method = chosen.method;
@@ -72,8 +72,8 @@ void setPngCompression(ImageSpec& spec, const Compression& chosen)
         spec.attribute("png:compressionLevel", *chosen.level);
         return;
     }
-    // Run lengths over the average filter: on photographs a sixth of the time of zlib's usual
-    // level for a file 7 % larger, and smaller than level 1.
+    // Run lengths over the average filter: on photographs a sixth of the time of zlib's default
+    // level, for a file 7 % larger than that and smaller than level 1.
     constexpr int kAverageFilter = 0x40;
     spec.attribute("png:compressionLevel", 1);
     spec.attribute("png:filter", kAverageFilter);
@@ -110,15 +110,14 @@ void setResolution(ImageSpec& spec)
     spec.attribute("YResolution", x * spec.get_float_attribute("PixelAspectRatio", 1.0f));
 }
 
-/// JPEG keeps the aspect ratio as two resolutions, which OpenImageIO takes the other way round.
+/// JPEG stores the aspect ratio as two resolutions, which OpenImageIO swaps.
 void adaptJpeg(ImageSpec& spec)
 {
     setResolution(spec);
     spec.attribute("PixelAspectRatio", 1.0f / spec.get_float_attribute("PixelAspectRatio", 1.0f));
 }
 
-/// Densities are dots per unit, so a pixel is wide where they are few; OpenImageIO has it the other
-/// way round.
+/// Densities are dots per unit, so a low density means wide pixels; OpenImageIO has it inverted.
 void correctJpeg(ImageSpec& spec)
 {
     const float x = spec.get_float_attribute("XResolution");
@@ -126,8 +125,8 @@ void correctJpeg(ImageSpec& spec)
     if (x > 0.0f && y > 0.0f) spec.attribute("PixelAspectRatio", y / x);
 }
 
-/// Where a file is cut short the library fills in grey and only leaves a message; but it has
-/// messages for harmless faults too.
+/// For a truncated file the library fills in grey and only leaves a message; but it has messages
+/// for harmless faults too.
 bool isHarmlessJpeg(const std::string& message)
 {
     return message.find("Premature end") == std::string::npos;
@@ -152,7 +151,7 @@ void setTiffCompression(ImageSpec& spec, const Compression& chosen)
     setMethod(spec, chosen, "lzw");
 }
 
-/// TIFF keeps windows in units of the resolution, which has to be fine enough.
+/// TIFF stores windows in units of the resolution, which has to be fine enough.
 void adaptTiff(ImageSpec& spec)
 {
     if (!(spec.get_float_attribute("XResolution") > 0.0f)) setResolution(spec);

@@ -55,7 +55,7 @@ void nameChannels(OIIO::ImageSpec& spec, const std::vector<int>& channels, const
     spec.z_channel = -1;
 }
 
-/// Extra channels stay when the new file has the same pixels and can hold their types.
+/// Extra channels are kept when the new file has the same pixels and can hold their types.
 void keepExtraChannels(OutputSpec& out, const FileFormat& format, const FileRecord& record)
 {
     if (record.extra.empty()) return;
@@ -104,7 +104,7 @@ void placeWindows(OutputSpec& out, const FileFormat& format, const FileRecord& r
     if (!fits && !isSame(bounds, display)) out.losses.emplace_back("data window");
 }
 
-/// Keeps what people wrote, drops what described the old file's bytes.
+/// Keeps metadata written by users, drops metadata about the old file's bytes.
 void cleanMetadata(OutputSpec& out, const FileFormat& format, const FileRecord& record)
 {
     OIIO::ImageSpec& spec = out.spec;
@@ -127,7 +127,7 @@ void cleanMetadata(OutputSpec& out, const FileFormat& format, const FileRecord& 
     }
     if (spec.get_int_attribute("Orientation", 1) > 1 && !sameFormat && !format.orientation) {
         spec.erase_attribute("Orientation");
-        out.losses.emplace_back("orientation mark");
+        out.losses.emplace_back("orientation");
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-/// How a picture is going to lie in a file: type, channels, windows, metadata and compression.
+/// The layout of a picture in a file: type, channels, windows, metadata and compression.
 
 #include <optional>
 #include <string>
@@ -12,11 +12,11 @@ namespace Tesseret::Files {
 
 struct OutputSpec {
     OIIO::ImageSpec spec;
-    Depth depth = Depth::Byte;        ///< what the picture is brought to before it is written
-    OfxRectI window{0, 0, 0, 0};      ///< what is written, in the picture's pixels
+    Depth depth = Depth::Byte;        ///< the picture is converted to it before it is written
+    OfxRectI window{0, 0, 0, 0};      ///< the part to write, in the picture's pixels
     std::vector<int> channels;        ///< of the picture, in file order
-    bool keepsExtra = false;          ///< the record's extra channels stand at their old places
-    std::vector<std::string> losses;  ///< what the file cannot hold, one phrase each
+    bool keepsExtra = false;          ///< the record's extra channels keep their places
+    std::vector<std::string> losses;  ///< data that the file cannot hold, one phrase each
 };
 
 /// For a picture of these bounds and this depth that came from `record`.

@@ -39,7 +39,7 @@ bool areNeighbours(const std::vector<int>& channels)
     return channels.back() - channels.front() + 1 == static_cast<int>(channels.size());
 }
 
-/// Which of the picture's channels stands at a place of the file.
+/// The picture's channel for a channel of the file.
 int channelAt(int place, const OutputSpec& out, const ChannelPlaces& places)
 {
     if (!out.keepsExtra) return out.channels[static_cast<std::size_t>(place)];
@@ -91,8 +91,8 @@ bool writePixels(OIIO::ImageOutput& file, const OutputSpec& out, const Picture& 
     return file.write_image(mixed ? OIIO::TypeDesc() : out.spec.format, pixels.data());
 }
 
-/// A file in memory. What the libraries do about a write that fails is beyond us (one ends the
-/// process), so none fails here: that there is no more memory is kept for later.
+/// A file in memory. The libraries' reaction to a failed write is not under our control (one ends
+/// the process), so none fails here: running out of memory is recorded and reported later.
 class MemoryFile final : public OIIO::Filesystem::IOProxy {
 public:
     MemoryFile() : IOProxy("", Write) {}
@@ -130,7 +130,7 @@ private:
     bool isShort_ = false;
 };
 
-/// A file of the system's that takes memory and no disk, with a name that others can open.
+/// A file of the system in memory, not on disk, with a name that libraries can open.
 class SystemMemoryFile {
 public:
     explicit SystemMemoryFile(const fs::path& shown)
@@ -163,8 +163,8 @@ private:
     int descriptor_;
 };
 
-/// Sees whether the limit on the size of files, which holds in memory too, stopped a write of this
-/// thread: the system sends a signal then, which waits here.
+/// Detects that the limit on file sizes, which applies in memory too, stopped a write of this
+/// thread: the system then sends a signal, which is pending here.
 class SizeLimitWatch {
 public:
     SizeLimitWatch()

@@ -8,8 +8,8 @@
 
 namespace Tesseret::Files {
 
-/// The bytes of a picture file, made in memory. The picture has the depth and the bounds of `out`;
-/// extra channels come from `record`. The name is `file`'s where a format keeps it. Throws
+/// Encodes a picture file in memory. The picture has the depth and the bounds of `out`; extra
+/// channels come from `record`. A format that stores the file's name takes it from `file`. Throws
 /// `FileError`.
 std::vector<std::byte> encodePicture(const std::filesystem::path& file, const FileFormat& format,
                                      const OutputSpec& out, const Picture& picture,

@@ -23,10 +23,10 @@ std::string firstLine(const std::string& text)
 
 [[noreturn]] void failDamaged(const std::filesystem::path& file, const std::string& reason)
 {
-    throw FileError(file, "is damaged or cut short" + (reason.empty() ? "" : ": " + reason));
+    throw FileError(file, "is damaged or truncated" + (reason.empty() ? "" : ": " + reason));
 }
 
-/// An open file with what its header said.
+/// An open file with its header.
 struct OpenFile {
     std::filesystem::path file;
     const FileFormat* format;
@@ -99,7 +99,7 @@ bool readChannels(OpenFile& opened, int first, int last, Picture& picture, int t
                                     static_cast<OIIO::stride_t>(-picture.rowBytes()));
 }
 
-/// Grey goes to all three colours, and what the file has not becomes opaque.
+/// Grey goes to all three colours; a missing alpha becomes opaque.
 template <typename Channel>
 void complete(Picture& picture, bool grey, bool opaque, Channel full)
 {
@@ -155,7 +155,7 @@ bool readExtra(OpenFile& opened, const ChannelPlaces& places, std::vector<ExtraC
     return true;
 }
 
-/// Ends the reading. A library may fill in where a file is cut short, and only leave a message.
+/// Ends the reading. For a truncated file a library may fill in pixels and only leave a message.
 void checkRead(OpenFile& opened, bool read, std::vector<std::string>& warnings)
 {
     const std::string message = firstLine(opened.input->geterror());
@@ -209,7 +209,7 @@ bool isFull(const Picture& matte, Channel full)
     return true;
 }
 
-/// Whether a matte masks every pixel of the display window in full.
+/// Whether a matte fully masks every pixel of the display window.
 bool isFullEverywhere(const Picture& matte, const OfxRectI& displayWindow)
 {
     const OfxRectI inside = intersection(matte.bounds(), displayWindow);
@@ -289,9 +289,9 @@ PictureFile readPicture(const std::filesystem::path& file, ReadAs as, std::optio
     try {
         return readOpened(opened, as, depth);
     } catch (const std::bad_alloc&) {
-        throw FileError(file, "is too large for the memory");
+        throw FileError(file, "is too large for memory");
     } catch (const PictureError&) {
-        throw FileError(file, "is too large for the memory");
+        throw FileError(file, "is too large for memory");
     }
 }
 

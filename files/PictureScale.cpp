@@ -9,13 +9,13 @@ namespace Tesseret::Files {
 
 namespace {
 
-/// A source pixel's part of a new one.
+/// The weight of a source pixel in a new one.
 struct Share {
     int position;
     float weight;
 };
 
-/// For each new position the old ones it covers, with weights that sum to 1.
+/// For each new position the old positions that it covers, with weights that sum to 1.
 std::vector<std::vector<Share>> coverage(int newFirst, int newEnd, int oldFirst, int oldEnd,
                                          double factor)
 {

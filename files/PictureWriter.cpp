@@ -11,7 +11,7 @@ namespace Tesseret::Files {
 
 namespace {
 
-/// The picture's pixels as they are to be written; the picture itself when it is right already.
+/// The picture converted for writing; the picture itself when no conversion is needed.
 const Picture& prepared(const Picture& picture, const OutputSpec& out, Picture& storage)
 {
     const OfxRectI a = picture.bounds();
@@ -65,7 +65,7 @@ std::vector<std::string> writePicture(const std::filesystem::path& file, const P
         Picture storage;
         writeWhole(file, encodePicture(file, format, out, prepared(picture, out, storage), record));
     } catch (const std::bad_alloc&) {
-        throw FileError(file, "cannot be written: too large for the memory");
+        throw FileError(file, "cannot be written: too large for memory");
     }
     return lossTexts(file, format, out.losses);
 }

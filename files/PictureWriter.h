@@ -1,7 +1,8 @@
 #pragma once
 
-/// Pictures into files, which appear whole or not at all. Channels, type, windows and metadata are
-/// those of the file that the picture came from, as far as the new file's format can hold them.
+/// Writes pictures into files, which appear whole or not at all. Channels, type, windows and
+/// metadata are those of the file that the picture came from, as far as the new file's format can
+/// hold them.
 
 #include <filesystem>
 #include <optional>
@@ -15,23 +16,23 @@ namespace Tesseret::Files {
 struct FileRecord;
 
 struct WriteOptions {
-    std::string compression;  ///< as `parseCompression` understands it; empty is the default
+    std::string compression;  ///< as `parseCompression` accepts it; empty is the default
     bool asColour = false;    ///< a grey file becomes a colour file
-    /// In place of the record's, in the picture's pixels.
+    /// Replaces the record's, in the picture's pixels.
     std::optional<OfxRectI> displayWindow;
 };
 
-/// Finds out before any work whether a file of this name could be written. Throws `FileError` for
+/// Checks before a render that a file of this name could be written. Throws `FileError` for
 /// the name and its folder, `std::invalid_argument` for the compression.
 void checkTarget(const std::filesystem::path& file, const std::string& compression);
 
-/// Whether the format keeps a data window apart from the display window.
+/// Whether the format stores a data window apart from the display window.
 bool keepsDataWindow(const std::filesystem::path& file);
 
-/// Writes an RGBA picture. Values go to the file's type rounded and clamped, nothing else is done
-/// to them: a picture of the record's depth takes the record's type (half, 10 bits), another its
-/// own, each brought to the nearest that the format has. Returns a line for each thing of the
-/// record that the new file cannot hold. Throws `FileError`.
+/// Writes an RGBA picture. Values are rounded and clamped to the file's type and not changed
+/// otherwise. A picture of the record's depth takes the record's type (half, 10 bits), any other
+/// its own, or the nearest type that the format has. Returns a line for each item of the record
+/// that the new file cannot hold. Throws `FileError`.
 std::vector<std::string> writePicture(const std::filesystem::path& file, const Picture& picture,
                                       const FileRecord& record, const WriteOptions& options = {});
 

@@ -4,8 +4,8 @@
 
 namespace Tesseret::Files {
 
-/// Whether a PNG file is whole: its chunks follow one another up to the end mark with right
-/// checksums. Tells a damaged file before libpng does, which would print a line of its own.
+/// Whether a PNG file is complete: its chunks follow one another up to the end chunk, with correct
+/// checksums. Detects a damaged file before libpng does, which would print a line of its own.
 bool isWholePng(const std::filesystem::path& file);
 
 }  // namespace Tesseret::Files

@@ -18,12 +18,12 @@ constexpr std::size_t kMaxFrames = 1'000'000;
     throw std::invalid_argument("frames \"" + std::string(text) + "\": " + reason);
 }
 
-/// Takes the number at the start of `rest`.
+/// Removes the number at the start of `rest` and returns it.
 int takeNumber(std::string_view& rest, std::string_view text)
 {
     int number = 0;
     const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), number);
-    if (error != std::errc()) fail(text, "write 1001, 1001-1100 or 1001-1100x2");
+    if (error != std::errc()) fail(text, "expected 1001, 1001-1100 or 1001-1100x2");
     rest.remove_prefix(static_cast<std::size_t>(end - rest.data()));
     return number;
 }
@@ -44,7 +44,7 @@ Span parseSpan(std::string_view rest, std::string_view text)
     Span span{takeNumber(rest, text), 0, 1};
     span.last = takeCharacter(rest, '-') ? takeNumber(rest, text) : span.first;
     if (takeCharacter(rest, 'x')) span.step = takeNumber(rest, text);
-    if (!rest.empty()) fail(text, "write 1001, 1001-1100 or 1001-1100x2");
+    if (!rest.empty()) fail(text, "expected 1001, 1001-1100 or 1001-1100x2");
     if (span.last < span.first) fail(text, "the range runs downwards");
     if (span.step < 1) fail(text, "the step is below 1");
     return span;

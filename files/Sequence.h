@@ -11,32 +11,31 @@
 
 namespace Tesseret::Files {
 
-/// The frames of a text in the order written, each once. "A-BxS" counts from A up to B in steps of
-/// S; numbers may be negative ("-5--1"). Throws `std::invalid_argument` with one line that says
-/// what is wrong: not a range, a range that runs downwards, a step below 1, more than a million
-/// frames.
+/// Parses frames, in the order written, each once. "A-BxS" counts from A up to B in steps of S;
+/// numbers may be negative ("-5--1"). Throws `std::invalid_argument` with one line that states the
+/// fault: not a range, a range that runs downwards, a step below 1, more than a million frames.
 std::vector<int> parseFrames(std::string_view text);
 
-/// The shortest way to write ascending frames: {1, 2, 3, 7} is "1-3,7".
+/// The shortest notation of ascending frames: {1, 2, 3, 7} is "1-3,7".
 std::string framesText(const std::vector<int>& frames);
 
 /// A file name with a place for the frame number: "plate.####.exr" or "plate.%04d.exr". The number
-/// is padded with zeros to the count of marks; longer numbers are written whole. A name without a
-/// place stands for one still.
+/// is padded with zeros to the count of marks; longer numbers are not truncated. A name without a
+/// place denotes a still.
 class SequencePattern {
 public:
-    /// Takes the last run of '#' in the file name, or else its last "%d" or "%0Nd". Folders may
-    /// hold these characters as they are.
+    /// Uses the last run of '#' in the file name, or else its last "%d" or "%0Nd". These characters
+    /// have no meaning in folder names.
     explicit SequencePattern(const std::filesystem::path& name);
 
-    /// As it was given.
+    /// The name as given.
     const std::filesystem::path& name() const { return name_; }
     bool isSequence() const { return digits_.has_value(); }
 
     /// The file of a frame; the name itself for a still.
     std::filesystem::path file(int frame) const;
 
-    /// Those of the frames whose file does not exist.
+    /// The frames whose file does not exist.
     std::vector<int> missing(const std::vector<int>& frames) const;
 
 private:

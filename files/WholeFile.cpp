@@ -22,7 +22,7 @@ fs::path folderOf(const fs::path& file)
     return file.has_parent_path() ? file.parent_path() : fs::path(".");
 }
 
-/// Unlike any other writer's: several processes may write into one folder.
+/// Unique among all writers: several processes may write into one folder.
 fs::path partName(const fs::path& target)
 {
     static std::atomic<unsigned> count{0};
@@ -32,7 +32,7 @@ fs::path partName(const fs::path& target)
     return folderOf(target) / name.str();
 }
 
-/// The file beside its target. Unless it was kept it goes with the object.
+/// A temporary file beside its target, removed with the object unless it was kept.
 class PartFile {
 public:
     explicit PartFile(const fs::path& target)
@@ -61,16 +61,16 @@ public:
         }
     }
 
-    /// Some disks say only here that they are full.
+    /// Some file systems report only here that the disk is full.
     void flush(std::size_t size)
     {
-        // A file system that cannot flush says so by EINVAL.
+        // A file system that cannot flush reports EINVAL.
         require(::fsync(descriptor_) == 0 || errno == EINVAL);
         struct stat found = {};
         require(::fstat(descriptor_, &found) == 0);
-        // The size is all there is to check: every byte came out of memory, and the system accepted
-        // each of them. To decode the file again would read the same memory back from its cache.
-        if (static_cast<std::size_t>(found.st_size) != size) fail("it was cut short");
+        // Checking the size is enough: the system has accepted every byte, and decoding the file
+        // again would only read the same bytes from its cache.
+        if (static_cast<std::size_t>(found.st_size) != size) fail("it was truncated");
         require(::close(std::exchange(descriptor_, -1)) == 0);
     }
 
@@ -78,8 +78,8 @@ public:
     {
         require(::rename(path_.c_str(), target_.c_str()) == 0);
         kept_ = true;
-        // The name is on the disk once the folder is. By now the file is whole under either name,
-        // so that a folder which cannot be flushed is no failure.
+        // Flushing the folder puts the name on the disk. The file is complete under either name by
+        // now, so a folder that cannot be flushed is not a failure.
         const int folder = ::open(folderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         if (folder < 0) return;
         ::fsync(folder);

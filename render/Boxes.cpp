@@ -31,7 +31,7 @@ std::string boxText(const ViewBox& box)
            numberText(box.y2);
 }
 
-/// Whole pixels that cover a box, as far as the picture has them. Throws `UsageError`.
+/// The pixels of the picture that a box covers, partly covered ones included. Throws `UsageError`.
 OfxRectI boxInPicture(const char* option, const ViewBox& box, const PictureInfo& picture)
 {
     const double top = picture.displayWindow.y2;
@@ -70,8 +70,8 @@ bool hasTexture(const JobInputs& inputs)
                                [&](const char* clip) { return inputs.has(clip); });
 }
 
-/// Corners of the sample box for whole pixels. The plug-in computes in single precision and drops
-/// fractions, so a quarter of a pixel keeps a corner from falling into the pixel before.
+/// Corners of the sample box for integer pixels. The plug-in computes in single precision and
+/// truncates, so a quarter of a pixel is added to keep a corner out of the pixel before it.
 void setCorners(const OfxRectD& pixels, const JobInputs& inputs, ParameterValues& values)
 {
     constexpr double kInsidePixel = 0.25;
@@ -119,7 +119,7 @@ const PictureInfo* uncovered(const JobInputs& inputs, const OfxRectI& box)
     return nullptr;
 }
 
-/// The middle of what all textures have, in the proportions of the plug-in's own default.
+/// The middle of the area common to all textures, in the proportions of the plug-in's default.
 OfxRectD middleOfTextures(const JobInputs& inputs)
 {
     constexpr double kMargin = 0.2;
@@ -170,12 +170,12 @@ void setSampleBox(const ViewBox& box, const JobInputs& inputs, ParameterValues& 
 {
     if (hasCorners(values)) {
         throw UsageError(
-            "--sample-box and the parameters sampleCorner1 and sampleCorner2 say the "
-            "same thing; give one of them");
+            "--sample-box and the parameters sampleCorner1 and sampleCorner2 set the "
+            "same box; give only one of them");
     }
     const PictureInfo& picture = sampled(inputs);
     boxInPicture(kSampleBoxOption, box, picture);
-    // A texture has to cover the box, and whether it does is seen once all values are known.
+    // A texture has to cover the box; that is checked once all values are known.
     const ViewBox used = hasTexture(inputs) ? box : clipped(box, picture);
     const double top = picture.displayWindow.y2;  // the corners count from below
     setCorners({used.x1, top - used.y2, used.x2, top - used.y1}, inputs, values);
@@ -201,8 +201,8 @@ void fitSampleBox(const ContextDescription& description, const JobInputs& inputs
     }
     throw UsageError(texture->file.string() + ": the sample box of " +
                      std::to_string(box.x2 - box.x1) + " x " + std::to_string(box.y2 - box.y1) +
-                     " pixels reaches beyond this texture; say with --sample-box which part of "
-                     "the texture to use");
+                     " pixels reaches beyond this texture; choose a part of the texture with "
+                     "--sample-box");
 }
 
 std::optional<OfxRectI> boxInSource(const ContextDescription& description, const JobInputs& inputs,

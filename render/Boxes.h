@@ -1,7 +1,7 @@
 #pragma once
 
-/// The boxes of a job, the part to render and the one that blocks are taken from: as the user gives
-/// them, in pixels, and as the parameters of the plug-in have them.
+/// The boxes of a job, the window to render and the sample box: in pixels, as the user gives them,
+/// and as the plug-in's parameters.
 
 #include <optional>
 #include <string>
@@ -12,27 +12,26 @@
 
 namespace Tesseret::Render {
 
-/// The part of the source to render, in its pixels: those that cover the window given, clipped at
-/// the data window, or all of them. Throws `UsageError` when nothing is left.
+/// The part of the source to render, in its pixels: the given window, clipped at the data window,
+/// or the whole data window. Throws `UsageError` when the result is empty.
 OfxRectI windowInSource(const RenderSettings& settings, const Files::PictureInfo& source);
 
-/// A line for each box of the settings that is clipped, with what is used of it. Throws
-/// `UsageError` when nothing is left.
+/// A line for each box of the settings that is clipped, with the part that is used. Throws
+/// `UsageError` when that part is empty.
 std::vector<std::string> clippedBoxes(const RenderSettings& settings, const JobInputs& inputs);
 
-/// Sets the corners to a box in the first texture, or in the source when there is none, where it is
-/// clipped. Throws `UsageError` when the values have corners already, or the box lies outside.
+/// Sets the corners to a box in the first texture, or in the source when there is none; a box in
+/// the source is clipped. Throws `UsageError` when the values have corners already, or the box lies
+/// outside.
 void setSampleBox(const ViewBox& box, const JobInputs& inputs, ParameterValues& values);
 
-/// Where nobody said what blocks are to be taken from, a fill keeps clear of what it fills: the
-/// plug-in's own default box lies in the middle of the picture, and so, mostly, does the thing that
-/// is to go.
+/// Turns on avoiding the fill region where the user chose neither box nor texture: the plug-in's
+/// default box lies in the middle of the picture, where the object to remove mostly is.
 void avoidRegionByDefault(const Host::ContextDescription& description, const JobInputs& inputs,
                           ParameterValues& values);
 
-/// Blocks are taken from inside the sample box, so every texture has to cover it. A box that nobody
-/// asked for moves into the textures; one that was asked for and does not fit is refused with a
-/// `UsageError`.
+/// Blocks are taken from the sample box, so every texture has to cover it. The default box is moved
+/// into the textures; throws `UsageError` for a box of the user's that does not fit.
 void fitSampleBox(const Host::ContextDescription& description, const JobInputs& inputs,
                   ParameterValues& values);
 

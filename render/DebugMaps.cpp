@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::string_view kExtension = ".png";
 
-/// Whether a file could be one of ours: a map's name after nothing but what prefixes consist of.
+/// Whether a file could be a map: a map's name after characters of its prefixes only.
 bool isMapName(const fs::path& file)
 {
     const std::string name = file.filename().string();
@@ -33,13 +33,14 @@ void makeFolder(const fs::path& folder)
 {
     std::error_code error;
     fs::create_directories(folder, error);
-    if (error) throw Files::FileError(folder, "cannot be made: " + error.message());
+    if (error) throw Files::FileError(folder, "cannot be created: " + error.message());
     Files::checkTarget(folder / std::string(FillPictures::kFillMask).append(kExtension), "");
 }
 
 }  // namespace
 
-DebugMaps::DebugMaps(fs::path folder, JobListener& listener) : folder_(std::move(folder)), listener_(listener)
+DebugMaps::DebugMaps(fs::path folder, JobListener& listener)
+    : folder_(std::move(folder)), listener_(listener)
 {}
 
 void DebugMaps::begin(const JobInputs& inputs)
@@ -49,7 +50,7 @@ void DebugMaps::begin(const JobInputs& inputs)
     for (const auto& entry : fs::directory_iterator(folder_)) {
         if (isMapName(entry.path()) && inputs.reads(entry.path())) {
             throw UsageError(entry.path().string() +
-                             ": is one of the files to read; no map is written over those");
+                             ": is one of the input files; a map would overwrite it");
         }
     }
     const fs::path output = inputs.outputFile(inputs.frames().front());
@@ -87,8 +88,8 @@ void DebugMaps::startPictures(std::string prefix)
     pictures_.restart();
 }
 
-/// What this render does not make must not be there from an earlier one; but where it could not
-/// make one, the earlier one stands.
+/// Removes the maps of an earlier render that this render does not make; after a failure they are
+/// kept.
 void DebugMaps::removeUnmade() const
 {
     if (!hasBegun_ || !failure_.empty()) return;

@@ -11,18 +11,18 @@
 
 namespace Tesseret::Render {
 
-/// Writes what the stages of a fill made into a folder, one PNG for each map and one for the
-/// boundary path: "fill-mask.png" and so on, after "0005_" for frame 5 of a sequence and "area2_"
-/// for the second of several areas. Pictures of an earlier render by the same names are replaced,
-/// or removed where this one makes none.
+/// Writes the maps of a fill and its boundary path into a folder, one PNG each: "fill-mask.png" and
+/// so on, after "0005_" for frame 5 of a sequence and "area2_" for the second of several areas.
+/// Pictures of an earlier render with these names are replaced, or removed where this render makes
+/// none.
 class DebugMaps final : public JobListener {
 public:
-    /// `listener` gets a message with the numbers that a picture alone does not say; it outlives this.
+    /// `listener` receives a message with the range of the gain; it outlives this.
     DebugMaps(std::filesystem::path folder, JobListener& listener);
 
-    /// Before the first render: makes the folder when it is missing. Throws `FileError` when
-    /// nothing can be written there, and `UsageError` when that would replace a file that the job
-    /// reads or writes.
+    /// Before the first render: creates the folder when it is missing. Throws `FileError` when it
+    /// is not writable, and `UsageError` when a map would replace a file that the job reads or
+    /// writes.
     void begin(const JobInputs& inputs);
     /// After the last frame. Throws `RenderFailure` when a picture could not be written.
     void finish();
@@ -46,9 +46,9 @@ private:
     bool isSequence_ = false;
     std::string framePrefix_, prefix_;
     bool hasBegun_ = false;
-    std::set<std::string_view> made_;  ///< of the fill that runs
+    std::set<std::string_view> made_;  ///< by the running fill
     FillPictures pictures_;
-    std::string failure_;  ///< the first one; empty while there is none
+    std::string failure_;  ///< the first one; empty when there is none
 };
 
 }  // namespace Tesseret::Render

@@ -11,7 +11,7 @@ std::shared_ptr<const Picture> shared(Picture picture)
     return std::make_shared<const Picture>(std::move(picture));
 }
 
-/// What did not come is empty.
+/// A map that was not reported gives an empty picture.
 const Picture& orEmpty(const std::shared_ptr<const Picture>& picture)
 {
     static const Picture kEmpty;

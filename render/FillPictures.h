@@ -9,14 +9,14 @@
 
 namespace Tesseret::Render {
 
-/// A picture of what a stage made; grey ones hold the same three times.
+/// A picture of a map or path; grey pictures have three equal channels.
 struct FillPicture {
     std::string_view name;
     std::shared_ptr<const Picture> picture;
     bool isColour = false;
 };
 
-/// Makes pictures of the maps and the path of one fill after another, as they come.
+/// Makes pictures of the maps and the path of fills, one fill after another.
 class FillPictures {
 public:
     static constexpr std::string_view kFillMask = "fill-mask";
@@ -29,16 +29,16 @@ public:
 
     /// Before each fill.
     void restart() { *this = {}; }
-    /// Nothing for a map of another name.
+    /// Returns nullopt for a map of another name.
     std::optional<FillPicture> make(const TesseretMapV1& map);
     FillPicture make(const TesseretPathV1& path) const;
-    /// Of a gain, where the texture is used.
+    /// The range of a gain where the texture is used.
     MapRange usedRange(const TesseretMapV1& gain) const;
 
 private:
     using Shared = std::shared_ptr<const Picture>;
 
-    Shared region_, band_;  ///< the path's backdrop; null until they come
+    Shared region_, band_;  ///< the path's background; null until reported
     Shared used_;           ///< the composite mask, for the gain
 };
 

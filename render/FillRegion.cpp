@@ -54,10 +54,10 @@ void checkAlpha(const Request& request, const JobInputs& inputs)
         request.choice == Names::kSourceAlpha || request.choice == Names::kSourceInvertedAlpha;
     if (!wantsAlpha || inputs.source().hasAlpha) return;
     throw UsageError(inputs.source().file.string() + ": has no alpha, which " + request.option +
-                     " takes the mask from");
+                     " needs as its mask");
 }
 
-/// A choice may be the one wished for, or the inverse of a matte that was given without a word.
+/// The choice has to be the requested one; --matte alone allows the inverted matte too.
 bool agrees(const Request& request, const RenderSettings& settings, const std::string& choice)
 {
     return choice == request.choice ||
@@ -79,7 +79,7 @@ void setFillRegion(const RenderSettings& settings, const ContextDescription& des
     const std::optional<Request> request = requestOf(settings);
     const bool isGiven = values.contains(Names::kFillRegion);
     if (!request) {
-        // Without its matte the plug-in's own default would fill everything all the same.
+        // Set so that the values show it: without a matte the default fills the whole picture too.
         const bool hasMatte = description.clip(Names::kMatte) != nullptr;
         const bool hasChoice = description.parameter(Names::kFillRegion) != nullptr;
         if (hasMatte && hasChoice && !isGiven) set(Names::kEntireImage, description, values);
@@ -90,9 +90,9 @@ void setFillRegion(const RenderSettings& settings, const ContextDescription& des
         const std::string given = choiceOf(description, values);
         if (agrees(*request, settings, given)) return;
         throw UsageError(std::string(request->option) + " and fillRegion=\"" + given +
-                         "\" contradict each other; give one of them");
+                         "\" contradict each other; give only one of them");
     }
-    // Another plug-in may make of a matte what it likes.
+    // Another plug-in may use a matte in its own way.
     const bool isImplied = settings.mask == MaskOption::None;
     if (isImplied && description.parameter(Names::kFillRegion) == nullptr) return;
     set(request->choice, description, values);

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The choice of the parameter "fillRegion": where the mask of what is to be filled comes from.
+/// The choice of the parameter "fillRegion": where the mask of the region to fill comes from.
 
 #include <optional>
 
@@ -17,17 +17,17 @@ struct FillRegion {
     Polarity polarity = Polarity::White;
 };
 
-/// Whether the choice among the values, or its default, is what the options and files ask for.
+/// Whether the choice among the values, or its default, agrees with the options and files.
 bool allowsFillRegion(const RenderSettings& settings, const Host::ContextDescription& description,
                       const ParameterValues& values);
 
-/// Sets the choice that the options and files ask for. Throws `UsageError` when the values have
-/// another one that contradicts them, when the plug-in has no such choice, or when the source has
-/// no alpha to take.
+/// Sets the choice that the options and files request. Throws `UsageError` when the values
+/// contradict them, when the plug-in has no such choice, or when a required source alpha is
+/// missing.
 void setFillRegion(const RenderSettings& settings, const Host::ContextDescription& description,
                    const JobInputs& inputs, ParameterValues& values);
 
-/// What the plug-in will fill from; no mask for a plug-in that has no such parameter.
+/// The mask that the plug-in fills from; none for a plug-in that has no such parameter.
 FillRegion fillRegionOf(const Host::ContextDescription& description, const JobInputs& inputs,
                         const ParameterValues& values);
 

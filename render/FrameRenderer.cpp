@@ -19,7 +19,7 @@ namespace {
 constexpr std::size_t kManyAreas = 100;
 
 constexpr const char* kBoxReachesIn =
-    "the sample box takes in part of the region to fill, so that what is to go may come back; "
+    "the sample box overlaps the region to fill, so what is to be removed may come back; "
     "choose another with --sample-box x1,y1,x2,y2, or set avoidFillRegion=on";
 
 int frameOf(const RenderRequest& request)
@@ -41,8 +41,8 @@ struct Span {
     int first, end;
 };
 
-/// The part of a range that a longer one reaches into; of one that lies beside it the nearest
-/// pixel, as the plug-in does it.
+/// The part of a range inside a longer one; for disjoint ranges the nearest pixel, as in the
+/// plug-in.
 Span clampedInto(const Span& range, double first, double end)
 {
     const double last = range.end - 1;
@@ -52,7 +52,7 @@ Span clampedInto(const Span& range, double first, double end)
 
 }  // namespace
 
-/// The instance that an abort has to reach while this object lives.
+/// Makes an abort reach this instance while the object lives.
 class FrameRenderer::Running {
 public:
     Running(FrameRenderer& renderer, Host::Instance& instance) : renderer_(renderer)
@@ -127,7 +127,7 @@ void FrameRenderer::fillAreas(const RenderRequest& request, const FramePictures&
     const std::size_t count = std::min(matte.areas.count(), everyArea_ ? matte.areas.count() : 1);
     remark(request, matte, count);
     followAreas(request, matte, count);
-    std::shared_ptr<Picture> filled;  // the source with what the areas before have made of it
+    std::shared_ptr<Picture> filled;  // the source with the earlier areas filled
     for (std::size_t area = 0; area < count; ++area) {
         if (isInterrupted()) throw Interrupted("interrupted");
         listener_.areaBegan(area, count);
@@ -148,15 +148,14 @@ void FrameRenderer::fillAreas(const RenderRequest& request, const FramePictures&
                 const auto unfilled = source.picture(request.time, request.scale);
                 filled = std::make_shared<Picture>(unfilled->copied());
             }
-            filled->paste(changed);  // no render looks at it now
+            filled->paste(changed);  // no render reads it now
         }
-        source.hide();  // instances that wait for the next frame hold no pictures
+        source.hide();  // instances keep no pictures between frames
         slot.clips.at(Names::kMatte)->hide();
     }
 }
 
-/// The part of the window that filling an area can change; the rest of the picture stays as it is
-/// there and takes no time.
+/// The part of the window that filling an area can change; only this part is rendered.
 OfxRectI FrameRenderer::areaWindow(const RenderRequest& request, const PreparedMatte& matte,
                                    std::size_t area) const
 {
@@ -165,7 +164,7 @@ OfxRectI FrameRenderer::areaWindow(const RenderRequest& request, const PreparedM
     if (!reach) return request.window;
     OfxRectI box = cropsAreas_ ? matte.areas.box(area) : matte.areas.matte().bounds();
     if (area < reached_.size()) box = unionOf(box, reached_[area]);
-    // A length is no more pixels than this, however they are scaled and shaped.
+    // An upper bound of a length in pixels, for any scale and aspect ratio.
     const double aspect = slots_.front().clips.at(Names::kSource)->format().pixelAspectRatio;
     const double scale =
         std::max({1.0, request.scale.x, request.scale.y}) * std::max(1.0, 1.0 / aspect);
@@ -198,7 +197,7 @@ void FrameRenderer::renderOn(Slot& slot, const RenderRequest& request, Picture& 
     if (status != kOfxStatOK) throw Host::HostError(Host::statusText(status), status);
 }
 
-/// Says what is worth knowing of a matte before it is filled.
+/// Reports a matte's oddities before it is filled.
 void FrameRenderer::remark(const RenderRequest& request, const PreparedMatte& matte,
                            std::size_t count)
 {
@@ -207,9 +206,10 @@ void FrameRenderer::remark(const RenderRequest& request, const PreparedMatte& ma
         warnings_.report(file + ": masks nothing, so nothing is filled");
     }
     if (count > kManyAreas) {
-        warnings_.report(file + ": has " + std::to_string(count) +
-                       " separate areas, each of which is filled by itself; --matte-grow joins "
-                       "what lies close, --areas first fills one");
+        warnings_.report(
+            file + ": has " + std::to_string(count) +
+            " separate areas, each filled on its own; --matte-grow joins areas that lie "
+            "close together, --areas first fills only one");
     }
     const std::optional<OfxRectI>& box = setup_.boxInSource();
     if (box && matte.areas.reachInto(scaledBox(*box, request.scale), count)) {
@@ -217,10 +217,10 @@ void FrameRenderer::remark(const RenderRequest& request, const PreparedMatte& ma
     }
 }
 
-/// An instance lays the blocks again that it recorded for an area, at the place where that was.
-/// While every area still overlaps its recorded place they are taken for the same ones; otherwise
-/// an area could get the blocks of another, so that all instances forget what they recorded. The
-/// plug-in itself starts anew at frame 0.
+/// An instance repeats the blocks that it recorded for an area, at the recorded place. While every
+/// area overlaps its recorded place the areas count as the same; otherwise an area could get the
+/// blocks of another, so all instances discard their records. The plug-in itself starts again at
+/// frame 0.
 void FrameRenderer::followAreas(const RenderRequest& request, const PreparedMatte& matte,
                                 std::size_t count)
 {
@@ -237,17 +237,18 @@ void FrameRenderer::followAreas(const RenderRequest& request, const PreparedMatt
     if (!areSame && !recorded_.empty()) {
         for (Slot& slot : slots_) slot.instance->purgeCaches();
         if (!std::exchange(reportedAreasChange_, true)) {
-            warnings_.report(matte.file.string() +
-                           ": the areas are not those of the frames before; wherever they change, "
-                           "temporalConsistancy begins anew");
+            warnings_.report(
+                matte.file.string() +
+                ": the areas differ from those of the frame before; whenever they change, "
+                "temporalConsistancy starts again");
         }
     }
     recorded_ = std::move(boxes);
     reached_ = recorded_;
 }
 
-/// Only an instance that repeats blocks remembers anything of an area; else one does for all, of
-/// which there may be hundreds.
+/// Only an instance that repeats blocks keeps state of its area; otherwise one instance serves all
+/// areas, of which there may be hundreds.
 FrameRenderer::Slot& FrameRenderer::slotFor(std::size_t area)
 {
     const std::size_t slot = setup_.repeatsBlocks() ? area : 0;

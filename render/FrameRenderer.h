@@ -30,7 +30,7 @@ public:
     Picture render(const Host::RenderRequest& request, const FramePictures& pictures,
                    const PreparedMatte* matte);
 
-    /// From any thread: the running render, and every later one, ends with `Interrupted`.
+    /// Makes the running render and every later one end with `Interrupted`. From any thread.
     void abort();
 
 private:
@@ -59,10 +59,10 @@ private:
     bool everyArea_, cropsAreas_;
     std::deque<Slot> slots_;  ///< at least one
     std::optional<Sequence> sequence_;
-    std::vector<OfxRectI> recorded_;  ///< boxes of the areas that the instances recorded blocks for
-    std::vector<OfxRectI> reached_;   ///< what these and the boxes of all frames since lie in
+    std::vector<OfxRectI> recorded_;  ///< boxes of the areas with recorded blocks
+    std::vector<OfxRectI> reached_;   ///< unions of these and the boxes of all frames since
     bool reportedEmptyMatte_ = false, reportedAreasChange_ = false;
-    std::mutex mutex_;  ///< guards what follows
+    std::mutex mutex_;  ///< guards the members below
     bool isAborted_ = false;
     Host::Instance* running_ = nullptr;
 };

@@ -17,7 +17,7 @@ OfxRectI scaledRect(const OfxRectI& rect, double scale)
                     {scale, scale}, 1.0);
 }
 
-/// Blocks of colour textures in a grey picture would lose their colour.
+/// Blocks of a colour texture would lose their colour in a grey picture.
 bool hasColourTexture(const JobInputs& inputs)
 {
     return std::ranges::any_of(inputs.infos(), [](const auto& input) {
@@ -26,8 +26,8 @@ bool hasColourTexture(const JobInputs& inputs)
     });
 }
 
-/// A scaled render has a smaller display window; a part of the picture is a picture of its own
-/// where the file cannot say which part it is.
+/// A scaled render has a scaled display window. A part of the picture becomes the whole display
+/// window where the format cannot store a data window.
 std::optional<OfxRectI> changedDisplay(const RenderSettings& settings,
                                        const std::filesystem::path& file, const PictureInfo& source,
                                        OfxRectI window)

@@ -1,7 +1,7 @@
 #pragma once
 
-/// What is asked of the plug-in for a frame, and how its picture lies in a file; the same for
-/// everyone who renders the same settings.
+/// The plug-in's render request for a frame, and the layout of its picture in a file; both depend
+/// on the settings only.
 
 #include "files/PictureWriter.h"
 #include "host/Instance.h"
@@ -13,7 +13,7 @@ namespace Tesseret::Render {
 Host::RenderRequest requestFor(const RenderSettings& settings, bool isSequence, int frame,
                                const Files::PictureInfo& source);
 
-/// For the picture of the request's window, which came from this source.
+/// For a picture of the request's window, rendered from this source.
 Files::WriteOptions writeOptionsFor(const RenderSettings& settings, const JobInputs& inputs,
                                     const std::filesystem::path& file,
                                     const Files::PictureInfo& source, OfxRectI window);

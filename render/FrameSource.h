@@ -8,13 +8,13 @@ namespace Tesseret::Render {
 /// An input clip that holds the picture of the frame being rendered, and no other.
 class FrameSource final : public Host::ClipSource {
 public:
-    /// Knows the clip by its first frame. Both ends of the range are included.
+    /// Takes the clip's format from its first frame. Both ends of the range are included.
     FrameSource(const Files::PictureInfo& first, Depth depth, Components components,
                 OfxRangeD range);
 
-    /// The picture that is answered from now on, for this frame only; in pixels of `scale`.
+    /// Sets the picture to return, for this frame only; in pixels of `scale`.
     void show(int frame, std::shared_ptr<const Picture> picture, OfxPointD scale = {1.0, 1.0});
-    /// Lets go of the picture; there is none until the next is shown.
+    /// Releases the picture; there is none until the next `show`.
     void hide();
 
     Host::ClipFormat format() const override { return format_; }
@@ -29,7 +29,7 @@ private:
     int frame_ = 0;
     std::shared_ptr<const Picture> picture_;
     OfxPointD scale_{1.0, 1.0};              ///< of picture_
-    std::shared_ptr<const Picture> scaled_;  ///< for the last other scale asked
+    std::shared_ptr<const Picture> scaled_;  ///< at `otherScale_`, the last other scale requested
     OfxPointD otherScale_{1.0, 1.0};
 };
 

@@ -35,7 +35,7 @@ void checkClips(const ContextDescription& description, const JobInputs& inputs)
     }
 }
 
-/// Textures that were given are used, unless it was said otherwise.
+/// Turns on the given textures, unless their switches were set.
 void useTextures(const ContextDescription& description, const JobInputs& inputs,
                  ParameterValues& values)
 {
@@ -46,7 +46,7 @@ void useTextures(const ContextDescription& description, const JobInputs& inputs,
     }
 }
 
-/// What is said on the command line, by name or by options, comes before the file's values.
+/// The command line, by name or by option, overrides the file's values.
 ParameterValues collectValues(const RenderSettings& settings, const ContextDescription& description,
                               const JobInputs& inputs, ParameterValues filed)
 {
@@ -138,9 +138,9 @@ ParameterValues InstanceSetup::values() const
     return all;
 }
 
-/// Of this plug-in. It fills a rectangle with five times path and blend on every side. Where it
-/// matches luminance it looks for the fill from the corner of the render window on, which has to
-/// stay where it is.
+/// Known for this plug-in only, which fills a rectangle with a margin of five times path and blend.
+/// The luminance match searches the fill from the corner of the render window on, so that window
+/// must not change.
 std::optional<double> InstanceSetup::fillReach() const
 {
     constexpr double kTimes = 5.0;

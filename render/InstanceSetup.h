@@ -15,20 +15,19 @@ namespace Tesseret::Render {
 
 struct ReadyInstance {
     std::unique_ptr<Host::Instance> instance;
-    std::map<std::string, std::shared_ptr<FrameSource>> clips;  ///< by name; only the connected
+    std::map<std::string, std::shared_ptr<FrameSource>> clips;  ///< by name; connected clips only
 };
 
-/// From settings and files to instances that are ready to render, one like the other.
+/// Makes identical instances that are ready to render, from settings and files.
 class InstanceSetup {
 public:
-    /// Chooses the context and the parameter values: those given, those that the options and files
-    /// given ask for (a matte is filled from, a texture is used), and the sample box. Throws
-    /// `UsageError`. Session, inputs and the instances' listener, which may be null, outlive the
-    /// object.
+    /// Chooses the context and the parameter values: the given ones, those implied by options and
+    /// files (a matte is filled from, a texture is used), and the sample box. Throws `UsageError`.
+    /// Session, inputs and the instances' listener, which may be null, outlive the object.
     InstanceSetup(PluginSession& session, const RenderSettings& settings, const JobInputs& inputs,
                   Depth depth, Host::InstanceListener* listener = nullptr);
 
-    /// The same with other values; those not given are the plug-in's defaults. Throws `UsageError`
+    /// The same with other values; missing ones are the plug-in's defaults. Throws `UsageError`
     /// when the sample box does not lie in the textures.
     InstanceSetup with(ParameterValues values) const;
 
@@ -37,16 +36,16 @@ public:
 
     /// The short name.
     const std::string& context() const { return context_; }
-    /// Of all parameters, defaults included.
+    /// The values of all parameters, defaults included.
     ParameterValues values() const;
     const FillRegion& fillRegion() const { return fillRegion_; }
-    /// Whether an instance lays the blocks of one frame again in the next.
+    /// Whether an instance repeats the blocks of one frame in the next.
     bool repeatsBlocks() const { return repeatsBlocks_; }
     /// The part of the source that blocks are taken from, in pixels; none when they come from a
     /// texture or keep clear of the region to fill.
     const std::optional<OfxRectI>& boxInSource() const { return boxInSource_; }
 
-    /// How far beyond the box of a matte a fill can change pixels, in pixels at full size; nothing
+    /// How far beyond the box of a matte a fill can change pixels, in pixels at full size; nullopt
     /// where that is not known.
     std::optional<double> fillReach() const;
 

@@ -37,7 +37,7 @@ bool isInterrupted()
 InterruptTarget::InterruptTarget(Host::Instance& instance)
 {
     target.store(&instance);
-    if (isInterrupted()) instance.abort();  // it came before there was anything to abort
+    if (isInterrupted()) instance.abort();  // it came before this object existed
 }
 
 InterruptTarget::~InterruptTarget()

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Ctrl-C and requests to terminate: the first one aborts the running render through the host, a
-/// second one ends the process at once.
+/// Ctrl-C and requests to terminate: the first aborts the running render through the host, a second
+/// ends the process at once.
 
 #include "host/Instance.h"
 

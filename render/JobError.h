@@ -1,18 +1,18 @@
 #pragma once
 
-/// How a job ends when it does not end well; the text is for the user.
+/// The errors that end a job; the text is for the user.
 
 #include <stdexcept>
 
 namespace Tesseret::Render {
 
-/// What was asked for cannot be done: one line.
+/// The request cannot be carried out: one line.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// The render began and did not come through.
+/// The render began and failed.
 class RenderFailure : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -62,18 +62,19 @@ void JobInputs::checkFrames() const
     for (const Input& input : inputs_) {
         if (!input.pattern.isSequence()) continue;
         const std::string name = input.pattern.name().string();
-        if (!isSequence_) throw UsageError(name + " is a sequence: say which --frames");
+        if (!isSequence_) throw UsageError(name + " is a sequence: --frames is required");
         const std::vector<int> missing = input.pattern.missing(frames_);
         if (!missing.empty()) {
             throw UsageError(name + ": missing frames " + Files::framesText(missing));
         }
     }
     if (!isSequence_ && output_.isSequence()) {
-        throw UsageError(output_.name().string() + " is a sequence: say which --frames");
+        throw UsageError(output_.name().string() + " is a sequence: --frames is required");
     }
     if (frames_.size() > 1 && !output_.isSequence() && !output_.name().empty()) {
-        throw UsageError(output_.name().string() +
-                         ": several frames need a mark for the number, as in out.####.png");
+        throw UsageError(
+            output_.name().string() +
+            ": several frames need a place for the number in the name, as in out.####.png");
     }
 }
 
@@ -98,7 +99,7 @@ void JobInputs::checkOutputs() const
     for (const int frame : frames_) {
         if (reads(outputFile(frame))) {
             throw UsageError(outputFile(frame).string() +
-                             ": is one of the files to read; nothing is written over those");
+                             ": is one of the input files and is not overwritten");
         }
     }
 }
@@ -110,8 +111,8 @@ ClipPicture JobInputs::readClip(const Input& input, int frame, Depth depth)
         file.info.hasAlpha && file.matteFrom && *file.matteFrom != Files::MatteFrom::Alpha;
     if (hasFullAlpha && !std::exchange(reportedFullAlpha_, true)) {
         file.warnings.push_back(file.info.file.string() +
-                                ": its alpha is full everywhere, so that the matte is taken from "
-                                "its colours");
+                                ": its alpha is full everywhere, so the matte is taken from its "
+                                "colours");
     }
     return {std::make_shared<const Picture>(std::move(file.picture)), file.record, file.info,
             file.warnings, file.matteFrom};

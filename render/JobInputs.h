@@ -1,7 +1,6 @@
 #pragma once
 
-/// The files that a render reads: which there are, whether they fit together, and one frame of
-/// them.
+/// The input files of a render: finds them, checks that they fit together, and reads single frames.
 
 #include <map>
 #include <memory>
@@ -18,13 +17,13 @@
 
 namespace Tesseret::Render {
 
-/// One clip's picture of a frame.
+/// A clip's picture of one frame.
 struct ClipPicture {
     std::shared_ptr<const Picture> picture;
     std::shared_ptr<const Files::FileRecord> record;
     Files::PictureInfo info;
     std::vector<std::string> warnings;
-    std::optional<Files::MatteFrom> matteFrom;  ///< nothing of other clips
+    std::optional<Files::MatteFrom> matteFrom;  ///< of a matte; nullopt for other clips
 };
 
 /// By clip name.
@@ -40,11 +39,11 @@ public:
     const std::vector<int>& frames() const { return frames_; }
     bool isSequence() const { return isSequence_; }
     std::filesystem::path outputFile(int frame) const { return output_.file(frame); }
-    /// Of the first frame; only connected clips.
+    /// The headers of the first frame; connected clips only.
     const std::map<std::string, Files::PictureInfo>& infos() const { return infos_; }
     const Files::PictureInfo& source() const { return infos_.at(Names::kSource); }
     bool has(const std::string& clip) const { return infos_.contains(clip); }
-    /// Whether a file is read for any of the frames, whatever name or link leads to it.
+    /// Whether a file is an input of any frame, whatever name or link leads to it.
     bool reads(const std::filesystem::path& file) const;
 
     /// All pictures of a frame at a depth. Stills are read once. Throws `FileError`, and

@@ -13,32 +13,31 @@
 
 namespace Tesseret::Render {
 
-/// What became of one frame; times in seconds.
+/// The result of one frame; times in seconds.
 struct FrameResult {
     int frame = 0;
     std::filesystem::path file;
     double readTime = 0.0, renderTime = 0.0, writeTime = 0.0;
 };
 
-/// Told how a job goes on, beside what the plug-in tells. Calls come from the thread of
-/// `RenderJob::run` unless said otherwise.
+/// Receives the progress of a job, besides the plug-in's own reports. Calls come from the thread of
+/// `RenderJob::run` unless noted otherwise.
 class JobListener : public Host::RenderListener {
 public:
     virtual void frameBegan(int /*frame*/) {}
-    /// The frame is filled from a matte that was made of this.
+    /// The frame is filled from a matte made from these channels.
     virtual void matteTaken(Files::MatteFrom /*from*/) {}
-    /// One of the areas that the frame's matte was taken apart into is about to be filled; they
-    /// count from 0.
+    /// One of the areas of the frame's matte is about to be filled; they count from 0.
     virtual void areaBegan(std::size_t /*area*/, std::size_t /*count*/) {}
     /// From another thread, while the next frame renders.
     virtual void frameWritten(const FrameResult& /*result*/) {}
-    /// One line about a file or from the host; the same line comes once. From any thread.
+    /// One line about a file or from the host; each line comes once. From any thread.
     virtual void warning(const std::string& /*text*/) {}
-    /// A message of the plug-in that is no error.
+    /// A message of the plug-in that is not an error.
     virtual void message(const std::string& /*text*/) {}
 };
 
-/// Passes every warning on once. From any thread.
+/// Passes each warning on once. From any thread.
 class WarningFilter {
 public:
     explicit WarningFilter(JobListener& listener) : listener_(listener) {}
@@ -55,10 +54,10 @@ private:
     std::set<std::string> reported_;  ///< guarded by mutex_
 };
 
-/// Tells several listeners what one is told, in their order.
+/// Notifies several listeners, in their order.
 class JobListeners final : public JobListener {
 public:
-    /// They outlive this; null ones are left out.
+    /// They outlive this; null ones are skipped.
     JobListeners(std::initializer_list<JobListener*> listeners);
 
     void frameBegan(int frame) override;
@@ -72,7 +71,7 @@ public:
     void progress(Host::Instance& instance, double fraction) override;
     void blockLaid(Host::Instance& instance, const TesseretBlockV1& block) override;
     void note(Host::Instance& instance, std::string_view text) override;
-    /// Whether any of them wants maps; all are told of them then.
+    /// Whether any of them wants maps; then all receive them.
     bool wantsMaps(Host::Instance& instance) override;
     void mapMade(Host::Instance& instance, const TesseretMapV1& map) override;
     void pathFound(Host::Instance& instance, const TesseretPathV1& path) override;

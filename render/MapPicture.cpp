@@ -20,7 +20,7 @@ constexpr Colour kPathRim{0.55, 0.25, 0.0};
 constexpr Colour kSeam{0.05, 0.05, 0.05};
 constexpr double kWeakestBand = 0.25;  ///< brightness of the weakest of a band
 constexpr double kUnusedGain = 0.35;   ///< brightness of a gain that is not used
-constexpr double kMaxSteps = 2.0;     ///< from a gain of 1 to the full colours, in powers of two
+constexpr double kMaxSteps = 2.0;      ///< from a gain of 1 to the full colours, in powers of two
 constexpr int kRim = 1;                ///< pixels
 
 Colour mixed(const Colour& a, const Colour& b, double share)
@@ -72,7 +72,7 @@ Colour grey(double value)
     return {value, value, value};
 }
 
-/// Hues a golden section apart differ well for neighbours and never repeat.
+/// Hues a golden section apart differ clearly between neighbours and never repeat.
 Colour blockColour(float number)
 {
     if (!(number > 0.0f)) return grey(0.0);
@@ -84,7 +84,7 @@ Colour blockColour(float number)
     return {channel(0.0), channel(2.0), channel(4.0)};
 }
 
-/// The square root lets small changes show.
+/// The square root makes small changes visible.
 Colour gainColour(float gain)
 {
     if (std::isnan(gain)) return kNeutral;

@@ -1,7 +1,6 @@
 #pragma once
 
-/// What the stages of a fill made, as pictures for the eye: 8 bits, one pixel a pixel over the
-/// whole fill rectangle.
+/// Pictures of the maps of a fill: 8 bits, one pixel for each pixel of the fill rectangle.
 
 #include "ofx/tesseretObserver.h"
 #include "picture/Picture.h"
@@ -12,18 +11,18 @@ namespace Tesseret::Render {
 Picture greyPicture(const TesseretMapV1& map);
 
 /// As `greyPicture`, but from a dark grey for the weakest positive value to white for the
-/// strongest, so that all of a band can be seen.
+/// strongest, so that the whole band is visible.
 Picture bandPicture(const TesseretMapV1& map);
 
-/// Every block in a colour of its own with dark lines between blocks; black where none lies.
+/// Every block in a colour of its own with dark lines between blocks; black where there is none.
 Picture blockPicture(const TesseretMapV1& map);
 
-/// Grey where the factor is 1, bluer below and more orange above; the full colours stand for a
-/// quarter and for four, and what lies beyond them. Darker where the texture is not used: where
-/// `used`, a grey picture over the fill rectangle, is black.
+/// Grey where the factor is 1, bluer below and more orange above, with the full colours from a
+/// quarter down and from four up. Darker where the texture is not used: where `used`, a grey
+/// picture over the fill rectangle, is black.
 Picture gainPicture(const TesseretMapV1& map, const Picture& used);
 
-/// The least and the greatest of some numbers; of none the least is the greater one.
+/// The minimum and maximum of some numbers; without numbers the minimum is greater.
 struct MapRange {
     float least, greatest;
 };
@@ -32,8 +31,8 @@ MapRange rangeOf(const TesseretMapV1& map);
 /// Of the pixels where `used` is not black.
 MapRange rangeOf(const TesseretMapV1& map, const Picture& used);
 
-/// The backdrop for the path: the region of a grey picture and its band, both dimmed. The pictures
-/// are as large as each other.
+/// The background for the path: the region of a grey picture and its band, both dimmed. The
+/// pictures have the same size.
 Picture dimmed(const Picture& region, const Picture& band);
 
 /// Draws the path in yellow with a darker rim, inside the picture's bounds.

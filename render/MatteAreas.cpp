@@ -13,8 +13,8 @@ constexpr std::int32_t kOutside = 0;
 constexpr std::int32_t kUnmasked = -1;
 constexpr std::int32_t kInside = -2;
 
-/// Cells round the matte: an outer ring at which every run ends, and an inner one of unmasked cells
-/// that joins all that is open to the outside.
+/// Cells round the matte: an outer ring that ends every run, and an inner one of unmasked cells
+/// that connects everything open to the outside.
 constexpr int kRing = 2;
 
 std::size_t padded(int length)
@@ -61,8 +61,7 @@ void MatteAreas::markMasked()
     });
 }
 
-/// Everything that holds `from` and is connected to the start becomes `to`, run by run; returns the
-/// box round it.
+/// Relabels the cells connected to the start from `from` to `to`, run by run; returns their box.
 OfxRectI MatteAreas::flood(std::size_t start, Label from, Label to)
 {
     constexpr int kMax = std::numeric_limits<int>::max();

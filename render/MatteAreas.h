@@ -9,10 +9,10 @@
 
 namespace Tesseret::Render {
 
-/// The separate areas of a matte, as the plug-in tells them apart: what no path of unmasked pixels
-/// (to the side, up or down) leads to from outside the matte, so that holes belong to the area
-/// round them. They count from 0 in the order of their first pixels, from the lowest row and its
-/// left end on. Takes time in proportion to the matte's pixels.
+/// The separate areas of a matte, separated as in the plug-in: pixels that no path of unmasked
+/// pixels (to the side, up or down) from outside the matte reaches, so that holes belong to the
+/// area around them. They count from 0 in the order of their first pixels, from the lowest row and
+/// its left end. The time is proportional to the matte's pixels.
 class MatteAreas {
 public:
     /// The matte has alpha alone. Outside its bounds nothing is masked, whatever the polarity.
@@ -23,7 +23,7 @@ public:
     const OfxRectI& box(std::size_t area) const { return boxes_[area]; }
     const Picture& matte() const { return *matte_; }
 
-    /// A matte of the same polarity with this area alone, its holes filled, over bounds that lie
+    /// A matte of the same polarity with only this area, its holes filled, over bounds that lie
     /// inside the matte's.
     Picture alone(std::size_t area, const OfxRectI& bounds) const;
     /// Whether one of the first `count` areas has a pixel in the box.

@@ -9,7 +9,7 @@ namespace Tesseret::Render {
 
 namespace {
 
-/// For each distance of rows within the disc, how far the disc reaches to each side there.
+/// For each row distance within the disc, the disc's half width there.
 std::vector<int> discReach(double radius)
 {
     std::vector<int> reach;
@@ -28,8 +28,8 @@ OfxRectI grownBounds(const OfxRectI& bounds, int by, const OfxRectI& frame)
             std::max(bounds.x2, inside.x2), std::max(bounds.y2, inside.y2)};
 }
 
-/// The masked segment of one row, and its maxima over every segment of 1, 2, 4, ... pixels: two of
-/// these, which overlap, give the maximum over any length.
+/// The masked segment of one row, and its maxima over every segment of 1, 2, 4, ... pixels: two
+/// overlapping ones give the maximum over any length.
 template <typename Channel>
 class RowMaxima {
 public:

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What the values of a matte mean: how strongly a pixel is masked, from 0 to full scale.
+/// The meaning of a matte's values: how strongly a pixel is masked, from 0 to full scale.
 
 #include <cstdint>
 
@@ -31,7 +31,7 @@ struct MatteScale<float> {
     static constexpr float kToByte = 255.0f;
 };
 
-/// From a value of the matte to how strongly it masks, and back.
+/// Converts a value of the matte to its strength of masking, and back.
 template <typename Channel>
 Channel masking(Channel value, Polarity polarity)
 {
@@ -39,12 +39,12 @@ Channel masking(Channel value, Polarity polarity)
     return static_cast<Channel>(MatteScale<Channel>::kFull - value);
 }
 
-/// Whether the plug-in fills a pixel that is masked so strongly: NaN and less than 1 of 255 do not
+/// Whether the plug-in fills a pixel of this strength of masking: NaN and less than 1 of 255 do not
 /// count.
 template <typename Channel>
 bool isMasked(Channel strength)
 {
-    // exact: one float product, as where the plug-in scales it
+    // exact: one float product, as in the plug-in
     return static_cast<float>(strength) * MatteScale<Channel>::kToByte >= 1.0f;
 }
 

@@ -47,15 +47,15 @@ Json parse(const fs::path& file)
     } catch (const Json::parse_error& error) {
         const auto end =
             text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
-        throw FileError(file, "is no JSON from line " +
-                                  std::to_string(1 + std::count(text.begin(), end, '\n')) + " on");
+        throw FileError(file, "is invalid JSON at line " +
+                                  std::to_string(1 + std::count(text.begin(), end, '\n')));
     }
     if (!json.is_object() || !json.contains(kParameters) || !json[kParameters].is_object()) {
-        throw FileError(file, "holds no parameters: {\"parameters\": {\"name\": value}} is wanted");
+        throw FileError(file, "holds no parameters: expected {\"parameters\": {\"name\": value}}");
     }
     for (const char* key : {kPlugin, kContext}) {
         if (json.contains(key) && !json[key].is_string()) {
-            throw FileError(file, std::string("\"") + key + "\" must be a text");
+            throw FileError(file, std::string("\"") + key + "\" must be a string");
         }
     }
     return json;
@@ -67,7 +67,7 @@ bool isPoint(const ParameterDescription& parameter, const Json& value)
            std::ranges::all_of(value, [](const Json& item) { return item.is_number(); });
 }
 
-/// Whether the kind of value is the parameter's; what it is worth, others look at.
+/// Whether the value is of the parameter's kind; its range is checked elsewhere.
 bool isOfKind(const ParameterDescription& parameter, const Json& value)
 {
     if (parameter.shape.dimension > 1) return isPoint(parameter, value);
@@ -84,8 +84,8 @@ const char* kindText(const ParameterDescription& parameter)
     if (parameter.shape.dimension > 1) return "a list of numbers";
     if (parameter.type == kOfxParamTypeBoolean) return "true or false";
     if (parameter.type == kOfxParamTypeChoice) return "the name of a choice";
-    if (parameter.shape.type == Host::PropertyType::String) return "a text";
-    return parameter.shape.type == Host::PropertyType::Int ? "a whole number" : "a number";
+    if (parameter.shape.type == Host::PropertyType::String) return "a string";
+    return parameter.shape.type == Host::PropertyType::Int ? "an integer" : "a number";
 }
 
 std::string textOf(const Json& value)

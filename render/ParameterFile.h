@@ -1,7 +1,7 @@
 #pragma once
 
-/// Parameter values in a file: JSON with the keys "plugin", "context" and "parameters". Choices
-/// stand there by name or number, points as lists of numbers.
+/// Parameter values in a file: JSON with the keys "plugin", "context" and "parameters". Choices are
+/// names or numbers, points are lists of numbers.
 
 #include <filesystem>
 #include <string>
@@ -13,20 +13,20 @@
 namespace Tesseret::Render {
 
 /// The short name of the context that the values were saved in; empty when the file names none.
-/// Throws `FileError` when it cannot be read or is no JSON of this kind.
+/// Throws `FileError` when it cannot be read or is not JSON of this kind.
 std::string contextOfParameters(const std::filesystem::path& file);
 
 /// The values in the file. Throws `FileError` as above, and `UsageError` for values of another
-/// plug-in, an unknown parameter, a value of another kind, out of range or no choice.
+/// plug-in, an unknown parameter, a value of another kind or out of range, or an unknown choice.
 ParameterValues loadParameters(const std::filesystem::path& file, const std::string& plugin,
                                const Host::ContextDescription& description);
 
-/// Writes all parameters that a project would keep, those without a value given at their defaults.
+/// Writes all parameters that a project saves, those without a value at their defaults.
 /// The file appears whole or not at all. Throws `FileError`.
 void saveParameters(const std::filesystem::path& file, const std::string& plugin,
                     const Host::ContextDescription& description, const ParameterValues& values);
 
-/// A parameter's value as it is; null where a parameter has none.
+/// A parameter's value as JSON; null where a parameter has none.
 nlohmann::ordered_json valueJson(const Host::ParameterValue& value);
 
 }  // namespace Tesseret::Render

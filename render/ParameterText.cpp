@@ -34,7 +34,7 @@ std::string lowered(std::string_view text)
     return result;
 }
 
-/// Levenshtein's distance: how many letters to insert, delete or replace.
+/// The Levenshtein distance: how many letters to insert, delete or replace.
 std::size_t distance(std::string_view a, std::string_view b)
 {
     std::vector<std::size_t> row(b.size() + 1);
@@ -85,9 +85,9 @@ std::optional<Number> parseNumber(std::string_view text)
 }
 
 [[noreturn]] void refuse(const ParameterDescription& parameter, std::string_view text,
-                         const std::string& wanted)
+                         const std::string& message)
 {
-    throw UsageError(parameter.name + "=" + std::string(text) + ": " + wanted);
+    throw UsageError(parameter.name + "=" + std::string(text) + ": " + message);
 }
 
 int parseBoolean(const ParameterDescription& parameter, std::string_view text)
@@ -99,7 +99,7 @@ int parseBoolean(const ParameterDescription& parameter, std::string_view text)
     for (const char* no : {"false", "0", "off", "no"}) {
         if (word == no) return 0;
     }
-    refuse(parameter, text, "true or false is wanted");
+    refuse(parameter, text, "expected true or false");
 }
 
 int parseChoice(const ParameterDescription& parameter, std::string_view text)
@@ -131,34 +131,35 @@ void checkRange(const ParameterDescription& parameter, std::string_view text, st
     }
 }
 
-/// As many numbers as the parameter has dimensions, with commas between.
+/// As many numbers as the parameter has dimensions, separated by commas.
 template <typename Number>
 std::vector<Number> parseNumbers(const ParameterDescription& parameter, std::string_view text)
 {
-    constexpr bool isWhole = std::is_same_v<Number, int>;
+    constexpr bool isInteger = std::is_same_v<Number, int>;
     const std::size_t count = parameter.shape.dimension;
-    const char* const noun = isWhole ? "whole number" : "number";
-    std::string wanted = count == 1 ? "a" : std::to_string(count);
-    wanted.append(" ").append(noun).append(count == 1 ? " is wanted"
-                                                      : "s are wanted, with commas between them");
+    std::string expected = isInteger ? "expected an integer" : "expected a number";
+    if (count > 1) {
+        expected = "expected " + std::to_string(count) + (isInteger ? " integers" : " numbers") +
+                   ", separated by commas";
+    }
     std::vector<Number> numbers;
     for (std::string_view rest = text;;) {
         const std::size_t comma = rest.find(',');
         const std::string_view part = rest.substr(0, comma);
         const std::optional<Number> number = parseNumber<Number>(part);
         if (!number) {
-            // Too large for its type, perhaps: the range says more than a complaint about the form.
+            // It may be too large for its type: then the range is the better message.
             if (const auto real = parseNumber<double>(part);
-                real && isWhole && count == 1 && *real == std::floor(*real)) {
+                real && isInteger && count == 1 && *real == std::floor(*real)) {
                 checkRange(parameter, text, 0, *real);
             }
-            refuse(parameter, text, wanted);
+            refuse(parameter, text, expected);
         }
         numbers.push_back(*number);
         if (comma == std::string_view::npos) break;
         rest.remove_prefix(comma + 1);
     }
-    if (numbers.size() != count) refuse(parameter, text, wanted);
+    if (numbers.size() != count) refuse(parameter, text, expected);
     for (std::size_t i = 0; i < count; ++i) {
         checkRange(parameter, text, i, static_cast<double>(numbers[i]));
     }
@@ -223,7 +224,7 @@ NamedValue parseAssignment(std::string_view text, const Host::ContextDescription
 {
     const std::size_t equals = text.find('=');
     if (equals == std::string_view::npos || equals == 0) {
-        throw UsageError(inQuotes(text) + " is no option and no name=value");
+        throw UsageError(inQuotes(text) + " is neither an option nor name=value");
     }
     const ParameterDescription& parameter = findParameter(text.substr(0, equals), description);
     return {parameter.name, parseValue(parameter, text.substr(equals + 1))};
@@ -253,7 +254,7 @@ std::string numberText(double number)
     char* const end = begin + text.size();
     const auto format =
         std::fabs(number) < 1e15 ? std::chars_format::fixed : std::chars_format::general;
-    // Plug-ins that hold floats say 0.2f, which is a long double-precision number.
+    // Plug-ins with float values report 0.2f, which has many digits in double precision.
     const auto single = static_cast<float>(number);
     const std::to_chars_result result = static_cast<double>(single) == number
                                             ? std::to_chars(begin, end, single, format)

@@ -1,7 +1,6 @@
 #pragma once
 
-/// Parameter values as text, checked against what the plug-in described, and what such text is put
-/// together of.
+/// Parameter values as text, checked against the plug-in's description, and helpers to format them.
 
 #include <map>
 #include <string>
@@ -16,20 +15,20 @@ struct NamedValue {
     Host::ParameterValue value;
 };
 
-/// By name; those that are not the plug-in's own defaults.
+/// Values by name; those that are not the plug-in's defaults.
 using ParameterValues = std::map<std::string, Host::ParameterValue>;
 
-/// The value set, else the default. The parameter exists.
+/// The value set, else the default. The parameter must exist.
 const Host::ParameterValue& valueOf(const std::string& name, const ParameterValues& values,
                                     const Host::ContextDescription& description);
 
-/// Understands "blockSize=64", "fillRegion=Entire Image" or "fillRegion=0", "luminanceMatch=on",
+/// Parses "blockSize=64", "fillRegion=Entire Image" or "fillRegion=0", "luminanceMatch=on",
 /// "sampleCorner1=0.1,0.2". Throws `UsageError`: no "=", an unknown name (with the nearest), a
 /// value of another kind, out of range (with the range), a choice that does not exist (with the
 /// choices).
 NamedValue parseAssignment(std::string_view text, const Host::ContextDescription& description);
 
-/// The value as `parseAssignment` takes it, choices by name.
+/// The value as `parseAssignment` accepts it, choices by name.
 std::string valueText(const Host::ParameterDescription& parameter,
                       const Host::ParameterValue& value);
 

@@ -9,8 +9,9 @@
 
 namespace Tesseret::Render {
 
-/// Passes on what a plug-in and its host have to say, and keeps the plug-in's errors until the
-/// render has ended. It listens to a whole host, or to instances of one that serves others too.
+/// Passes on the messages of a plug-in and its host, and keeps the plug-in's errors until the
+/// render has ended. It listens to a whole host, or to single instances of a host shared with
+/// others.
 class PluginMessages final : public Host::InstanceListener {
 public:
     /// Both outlive this.
@@ -20,7 +21,8 @@ public:
     PluginMessages(const PluginMessages&) = delete;
     PluginMessages& operator=(const PluginMessages&) = delete;
 
-    /// A host that tells this and the listener; this outlives it. 0 threads are one a processor.
+    /// A host that reports to this and the listener; this outlives it. 0 threads: one per
+    /// processor.
     Host::HostOptions hostOptions(unsigned int threads);
     /// The plug-in's errors since the last call, a line each.
     std::string takeErrors();

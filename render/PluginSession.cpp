@@ -46,10 +46,10 @@ fs::path findPlugin()
         appendItem(looked, ", ", folder.string());
     }
     throw UsageError(std::string(kBundleName) + " was not found in " + looked +
-                     "; name it with --plugin");
+                     "; give its path with --plugin");
 }
 
-/// The effect of a library that this program is made for, or else its first. Throws `HostError`.
+/// The library's effect that this program is made for, or else its first. Throws `HostError`.
 OfxPlugin& choosePlugin(const Host::PluginLibrary& library)
 {
     const bool isOurs = std::ranges::any_of(library.plugins(), [](const OfxPlugin* plugin) {

@@ -12,21 +12,21 @@ namespace Tesseret::Render {
 /// The effect that this program is made for.
 inline constexpr std::string_view kTesseretIdentifier = "com.orvane.brisant.tesseret";
 
-/// A plug-in that is loaded and described, with the host it lives in. A loaded library knows one
-/// host, the last that was opened on it: whoever works with it in a process shares one session.
+/// A loaded and described plug-in with its host. A loaded library knows one host, the last that was
+/// opened on it, so all its users in a process share one session.
 class PluginSession {
 public:
     /// An empty path looks for the plug-in: beside the folder of this program, then in the folders
-    /// of OFX_PLUGIN_PATH, then in the system's. Throws `UsageError` when it cannot be found, with
-    /// where it was looked for, or used.
+    /// of OFX_PLUGIN_PATH, then in the system's. Throws `UsageError` when it cannot be used or
+    /// found, then with the folders searched.
     PluginSession(std::filesystem::path plugin, Host::HostOptions options = {});
 
     Host::Effect& effect() { return *effect_; }
     Host::EmbeddedHost& host() { return host_; }
     const std::filesystem::path& file() const { return file_; }
 
-    /// By the short name, "Filter" or "General". Throws `UsageError` that lists the contexts there
-    /// are.
+    /// By the short name, "Filter" or "General". Throws `UsageError` that lists the plug-in's
+    /// contexts.
     const Host::ContextDescription& describe(const std::string& context);
 
 private:

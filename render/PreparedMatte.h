@@ -7,7 +7,7 @@
 
 namespace Tesseret::Render {
 
-/// One frame's matte, widened as asked for.
+/// One frame's matte, widened by the settings' radius.
 struct PreparedMatte {
     std::filesystem::path file;
     std::shared_ptr<const Picture> whole;  ///< at full size
@@ -19,7 +19,7 @@ class MattePreparation {
 public:
     MattePreparation(const RenderSettings& settings, Polarity polarity);
 
-    /// A matte that is the last one again is not prepared again.
+    /// Returns the last result when the matte is the same.
     std::shared_ptr<const PreparedMatte> prepare(const ClipPicture& matte);
 
 private:

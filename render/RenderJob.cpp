@@ -58,7 +58,7 @@ void RenderJob::run()
         return std::async(std::launch::async, [this, frame] { return readFrame(frame); });
     };
     std::future<ReadFrame> next = read(frames.front());
-    std::future<void> written;  // both futures wait for their work when an exception passes
+    std::future<void> written;  // the futures wait for their work on an exception
     const auto [first, last] = std::ranges::minmax(frames);
     renderer_.beginSequence(
         {double(first), double(last)},
@@ -123,7 +123,7 @@ void RenderJob::writeFrame(RenderedFrame rendered)
             warnings_.report(warning);
         }
     } catch (const Files::FileError& error) {
-        throw RenderFailure(error.what());  // the render came through, but its result did not
+        throw RenderFailure(error.what());  // the render succeeded, writing its result did not
     }
     rendered.result.writeTime = watch.seconds();
     listener_.frameWritten(rendered.result);

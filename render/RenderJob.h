@@ -1,7 +1,7 @@
 #pragma once
 
-/// A whole render: from files through the plug-in to files. The next frame is read and the last one
-/// written while one renders.
+/// A whole render, from files through the plug-in to files. While a frame renders, the next one is
+/// read and the last one written.
 
 #include <optional>
 #include <string>
@@ -24,13 +24,13 @@ public:
     RenderJob(RenderSettings settings, JobListener& listener);
 
     /// Renders all frames in order. Throws `RenderFailure` with the plug-in's message,
-    /// `Interrupted` after an abort, and `FileError` or `UsageError` for a file that turns out to
-    /// be unusable.
+    /// `Interrupted` after an abort, and `FileError` or `UsageError` for a file that proves
+    /// unusable.
     void run();
 
     const JobInputs& inputs() const { return inputs_; }
     const FillRegion& fillRegion() const { return renderer_.setup().fillRegion(); }
-    /// The first one; there may be more, for more areas of a matte.
+    /// The first instance; the areas of a matte may have more.
     Host::Instance& instance() { return renderer_.instance(); }
     PluginSession& session() { return session_; }
 

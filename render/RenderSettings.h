@@ -1,6 +1,6 @@
 #pragma once
 
-/// What a render is to do, before anything was looked at.
+/// The settings of a render, before any file is read.
 
 #include <array>
 #include <filesystem>
@@ -12,24 +12,24 @@
 
 namespace Tesseret::Render {
 
-/// What is to be filled, beyond what the files given imply.
+/// The mask to fill from, where the given files do not imply it.
 enum class MaskOption { None, MatteInverted, Alpha, AlphaInverted };
 
-/// Corners of a box as an image viewer shows them: pixels from the upper left corner of the display
+/// A box in the coordinates of an image viewer: pixels from the upper left corner of the display
 /// window, y downwards.
 struct ViewBox {
     double x1, y1, x2, y2;
 };
 
 struct RenderSettings {
-    std::filesystem::path source;  ///< with a mark for the frame in a sequence, as all files
+    std::filesystem::path source;  ///< in a sequence with a mark for the frame, like all files
     std::filesystem::path output;  ///< empty: nothing is written
     std::filesystem::path matte;   ///< empty: none
     MaskOption mask = MaskOption::None;
     bool everyArea = true;   ///< of the matte; else the first one
-    bool cropsAreas = true;  ///< an area's matte is cut at its box
+    bool cropsAreas = true;  ///< an area's matte is cropped to its box
     double matteGrow = 0.0;  ///< pixels at full size
-    bool keepsClear = true;  ///< of what is to go, where nobody said what to take blocks from
+    bool keepsClear = true;  ///< of the region to fill, where neither box nor texture is given
     std::array<std::filesystem::path, 3> textures;  ///< each empty: none
     std::vector<int> frames;                        ///< empty: a still
     std::string context;                            ///< "Filter", "General", or empty: as needed

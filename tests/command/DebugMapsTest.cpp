@@ -16,7 +16,7 @@ using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::UnorderedElementsAre;
 
-/// A picture of noise with a hole to the lower left.
+/// A picture of noise and a matte to its lower left.
 class DebugMapsTest : public testing::Test {
 protected:
     DebugMapsTest()
@@ -74,7 +74,7 @@ TEST_F(DebugMapsTest, ShowWhatTheFillWasMadeWith)
     EXPECT_EQ(mask.at(left + 69, top + 120, 0), 0);
     EXPECT_EQ(load(in("new/maps/composite-mask.png")).at(left + 55, top + 105, 0), 255);
 
-    // What a render does not make is not left from the one before.
+    // Maps of an earlier render that this one does not make are removed.
     ASSERT_EQ(render({"--debug-maps", in("new/maps")}).code, 0);
     EXPECT_EQ(load(in("out.png")), unwatched);
     EXPECT_EQ(namesIn("new/maps").size(), 5u);
@@ -106,8 +106,7 @@ TEST_F(DebugMapsTest, OfASequenceBearTheFrame)
                 UnorderedElementsAre("0000_fill-mask.png", "0000_path-band.png", "0000_blocks.png",
                                      "0000_boundary-path.png", "0000_composite-mask.png",
                                      "0012_blocks.png", "0012_composite-mask.png"));
-    // The same blocks again; those of the margin above and to the right of the picture are not
-    // laid.
+    // The same blocks; those in the margin above and to the right of the picture are not placed.
     const LoadedPicture laid = load(in("maps/0000_blocks.png"));
     const LoadedPicture again = load(in("maps/0012_blocks.png"));
     for (int y = 16; y < laid.height; ++y) {
@@ -146,8 +145,9 @@ TEST_F(DebugMapsTest, RefuseAFolderThatCannotServe)
     };
     const Case cases[] = {
         {{"--debug-maps", in("a.png")}, "a.png"},
-        {{"--debug-maps", in("a.png/maps")}, "cannot be made"},
-        {{"--debug-maps", in("maps"), "-m", in("maps/area1_fill-mask.png")}, "files to read"},
+        {{"--debug-maps", in("a.png/maps")}, "cannot be created"},
+        {{"--debug-maps", in("maps"), "-m", in("maps/area1_fill-mask.png")},
+         "one of the input files"},
         {{"--debug-maps", in("maps"), "-o", in("maps/../maps/blocks.png")}, "name of a map"},
     };
     for (const auto& [arguments, said] : cases) {

@@ -35,7 +35,7 @@ protected:
     }
 };
 
-// Each area keeps an instance of its own, which lays its own blocks again.
+// Each area keeps an instance of its own, which repeats its own blocks.
 TEST_F(MatteSequenceTest, EveryAreaRepeatsItsBlocks)
 {
     paintMatte("both.png", masks({kLow, kMiddle}));
@@ -56,7 +56,7 @@ TEST_F(MatteSequenceTest, EveryAreaRepeatsItsBlocks)
     EXPECT_NE(frame("both%d.png", 3), frame("fresh%d.png", 3));
 }
 
-// When areas come, go or move elsewhere, no area gets the blocks that were laid for another.
+// When areas appear, disappear or move, no area gets the blocks of another.
 TEST_F(MatteSequenceTest, ChangedAreasBeginAnew)
 {
     paintMatte("m1.png", masks({kLow, kMiddle}));
@@ -66,10 +66,10 @@ TEST_F(MatteSequenceTest, ChangedAreasBeginAnew)
     const Outcome outcome = fillFrames("on%d.png", "m#.png", {"temporalConsistancy=on"});
     EXPECT_THAT(outcome.out, AllOf(HasSubstr("frame 1: 2 areas"), HasSubstr("frame 2: 1 area to"),
                                    HasSubstr("frame 4: 2 areas")));
-    EXPECT_THAT(outcome.err, HasSubstr("m2.png: the areas are not those of the frames before"));
+    EXPECT_THAT(outcome.err, HasSubstr("m2.png: the areas differ from those of the frame before"));
     EXPECT_THAT(outcome.err, Not(HasSubstr("m3.png")));
     const Outcome plain = fillFrames("off%d.png", "m#.png");
-    EXPECT_THAT(plain.err, Not(HasSubstr("the areas are not")));
+    EXPECT_THAT(plain.err, Not(HasSubstr("the areas differ")));
     for (int number = 1; number <= 4; ++number) {
         EXPECT_EQ(frame("on%d.png", number), frame("off%d.png", number)) << number;
     }

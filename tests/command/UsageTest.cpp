@@ -25,7 +25,7 @@ using testing::StartsWith;
 
 struct WrongUse {
     std::vector<std::string> arguments;  ///< after "render -s a.png -o out.png"
-    std::vector<std::string> said;       ///< all of these on one line
+    std::vector<std::string> message;    ///< parts of one line of standard error
 };
 
 class UsageTest : public testing::Test {
@@ -46,12 +46,12 @@ protected:
     TemporaryFolder folder_;
 };
 
-TEST_F(UsageTest, BadInputIsOneLineAndTwo)
+TEST_F(UsageTest, BadInputIsOneLineAndExitCodeTwo)
 {
     const std::vector<WrongUse> uses{
         {{"-s", "none.png"}, {"none.png: no such file"}},
         {{"-s", "text.png"}, {"text.png: is not a PNG"}},
-        {{"-s", "cut.jpg"}, {"cut.jpg: is damaged or cut short"}},
+        {{"-s", "cut.jpg"}, {"cut.jpg: is damaged or truncated"}},
         {{"-s", "."}, {"is a folder"}},
         {{"-s", "p.#.png", "-f", "1-6"}, {"p.#.png: missing frames 3-4,6"}},
         {{"-s", "p.#.png"}, {"p.#.png is a sequence", "--frames"}},
@@ -88,8 +88,8 @@ TEST_F(UsageTest, BadInputIsOneLineAndTwo)
         {{"--sample-box", "90,0,99,9"},
          {"--sample-box: the box 90,0,99,9 lies outside a.png", "64 x 48"}},
         {{"--sample-box", "9,0,9,9"}, {"x1 must be left of x2"}},
-        {{"--sample-box", "9,0,9"}, {"x1,y1,x2,y2 is wanted"}},
-        {{"--sample-box", "0,0,9,9", "sampleCorner1=0,0"}, {"give one of them"}},
+        {{"--sample-box", "9,0,9"}, {"expected x1,y1,x2,y2"}},
+        {{"--sample-box", "0,0,9,9", "sampleCorner1=0,0"}, {"give only one of them"}},
         {{"--window", "-9,-9,0,0"}, {"--window: the box -9,-9,0,0 lies outside a.png", "64 x 48"}},
         {{"--depth", "half"}, {"--depth", "byte,short,float"}},
         {{"--threads", "0"}, {"--threads"}},
@@ -104,14 +104,14 @@ TEST_F(UsageTest, BadInputIsOneLineAndTwo)
         {{"blockSize=29"}, {"blockSize=29: the range is 30 to 9000000"}},
         {{"blockSize=9000001"}, {"the range is 30 to 9000000"}},
         {{"blockSize=99999999999999"}, {"the range is 30 to 9000000"}},
-        {{"blockSize=6.5"}, {"a whole number is wanted"}},
+        {{"blockSize=6.5"}, {"expected an integer"}},
         {{"pathWidth=nan"}, {"the range is 1 to 9000000"}},
-        {{"pathWidth="}, {"a number is wanted"}},
-        {{"sampleCorner1=0.5"}, {"2 numbers are wanted"}},
-        {{"avoidFillRegion=maybe"}, {"true or false is wanted"}},
+        {{"pathWidth="}, {"expected a number"}},
+        {{"sampleCorner1=0.5"}, {"expected 2 numbers"}},
+        {{"avoidFillRegion=maybe"}, {"expected true or false"}},
         {{"fillRegion=All"}, {"\"Entire Image\" (0), \"Source->Alpha\" (1)"}},
         {{"fillRegion=3"}, {"the choices are"}},
-        {{"fillRegion"}, {"no name=value"}},
+        {{"fillRegion"}, {"nor name=value"}},
     };
     for (const WrongUse& use : uses) {
         std::vector<std::string> arguments{"render"};
@@ -127,7 +127,7 @@ TEST_F(UsageTest, BadInputIsOneLineAndTwo)
         EXPECT_THAT(outcome.out, IsEmpty());
         EXPECT_THAT(outcome.err, StartsWith("tesseret: "));
         EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1);
-        for (const std::string& part : use.said) EXPECT_THAT(outcome.err, HasSubstr(part));
+        for (const std::string& part : use.message) EXPECT_THAT(outcome.err, HasSubstr(part));
         EXPECT_FALSE(fs::exists("out.png"));
     }
     EXPECT_EQ(run({"paint"}).code, 2);

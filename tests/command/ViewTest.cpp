@@ -49,8 +49,8 @@ TEST_F(ViewTest, WhatIsWrongWithTheFilesComesFirst)
          std::vector<std::pair<std::vector<std::string>, std::string>>{
              {{"--source", "none.png"}, "none.png: no such file"},
              {{"--source", "a.png", "blockSize=3"}, "blockSize"},
-             {{"--source", "a.png", "--size", "20x20"}, "--size 20x20: WxH is wanted"},
-             {{"--source", "a.png", "--size", "800x600x3"}, "--size 800x600x3: WxH is wanted"},
+             {{"--source", "a.png", "--size", "20x20"}, "--size 20x20: expected WxH"},
+             {{"--source", "a.png", "--size", "800x600x3"}, "--size 800x600x3: expected WxH"},
              {{"blockSize=64"}, "--source is required"}}) {
         std::vector<std::string> all{"view"};
         all.insert(all.end(), arguments.begin(), arguments.end());

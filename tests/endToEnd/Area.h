@@ -1,6 +1,6 @@
 #pragma once
 
-/// Areas of pictures, and what masked renders keep and replace of them.
+/// Areas of pictures, and the pixels of them that masked renders keep and replace.
 
 #include <algorithm>
 #include <cmath>
@@ -22,7 +22,7 @@ inline Shape box(int x0, int y0, int x1, int y1, double value = 1.0)
     return [=](int x, int y) { return x >= x0 && x < x1 && y >= y0 && y < y1 ? value : 0.0; };
 }
 
-/// Which pixels of a picture, and of a margin round it, belong to something.
+/// A set of pixels of a picture and of a margin round it.
 class Area {
 public:
     Area(const OfxRectI& picture, const Shape& shape)
@@ -36,7 +36,7 @@ public:
         }
     }
     bool has(int x, int y) const { return inside_[indexOf(x - x0_, y - y0_)] != 0; }
-    /// With all pixels that are at most so far away in x and in y.
+    /// Widened by this distance in x and in y.
     Area grown(int reach) const { return spread(reach, 1, 0).spread(reach, 0, 1); }
 
 private:

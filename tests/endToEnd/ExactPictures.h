@@ -56,7 +56,7 @@ inline int exactNoise(int x, int y, int channel, unsigned int seed)
     return static_cast<int>(h >> 16);
 }
 
-/// Patches of 16, 4 and 1 pixels laid over each other, on a ground that grows lighter to the right.
+/// Overlaid patches of 16, 4 and 1 pixels, on a ground that grows lighter to the right.
 inline ExactValue grain(unsigned int seed)
 {
     return [seed](int x, int y, int c) {

@@ -118,7 +118,7 @@ TEST(Masked, LengthsOfAnySizeAreDefined)
         instance.set("pathWidth", c.pathWidth);
         instance.set("edgeBlend", c.edgeBlend);
         instance.set("luminanceBlur", c.luminanceBlur);
-        CaptureStderr();  // a rectangle that is too large is told there
+        CaptureStderr();  // a rectangle that is too large is reported there
         const Picture picture = rig.render();
         GetCapturedStderr();
         const auto what =
@@ -193,7 +193,7 @@ TEST_P(MaskedDepths, TheSameWithAnyNumberOfThreads)
 /// errors of candidates agree but for the last bits of a float, so all depths choose the same
 /// blocks. The boundary need not be the same: the walks that cut the band end at 0.01 in mask units
 /// at every depth, which is a larger share of M at float depth, so the cut is shorter there, and
-/// the costs of pixels are whole numbers at 8 and 16 bits. Where a band of floats stays below 0.01,
+/// the costs of pixels are integers at 8 and 16 bits. Where a band of floats stays below 0.01,
 /// as the one round a single pixel does, there is no boundary at all.
 TEST(Masked, DepthsAgreeInTheirBlocksAndAwayFromTheBoundary)
 {
@@ -287,8 +287,8 @@ std::shared_ptr<Picture> pictureOfASpot(Depth depth)
     return picture;
 }
 
-/// Each of these pictures was looked at: the spot is gone without a rim, and only with luminance
-/// match is the fill on the spot's left as dark as what surrounds it.
+/// Each of these pictures was inspected: the spot is gone without a rim, and only with luminance
+/// match the fill on the spot's left is as dark as its surroundings.
 TEST(Masked, PicturesStayAsTheyWere)
 {
     struct Case {

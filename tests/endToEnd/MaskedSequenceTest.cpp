@@ -14,7 +14,7 @@ using ::testing::Contains;
 using ::testing::internal::CaptureStderr;
 using ::testing::internal::GetCapturedStderr;
 
-/// Luminance is matched, and frames after the first lay its blocks again.
+/// Luminance is matched, and frames after the first repeat its blocks.
 struct SequenceRig : MaskedRig {
     explicit SequenceRig(Depth depth = Depth::Byte) : MaskedRig(depth)
     {

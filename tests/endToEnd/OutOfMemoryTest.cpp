@@ -1,5 +1,5 @@
 // The heap runs out for the plug-in, at each of its allocations in turn, and stays empty until the
-// action ends: no exception may reach the host's frames, on the host's threads least of all.
+// action ends: no exception may reach the host's frames, nor its threads.
 
 #include <functional>
 
@@ -17,8 +17,8 @@ const void* insideOf(TestHost& test)
     return reinterpret_cast<const void*>(test.effect().plugin().mainEntry);
 }
 
-/// Runs an action with ever more memory until it needs no more. Each one that lacks some answers
-/// 8 and leaves nothing behind; `check` is called after each with the memory back.
+/// Runs an action with ever more memory until it needs no more. Each run that lacks some returns 8
+/// and leaks nothing; `check` is called after each run with the memory restored.
 void expectMemoryStatus(const std::function<OfxStatus()>& action,
                         const std::function<void()>& check)
 {

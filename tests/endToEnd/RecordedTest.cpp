@@ -39,14 +39,14 @@ enum class Replay {
 constexpr OfxRectI kSmall{0, 0, 96, 72};
 constexpr OfxRectI kPart{17, 9, 80, 61};
 
-/// What is to be filled.
+/// The region to fill.
 struct Region {
     Mask mask;       ///< null: nothing is connected
     int fillRegion;  ///< the choice: 0 everything, 1 and 2 the source's alpha, 3 and 4 the matte
 };
 constexpr Region kEverything{nullptr, 0};
 
-/// What few scenes have.
+/// Settings that few scenes change.
 struct Special {
     OfxRectI bounds = kSmall;  ///< of the source and the matte
     ExactValue (*source)(unsigned int seed) = grain;
@@ -267,7 +267,7 @@ Sums recordedSums(const Scene& scene)
     return {};
 }
 
-/// As it stands in the table of checksums.
+/// The scene's line in the table of checksums.
 std::string lineOf(const Scene& scene, const Sums& sums)
 {
     std::array<char, 80> numbers{};

@@ -96,7 +96,7 @@ std::ostream& operator<<(std::ostream& out, const HostCase& host)
 
 class HostsAsTheyAre : public ::testing::TestWithParam<HostCase> {};
 
-/// What a host may do without a pixel coming out differently.
+/// Host behaviour that must not change a pixel.
 TEST_P(HostsAsTheyAre, RenderTheSamePicture)
 {
     static const Picture expected = plainRender();
@@ -172,7 +172,7 @@ TEST(Render, RecoversFromAnAbortAtEveryPoll)
     Rig rig;
     expectRecovery(rig, kAbort, [](unsigned int, OfxStatus status, const Picture& picture) {
         EXPECT_EQ(status, kOfxStatOK);
-        // Once quilting has finished its texture stands; before that nothing was written.
+        // The texture is written once quilting has finished; before that nothing is.
         EXPECT_TRUE(isBlack(picture) || picture.channel(95, 69, 3) != 0.0);
     });
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-/// What the tests of whole renders share: hosts whose instance is ready to render, with and without
-/// a matte, and the check that one recovers from faults.
+/// Shared by the tests of whole renders: hosts whose instance is ready to render, with and without
+/// a matte, and the check that an instance recovers from faults.
 
 #include <functional>
 #include <memory>
@@ -62,7 +62,7 @@ struct MaskedRig : Rig {
     }
 };
 
-/// Keeps what an observer is told.
+/// Keeps the reports to an observer.
 class NoteListener final : public Host::RenderListener {
 public:
     void stageBegan(Host::Instance&, std::string_view stage) override
@@ -85,7 +85,7 @@ public:
 /// Whether nothing was written into an output that was all zeros.
 bool isBlack(const Picture& picture);
 
-/// A call that can be ordered to fail, and how often it was made.
+/// A call that can be made to fail, and how often it was called.
 struct Fault {
     unsigned int Fixtures::HostQuirks::*order;
     unsigned int Fixtures::Counters::*calls;
@@ -97,9 +97,9 @@ inline constexpr Fault kAllocation{&Fixtures::HostQuirks::failAllocation,
                                    &Fixtures::Counters::allocations};
 inline constexpr Fault kLock{&Fixtures::HostQuirks::failLock, &Fixtures::Counters::locks};
 
-/// Orders a fault of each call in turn, until a render makes no more of them. After every one
-/// nothing is left behind and the next render on the same instance is right; `check` is given the
-/// number of the call that failed, the status and the output.
+/// Makes each call fail in turn, until a render makes no more of them. After every fault nothing is
+/// leaked and the next render on the same instance is right; `check` receives the number of the
+/// failed call, the status and the output.
 void expectRecovery(Rig& rig, const Fault& fault,
                     const std::function<void(unsigned int call, OfxStatus, const Picture&)>& check);
 

@@ -28,7 +28,7 @@ std::string contents(const fs::path& file)
     return text.str();
 }
 
-/// A picture of noise whose file has whatever a format keeps beside the pixels.
+/// A picture of noise whose file has all the data that a format keeps besides the pixels.
 PictureFile noisy(const fs::path& file)
 {
     OIIO::ImageSpec spec(40, 30, 4, OIIO::TypeUInt8);
@@ -49,7 +49,7 @@ PictureFile noisy(const fs::path& file)
     return readPicture(file);
 }
 
-/// All of a small file, and of a larger one those near powers of two and near the end.
+/// All lengths of a small file; of a larger one those near powers of two and near the end.
 std::set<std::size_t> lengthsBelow(std::size_t whole)
 {
     std::set<std::size_t> lengths;
@@ -65,7 +65,7 @@ std::set<std::size_t> lengthsBelow(std::size_t whole)
 
 class FullDiskTest : public testing::Test {
 protected:
-    /// Writes again and again over a good file, each time with room for fewer bytes than it takes.
+    /// Writes over a good file repeatedly, each time with room for too few bytes.
     template <typename Write>
     void failEverywhere(const std::string& name, const Write& write)
     {

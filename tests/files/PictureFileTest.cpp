@@ -313,7 +313,7 @@ TEST_F(PictureFileTest, MatteIsAlphaElseGreyElseLuminance)
     EXPECT_EQ(matte("rgb.png"), 126);  // 0.2126 * 255 + 0.7152 * 100 = 125.7
     EXPECT_EQ(matte("rgba.png"), 33);
 
-    // An alpha that masks nothing off is none; but one that ends inside the picture does.
+    // A full alpha is ignored, unless it ends inside the picture.
     save(folder_ / "opaque.png", rgba, pixel({255, 100, 0, 255}));
     EXPECT_EQ(matte("opaque.png"), 126);
     ImageSpec ya(1, 1, 2, OIIO::TypeUInt8);
@@ -340,9 +340,9 @@ TEST_F(PictureFileTest, DamagedFilesAreTold)
             ImageSpec spec(64, 64, 3, OIIO::TypeUInt8);
             save(file, spec, noise(spec.image_pixels() * 3, spec.format));
             fs::resize_file(file, static_cast<std::uintmax_t>(double(fs::file_size(file)) * part));
-            EXPECT_THAT(
-                failure(file),
-                StartsWith(file.string() + (part > 0.0 ? ": is damaged or cut" : ": is empty")))
+            EXPECT_THAT(failure(file),
+                        StartsWith(file.string() +
+                                   (part > 0.0 ? ": is damaged or truncated" : ": is empty")))
                 << part;
         }
     }
@@ -375,7 +375,7 @@ TEST_F(PictureFileTest, WritesWholeFilesOrNone)
     EXPECT_THAT(target("b.tif", "dwaa"), HasSubstr("lzw"));
     EXPECT_THAT(target("b.exr", "zip:4"), HasSubstr("zips"));
 
-    fs::create_directory(folder_ / "c.png");  // in the way: the rename fails after the writing
+    fs::create_directory(folder_ / "c.png");  // in the way: the final rename fails
     EXPECT_THROW(copyFile(folder_ / "a.png", folder_ / "c.png"), FileError);
     fs::remove(folder_ / "c.png");
     copyFile(folder_ / "a.png", folder_ / "d.png");

@@ -74,21 +74,21 @@ TEST_F(ParameterFileTest, SaysWhatIsWrong)
         const char *text, *wanted;
     };
     const Case cases[] = {
-        {"{\n\n\"parameters\": nought}", "no JSON from line 3 on"},
+        {"{\n\n\"parameters\": nought}", "invalid JSON at line 3"},
         {"[]", "holds no parameters"},
         {R"({"parameters": [1]})", "holds no parameters"},
-        {R"({"plugin": 1, "parameters": {}})", "\"plugin\" must be a text"},
+        {R"({"plugin": 1, "parameters": {}})", "\"plugin\" must be a string"},
         {R"({"plugin": "org.x", "parameters": {}})", "holds parameters of org.x, not of com."},
         {R"({"parameters": {"blockSiz": 64}})", "did you mean \"blockSize\"?"},
         {R"({"parameters": {"Texture": 1}})", "no parameter \"Texture\""},
-        {R"({"parameters": {"blockSize": "64"}})", "blockSize: \"64\" is not a whole number"},
-        {R"({"parameters": {"blockSize": 64.5}})", "blockSize=64.5: a whole number is wanted"},
+        {R"({"parameters": {"blockSize": "64"}})", "blockSize: \"64\" is not an integer"},
+        {R"({"parameters": {"blockSize": 64.5}})", "blockSize=64.5: expected an integer"},
         {R"({"parameters": {"blockSize": 29}})", "blockSize=29: the range is 30 to"},
         {R"({"parameters": {"luminanceMatch": 1}})", "luminanceMatch: 1 is not true or false"},
         {R"({"parameters": {"fillRegion": "Hole"}})", "the choices are \"Entire Image\" (0)"},
         {R"({"parameters": {"fillRegion": 5}})", "the choices are"},
         {R"({"parameters": {"sampleCorner1": 0.5}})", "is not a list of numbers"},
-        {R"({"parameters": {"sampleCorner1": [0.5]}})", "2 numbers are wanted"},
+        {R"({"parameters": {"sampleCorner1": [0.5]}})", "expected 2 numbers"},
         {R"({"parameters": {"edgeBlend": null}})", "edgeBlend: null is not a number"},
     };
     for (const Case& each : cases) {
@@ -98,7 +98,7 @@ TEST_F(ParameterFileTest, SaysWhatIsWrong)
     EXPECT_THROW(contextOfParameters(in("")), Files::FileError);
 }
 
-// The command line comes before the file, an option as well as a name=value; the file before what
+// The command line, options as well as name=value, overrides the file; the file overrides what
 // options only imply.
 TEST_F(ParameterOrderTest, TheCommandLineComesFirst)
 {

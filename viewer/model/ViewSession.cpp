@@ -210,7 +210,7 @@ void ViewSession::saveResult(const std::filesystem::path& name)
     Files::checkTarget(file, settings_.compression);
     if (inputs().reads(file)) {
         throw Render::UsageError(file.string() +
-                                 ": is one of the files to read; nothing is written over those");
+                                 ": is one of the input files and is not overwritten");
     }
     if (!hasFullResult()) {
         order(fullScale());
