@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes all pictures of README.md and docs/guide.md, and writes what the guide says of each parameter.
+# Makes the pictures of README.md and docs/guide.md, and writes the guide's section on the parameters.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 

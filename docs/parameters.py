@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""Writes what docs/guide.md says of each parameter.
+"""Writes the section of docs/guide.md on the parameters.
 
     docs/parameters.py                    writes the section between its markers
     docs/parameters.py --check            writes nothing; exit code 1 when the section is out of date
-    docs/parameters.py --pictures FOLDER  renders the pictures too, from what docs/scenes.sh drew there
+    docs/parameters.py --pictures FOLDER  renders the pictures too, from the files of docs/scenes.sh there
 
-Names, labels, hints, defaults and ranges are what `tesseret describe --context General --json` prints.
-docs/parameters.json holds for each parameter a text of ours and, where a picture can show it, the
-scene to render and the values to show. A parameter that only one of the two knows is an error.
+Names, labels, hints, defaults and ranges come from `tesseret describe --context General --json`.
+docs/parameters.json holds a text for each parameter and, where a picture can show it, the scene to
+render and the values to show. A parameter that is missing in one of the two is an error.
 """
 
 import argparse
@@ -31,7 +31,7 @@ def described(tesseret):
 
 
 def number(value):
-    """As a reader writes it: 0.2 rather than the float nearest to it, 9000000 rather than 9e+06."""
+    """A number in plain notation: 0.2 rather than the nearest float, 9000000 rather than 9e+06."""
     return f"{value:.6f}".rstrip("0").rstrip(".")
 
 
@@ -49,7 +49,7 @@ def facts(parameter):
         options = parameter["options"]
         text = f"one of {', '.join(f'`{o}`' for o in options)}; `{options[default]}` by default"
     else:
-        name = {"Integer": "a whole number", "Double": "a number", "Double2D": "a point"}[kind]
+        name = {"Integer": "an integer", "Double": "a number", "Double2D": "a point"}[kind]
         low, high = (numbers(parameter[key][:1]) for key in ("min", "max"))
         shown = [numbers(parameter[key][:1]) for key in ("displayMin", "displayMax")]
         text = (f"{name} from {low} to {high}, {numbers(default)} by default; "
@@ -62,7 +62,7 @@ def picture_name(parameter):
 
 
 def setting(name, value):
-    """As it is typed on a command line."""
+    """An assignment as typed on a command line."""
     return f'`{name}="{value}"`' if set(value) & set(" >") else f"`{name}={value}`"
 
 
@@ -96,19 +96,19 @@ def replaced(guide, text):
     before, begin, rest = guide.partition(BEGIN)
     _, end, after = rest.partition(END)
     if not begin or not end:
-        sys.exit("parameters: docs/guide.md has lost the markers of the section on parameters")
+        sys.exit("parameters: docs/guide.md lacks the markers of the section on parameters")
     return before + begin + "\n" + text + end + after
 
 
 def quietly(command, folder):
-    """Runs a command; what it has to say matters only when it fails."""
+    """Runs a command; its messages are shown only when it fails."""
     done = subprocess.run(command, cwd=folder, stderr=subprocess.PIPE, text=True)
     if done.returncode:
         sys.exit(f"parameters: {' '.join(command)}\n{done.stderr}")
 
 
 def render(tesseret, folder, arguments, frames, index):
-    """The pictures of one value: one, or for a sequence one for each frame."""
+    """Renders one value; returns one picture, or for a sequence one for each frame."""
     output = f"shown-{index}" + (".#.png" if frames else ".png")
     sequence = ["--frames", ",".join(map(str, frames))] if frames else []
     quietly([tesseret, "render", "--quiet", "--output", output, *sequence, *arguments], folder)
@@ -149,8 +149,8 @@ def main():
     if arguments.check:
         missing = [picture_name(p) for p in shown if not (DOCS / picture_name(p)).is_file()]
         if wanted != guide or missing:
-            sys.exit("parameters: docs/guide.md differs from what the effect says of itself, or lacks "
-                     "a picture; run docs/make-pictures.sh " + " ".join(missing))
+            sys.exit("parameters: docs/guide.md differs from the effect's description, or lacks a picture; "
+                     "run docs/make-pictures.sh " + " ".join(missing))
         return
     if arguments.pictures:
         for parameter in shown:

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Runs the command line that a document shows for a result, so that text and picture cannot part.
+# Runs the command line that a document shows for a result, so that text and picture always agree.
 # Usage: docs/run-example.sh DOCUMENT RESULT FOLDER [further options]
 # DOCUMENT is README.md or docs/guide.md, RESULT the file named by the example's --output, FOLDER where
-# docs/scenes.sh has drawn what the example reads. The built tesseret is used.
+# docs/scenes.sh has drawn the example's inputs. The built tesseret is used.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 

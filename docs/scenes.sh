@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Draws into a folder what the examples of README.md and docs/guide.md read: photographs that are CC0
-# (camera: Lav Varshney; grass, gravel, brick: CC0Textures) and mattes for them, white where to fill.
+# Draws the inputs of the examples of README.md and docs/guide.md into a folder: CC0 photographs
+# (camera: Lav Varshney; grass, gravel, brick: CC0Textures) and their mattes, white where to fill.
 # Usage: docs/scenes.sh FOLDER
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -20,7 +20,7 @@ matte foot.png 512x512 'polygon 337,390 345,387 379,460 389,467 398,481 412,512 
     382,482 377,472'
 gm composite -compose Screen foot.png camera.png foot-shown.png
 
-# The gravel in the lower left corner of a wider frame; all else is to be filled.
+# The gravel in the lower left corner of a wider frame; the rest is to be filled.
 gm convert -size 1280x720 xc:black corner.png
 gm composite -geometry +0+208 gravel.png corner.png corner.png
 gm convert -size 1280x720 xc:white -fill black -draw 'rectangle 0,208 499,719' rest.png

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds a preset (default: release) into build/<preset>: the plug-in as Tesseret.ofx.bundle, the command
-# line as bin/tesseret. Prints nothing when all is well. Usage: scripts/build.sh [preset [target...]]
+# line as bin/tesseret. Prints nothing on success. Usage: scripts/build.sh [preset [target...]]
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Checks who includes whom: every folder includes only what ARROWS allows, and no folder reaches itself.
 
-Prints each include line that breaks the rules and ends with 1; prints nothing when all is well.
+Prints each include line that breaks the rules and exits with 1; prints nothing on success.
 docs/architecture.md draws the same arrows. Usage: scripts/check-layers.py [FOLDER OF THE TREE]
 """
 
@@ -9,7 +9,7 @@ import pathlib
 import re
 import sys
 
-# Folder, or single header: what it may include, itself apart. Nothing else of ours is reachable.
+# Folder, or single header: what it may include besides itself. No other folder of the tree is allowed.
 ARROWS = {
     "ofx": [],
     "platform": [],
@@ -20,7 +20,7 @@ ARROWS = {
     "engine/kernels": ["engine/map"],
     "engine/pass": ["engine/map", "libraries"],
     "engine/filter": ["engine/kernels", "engine/map", "engine/pass", "libraries"],
-    # What the driver is given and the stages report to; headers that need no more than maps and masks.
+    # Interfaces of the driver and the stages; headers that include only maps and masks.
     "engine/TemporalState.h": ["engine/map"],
     "engine/RenderObserver.h": ["engine/map", "engine/TemporalState.h"],
     "engine/FillParameters.h": ["engine/mask", "engine/pass"],
@@ -34,7 +34,7 @@ ARROWS = {
                "engine/RenderContext.h", "libraries"],
     "products/OFX/Support": ["ofx", "engine/map", "engine/pass", "engine", "libraries", "platform"],
     "overlay": ["products/OFX/Support", "ofx", "platform", "libraries"],
-    # The names alone: the command line and the viewer know the effect's parameters by them.
+    # Only the names: the command line and the viewer refer to the effect's parameters by them.
     "effect/ParameterNames.h": [],
     "effect": ["effect/ParameterNames.h", "overlay", "products/OFX/Support", "ofx", "engine", "libraries", "platform"],
     "picture": ["ofx"],
@@ -46,12 +46,12 @@ ARROWS = {
     "command": ["effect/ParameterNames.h", "viewer/model", "viewer/window", "render", "host", "files", "picture",
                 "ofx"],
 }
-# Tests and benchmarks include anything, and nothing includes them.
+# Tests and benchmarks may include anything; no other folder includes them.
 FREE = ["tests", "bench"]
 
 
 def room_of(path):
-    """The most special entry of ARROWS that holds a path; None for a path in none of them."""
+    """The most specific entry of ARROWS for a path; None if there is none."""
     rooms = [room for room in ARROWS if path == room or path.startswith(room + "/")]
     return max(rooms, key=len, default=None)
 
@@ -87,7 +87,7 @@ def circle():
             return trail[trail.index(room):] + [room]
         for arrow in ARROWS[room] if room in ARROWS else []:
             for other in [r for r in ARROWS if r == arrow or r.startswith(arrow + "/")]:
-                # A folder that holds others may stand above them.
+                # A folder with subfolders may be above them.
                 if other != room and (found := walk(other, trail + [room])):
                     return found
         return None

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# What a change has to pass besides its tests: clang-tidy on the files it changed, benchmarks and the 32-bit Windows
-# plug-in that compile, and the recorded pictures under the address sanitizer. Prints nothing when all is well.
+# The checks of a change besides the tests: clang-tidy on the changed files, builds of the benchmarks and the 32-bit
+# Windows plug-in, and the recorded pictures under the address sanitizer. Prints nothing on success.
 # Usage: scripts/check.sh [tidy|bench|win32|asan ...]
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 [[ $# -gt 0 ]] || set -- tidy bench win32 asan
 
-# What changes are measured from: the last tag, else the newest commit from before the day of the last one.
+# The base of the comparison: the last tag, else the newest commit from before the day of the last one.
 base() {
     git describe --tags --abbrev=0 2>/dev/null && return
     local day
@@ -15,8 +15,8 @@ base() {
     git log --format='%cd %H' --date=short | awk -v day="$day" '$1 < day { print $2; exit }'
 }
 
-# The sources with the most changed lines, at most so many: one takes some ten seconds. A file that only moved, or whose
-# includes alone changed, has none.
+# The sources with the most changed lines, up to a limit, as each takes about ten seconds. A file that only moved, or of
+# which only the includes changed, has no changed lines.
 changed_sources() {
     local most=$1 from
     from=$(base)
@@ -41,7 +41,7 @@ check_win32() {
     scripts/build.sh win32
 }
 
-# The quick part: whole renders at every depth. scripts/sanitize.sh runs everything.
+# Only whole renders at every depth; scripts/sanitize.sh runs all tests.
 check_asan() {
     scripts/build.sh asan tesseret_plugin test_endToEnd
     local log

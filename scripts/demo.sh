@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and removes a tripod from a real photograph (CC0, 512 x 512 pixels) with
-# the command that README.md shows. Leaves before, matte and after side by side as one PNG and says where.
+# the command that README.md shows. Writes before, matte and after side by side into one PNG and prints its path.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -13,5 +13,5 @@ times=$(docs/run-example.sh README.md no-tripod.png "$demo" --verbose)
 gm montage -tile 3x1 -geometry +4+4 "$demo"/{camera,tripod,no-tripod}.png "$demo/before-matte-after.png"
 
 echo "A tripod removed from a photograph of 512 x 512 pixels:"
-grep -E '^(blocks laid|render  .* ms|all|peak memory)' <<<"$times"
+grep -E '^(blocks|render  .* ms|total|peak memory)' <<<"$times"
 echo "Before, matte and after: $PWD/$demo/before-matte-after.png"

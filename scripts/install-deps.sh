@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what building and testing needs from Debian 12's packages, and nothing that is there already.
-# Runs as root or through sudo. Prints nothing when there is nothing to do.
+# Installs the missing Debian 12 packages for building and testing.
+# Runs as root or through sudo. Prints nothing when no package is missing.
 # Usage: scripts/install-deps.sh [further package...]
 set -euo pipefail
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Changes the engine in small ways that alter pictures, one at a time, in a copy of the tree, and
-# expects a test to fail each time. Prints one line for each; fails when a change stays unnoticed,
-# does not apply or does not build.
+# expects a test to fail each time. Prints one line for each; fails when no test notices a change, or
+# when it does not apply or build.
 # Usage: scripts/mutate.sh [--list | NAME...]   (names from scripts/mutations.txt; all unless given)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -50,7 +50,7 @@ tracked_files() {
     done
 }
 
-# Makes the copy what the tree is; files that are the same keep their times.
+# Updates the copy from the tree; unchanged files keep their times.
 copy_tree() {
     local file
     mkdir -p "$copy"
@@ -64,7 +64,7 @@ copy_tree() {
     done <"$work/files"
 }
 
-# The path of the one file with a base name, wherever it lies.
+# The path of the only file with a base name.
 path_of() {
     local found
     found=$(grep -E "(^|/)${1//./\\.}\$" "$work/files") || fail "there is no file $1"
@@ -93,7 +93,7 @@ build() {
     cmake --build "$out" --parallel "$(nproc)" --target "$@" >"$work/build.log" 2>&1
 }
 
-# Sets `outcome` to the first test that fails, or to what is wrong.
+# Sets `outcome` to the first test that fails, or to an error.
 run_tests() {
     local run program filter
     outcome=""
