@@ -1,6 +1,6 @@
-/// Named jobs on real pictures, through the render action of one or two built plug-ins in turn, so
-/// that both meet the same machine: prints the time of each and their ratio, and fails when their
-/// pictures differ.
+/// Named jobs on real pictures, through the render action of one or two built plug-ins,
+/// alternating, so that both run under the same load: prints the time of each and their ratio, and
+/// fails when their outputs differ.
 
 #include <algorithm>
 #include <chrono>
@@ -30,7 +30,7 @@ using Clock = std::chrono::steady_clock;
 using Host::Instance;
 using Shared = std::shared_ptr<const Picture>;
 
-/// What a job renders. Mattes are in alpha alone; without one the whole window is filled.
+/// The inputs of a job. Mattes are in alpha alone.
 struct Job {
     const char* name;
     const char* what;
@@ -79,7 +79,7 @@ std::vector<Job> allJobs()
          false,
          {{"luminanceMatch", 1}}},
         {"J3r",
-         "J3 laid again from the record",
+         "J3 replayed",
          craft,
          kNone,
          nullptr,
@@ -321,8 +321,7 @@ bool runJob(const Job& job, const Options& options, unsigned threads)
     }
     std::printf("%-7s %-5s %u threads", job.name, options.depth.c_str(), threads);
     for (const auto& of : times) {
-        std::printf("  %9.2f ms (least %.2f)", median(of) * 1e3,
-                    *std::ranges::min_element(of) * 1e3);
+        std::printf("  %9.2f ms (min %.2f)", median(of) * 1e3, *std::ranges::min_element(of) * 1e3);
     }
     bool same = true;
     if (rigs.size() > 1) {

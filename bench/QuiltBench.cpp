@@ -19,8 +19,8 @@ using Testing::FakeServices;
 using Testing::noise;
 using Testing::TestMap;
 
-/// Strips of the shapes that quilting has, from places all over two pictures; the second argument
-/// says whether the sum is exact.
+/// Strips of the shapes that occur in quilting, from positions all over two images; the third
+/// argument selects the exact sum.
 template <typename Pixel>
 void overlapError(benchmark::State& state)
 {
@@ -31,8 +31,8 @@ void overlapError(benchmark::State& state)
     int at = 0;
     for (auto _ : state) {
         at = (at + 37) % 400;
-        const Strip<Pixel> strip = {.a = windowOf(*a, at, 400 - at, width, height, copy),
-                                    .b = windowOf(*b, 400 - at, at, width, height, copy),
+        const Strip<Pixel> strip = {.a = rowsOf(*a, at, 400 - at, width, height, copy),
+                                    .b = rowsOf(*b, 400 - at, at, width, height, copy),
                                     .weights = {},
                                     .width = width,
                                     .height = height};

@@ -14,21 +14,21 @@ using Orvane::OvPoint;
 using Orvane::Engine::FillParameters;
 using Orvane::Engine::floorToInt;
 using Orvane::Engine::MaskOrigin;
-using Orvane::Engine::MaskSense;
+using Orvane::Engine::Polarity;
 using Orvane::Engine::truncateToInt;
 
 struct MaskRow {
     std::string_view choice;
     MaskOrigin origin;
-    MaskSense sense;
+    Polarity polarity;
 };
 
 constexpr auto kMasks = std::to_array<MaskRow>({
-    {Names::kEntireImage, MaskOrigin::None, MaskSense::AsItIs},
-    {Names::kSourceAlpha, MaskOrigin::SourceAlpha, MaskSense::AsItIs},
-    {Names::kSourceInvertedAlpha, MaskOrigin::SourceAlpha, MaskSense::Inverted},
-    {Names::kMatteAlpha, MaskOrigin::Matte, MaskSense::AsItIs},
-    {Names::kMatteInvertedAlpha, MaskOrigin::Matte, MaskSense::Inverted},
+    {Names::kEntireImage, MaskOrigin::None, Polarity::White},
+    {Names::kSourceAlpha, MaskOrigin::SourceAlpha, Polarity::White},
+    {Names::kSourceInvertedAlpha, MaskOrigin::SourceAlpha, Polarity::Black},
+    {Names::kMatteAlpha, MaskOrigin::Matte, Polarity::White},
+    {Names::kMatteInvertedAlpha, MaskOrigin::Matte, Polarity::Black},
 });
 static_assert(std::ranges::equal(kMasks, Names::kFillRegions, {}, &MaskRow::choice));
 
@@ -52,7 +52,7 @@ void FillParameterReader::readRegion(FillParameters& fill)
     if (choice < 0 || choice >= static_cast<int>(kMasks.size())) return;
     const MaskRow& mask = kMasks[static_cast<std::size_t>(choice)];
     fill.maskOrigin = mask.origin;
-    fill.maskSense = mask.sense;
+    fill.maskPolarity = mask.polarity;
 }
 
 void FillParameterReader::readFill(FillParameters& fill)

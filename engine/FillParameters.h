@@ -1,16 +1,16 @@
 #pragma once
 
+#include "engine/map/Region.h"
 #include "engine/mask/MaskOrigin.h"
-#include "engine/pass/MapProcessor.h"
 
 namespace Orvane::Engine {
 
-/// What one render is asked to do, as plain values. Lengths are pixels of the render.
+/// The settings of one render, as plain values. Lengths are pixels of the render.
 struct FillParameters {
     bool temporalConsistency = false;  ///< reuse the blocks of an earlier frame
     MaskOrigin maskOrigin = MaskOrigin::None;
-    MaskSense maskSense = MaskSense::AsItIs;
-    Region sampleBox;  ///< where blocks are taken from
+    Polarity maskPolarity = Polarity::White;
+    Region sampleBox;  ///< where candidates come from
     int seed = 0;
     int blockSize = 1;  ///< width and height; any int, clamped by the quilting like the next three
     int overlap = 0;    ///< horizontal and vertical

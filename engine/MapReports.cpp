@@ -22,7 +22,7 @@ void MapReports::reportComposite(std::size_t textureCount, const Region& placed,
     report("luminanceGain", state_.luminanceGain, 1.0f);
 }
 
-/// A map that has no pixels is not reported.
+/// Reports a map that has pixels.
 void MapReports::report(const char* name, const Map<Pixel32f>& map, float full) const
 {
     if (map.isUsable()) observer_->mapMade({name, &map, full, state_.fillBounds});

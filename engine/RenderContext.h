@@ -16,9 +16,9 @@ struct RenderPlace {
     Region window;  ///< pixels
 };
 
-/// The images of one render, what it is asked to do, its status and its observer. Images are those
-/// of the render's time, null where there is none. Nothing here fails. All but the last two are
-/// called at most once, the textures' once for each, and in the order given here: hosts see it.
+/// The images, settings, status and observer of one render. Images are those of the render's time,
+/// or null. No function fails. All but the last two are called at most once (`textureImage` once
+/// for each texture), in the order declared here, which hosts can observe.
 class RenderContext {
 public:
     virtual ~RenderContext() = default;
@@ -35,7 +35,7 @@ public:
     virtual std::unique_ptr<ClipImage> textureImage(std::size_t index) = 0;
 
     virtual RenderStatus& renderStatus() = 0;
-    /// Null when nobody watches.
+    /// May be null.
     virtual RenderObserver* observer() = 0;
 };
 

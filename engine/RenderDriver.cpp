@@ -18,13 +18,13 @@ constexpr int kSeamStep = 2;
 constexpr int kMaxLuminancePasses = 2147483647;
 constexpr const char* kNoMask = "there is no mask to fill, so the whole picture is filled";
 
-/// A host image and the engine's own view of it. The view goes first, then the image.
+/// A host image and the engine's own view of it. The view is destroyed before the image.
 template <typename Pixel>
 struct FetchedMap {
     std::unique_ptr<ClipImage> image;
     Map<Pixel> map;
 
-    /// Takes an image over. False, and the image is released, without one of this kind.
+    /// Takes over an image of this kind. Releases any other and returns false.
     bool adopt(std::unique_ptr<ClipImage> fetched)
     {
         Map<Pixel>* view = fetched != nullptr ? fetched->as<Pixel>() : nullptr;
@@ -35,9 +35,9 @@ struct FetchedMap {
     }
 };
 
-/// Empties the state at the end of a render unless that is to be kept: blocks of a fresh render
-/// that was aborted or failed are never laid again, and an instance that lays no block again holds
-/// no memory.
+/// Empties the state at the end of a render unless `keep` was called: blocks of a fresh render that
+/// was aborted or failed are never replayed, and an instance without temporal consistency holds no
+/// memory.
 class StateKeeper {
 public:
     explicit StateKeeper(TemporalState& state) : state_(state) {}
@@ -104,7 +104,7 @@ public:
         auto settings = settingsOf<Pixel>(fill);
         settings.useStoredBlocks = useStoredBlocks;
         if (!mask_.exists()) {
-            sayThatThereIsNoMask(fill.maskOrigin);
+            noteMissingMask(fill.maskOrigin);
         } else if (!prepareMask(settings)) {
             return;
         }
@@ -119,8 +119,8 @@ public:
     }
 
 private:
-    /// Whether the state holds blocks for that time; at frame 0, and when its blocks are of no more
-    /// use, it is emptied.
+    /// Whether the state holds blocks for that time. Empties it at frame 0, and when its blocks are
+    /// not valid.
     bool holdsBlocksFor(double time)
     {
         const bool firstFrame = floorToInt(time + 0.5) == 0;
@@ -133,13 +133,13 @@ private:
     {
         RenderStatus& status = context_.renderStatus();
         if (fill.maskOrigin == MaskOrigin::SourceAlpha) {
-            mask_.takeSourceAlpha(source, fill.maskSense, status);
+            mask_.takeSourceAlpha(source, fill.maskPolarity, status);
         } else if (fill.maskOrigin == MaskOrigin::Matte) {
-            mask_.takeMatte(context_.matteImage(), fill.maskSense, status);
+            mask_.takeMatte(context_.matteImage(), fill.maskPolarity, status);
         }
     }
 
-    /// Whether the render goes on: it ends when the host asks to while the mask is prepared.
+    /// Prepares the mask; false when the host aborted meanwhile.
     bool prepareMask(SynthesisSettings<Pixel>& settings)
     {
         const ObservedStage stage(context_.observer(), "mask");
@@ -150,13 +150,13 @@ private:
         return true;
     }
 
-    void sayThatThereIsNoMask(MaskOrigin wanted)
+    void noteMissingMask(MaskOrigin wanted)
     {
         RenderObserver* observer = context_.observer();
         if (wanted != MaskOrigin::None && observer != nullptr) observer->note(kNoMask);
     }
 
-    /// The textures in use; the source when there is none.
+    /// Fetches the textures in use; uses the source when there is none.
     void fetchTextures(std::array<FetchedMap<Pixel>, 3>& textures, Map<Pixel>& source,
                        SynthesisSettings<Pixel>& settings)
     {

@@ -2,29 +2,30 @@
 
 #include <span>
 
-#include "engine/TemporalState.h"
+#include "engine/map/Map.h"
+#include "engine/map/Region.h"
 
 namespace Orvane::Engine {
 
-/// One block as it was laid, in absolute pixel coordinates.
-struct LaidBlock {
-    int x, y, width, height;  ///< place in the output; cut at the edge of the fill rectangle
+/// One block as it was placed, in absolute pixel coordinates.
+struct PlacedBlock {
+    int x, y, width, height;  ///< in the output; clipped at the edge of the fill rectangle
     int srcX, srcY;           ///< the same corner in its texture
     int textureIndex;
 };
 
-/// What a stage made, borrowed for the call. Its pixels need not cover the fill rectangle:
+/// A map that a stage made, borrowed for the call. Its pixels need not cover the fill rectangle:
 /// "fillMask" and "compositeMask" are 0 to M, "pathBand" is positive where the boundary may run,
 /// "luminanceGain" holds factors. "blocks" holds the number of the block that a pixel came from,
-/// counted from 1 in the order in which they were laid anew; 0 is none.
+/// counted from 1 in the order of the fresh render; 0 is none.
 struct ObservedMap {
     const char* name;
     const Map<Pixel32f>* map;
     float full;  ///< the value to show as full: M; 1 for factors; the count of blocks
-    FillBounds fillRect;
+    Region fillRect;
 };
 
-/// Told what happens inside a render, on the render thread only. Most hosts want none: the engine
+/// Receives the events of a render, on the render thread only. Most hosts want none: the engine
 /// then holds a null pointer and spends nothing.
 class RenderObserver {
 public:
@@ -33,19 +34,19 @@ public:
     virtual void stageEnded(const char* stage) = 0;
     /// How much of the current stage is done, 0 to 1.
     virtual void progress(double fraction) = 0;
-    virtual void blockLaid(const LaidBlock& block) = 0;
-    /// One line for the person in front of the screen.
+    virtual void blockLaid(const PlacedBlock& block) = 0;
+    /// One line for the user.
     virtual void note(const char* text) = 0;
 
-    /// Whether the two below are of any use; they are not called otherwise.
+    /// Whether to call the two functions below.
     virtual bool wantsMaps() { return false; }
     virtual void mapMade(const ObservedMap& /*map*/) {}
-    /// The closed path between texture and source, pixel by pixel and back to the first one. The
-    /// search can close it without going round the region; a note says so then.
-    virtual void pathFound(std::span<const PixelPoint> /*path*/, const FillBounds& /*fillRect*/) {}
+    /// The closed path between texture and source, pixel by pixel and back to the first one. It may
+    /// not enclose the region; a note reports that.
+    virtual void pathFound(std::span<const PixelPoint> /*path*/, const Region& /*fillRect*/) {}
 };
 
-/// Tells an observer, if there is one, that a stage lasts as long as this object.
+/// Reports a stage to an observer, if there is one, from construction to destruction.
 class ObservedStage {
 public:
     ObservedStage(RenderObserver* observer, const char* stage) : observer_(observer), stage_(stage)

@@ -17,9 +17,9 @@
 namespace Orvane::Engine {
 namespace {
 
-constexpr float kLeastLuminanceBlur = 2.0f;
+constexpr float kMinLuminanceBlur = 2.0f;
 
-/// What there is to say of a boundary, or null.
+/// The note on a boundary outcome, or null.
 const char* noteOf(BoundaryOutcome outcome)
 {
     switch (outcome) {
@@ -35,19 +35,19 @@ const char* noteOf(BoundaryOutcome outcome)
     return nullptr;
 }
 
-/// `value` cut to [0, limit]; NaN becomes 0.
-float cutTo(float value, float limit)
+/// `value` clamped to [0, limit]; NaN becomes 0.
+float clamped(float value, float limit)
 {
     return value > 0.0f ? std::min(value, limit) : 0.0f;
 }
 
-/// R, G and B times the gain, cut to [0, M].
+/// R, G and B times the gain, clamped to [0, M].
 template <typename Pixel>
 Pixel gained(const Pixel& p, float gain)
 {
     using Traits = PixelTraits<Pixel>;
     const auto scale = [gain](auto channel) {
-        return Traits::stored(cutTo(static_cast<float>(channel) * gain, Traits::kMax));
+        return Traits::stored(clamped(static_cast<float>(channel) * gain, Traits::kMax));
     };
     return {scale(p.r), scale(p.g), scale(p.b), p.a};
 }
@@ -56,11 +56,11 @@ Pixel gained(const Pixel& p, float gain)
 template <typename Pixel>
 float textureShare(float maskValue)
 {
-    return cutTo(maskValue * PixelTraits<Pixel>::kInverseMax, 1.0f);
+    return clamped(maskValue * PixelTraits<Pixel>::kInverseMax, 1.0f);
 }
 
-// exact: float, truncated; the fill rectangle reaches five times the path and its blend beyond the
-// mask.
+// exact: float, truncated. The fill rectangle extends five times the path width and the edge blend
+// beyond the mask.
 
 int marginBefore(int offset, float pathWidth, float edgeBlend)
 {
@@ -72,11 +72,11 @@ int withMargins(int size, float pathWidth, float edgeBlend)
     return truncateToInt(static_cast<float>(size) + 10.0f * (pathWidth + edgeBlend));
 }
 
-/// How far three applications of a box reach, pixels; no farther than any picture is large.
+/// The reach of three applications of a box, pixels; limited to more than any image is wide.
 int blurReach(float radius)
 {
-    constexpr float kLongest = 1e8f;
-    return 3 * (truncateToInt(std::min(radius, kLongest)) + 1);
+    constexpr float kMaxRadius = 1e8f;
+    return 3 * (truncateToInt(std::min(radius, kMaxRadius)) + 1);
 }
 
 /// The smallest region that holds every pixel of a mask that is not 0, grown by a margin.
@@ -96,7 +96,7 @@ Region boundsOf(const Map<Pixel32f>& mask, int margin)
     return {bounds.x0 - margin, bounds.y0 - margin, bounds.x1 + margin, bounds.y1 + margin};
 }
 
-/// Alpha stays the texture's.
+/// Mixes texture over source; alpha stays the texture's.
 template <typename Pixel>
 Pixel composited(const Pixel& texture, const Pixel& source, float share)
 {
@@ -107,8 +107,8 @@ Pixel composited(const Pixel& texture, const Pixel& source, float share)
     return result;
 }
 
-/// Copies R, G and B of `count` pixels; alpha stays. Whole runs are copied and get their alpha
-/// back: writing three channels of each pixel takes several times as long.
+/// Copies R, G and B of `count` pixels; alpha stays. Copies whole runs and restores their alpha:
+/// writing three channels of each pixel takes several times as long.
 template <typename Pixel>
 void copyColours(const Pixel* from, Pixel* to, int count)
 {
@@ -143,14 +143,14 @@ template <typename Pixel>
 void SynthesisNode<Pixel>::begin()
 {
     collectTextures();
-    const Region fillRect = decideFillRect();
+    const Region fillRect = findFillRect();
     if (settings_.useStoredBlocks) {
         replay();
         return;
     }
     if (this->pollAbort()) return;
     if (settings_.fillAll || settings_.fillMask == nullptr) {
-        takeTextureEverywhere();
+        compositeTextureOnly();
         quilt(this->region());
     } else {
         fillMasked(fillRect);
@@ -177,13 +177,12 @@ void SynthesisNode<Pixel>::collectTextures()
     this->other().setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
 }
 
-/// A replay covers what the recorded render covered; a mask is filled with a margin on every side;
-/// anything else is the node's region.
+/// A replay covers the recorded fill bounds; a masked fill, the mask with a margin on every side;
+/// anything else, the node's region.
 template <typename Pixel>
-Region SynthesisNode<Pixel>::decideFillRect()
+Region SynthesisNode<Pixel>::findFillRect()
 {
-    FillBounds& bounds = state_->fillBounds;
-    if (settings_.useStoredBlocks) return {bounds.x0, bounds.y0, bounds.x1, bounds.y1};
+    if (settings_.useStoredBlocks) return state_->fillBounds;
     Region rect = this->region();
     if (settings_.fillMask != nullptr && !settings_.fillAll) {
         const MapAxis& x = settings_.fillMask->xAxis();
@@ -193,13 +192,14 @@ Region SynthesisNode<Pixel>::decideFillRect()
         rect.x1 = rect.x0 + withMargins(x.size, settings_.pathWidth, settings_.edgeBlend);
         rect.y1 = rect.y0 + withMargins(y.size, settings_.pathWidth, settings_.edgeBlend);
     }
-    bounds = {rect.x0, rect.y0, rect.x1, rect.y1};
+    state_->fillBounds = rect;
     return rect;
 }
 
-/// Without a mask nothing of the source is kept, inside the composite mask and outside of it.
+/// Makes the composite mask M everywhere, outside its pixels as well: nothing of the source is
+/// kept.
 template <typename Pixel>
-void SynthesisNode<Pixel>::takeTextureEverywhere()
+void SynthesisNode<Pixel>::compositeTextureOnly()
 {
     Map<Pixel32f>& mask = state_->compositeMask;
     mask.copyGeometry(this->other());
@@ -232,10 +232,10 @@ void SynthesisNode<Pixel>::quilt(const Region& fillRect)
     inputs.observer = observer_;
     const QuiltResult result = Quilt<Pixel>(inputs).run();
     state_->savedBlockSize = result.blockSize;
-    if (!result.hasRoom) state_->valid = false;  // there is nothing to place again
+    if (!result.hasRoom) state_->valid = false;  // there is nothing to replay
 }
 
-/// Quilts the fill rectangle, guided by what is known round the region, and decides where the
+/// Quilts the fill rectangle, guided by the known pixels round the region, and determines where the
 /// texture replaces the source.
 template <typename Pixel>
 void SynthesisNode<Pixel>::fillMasked(const Region& fillRect)
@@ -249,7 +249,7 @@ void SynthesisNode<Pixel>::fillMasked(const Region& fillRect)
     fitBoundary(fillRect);
 }
 
-/// Blurs the mask over the rectangle, takes its gradient, and keeps what lies outside the region.
+/// Blurs the mask over the rectangle, computes its gradient, and keeps the part outside the region.
 template <typename Pixel>
 void SynthesisNode<Pixel>::prepareBand(const Region& fillRect)
 {
@@ -273,7 +273,7 @@ void SynthesisNode<Pixel>::prepareBand(const Region& fillRect)
     cut.process(*settings_.fillMask, pathBand_);
 }
 
-/// Leaves a gain for each pixel of the fill rectangle.
+/// Computes the luminance gain of each pixel of the fill rectangle.
 template <typename Pixel>
 void SynthesisNode<Pixel>::matchLuminance(const Region& fillRect)
 {
@@ -288,7 +288,7 @@ void SynthesisNode<Pixel>::matchLuminance(const Region& fillRect)
 
     LuminanceMatch<Pixel> match(pathBand_, this->other(), gain);
     match.setStatusRecord(this->statusRecord());
-    match.setLuminanceBlur(std::max(settings_.luminanceBlur, kLeastLuminanceBlur));
+    match.setLuminanceBlur(std::max(settings_.luminanceBlur, kMinLuminanceBlur));
     match.setMaxPasses(settings_.maxPasses);
     // The boundary runs in the band, and beyond its softened edge no texture shows.
     const int reach = blurReach(settings_.pathWidth) + blurReach(settings_.edgeBlend);
@@ -300,7 +300,7 @@ void SynthesisNode<Pixel>::matchLuminance(const Region& fillRect)
     this->target().setOffset(0, 0);
 }
 
-/// Cuts the boundary between texture and source into the composite mask.
+/// Fits the boundary between texture and source and makes the composite mask.
 template <typename Pixel>
 void SynthesisNode<Pixel>::fitBoundary(const Region& fillRect)
 {
@@ -318,12 +318,11 @@ void SynthesisNode<Pixel>::fitBoundary(const Region& fillRect)
     bandGradient_.release();
 }
 
-/// Where the texture lies: a replay places blocks inside the window only.
+/// The region covered by texture: a replay places blocks inside the window only.
 template <typename Pixel>
 Region SynthesisNode<Pixel>::placedRegion() const
 {
-    const FillBounds& all = state_->fillBounds;
-    return settings_.useStoredBlocks ? this->region() : Region{all.x0, all.y0, all.x1, all.y1};
+    return settings_.useStoredBlocks ? this->region() : state_->fillBounds;
 }
 
 template <typename Pixel>
@@ -339,7 +338,7 @@ void SynthesisNode<Pixel>::endPass()
     compositing_.reset();
 }
 
-/// An abort found after `beginPass` skips `endPass`.
+/// Ends the stage when an abort skipped `endPass`.
 template <typename Pixel>
 void SynthesisNode<Pixel>::end()
 {
@@ -354,8 +353,8 @@ void SynthesisNode<Pixel>::processPass()
     for (int y = yBegin; y < yEnd; ++y) compositeRow(y);
 }
 
-/// The gain and the mask are read as EdgeNone: outside of them there is no gain, and the mask has
-/// its fill value.
+/// Composites one row. The gain and the mask are read as EdgeNone: outside them there is no gain,
+/// and the mask has its fill value.
 template <typename Pixel>
 void SynthesisNode<Pixel>::compositeRow(int y)
 {

@@ -14,31 +14,30 @@
 
 namespace Orvane::Engine {
 
-/// What the driver sets before it runs the node. Maps are borrowed; null stands for none.
+/// The settings of a synthesis. Maps are borrowed and may be null.
 template <typename Pixel>
 struct SynthesisSettings {
     std::array<Map<Pixel>*, 3> textures{};
     Map<Pixel32f>* fillMask = nullptr;  ///< prepared: M on the region to fill, 0 elsewhere
     Region sampleBox;                   ///< pixels
-    bool fillAll = true;                ///< nothing of the source is kept
-    bool avoidFillRegion = false;       ///< no texture is taken from what is to be filled
+    bool fillAll = true;                ///< keep nothing of the source
+    bool avoidFillRegion = false;       ///< take no texture from the fill region
     int seed = 0;
     BlockSettings blocks;
-    bool useStoredBlocks = false;  ///< lay the blocks of the state again instead of new ones
-    // The rest counts only with a mask. Lengths are pixels.
+    bool useStoredBlocks = false;  ///< replay the blocks of the state
+    // The rest is used only with a mask. Lengths are pixels.
     float pathWidth = 0.0f;       ///< reach of the band that the boundary may run in
     float edgeBlend = 0.0f;       ///< softening of the boundary
-    bool luminanceMatch = false;  ///< bring the texture to the brightness round the region
-    float luminanceBlur = 0.0f;   ///< how far one step of that reaches
-    int maxPasses = 0;            ///< limit of such steps
+    bool luminanceMatch = false;  ///< match the brightness round the region
+    float luminanceBlur = 0.0f;   ///< reach of one luminance pass
+    int maxPasses = 0;            ///< of the luminance match
 };
 
 /// Turns one render's inputs into the output image: `process(source, output)` over the render
-/// window. The synthesis happens in `begin`, stage by stage on the render thread: it decides the
-/// fill rectangle, then quilts it anew or lays the recorded blocks again. With a mask it also
-/// prepares the band of known pixels that guides the quilting, matches luminance, and fits the
-/// boundary path. The node's one pass composites texture and source through the composite mask and
-/// the luminance gain.
+/// window. `begin` runs the stages in order on the render thread: it determines the fill rectangle,
+/// then quilts it or replays the recorded blocks. With a mask it also prepares the band of known
+/// pixels that guides the quilting, matches luminance, and fits the boundary path. The node's one
+/// pass composites texture and source through the composite mask and the luminance gain.
 ///
 /// After an abort the output keeps what was written so far: nothing, unless quilting had finished.
 template <typename Pixel>
@@ -57,9 +56,9 @@ public:
 
 private:
     void collectTextures();
-    Region decideFillRect();
+    Region findFillRect();
     void replay();
-    void takeTextureEverywhere();
+    void compositeTextureOnly();
     void quilt(const Region& fillRect);
     void fillMasked(const Region& fillRect);
     void prepareBand(const Region& fillRect);
@@ -77,8 +76,8 @@ private:
     std::optional<ObservedStage> compositing_;
     std::vector<Map<Pixel>*> textures_;
     Map<Pixel32f> pathBand_;            ///< positive on known pixels round the fill region
-    Map<PixelVec2f> bandGradient_;      ///< of the blurred mask; points towards the fill region
-    std::vector<PixelPoint> boundary_;  ///< the closed path; only for an observer that wants it
+    Map<PixelVec2f> bandGradient_;      ///< of the blurred mask; points into the fill region
+    std::vector<PixelPoint> boundary_;  ///< the closed path, if the observer wants maps
 };
 
 }  // namespace Orvane::Engine

@@ -3,10 +3,11 @@
 #include <vector>
 
 #include "engine/map/Map.h"
+#include "engine/map/Region.h"
 
 namespace Orvane::Engine {
 
-/// One block as it was laid, enough to lay it again from another frame's texture. Positions are
+/// One block as it was placed, enough to replay it from another frame's texture. Positions are the
 /// corners with the smallest x and y, in absolute pixel coordinates.
 struct BlockRecord {
     float x, y;
@@ -22,23 +23,17 @@ struct BlockRecord {
 
 using BlockList = std::vector<BlockRecord>;
 
-/// The rectangle that a render covers with texture, in absolute pixels; x1 and y1 are exclusive.
-struct FillBounds {
-    int x0 = 0, y0 = 0, x1 = 0, y1 = 0;
-    friend bool operator==(const FillBounds&, const FillBounds&) = default;
-};
-
 struct BlockSize {
     float width = 0.0f, height = 0.0f;
 };
 
-/// What an instance remembers of its last fresh render, so that later frames can lay the same
-/// blocks. Touched on the render thread only; the host never renders one instance twice at once.
+/// What an instance keeps of its last fresh render, so that later frames can replay its blocks.
+/// Used on the render thread only; the host never runs two renders of one instance at once.
 struct TemporalState {
     BlockList blockList;
     Map<Pixel32f> compositeMask;  ///< 0 to M
     Map<Pixel32f> luminanceGain;  ///< factors; empty when luminance was not matched
-    FillBounds fillBounds;
+    Region fillBounds;            ///< what the render covered with texture
     BlockSize savedBlockSize;
     bool valid = false;  ///< the other fields belong to an earlier fresh render
 

@@ -22,8 +22,8 @@ ARROWS = {
     "engine/filter": ["engine/kernels", "engine/map", "engine/pass", "libraries"],
     # Interfaces of the driver and the stages; headers that include only maps and masks.
     "engine/TemporalState.h": ["engine/map"],
-    "engine/RenderObserver.h": ["engine/map", "engine/TemporalState.h"],
-    "engine/FillParameters.h": ["engine/mask", "engine/pass"],
+    "engine/RenderObserver.h": ["engine/map"],
+    "engine/FillParameters.h": ["engine/map", "engine/mask"],
     "engine/RenderContext.h": ["engine/map", "engine/FillParameters.h", "engine/RenderObserver.h", "libraries"],
     "engine/mask": ["engine/map", "engine/pass", "engine/filter", "libraries"],
     "engine/boundary": ["engine/kernels", "engine/map", "engine/pass", "engine/filter", "engine/mask", "libraries"],

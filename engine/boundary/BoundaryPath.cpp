@@ -13,10 +13,10 @@
 namespace Orvane::Engine {
 namespace {
 
-/// Below this radius a blur would change nothing that shows.
-constexpr float kLeastEdgeBlend = 0.01f;
+/// A blur of a smaller radius would have no visible effect.
+constexpr float kMinEdgeBlend = 0.01f;
 
-/// Draws one pixel of a mask of 0 to M, by its value.
+/// Draws one pixel of a mask of 0 to M, weighted by its value.
 template <typename Pixel>
 std::optional<PixelPoint> drawPoint(const Map<Pixel32f>& mask, const BoundaryInputs<Pixel>& inputs)
 {
@@ -32,7 +32,7 @@ std::optional<PixelPoint> drawPoint(const Map<Pixel32f>& mask, const BoundaryInp
     return PixelPoint{truncateToInt(point->x), truncateToInt(point->y)};
 }
 
-/// Gives a map the work region's size and place, and storage.
+/// Gives a map the size and position of the work region, and storage.
 void shapeTo(const Region& work, Map<Pixel32f>& map)
 {
     map.setSize(work.x1 - work.x0, work.y1 - work.y0);
@@ -41,7 +41,7 @@ void shapeTo(const Region& work, Map<Pixel32f>& map)
     map.allocate();
 }
 
-/// Paints what the path encloses, starting inside the fill region.
+/// Paints the area that the path encloses, starting inside the fill region.
 template <typename Pixel>
 void paintInside(const BoundaryInputs<Pixel>& inputs, const std::vector<PixelPoint>& path,
                  PixelPoint inside, Map<Pixel32f>& compositeMask)
@@ -63,8 +63,7 @@ void paintInside(const BoundaryInputs<Pixel>& inputs, const std::vector<PixelPoi
     fill.process(outline, compositeMask);
 }
 
-/// Whether the painted area keeps clear of the work region's border and leaves nothing of the fill
-/// region out.
+/// Whether the painted area avoids the work region's border and includes the whole fill region.
 bool enclosesRegion(const Region& work, const Map<Pixel32f>& fillMask,
                     const Map<Pixel32f>& compositeMask)
 {
@@ -80,7 +79,7 @@ bool enclosesRegion(const Region& work, const Map<Pixel32f>& fillMask,
     return true;
 }
 
-/// Makes the fill region itself the composite mask.
+/// Makes the composite mask a copy of the fill region.
 template <typename Pixel>
 void takeFillRegion(const BoundaryInputs<Pixel>& inputs, Map<Pixel32f>& compositeMask)
 {
@@ -92,7 +91,7 @@ void takeFillRegion(const BoundaryInputs<Pixel>& inputs, Map<Pixel32f>& composit
 
 void softenEdge(float radius, RenderStatus* statusRecord, Map<Pixel32f>& compositeMask)
 {
-    if (!(radius > kLeastEdgeBlend)) return;
+    if (!(radius > kMinEdgeBlend)) return;
     BoxBlur blur(BoxBlur::ThreeApplications, radius);
     blur.setStatusRecord(statusRecord);
     blur.process(compositeMask, compositeMask);

@@ -13,18 +13,17 @@
 namespace Orvane::Engine {
 namespace {
 
-/// In mask units at every depth, so it is a larger share of M at float depth than at 8 bits.
+/// In mask units at every depth, thus a larger share of M at float depth than at 8 bits.
 constexpr float kWalkThreshold = 0.01f;
 
-/// How much longer than the path so far a predecessor's may be when the trace follows it.
+/// How many pixels longer a predecessor's path may be for the trace to follow it.
 constexpr int kTraceSlack = 10;
 
 /// More steps of length 1 than it takes to leave a pixel, unless the coordinates are so large that
-/// floats cannot tell neighbours apart.
+/// floats cannot distinguish neighbours.
 constexpr int kLeavingSteps = 8;
 
-/// The neighbours, also by angle: entry k lies at 45 degrees times k, x to the right and y down the
-/// rows.
+/// The neighbours by angle: entry k is at 45 degrees times k, x to the right and y down the rows.
 constexpr std::array<PixelPoint, 8> kDirections{
     {{1, 0}, {1, 1}, {0, 1}, {-1, 1}, {-1, 0}, {-1, -1}, {0, -1}, {1, -1}}};
 
@@ -43,7 +42,7 @@ PixelVec2f positionOf(PixelPoint p)
     return {static_cast<float>(p.x), static_cast<float>(p.y)};
 }
 
-/// `v` at length 1, or (0, 0) for a vector without length.
+/// `v` scaled to length 1, or (0, 0) for a vector without length.
 PixelVec2f normalised(const PixelVec2f& v)
 {
     const float length = std::sqrt(v.x * v.x + v.y * v.y);
@@ -126,7 +125,7 @@ float PathSearch<Pixel>::pixelCost(PixelPoint p) const
     const Pixel b = in_.source->read(p.x, p.y);
     using Channel = typename PixelTraits<Pixel>::Channel;
     if constexpr (std::is_integral_v<Channel>) {
-        // exact: 64-bit whole numbers, and a division that drops the fraction.
+        // exact: 64-bit integers, and a division that truncates.
         const auto square = [](std::int64_t d) { return d * d; };
         const std::int64_t sum = square(std::int64_t{a.r} - b.r) + square(std::int64_t{a.g} - b.g) +
                                  square(std::int64_t{a.b} - b.b);
@@ -142,7 +141,7 @@ float PathSearch<Pixel>::pixelCost(PixelPoint p) const
     }
 }
 
-/// Makes the cells; those off the band are blocked. False without memory for them.
+/// Makes the cells and blocks those off the band. False without memory for them.
 template <typename Pixel>
 bool PathSearch<Pixel>::blockCells()
 {
@@ -157,24 +156,24 @@ bool PathSearch<Pixel>::blockCells()
     return true;
 }
 
-/// Lays the cut from the band's outer edge to the fill region. False when a walk cannot end, as
+/// Makes the cut from the band's outer edge to the fill region. False when a walk cannot end, as
 /// where the band has no slope.
 template <typename Pixel>
 bool PathSearch<Pixel>::cutBand(PixelPoint start)
 {
     const PixelVec2f d = normalised(gradientAt(start));
     if (d.x == 0.0f && d.y == 0.0f) return false;
-    // A walk that takes more steps than this has left the region.
-    const int longest = 2 * (in_.work.x1 - in_.work.x0 + in_.work.y1 - in_.work.y0) + 2;
+    // A walk of more steps has left the region.
+    const int maxSteps = 2 * (in_.work.x1 - in_.work.x0 + in_.work.y1 - in_.work.y0) + 2;
     PixelVec2f position = positionOf(start);
     int steps = 0;
     while (bandAt(pixelOf(position)) > kWalkThreshold) {
-        if (++steps > longest) return false;
+        if (++steps > maxSteps) return false;
         position = {position.x - d.x, position.y - d.y};
     }
     position = {position.x + d.x, position.y + d.y};
     for (steps = 0; bandAt(pixelOf(position)) > kWalkThreshold; ++steps) {
-        if (steps > longest) return false;
+        if (steps > maxSteps) return false;
         const PixelPoint p = pixelOf(position);
         if (PathCell* cell = cells_.find(p)) {
             cut_.push_back(p);
@@ -185,7 +184,7 @@ bool PathSearch<Pixel>::cutBand(PixelPoint start)
     return true;
 }
 
-/// Tells the two sides of the cut apart: the search leaves from one and arrives at the other.
+/// Separates the two sides of the cut: the search starts at one and ends at the other.
 template <typename Pixel>
 void PathSearch<Pixel>::orientCut()
 {
@@ -248,7 +247,7 @@ void PathSearch<Pixel>::finalise(PixelPoint q)
     *cells_.find(q) = {pixelCost(q) + before.sum, before.count + 1, CellState::Reached};
 }
 
-/// The arrival cell of least mean cost, the earlier one of two.
+/// The arrival cell of minimum mean cost; ties go to the first.
 template <typename Pixel>
 std::optional<PixelPoint> PathSearch<Pixel>::endPoint() const
 {
@@ -260,8 +259,8 @@ std::optional<PixelPoint> PathSearch<Pixel>::endPoint() const
     return best;
 }
 
-/// Follows the least mean cost back from the end point to the cut. False where there is no way on,
-/// or where it runs in circles.
+/// Follows the minimum mean cost back from the end point to the cut. False at a dead end, and in a
+/// cycle.
 template <typename Pixel>
 bool PathSearch<Pixel>::trace(PixelPoint end)
 {
@@ -282,14 +281,14 @@ bool PathSearch<Pixel>::trace(PixelPoint end)
     return true;
 }
 
-/// Walks from where the trace met the cut straight to the end point.
+/// Walks from the trace's pixel on the cut straight to the end point.
 template <typename Pixel>
 bool PathSearch<Pixel>::closeLoop(PixelPoint end)
 {
-    const int longest = 4 * (cells_.width() + cells_.height());
+    const int maxSteps = 4 * (cells_.width() + cells_.height());
     PixelPoint s = path_.back();
     for (int steps = 0; s != end; ++steps) {
-        if (steps > longest) return false;
+        if (steps > maxSteps) return false;
         const PixelVec2f u = normalised({static_cast<float>(end.x) - static_cast<float>(s.x),
                                          static_cast<float>(end.y) - static_cast<float>(s.y)});
         PixelVec2f position = positionOf(s);
@@ -320,7 +319,7 @@ std::array<PixelPoint, 3> PathSearch<Pixel>::predecessors(PixelPoint q) const
     return {q + kDirections[(k + 7) % 8], q + kDirections[k], q + kDirections[(k + 1) % 8]};
 }
 
-/// The accepted predecessor of least mean cost, the earlier one of two.
+/// The accepted predecessor of minimum mean cost; ties go to the first.
 template <typename Pixel>
 template <typename Accept>
 std::optional<PixelPoint> PathSearch<Pixel>::bestPredecessor(PixelPoint q,

@@ -11,36 +11,36 @@
 
 namespace Orvane::Engine {
 
-/// What a search reads. Pixels outside a map read as its fill value.
+/// The inputs of a search. Pixels outside a map read as its fill value.
 template <typename Pixel>
 struct PathSearchInputs {
     Region work;                                ///< the rectangle searched
     const Map<Pixel32f>* band = nullptr;        ///< positive where the path may run, 0 elsewhere
-    const Map<PixelVec2f>* gradient = nullptr;  ///< points towards the fill region
-    const Map<Pixel>* synthesised = nullptr;    ///< the picture inside the path
-    const Map<Pixel>* source = nullptr;         ///< the picture outside of it
+    const Map<PixelVec2f>* gradient = nullptr;  ///< points into the fill region
+    const Map<Pixel>* synthesised = nullptr;    ///< the image inside the path
+    const Map<Pixel>* source = nullptr;         ///< the image outside of it
 };
 
 enum class PathOutcome {
     Closed,      ///< `path` is a closed 8-connected loop
-    NotReached,  ///< the front never came round to the other side of the cut
-    TraceFailed  ///< the way back to the cut could not be followed
+    NotReached,  ///< the front did not reach the other side of the cut
+    TraceFailed  ///< the trace did not reach the cut
 };
 
-/// How far the search has come at a pixel.
+/// The state of the search at a pixel.
 enum class CellState : std::uint8_t {
     NotReached,
     BesideCut,  ///< next to the cut; may still be reached
-    Queued,     ///< in the front being processed, or without a way on from there
+    Queued,     ///< in the next front
     Blocked,    ///< off the band
-    OnCut,      ///< where every path starts
+    OnCut,      ///< the start of every path
     Reached,
 };
 
-/// One pixel of a search and, once it has one, the best path that ends there.
+/// One pixel of a search and the best path that ends there, once it has one.
 struct PathCell {
     float sum = 0.0f;  ///< the costs of the path's pixels
-    int count = 0;     ///< how many those are
+    int count = 0;     ///< of the path's pixels
     CellState state = CellState::NotReached;
 
     bool mayBeReached() const
@@ -60,7 +60,7 @@ public:
 
     int width() const { return width_; }
     int height() const { return height_; }
-    /// The cell of a pixel in absolute coordinates, or null where there is none.
+    /// The cell of a pixel in absolute coordinates, or null.
     PathCell* find(PixelPoint p) const;
 
 private:
@@ -69,9 +69,9 @@ private:
     int x0_ = 0, y0_ = 0, width_ = 0, height_ = 0;
 };
 
-/// Finds the closed path through a band along which two pictures differ least. The band is cut from
-/// its outer edge to the fill region; a front then walks round the region, one way, from one side
-/// of the cut to the other, and every pixel keeps the predecessor of least mean cost.
+/// Finds the closed path through a band along which two images differ least. The band is cut from
+/// its outer edge to the fill region; a front then moves round the region in one direction, from
+/// one side of the cut to the other, and every pixel takes the predecessor of minimum mean cost.
 template <typename Pixel>
 class PathSearch {
 public:
@@ -84,8 +84,8 @@ public:
     /// point.
     const std::vector<PixelPoint>& path() const { return path_; }
 
-    /// The mean over R, G and B of the squared difference of the two pictures, in their own range;
-    /// exact whole numbers at 8 and 16 bits, fractions of the mean dropped.
+    /// The mean over R, G and B of the squared difference of the two images, in their own range; a
+    /// truncated integer at 8 and 16 bits.
     float pixelCost(PixelPoint p) const;
 
 private:

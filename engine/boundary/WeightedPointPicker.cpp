@@ -16,7 +16,7 @@ public:
     {
         // exact: unsigned 32-bit arithmetic that wraps around, then double. r has 31 bits and the
         // float constant is 2^-30, so no step in double rounds: the value is 1 - r / 2^31. Floats
-        // would round the largest r up and yield 0.
+        // would round the largest r up and return 0.
         const std::uint32_t n = (seed_ << 13) ^ seed_;
         const std::uint32_t r = (n * (n * n * 15731u + 789221u) + 0xD208DD0Du) & 0x7FFFFFFFu;
         seed_ += 100;
@@ -37,7 +37,7 @@ void WeightedPointPicker::setNumPoints(int count)
 
 std::optional<PixelVec2f> WeightedPointPicker::getPoint(int i) const
 {
-    const auto index = static_cast<std::size_t>(i);  // a negative i lies behind the last point
+    const auto index = static_cast<std::size_t>(i);  // a negative i is beyond the last point
     return index < points_.size() ? points_[index] : PixelVec2f{0.0f, 0.0f};
 }
 
@@ -60,7 +60,7 @@ void WeightedPointPicker::begin()
     // exact: float difference, float quotient.
     const float range = high_ - low_;
     scale_ = high_ == low_ ? 0.0f : weightCap_ / range;
-    // A thread with a row to do has an index below the number of rows.
+    // A thread that has rows has an index below the number of rows.
     const int rows = std::max(region().y1 - region().y0, 0);
     partialSums_.assign(static_cast<std::size_t>(rows), 0.0);
 }
@@ -93,7 +93,7 @@ void WeightedPointPicker::end()
 }
 
 /// The row in which the running weight reaches each target, at most one target for each pixel. The
-/// last targets may find none.
+/// last targets may have none.
 std::vector<int> WeightedPointPicker::matchRows(const std::vector<double>& targets) const
 {
     std::vector<int> rows;

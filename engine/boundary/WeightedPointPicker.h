@@ -8,22 +8,22 @@
 
 namespace Orvane::Engine {
 
-/// Draws pixels of a map at random, each with probability proportional to its weight: first a row
-/// by the weights summed over the region, then a column within that row. What is drawn depends on
-/// the map, the region and the seed, and where a draw falls within the rounding of a sum on the
-/// number of threads: the region's weight is one double sum for each thread, added in thread order.
+/// Draws pixels of a map at random, each with a probability proportional to its weight: first a row
+/// by the weights summed over the region, then a column within that row. The draw depends on the
+/// map, the region and the seed; where it falls within the rounding of a sum, on the number of
+/// threads as well: the region's weight is one double sum for each thread, added in thread order.
 ///
-/// A pixel of value v weighs (v - low) * weightCap / (high - low), cut to [0, weightCap]; 0 when
-/// `high` equals `low` or v is NaN.
+/// The weight of a pixel of value v is (v - low) * weightCap / (high - low), clamped to
+/// [0, weightCap]; 0 when `high` equals `low` or v is NaN.
 class WeightedPointPicker final : public MapNode<const Map<Pixel32f>> {
 public:
     /// `weightCap` is M, the channel maximum of the render depth.
     explicit WeightedPointPicker(int weightCap) : weightCap_(static_cast<float>(weightCap)) {}
 
-    /// How many points to draw; fewer than 1 draws none.
+    /// The number of points to draw; fewer than 1 draws none.
     void setNumPoints(int count);
     void setSeed(int seed) { seed_ = static_cast<std::uint32_t>(seed); }
-    /// The values that weigh nothing and everything.
+    /// The values of weight 0 and of full weight.
     void setRange(float low, float high) { low_ = low, high_ = high; }
 
     /// Draws the points from the node's region of a map, which is only read.
@@ -31,8 +31,7 @@ public:
 
     /// Point i in absolute coordinates; (0, 0) when i is not below the number of points. Nothing
     /// when that draw hit no pixel: the weights add up to 0, the column's draw equals the weight of
-    /// its row, more points were asked for than pixels lie behind the first, or the render was
-    /// aborted.
+    /// its row, there are more points than pixels after the first, or the render was aborted.
     std::optional<PixelVec2f> getPoint(int i) const;
 
     void begin() override;

@@ -29,7 +29,7 @@ void BandCut::processPass()
         const RowReader fillMask(other(), y);
         RowWriter band(target(), y);
         for (int x = region().x0; x < region().x1; ++x) {
-            const bool kept = fillMask[x] == 0.0f && band[x] >= weakestKept_;
+            const bool kept = fillMask[x] == 0.0f && band[x] >= minKept_;
             if (!kept) band[x] = 0.0f;
         }
     }

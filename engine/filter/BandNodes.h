@@ -17,18 +17,19 @@ public:
 ///
 /// band(x, y) stays where fillMask(x, y) is exactly 0 and the band is at least M / 255; it becomes
 /// 0 elsewhere, and where it is NaN. Both maps hold 0 to M; where the mask has no pixel, its fill
-/// value decides.
+/// value is used.
 class BandCut final : public Sampler<const Map<Pixel32f>, Map<Pixel32f>> {
 public:
     /// `maximum` is M, the channel maximum of the render depth.
-    explicit BandCut(float maximum) : weakestKept_(maximum / 255.0f) {}
+    explicit BandCut(float maximum) : minKept_(maximum / 255.0f) {}
     void processPass() override;
 
 private:
-    float weakestKept_;
+    float minKept_;
 };
 
-/// Turns a band of 0 to M into weights: out = in / M, cut to [0, 1]; 0 where the band is NaN.
+/// Converts a band of 0 to M into weights: out = in / M, clamped to [0, 1]; 0 where the band is
+/// NaN.
 class BandWeight final : public Sampler<const Map<Pixel32f>, Map<Pixel32f>> {
 public:
     /// `maximum` is M, the channel maximum of the render depth.

@@ -10,20 +10,20 @@
 namespace Orvane::Engine {
 namespace {
 
-/// Farther than any picture is wide; bounds the line buffers.
-constexpr float kMostPixels = 100'000.0f;
+/// Larger than any image; bounds the line buffers.
+constexpr float kMaxRadius = 100'000.0f;
 
-/// Lines are filtered in bundles: the columns of one so fill a cache line of each row.
+/// Lines are filtered in batches; a batch of columns is one cache line of each row.
 constexpr int kLanes = 16;
 
-/// One sample of every line of a bundle.
+/// One sample of every line of a batch.
 using Sample = std::array<float, kLanes>;
 using Sums = std::array<double, kLanes>;
 
-/// A radius as it is used; NaN counts as 0.
-float limited(float radius, float most)
+/// `radius` clamped to [0, max]; NaN becomes 0.
+float limited(float radius, float max)
 {
-    return radius > 0.0f ? std::min(radius, most) : 0.0f;
+    return radius > 0.0f ? std::min(radius, max) : 0.0f;
 }
 
 BoxFilter filterOf(float radius)
@@ -41,8 +41,8 @@ std::vector<int> resolveAll(const MapAxis& axis, int first, int end)
     return indices;
 }
 
-/// Sets `lanes` stored rows of a map side by side, each at the given columns; -1 is the fill value.
-/// A bundle that is not full repeats its last row.
+/// Gathers `lanes` stored rows of a map at the given columns; column -1 is the fill value. A batch
+/// that is not full repeats its last row.
 void gatherRows(const Map<Pixel32f>& map, int firstRow, int lanes, const std::vector<int>& columns,
                 std::vector<Sample>& samples)
 {
@@ -61,10 +61,10 @@ void gatherRows(const Map<Pixel32f>& map, int firstRow, int lanes, const std::ve
     }
 }
 
-/// A bundle of lines and the filter that works on it. Each worker has its own.
-class LineBundle {
+/// A batch of lines and its filter. Each worker has its own.
+class LineBatch {
 public:
-    LineBundle(const BoxFilter& filter, int applications, int count)
+    LineBatch(const BoxFilter& filter, int applications, int count)
         : box_(static_cast<std::size_t>(filter.whole) * 2 + 1),
           fraction_(filter.fraction),
           norm_(1.0 / (static_cast<double>(box_) + 2.0 * fraction_)),
@@ -85,10 +85,10 @@ public:
 
 private:
     void applyBox(std::size_t outputs);
-    void sumTails(const Sample* box, std::size_t outputs);
+    void sumTails(const Sample* segment, std::size_t outputs);
     void writeBoxes(Sample* ends, std::size_t outputs);
 
-    std::size_t box_;  ///< samples that count fully
+    std::size_t box_;  ///< samples of full weight
     double fraction_, norm_;
     int applications_;
     std::vector<Sample> samples_;
@@ -97,10 +97,10 @@ private:
 
 /// Replaces sample i by the filter over samples i to i + box + 1.
 ///
-/// The line is cut into stretches as long as the box, so that every box is the tail of one stretch
-/// and the head of the next (van Herk 1992). Three additions for each sample, and none of them is
-/// taken back: no rounding error of a bright place is carried along into the dark.
-void LineBundle::applyBox(std::size_t outputs)
+/// The line is split into segments as long as the box, so that every box is the tail of one segment
+/// and the head of the next (van Herk 1992). This takes three additions for each sample and no
+/// subtraction, so that rounding errors of large samples do not reach distant small ones.
+void LineBatch::applyBox(std::size_t outputs)
 {
     for (std::size_t first = 0; first < outputs; first += box_) {
         const std::size_t count = std::min(box_, outputs - first);
@@ -109,18 +109,18 @@ void LineBundle::applyBox(std::size_t outputs)
     }
 }
 
-/// tails_[j] = the sum of a stretch from its sample j to its end, for the first `outputs` j.
-void LineBundle::sumTails(const Sample* stretch, std::size_t outputs)
+/// tails_[j] = the sum of a segment from its sample j to its end, for the first `outputs` j.
+void LineBatch::sumTails(const Sample* segment, std::size_t outputs)
 {
     Sums sum{};
     for (std::size_t j = box_; j-- > 0;) {
-        for (std::size_t lane = 0; lane < kLanes; ++lane) sum[lane] += stretch[j][lane];
+        for (std::size_t lane = 0; lane < kLanes; ++lane) sum[lane] += segment[j][lane];
         if (j < outputs) tails_[j] = sum;
     }
 }
 
-/// Writes the outputs whose boxes start in a stretch; `ends` points at the sample in front of it.
-void LineBundle::writeBoxes(Sample* ends, std::size_t outputs)
+/// Writes the outputs whose boxes start in a segment; `ends` points at the sample before it.
+void LineBatch::writeBoxes(Sample* ends, std::size_t outputs)
 {
     Sums head{};
     for (std::size_t j = 0; j < outputs; ++j) {
@@ -163,7 +163,7 @@ void BoxBlur::begin()
     setNumPasses(prepare() ? 2 : 0);
 }
 
-/// Whether the two passes, along x and along y, are to run.
+/// Prepares the two passes, along x and along y; false when they are not needed.
 bool BoxBlur::prepare()
 {
     if (region().isEmpty()) return false;
@@ -173,9 +173,9 @@ bool BoxBlur::prepare()
     const bool three = variant_ == ThreeApplications;
     const float scaledX = three ? radiusX_ / radiusScaleX() : radiusX_ * radiusScaleY();
     const float largerSide = static_cast<float>(std::max(target().width(), target().height()));
-    const float most = three ? 3.0f * largerSide : kMostPixels;
-    const float x = limited(scaledX, most);
-    const float y = limited(radiusY_, most);
+    const float maxRadius = three ? 3.0f * largerSide : kMaxRadius;
+    const float x = limited(scaledX, maxRadius);
+    const float y = limited(radiusY_, maxRadius);
     if (x == 0.0f && y == 0.0f) {
         copyInput();
         return false;
@@ -199,8 +199,8 @@ void BoxBlur::copyInput()
     copy.process(other(), target());
 }
 
-/// Finds out what is read, and makes the temporary map hold the rows among it that the input has.
-/// All others are flat: blurred along x they are what they were, the fill value.
+/// Resolves the coordinates that are read, and makes the temporary map hold the stored rows among
+/// them. All other rows are flat: blurred along x they keep the fill value.
 bool BoxBlur::makeRoom()
 {
     const Region& area = region();
@@ -235,19 +235,19 @@ void BoxBlur::processPass()
     }
 }
 
-/// From the input into the temporary map, this worker's share of its rows.
+/// Blurs from the input into the temporary map, this worker's share of its rows.
 void BoxBlur::blurRows()
 {
     RowRange rows{0, temporary_.height()};
     threadRange(rows.begin, rows.end);
     if (rows.isEmpty()) return;
     const int width = temporary_.width();
-    LineBundle bundle(filterX_, applications(), width);
-    std::vector<Sample>& samples = bundle.samples();
+    LineBatch batch(filterX_, applications(), width);
+    std::vector<Sample>& samples = batch.samples();
     for (int y = rows.begin; y < rows.end; y += kLanes) {
         const int lanes = std::min(kLanes, rows.end - y);
         gatherRows(other(), firstRow_ + y, lanes, columns_, samples);
-        bundle.filter();
+        batch.filter();
         for (int lane = 0; lane < lanes; ++lane) {
             const auto l = static_cast<std::size_t>(lane);
             float* row = temporary_.pixelAt(0, y + lane);
@@ -256,16 +256,16 @@ void BoxBlur::blurRows()
     }
 }
 
-/// From the temporary map into the target. Columns are shared out, not rows: so each is summed from
-/// end to end, in the same way whatever the number of threads.
+/// Blurs from the temporary map into the target. Workers share columns, not rows, so that each
+/// column is summed from end to end, in the same order for any number of threads.
 void BoxBlur::blurColumns()
 {
     const Region& area = region();
     RowRange columns{0, area.x1 - area.x0};
     threadRange(columns.begin, columns.end);
     if (columns.isEmpty()) return;
-    LineBundle bundle(filterY_, applications(), area.y1 - area.y0);
-    std::vector<Sample>& samples = bundle.samples();
+    LineBatch batch(filterY_, applications(), area.y1 - area.y0);
+    std::vector<Sample>& samples = batch.samples();
     for (int x = columns.begin; x < columns.end; x += kLanes) {
         const int lanes = std::min(kLanes, columns.end - x);
         for (std::size_t i = 0; i < samples.size(); ++i) {
@@ -275,7 +275,7 @@ void BoxBlur::blurColumns()
                 samples[i].fill(other().fillValue());
             }
         }
-        bundle.filter();
+        batch.filter();
         for (int y = area.y0; y < area.y1; ++y) {
             RowWriter row(target(), y);
             std::copy_n(samples[static_cast<std::size_t>(y - area.y0)].begin(), lanes,

@@ -6,24 +6,24 @@
 
 namespace Orvane::Engine {
 
-/// The box of one axis: whole samples on both sides of the centre, and one more at each end that
-/// counts by a fraction. Its weights add up to 1.
+/// The box of one axis: whole samples on both sides of the centre, and one more at each end with a
+/// fractional weight. The weights add up to 1.
 struct BoxFilter {
     int whole = 0;
     float fraction = 0.0f;
 
-    /// How many samples on either side an application may read.
+    /// The number of samples read on either side.
     int reach() const { return whole + 1; }
 };
 
-/// Softens a map of floats with a box of fractional radius along x and then along y: once, or three
-/// times in succession, which comes close to a Gaussian bell (Kovesi 2010).
+/// Blurs a map of floats with a box of fractional radius along x and then along y: once, or three
+/// times in succession, which approximates a Gaussian (Kovesi 2010).
 ///
 /// The target may be the input; it takes over the input's edge modes and fill value, and samples
 /// outside the input are read through those. The cost of a pixel does not depend on the radius, and
-/// the result does not depend on the number of threads. A pixel owes nothing to samples that its
-/// box does not reach: a flat field stays exactly flat, far from anything else zero stays zero, and
-/// NaN spreads no farther than the box.
+/// the result does not depend on the number of threads. A result depends only on samples inside its
+/// box: a flat field stays exactly flat, zeros far from anything else stay exactly zero, and NaN
+/// spreads no farther than the box.
 ///
 /// Without memory for the horizontal result the render status says aborted, error code 1000, and
 /// the target keeps its pixels.
@@ -33,9 +33,9 @@ public:
 
     explicit BoxBlur(Variant variant, float radius = 0.0f);
 
-    /// Radii in pixels; a negative one and NaN count as 0. Along x, three applications divide the
-    /// radius by `radiusScaleX`, one multiplies it by `radiusScaleY`. Three applications cut both
-    /// at 3 times the larger side of the target, one at 100000 pixels.
+    /// Radii in pixels; negative radii and NaN count as 0. Along x, three applications divide the
+    /// radius by `radiusScaleX`, one multiplies it by `radiusScaleY`. Three applications limit both
+    /// to 3 times the larger side of the target, one to 100000 pixels.
     void setRadius(float radiusX, float radiusY) { radiusX_ = radiusX, radiusY_ = radiusY; }
 
     /// Skipped, with a line on standard error, when either map has no pixels.

@@ -4,7 +4,7 @@
 
 namespace Orvane::Engine {
 
-/// Gives every pixel of the target's region one value.
+/// Sets every pixel of the target's region to one value.
 template <typename Pixel>
 class ConstantFill final : public Generator<Map<Pixel>> {
 public:
@@ -24,7 +24,7 @@ public:
 };
 
 /// Copies an image onto another over the node's region, all channels, reading through the image's
-/// edge modes. An image without storage is copied nowhere: the destination keeps what it has.
+/// edge modes. An image without storage leaves the destination unchanged.
 template <typename Pixel>
 class RowCopy final : public Sampler<const Map<Pixel>, Map<Pixel>> {
 public:

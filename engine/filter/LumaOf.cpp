@@ -11,7 +11,7 @@ template <typename Pixel>
 float lumaOf(const Pixel& p)
 {
     if constexpr (std::is_integral_v<typename Pixel::Channel>) {
-        // exact: the sum fits an int, and `/` drops the fraction.
+        // exact: the sum fits an int, and `/` truncates.
         const int mean = (p.r + p.g + p.b) / 3;
         return static_cast<float>(mean);
     } else {

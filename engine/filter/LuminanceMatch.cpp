@@ -14,9 +14,9 @@
 namespace Orvane::Engine {
 namespace {
 
-constexpr float kLeastBandWeight = 0.01f;  ///< a weaker band pixel is no measurement
-constexpr float kKnown = 0.1f;             ///< from here on a pixel counts as known
-constexpr int kLumaRadius = 5;             ///< pixels
+constexpr float kMinBandWeight = 0.01f;  ///< weaker band pixels are not measured
+constexpr float kKnown = 0.1f;           ///< the weight from which a pixel counts as known
+constexpr int kLumaRadius = 5;           ///< pixels
 
 Region united(const Region& a, const Region& b)
 {
@@ -52,15 +52,15 @@ void LuminanceMatch<Pixel>::runPasses()
     Outcome outcome = measure();
     for (int left = maxPasses_; left > 0 && !isAborted(); --left) {
         outcome = spread(outcome.knownBounds);
-        // What is known next depends on what is known now alone, and more of it never makes less
-        // known. So a pass that adds nothing is followed by others that add nothing, and one that
-        // ends where the pass before last did, as three pixels in a line do, goes round in circles.
-        // There are no longer circles (Goles and Olivos 1981), so the node ends.
+        // The next known pixels depend on the current ones only, and monotonically. So a pass that
+        // adds none is followed by others that add none, and one that ends in the state of two
+        // passes ago, as with three pixels in a line, starts a cycle. There are no longer cycles
+        // (Goles and Olivos 1981).
         if (outcome.allKnown || !outcome.becameKnown || !outcome.leftEarlier) break;
     }
 }
 
-/// Makes what the passes work on. False without memory, and where there is nothing to do.
+/// Makes the work maps. False without memory, and when there is nothing to do.
 template <typename Pixel>
 bool LuminanceMatch<Pixel>::prepare()
 {
@@ -97,26 +97,26 @@ bool LuminanceMatch<Pixel>::makeMaps()
     return true;
 }
 
-/// Whole radii from `luminanceBlur`.
+/// Converts `luminanceBlur` to integer radii.
 template <typename Pixel>
 void LuminanceMatch<Pixel>::limitReach()
 {
-    // Beyond twice the region's longer side every box holds the whole region: the mean it yields
-    // and whether four known pixels are enough no longer change.
+    // Beyond twice the region's longer side every box holds the whole region: its mean, and whether
+    // four known pixels are enough, no longer change.
     const Region& area = this->region();
     const int longerSide = std::max(area.x1 - area.x0, area.y1 - area.y0);
-    const auto farthest = 2.0f * (static_cast<float>(longerSide) + 2.0f);
-    const float limited = luminanceBlur_ > 0.0f ? std::min(luminanceBlur_, farthest) : 0.0f;
+    const auto maxReach = 2.0f * (static_cast<float>(longerSide) + 2.0f);
+    const float limited = luminanceBlur_ > 0.0f ? std::min(luminanceBlur_, maxReach) : 0.0f;
     reach_ = truncateToInt(limited);
     halfReach_ = truncateToInt(limited * 0.5f);
 }
 
 template <typename Pixel>
-void LuminanceMatch<Pixel>::takeLuma(const Map<Pixel>& picture, Map<Pixel32f>& luma)
+void LuminanceMatch<Pixel>::takeLuma(const Map<Pixel>& image, Map<Pixel32f>& luma)
 {
     LumaOf<Pixel> lumaOf;
     lumaOf.setStatusRecord(this->statusRecord());
-    lumaOf.process(picture, luma);
+    lumaOf.process(image, luma);
     blur(luma, luma, kLumaRadius);
 }
 
@@ -138,19 +138,19 @@ void LuminanceMatch<Pixel>::blur(const Map<Pixel32f>& from, Map<Pixel32f>& to, i
     blur_.process(from, to);
 }
 
-/// The first pass: the ratio in the band.
+/// The first pass: measures the ratio in the band.
 template <typename Pixel>
 typename LuminanceMatch<Pixel>::Outcome LuminanceMatch<Pixel>::measure()
 {
     const Outcome outcome = runRows(&LuminanceMatch::measureRow);
-    // What later passes need takes over the storage of what they do not.
+    // Later passes do not need these maps; reuse their storage.
     support_ = std::move(sourceLuma_);
     knownEarlier_ = std::move(destLuma_);
     clear(knownEarlier_);
     return outcome;
 }
 
-/// Every later pass: one step of the spread from the pixels known so far.
+/// Every later pass: spreads the ratio by one step from the known pixels.
 template <typename Pixel>
 typename LuminanceMatch<Pixel>::Outcome LuminanceMatch<Pixel>::spread(const Region& known)
 {
@@ -167,12 +167,12 @@ typename LuminanceMatch<Pixel>::Outcome LuminanceMatch<Pixel>::spread(const Regi
     return outcome;
 }
 
-/// One pass over the rows of the region, on all workers.
+/// Runs one pass over the rows of the region, on all workers.
 template <typename Pixel>
 typename LuminanceMatch<Pixel>::Outcome LuminanceMatch<Pixel>::runRows(RowWork work)
 {
     rowWork_ = work;
-    // A thread with a row to do has an index below the number of rows.
+    // A thread that has rows has an index below the number of rows.
     outcomes_.assign(static_cast<std::size_t>(this->region().y1 - this->region().y0), Outcome{});
     this->runPass();
     Outcome all;
@@ -208,7 +208,7 @@ Region LuminanceMatch<Pixel>::neededPart() const
             std::min(part.y1, area.y1)};
 }
 
-/// The next pass changes nothing farther from a known pixel than a blur reaches.
+/// Grows the active part by the reach of a blur, beyond which the next pass changes nothing.
 template <typename Pixel>
 void LuminanceMatch<Pixel>::widenActive(const Region& known)
 {
@@ -229,7 +229,7 @@ void LuminanceMatch<Pixel>::measureRow(int y, Outcome& outcome)
     const RowReader destination(destLuma_, y);
     for (int x = this->region().x0; x < this->region().x1; ++x) {
         const float measured = lumaRatio(source[x], destination[x]);
-        const bool counts = known[x] > kLeastBandWeight && std::isfinite(measured);
+        const bool counts = known[x] > kMinBandWeight && std::isfinite(measured);
         known[x] = counts ? 1.0f : 0.0f;
         if (!counts) continue;
         ratio[x] = measured;
@@ -237,7 +237,8 @@ void LuminanceMatch<Pixel>::measureRow(int y, Outcome& outcome)
     }
 }
 
-/// The blurred ratio over the blurred weight is the mean ratio of the known pixels around.
+/// Spreads along one row: the blurred ratio over the blurred weight is the mean ratio of the known
+/// pixels around.
 template <typename Pixel>
 void LuminanceMatch<Pixel>::spreadRow(int y, Outcome& outcome)
 {

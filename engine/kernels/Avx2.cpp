@@ -1,4 +1,4 @@
-/// The kernels for processors with AVX2; compiled with flags of its own.
+/// The kernels for processors with AVX2; this file has its own compiler flags.
 
 namespace Orvane::Engine::Kernels {
 namespace {

@@ -8,7 +8,7 @@
 namespace Orvane::Engine::Kernels {
 namespace {
 
-/// The offered tables, in a fixed array.
+/// The offered tables.
 struct Offer {
     std::array<const KernelTable*, 3> tables{&kPlainTable};
     std::size_t count = 1;

@@ -1,8 +1,8 @@
 #pragma once
 
-/// The engine's inner loops, behind one table for each instruction set. A kernel sees pointers,
-/// strides and sizes, never a map: whoever calls it has resolved the edges. Every table gives the
-/// same bits; `Plain.cpp` is the reference and the one to read first.
+/// The engine's inner loops, in one table for each instruction set. A kernel takes pointers,
+/// strides and sizes, not maps; its caller handles the edges. All tables give bit-identical
+/// results; `Plain.cpp` is the reference.
 
 #include <cstddef>
 #include <span>
@@ -11,37 +11,36 @@
 
 namespace Orvane::Engine::Kernels {
 
-/// How many sums a rough error is spread over.
+/// The number of partial sums of a rough error, for each channel.
 inline constexpr int kRoughLanes = 8;
-/// A rough error looks at its limit after at least so many pixels.
-inline constexpr int kRoughStretch = 256;
+/// A rough error is compared with its limit after at least this many pixels.
+inline constexpr int kRoughSegment = 256;
 
-/// Floats that a seam line may read before its first and behind its last entry, and write behind
-/// it, for steps up to the most.
+/// The largest step of a seam.
+inline constexpr int kMaxSeamStep = 8;
+/// Floats that a seam line may read before its first and after its last entry, and write after it.
 inline constexpr int kSeamPadding = 16;
-inline constexpr int kMostSeamStep = 8;
 
 template <typename Pixel>
 struct PixelKernels {
-    /// The errors of two images (`OverlapError`), `width` for each of `height` rows, 0 where
-    /// `weights` (if there are any) are not positive; the rows of `map` lie `mapStride` floats
-    /// apart.
+    /// The error of each pixel of two images (`OverlapError`), 0 where `weights` are given and not
+    /// positive. The rows of `map` are `mapStride` floats apart.
     void (*errorMap)(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, int height,
                      float* map, std::ptrdiff_t mapStride);
 
-    /// About the sum of these errors, in float throughout and spread over kRoughLanes sums for each
-    /// colour: a row's pixel x goes to sum x mod kRoughLanes, those behind the last full group as
-    /// if the row's last kRoughLanes pixels were one. Ends early once it has more than `limit`, at
-    /// which it looks every kRoughStretch pixels or more.
+    /// An approximation of the sum of these errors, in float throughout, with kRoughLanes partial
+    /// sums for each colour: pixel x of a row goes to sum x mod kRoughLanes, and the pixels after
+    /// the last full group go where they stand among the row's last kRoughLanes pixels. Stops early
+    /// once the sum exceeds `limit`, which is checked at every kRoughSegment pixels or more.
     float (*roughError)(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, int height,
                         float limit);
 
-    /// The final composite: the texture in `out`, times the gain (null: none), over the source by
-    /// the share that `mask` gives. `SynthesisNode` says what becomes of each pixel.
+    /// The final composite: the texture in `out`, times the gain (may be null), over the source;
+    /// the texture's share is `mask` / M. See `SynthesisNode`.
     void (*composite)(Pixel* out, const Pixel* source, const float* mask, const float* gain,
                       int count);
 
-    /// Mixes R, G and B of `from` into `to` by shares of 0 to 1; alpha stays.
+    /// Mixes R, G and B of `from` into `to` by shares of 0 to 1; alpha of `to` stays.
     void (*blend)(Pixel* to, const Pixel* from, const float* shares, int count);
 
     /// The mean of R, G and B, as a float; integer division at 8 and 16 bits.
@@ -50,8 +49,8 @@ struct PixelKernels {
 
 /// Kernels on planes of floats.
 struct PlaneKernels {
-    /// One line of a seam search: cost[s] = error[s] + the smallest of before[s - step] to
-    /// before[s + step], the first of several.
+    /// One line of a seam search: cost[s] = error[s] + the minimum of before[s - step] to
+    /// before[s + step]; ties go to the first.
     void (*seamLine)(const float* error, const float* before, float* cost, int count, int step);
 };
 
@@ -63,11 +62,11 @@ struct KernelTable {
     PlaneKernels plane;
 };
 
-/// The tables that this processor can run; the plain one first, the fastest last.
+/// The tables that this processor can run: the plain one first, the fastest last.
 std::span<const KernelTable* const> offeredTables();
 
-/// The table in use: the fastest, or the one that the environment variable TESSERET_KERNELS names,
-/// for looking for faults. Chosen once.
+/// The table in use, chosen once: the fastest, or for debugging the one named by the environment
+/// variable TESSERET_KERNELS.
 const KernelTable& kernels();
 
 template <typename Pixel>

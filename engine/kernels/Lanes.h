@@ -1,11 +1,11 @@
-/// The kernels on several pixels at once, in the vector types of GCC and Clang. Each file of an
-/// instruction set says how many (`kLanes`, 4 or 8), includes this once and is compiled with flags
-/// of its own, so nothing here may leave that file: everything is in the unnamed namespace, and no
-/// function or template of another header is called. (The linker keeps one copy of what several
-/// files share; it could be the one that this processor cannot run.)
+/// The kernels on kLanes pixels at once, in the vector types of GCC and Clang. Each instruction
+/// set's file sets kLanes (4 or 8) and includes this once. It is compiled with its own flags, so
+/// its code must not be shared: everything is in the unnamed namespace, and no function or template
+/// of another header is called. (The linker keeps one copy of shared inline code; it could be the
+/// one that this processor cannot run.)
 ///
-/// Where a result must be the plain one's to the last bit, every lane goes through the same
-/// operations in the same order; lanes never meet but where the plain form adds them up too.
+/// Each lane performs the operations of the plain kernel in the same order, so results are
+/// bit-identical; lanes are combined only where the plain kernel combines its sums, too.
 
 #include "engine/kernels/Tables.h"
 
@@ -41,7 +41,7 @@ TESSERET_LANES Floats floats(Ints v)
     return __builtin_convertvector(v, Floats);
 }
 
-/// Toward zero.
+/// Truncates toward zero.
 TESSERET_LANES Ints ints(Floats v)
 {
     return __builtin_convertvector(v, Ints);
@@ -52,7 +52,7 @@ TESSERET_LANES Floats all(float value)
     return Floats{} + value;
 }
 
-// Shuffles of two vectors: every second entry, and entries in turn.
+// Shuffles of two vectors: every second entry, and interleaved entries.
 
 template <typename Vector>
 TESSERET_LANES Vector evens(Vector a, Vector b)
@@ -124,7 +124,7 @@ TESSERET_LANES auto joined(Vector low, Vector high)
     }
 }
 
-/// Lane by lane `mask ? yes : no`; a mask's lanes are all ones or all zeros.
+/// `mask ? yes : no` in each lane; a mask's lanes are all ones or all zeros.
 TESSERET_LANES Floats choose(Ints mask, Floats yes, Floats no)
 {
     return reinterpret_cast<Floats>((mask & reinterpret_cast<Ints>(yes)) |
@@ -136,7 +136,7 @@ struct Planes {
     Floats r, g, b;
 };
 
-/// kLanes pixels of a kind: how they lie in registers, and how their colours come out and go in.
+/// kLanes pixels of a kind in registers, and conversions from and to planes of colours.
 template <typename Pixel>
 struct Lanes;
 
@@ -158,14 +158,14 @@ struct Lanes<PixelRGBA8> {
         return {floats(red()), floats(green()), floats(blue())};
     }
 
-    /// Colours of 0 to M, toward zero; alpha is that of `alpha`.
+    /// Truncates colours of 0 to M; copies alpha from `alpha`.
     TESSERET_LANES static Lanes from(const Planes& c, const Lanes& alpha)
     {
         return {ints(c.r) | (ints(c.g) << 8) | (ints(c.b) << 16) |
                 (alpha.pixels & static_cast<int>(0xff000000u))};
     }
 
-    /// (a - b) / M for each channel, as `PixelTraits::difference` has it.
+    /// (a - b) / M for each channel, like `PixelTraits::difference`.
     TESSERET_LANES static Planes differences(const PixelRGBA8* a, const PixelRGBA8* b)
     {
         const Planes d = plainDifferences(a, b);
@@ -180,7 +180,7 @@ struct Lanes<PixelRGBA8> {
     TESSERET_LANES Floats mean() const
     {
         const Ints sum = red() + green() + blue();
-        return floats((sum * 43691) >> 17);  // a third of anything up to 765, exactly
+        return floats((sum * 43691) >> 17);  // a third of any sum up to 765, truncated
     }
 };
 
@@ -226,8 +226,7 @@ struct Lanes<PixelRGBA16> {
     }
     TESSERET_LANES Floats mean() const
     {
-        // A sum up to 196605: its float quotient lies nowhere near enough to the next integer to be
-        // rounded to it.
+        // For sums up to 196605 the float quotient never rounds up to the next integer.
         return floats(ints(floats(red() + green() + blue()) / 3.0f));
     }
 };
@@ -236,7 +235,7 @@ template <>
 struct Lanes<PixelRGBAf> {
     static constexpr float kMax = 1.0f;
     static constexpr float kInverseMax = 1.0f;
-    static constexpr int kQuarter = kLanes / 4;  ///< pixels in one vector as they lie in memory
+    static constexpr int kQuarter = kLanes / 4;  ///< pixels in one vector of interleaved channels
 
     Floats r, g, b, a;
 
@@ -245,7 +244,7 @@ struct Lanes<PixelRGBAf> {
         return split(load<Floats>(from), load<Floats>(from + kQuarter),
                      load<Floats>(from + 2 * kQuarter), load<Floats>(from + 3 * kQuarter));
     }
-    /// Channels in turn, as they lie in memory, become planes.
+    /// Converts interleaved channels to planes.
     TESSERET_LANES static Lanes split(Floats v0, Floats v1, Floats v2, Floats v3)
     {
         const Floats rb0 = evens(v0, v1), rb1 = evens(v2, v3);
@@ -278,7 +277,7 @@ struct Lanes<PixelRGBAf> {
     TESSERET_LANES Floats mean() const { return (r + g + b) / 3.0f; }
 };
 
-/// A few pixels at the end of a row, followed by zeros; nothing behind the row is touched.
+/// The pixels at the end of a row, padded with zeros, so that nothing after the row is read.
 template <typename Pixel>
 struct Tail {
     Pixel pixels[kRoughLanes];
@@ -330,7 +329,7 @@ TESSERET_LANES Floats keep(Ints mask, Floats v)
     return reinterpret_cast<Floats>(mask & reinterpret_cast<Ints>(v));
 }
 
-/// Errors that count where weights are positive; null weights always are.
+/// The errors where weights are positive, else 0; weights may be null.
 template <typename Pixel>
 TESSERET_LANES Floats weightedErrors(const Pixel* a, const Pixel* b, const float* weights)
 {
@@ -360,7 +359,7 @@ void errorMap(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, int 
         };
         int x = 0;
         for (; x + kLanes <= width; x += kLanes) errorsAt(x);
-        // The last ones once more, with those before them.
+        // The last kLanes pixels, some of them a second time.
         if (x < width) errorsAt(width - kLanes);
     }
 }
@@ -374,11 +373,11 @@ TESSERET_LANES Floats roughPower(Floats d)
 
 constexpr int kRoughParts = kRoughLanes / kLanes;
 
-/// Which of kRoughLanes pixels count.
+/// Selects among kRoughLanes pixels.
 struct RoughMask {
     Ints parts[kRoughParts];
 
-    /// The last `count`.
+    /// Selects the last `count`.
     TESSERET_LANES static RoughMask last(int count)
     {
         alignas(32) constexpr static int kOnes[2 * kRoughLanes] = {0,  0,  0,  0,  0,  0,  0,  0,
@@ -389,7 +388,7 @@ struct RoughMask {
         }
         return mask;
     }
-    /// Those whose weights are positive.
+    /// Selects those with positive weights.
     TESSERET_LANES static RoughMask positive(const float* weights)
     {
         RoughMask mask;
@@ -408,12 +407,12 @@ struct RoughMask {
     }
 };
 
-/// The sums of a rough error, colour by colour.
+/// The partial sums of a rough error, in planes.
 template <typename Pixel>
 struct RoughSums {
     Floats r[kRoughParts] = {}, g[kRoughParts] = {}, b[kRoughParts] = {};
 
-    /// Adds kRoughLanes pixels; of those that `mask` leaves out, zeros.
+    /// Adds kRoughLanes pixels; unselected ones add zeros.
     template <bool kMasked>
     TESSERET_LANES void add(const Pixel* from, const Pixel* to, const RoughMask& mask)
     {
@@ -443,9 +442,8 @@ struct RoughSums {
     }
 };
 
-/// The same for kinds whose channels are as wide as a lane, or become so while they are read: all
-/// four channels as they lie in memory, so that nothing has to be shuffled. Alpha's sums are
-/// ignored.
+/// The same for kinds whose channels are as wide as a lane once loaded: sums interleaved channels,
+/// which needs no shuffles, and ignores alpha's sums.
 template <typename Pixel>
 struct WideRoughSums {
     static constexpr int kVectors = 4 * kRoughLanes / kLanes;
@@ -512,7 +510,7 @@ TESSERET_LANES void addRow(Sums& sums, const Pixel* a, const Pixel* b, const flo
     if (body == 0) {
         const Tail<Pixel> aTail(a, rest), bTail(b, rest);
         const Tail<float> weightTail(weights, rest);
-        // Equal zeros behind the row: they add zeros.
+        // The padding is equal in both and adds zeros.
         const RoughMask mask =
             kWeighted ? RoughMask::positive(weightTail.pixels) : RoughMask::last(kRoughLanes);
         sums.template add<kWeighted>(aTail.pixels, bTail.pixels, mask);
@@ -535,7 +533,7 @@ TESSERET_LANES float roughSum(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights,
     for (int y = 0; y < height; ++y) {
         addRow<Pixel, kWeighted>(sums, row(a, y), row(b, y), row(weights, y), width);
         seen += width;
-        if (seen < kRoughStretch) continue;
+        if (seen < kRoughSegment) continue;
         seen = 0;
         if (sums.total() > limit) break;
     }
@@ -553,8 +551,8 @@ float roughError(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, i
 /// `v` clamped to [0, limit]; NaN becomes 0.
 TESSERET_LANES Floats clamped(Floats v, float limit)
 {
-    const Floats most = all(limit);
-    const Floats upper = choose(most < v, most, v);
+    const Floats max = all(limit);
+    const Floats upper = choose(max < v, max, v);
     return choose(v > 0.0f, upper, Floats{});
 }
 
@@ -564,7 +562,7 @@ TESSERET_LANES Floats mixed(Floats from, Floats to, Floats t)
     return from + (to - from) * t;  // exact: float, in this order
 }
 
-/// As its kind would store it and read it again.
+/// `v` as its kind stores it.
 template <typename Pixel>
 TESSERET_LANES Floats stored(Floats v)
 {
@@ -661,22 +659,22 @@ void luma(const Pixel* pixels, float* means, int count)
     __builtin_memcpy(means + i, &lastMeans, static_cast<__SIZE_TYPE__>(rest) * sizeof(float));
 }
 
-TESSERET_LANES Floats leastOf(const float* before, int step)
+TESSERET_LANES Floats minOf(const float* before, int step)
 {
-    auto least = load<Floats>(before - step);
+    auto min = load<Floats>(before - step);
     for (int from = 1 - step; from <= step; ++from) {
-        // In this order of operands: a NaN is kept where it came first and passed over elsewhere.
+        // This order of operands keeps a NaN that comes first and ignores any other.
         const auto next = load<Floats>(before + from);
-        least = choose(next < least, next, least);
+        min = choose(next < min, next, min);
     }
-    return least;
+    return min;
 }
 
-/// Whole vectors, into the padding where the line ends within one.
+/// Writes whole vectors, into the padding at the end of the line.
 void seamLine(const float* error, const float* before, float* cost, int count, int step)
 {
     for (int s = 0; s < count; s += kLanes) {
-        store(cost + s, load<Floats>(error + s) + leastOf(before + s, step));
+        store(cost + s, load<Floats>(error + s) + minOf(before + s, step));
     }
 }
 

@@ -1,4 +1,4 @@
-/// The kernels as one would write them down: a pixel after the other, no instruction set in mind.
+/// The reference kernels: pixel by pixel, for any instruction set.
 
 #include <algorithm>
 #include <array>
@@ -15,7 +15,7 @@ namespace {
 double eighthPower(float d)
 {
     // exact: the square of a float is exact in double; the fourth and the eighth power round once
-    // each, on every machine alike, which a library's pow does not promise.
+    // each, on every machine alike, which a library's pow does not guarantee.
     const double second = static_cast<double>(d) * static_cast<double>(d);
     const double fourth = second * second;
     return fourth * fourth;
@@ -51,7 +51,7 @@ void errorMap(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, int 
     }
 }
 
-/// The sums of a rough error.
+/// The partial sums of a rough error.
 struct RoughSums {
     std::array<float, kRoughLanes> r{}, g{}, b{};
 
@@ -99,7 +99,7 @@ float roughError(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, i
             sums.b[lane] += roughPower(plainDifference(aRow[x].b, bRow[x].b) * Scale::kBefore);
         }
         seen += width;
-        if (seen < kRoughStretch) continue;
+        if (seen < kRoughSegment) continue;
         seen = 0;
         if (sums.total(Scale::kAfter) > limit) break;
     }
@@ -129,8 +129,8 @@ void composite(Pixel* out, const Pixel* source, const float* mask, const float* 
     for (int i = 0; i < count; ++i) {
         const Pixel texture = gain != nullptr ? gained(out[i], gain[i]) : out[i];
         const float share = clamped(mask[i] * PixelTraits<Pixel>::kInverseMax, 1.0f);
-        // exact: without any texture the source's own bits, which the mixture loses where floats
-        // are -0 or too far apart.
+        // exact: a share of 0 keeps the source's own bits, which mixing loses where floats are -0
+        // or too far apart.
         Pixel result = share == 0.0f ? source[i] : mixed(source[i], texture, share);
         result.a = texture.a;
         out[i] = result;
@@ -165,11 +165,11 @@ void luma(const Pixel* pixels, float* means, int count)
 void seamLine(const float* error, const float* before, float* cost, int count, int step)
 {
     for (int s = 0; s < count; ++s) {
-        float least = before[s - step];
+        float min = before[s - step];
         for (int from = s - step + 1; from <= s + step; ++from) {
-            if (before[from] < least) least = before[from];
+            if (before[from] < min) min = before[from];
         }
-        cost[s] = error[s] + least;  // exact: float sums
+        cost[s] = error[s] + min;  // exact: float sums
     }
 }
 

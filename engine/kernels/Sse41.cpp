@@ -1,4 +1,4 @@
-/// The kernels for processors with SSE4.1; compiled with flags of its own.
+/// The kernels for processors with SSE4.1; this file has its own compiler flags.
 
 namespace Orvane::Engine::Kernels {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What the files of the tables share with the one that chooses among them.
+/// Declarations shared by the tables' files and the one that chooses among them.
 
 #include "engine/kernels/Kernels.h"
 
@@ -12,8 +12,8 @@ extern const KernelTable kSse41Table;
 extern const KernelTable kAvx2Table;
 #endif
 
-/// What a rough error multiplies its differences with, so that their eighth powers stay in range,
-/// and its sum.
+/// The factors of a rough error: of the differences, to keep their eighth powers in range, and of
+/// the sum.
 template <typename Pixel>
 struct RoughScale;
 template <>

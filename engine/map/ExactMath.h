@@ -6,13 +6,13 @@
 namespace Orvane::Engine {
 
 /// Arithmetic whose result must not depend on the machine, and conversions that are defined for
-/// every value a host may hand over.
+/// every value a host may pass.
 
-/// Whole numbers made from a host's values stay within this, so that the difference of two fits an
+/// Integers made from a host's values are clamped to this, so that the difference of two fits an
 /// int.
 inline constexpr int kNumberLimit = 1'000'000'000;
 
-/// `value` without its fraction, cut to +-kNumberLimit; 0 for NaN.
+/// `value` truncated and clamped to +-kNumberLimit; 0 for NaN.
 template <typename Float>
 constexpr int truncateToInt(Float value)
 {
@@ -22,14 +22,14 @@ constexpr int truncateToInt(Float value)
     return static_cast<int>(value);
 }
 
-/// The largest whole number that is not above `value`, cut like truncateToInt.
+/// The largest integer not above `value`, clamped like truncateToInt.
 template <typename Float>
 int floorToInt(Float value)
 {
     return truncateToInt(std::floor(value));
 }
 
-/// A 64-bit whole number cut to +-kNumberLimit.
+/// A 64-bit integer clamped to +-kNumberLimit.
 constexpr int limitToInt(std::int64_t value)
 {
     if (value > kNumberLimit) return kNumberLimit;

@@ -8,8 +8,8 @@
 namespace Orvane::Engine {
 namespace {
 
-/// Every block starts with a header whose first word is its handle, and is aligned to 16 bytes
-/// behind it as well.
+/// Every block starts with a header whose first word is its handle. What follows it is aligned to
+/// 16 bytes.
 constexpr std::size_t kHeaderBytes = 16;
 static_assert(kHeaderBytes >= sizeof(void*));
 

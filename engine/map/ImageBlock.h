@@ -5,7 +5,7 @@
 
 namespace Orvane::Engine {
 
-/// Unlocks a block of image memory and gives it back to the host.
+/// Unlocks a block of image memory and returns it to the host.
 struct ImageBlockRelease {
     void operator()(std::byte* data) const;
 };
@@ -13,8 +13,8 @@ struct ImageBlockRelease {
 /// A locked block of the host's image memory, aligned to 16 bytes.
 using ImageBlock = std::unique_ptr<std::byte, ImageBlockRelease>;
 
-/// A block for rows x columns elements of so many bytes each, contents undefined; null when there
-/// is no memory for it.
+/// A block for rows x columns elements of `elementBytes` each, contents undefined; null when the
+/// host has no memory for it.
 ImageBlock allocateImageBlock(std::size_t columns, std::size_t rows, std::size_t elementBytes);
 
 }  // namespace Orvane::Engine

@@ -10,12 +10,12 @@
 namespace Orvane::Engine {
 
 /// A two-dimensional pixel array in absolute pixel coordinates. A map is empty, a view of pixels
-/// that somebody else keeps, or the owner of a block of the host's image memory; it moves and does
-/// not copy.
+/// owned elsewhere, or the owner of a block of the host's image memory. It can be moved, not
+/// copied.
 ///
-/// Rows lie in increasing y, pixels in increasing x. Reads never fault: where there is no pixel
-/// they yield the fill value. A failed allocation leaves a map without storage and `allocFailed`
-/// set.
+/// Rows are in increasing y, pixels in increasing x. Reads never fault: where there is no pixel
+/// they return the fill value. A failed allocation leaves a map without storage and with
+/// `allocFailed` set.
 template <typename Pixel>
 class Map final : public MapDomain {
 public:
@@ -29,21 +29,21 @@ public:
     }
     ~Map() override { freeStorage(); }
 
-    /// Becomes a view of another map's pixels, which must outlive it. A map assigned to itself
-    /// stays.
+    /// Becomes a view of another map's pixels, which must outlive it. Assigning a map to itself
+    /// does nothing.
     void assign(Map& other);
     void setFillValue(Pixel value) { fillValue_ = value; }
     /// Bilinear sample at the centre of a box, computed in float on the stored values.
     SampleOf<Pixel> sampleBox(float x0, float y0, float x1, float y1) const;
-    /// The same, the box given by its centre and half its size.
+    /// The same for a box given by its centre and half its size.
     SampleOf<Pixel> sampleAround(float cx, float cy, float halfWidth, float halfHeight) const;
 
-    /// Allocates image memory for the stored range, contents undefined. Frees what the map owned.
+    /// Allocates image memory for the stored range, contents undefined. Frees the previous storage.
     void allocate();
     /// Frees owned storage or forgets borrowed pixels; the map is empty then.
     void release();
-    /// Becomes a view of pixels at `data`, which is the first stored one; may be null. `stride` is
-    /// the distance from one row to the next in bytes, negative for rows stored top down.
+    /// Becomes a view of pixels; `data` is the first stored one and may be null. `stride` is the
+    /// distance from one row to the next in bytes, negative for rows stored top down.
     void borrow(void* data, std::ptrdiff_t stride);
 
     Pixel fillValue() const { return fillValue_; }
@@ -56,8 +56,8 @@ public:
     Pixel* pixelAt(int column, int row) { return address(column, row); }
     const Pixel* pixelAt(int column, int row) const { return address(column, row); }
 
-    /// The pixel that (x, y) reads when nothing of [x, x + width) x [y, y + height) needs edge
-    /// handling, and the others lie beside and above it; else null.
+    /// The pixel that (x, y) reads, when nothing of [x, x + width) x [y, y + height) needs edge
+    /// handling, so that the others follow it in the store; else null.
     const Pixel* interiorPixels(int x, int y, int width, int height) const
     {
         const std::optional<int> column = xAxis().interiorIndex(x, width);

@@ -31,7 +31,7 @@ std::int64_t wrapped(std::int64_t d, std::int64_t length)
     return d < 0 ? (d + 1) % length + length - 1 : d % length;
 }
 
-/// Orders two inclusive ends and cuts them to [low, high].
+/// Orders two inclusive ends and clamps them to [low, high].
 std::pair<int, int> orderedWithin(int first, int last, int low, int high)
 {
     if (first > last) std::swap(first, last);
@@ -120,7 +120,8 @@ std::optional<int> MapAxis::interiorIndex(int p, int count) const
 {
     const std::int64_t first = std::int64_t{p} - offset;
     const std::int64_t last = first + count - 1;
-    if (first < std::max(activeStart, storeStart) || last > std::min(activeEnd, storeEnd)) return {};
+    if (first < std::max(activeStart, storeStart) || last > std::min(activeEnd, storeEnd))
+        return {};
     return static_cast<int>(first - storeStart);
 }
 

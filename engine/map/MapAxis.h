@@ -11,11 +11,11 @@ enum class EdgeMode : std::int32_t {
     EdgeClamp = 1,   ///< the nearest pixel
     EdgeMirror = 2,  ///< reflected, the edge pixel repeated
     EdgeWrap = 3,    ///< periodic
-    EdgeFree = 4     ///< as it is; any other value means the same
+    EdgeFree = 4     ///< unchanged; any other value means the same
 };
 
-/// One axis of a map: its extent, where it lies, how it is read outside, and which part of it has
-/// pixels in memory. Ranges are inclusive index ranges; index 0 is the coordinate `origin`.
+/// One axis of a map: its size, position, edge mode, and the part of it that has pixels in memory.
+/// Ranges are inclusive index ranges; index 0 is the coordinate `origin`.
 struct MapAxis {
     static constexpr std::uint32_t kStoresPart = 1;  ///< the stored range is not the whole axis
     static constexpr std::uint32_t kClipToStored =
@@ -33,7 +33,7 @@ struct MapAxis {
     /// An axis of `newSize` pixels (a negative size counts as 0), wholly active and stored, at 0.
     void init(int newSize, EdgeMode mode);
 
-    /// Ends in any order; cut to the axis, and to the stored range when the axis is kept inside it.
+    /// Ends in any order; clamped to the axis, and to the stored range with kClipToStored.
     void setActiveRange(int first, int last);
     void setStoredRange(int first, int last);
     void resetStoredRange();
@@ -46,7 +46,7 @@ struct MapAxis {
 
     /// The stored index that coordinate p reads, through offset, edge mode and stored range.
     std::optional<int> resolve(int p) const { return resolveIndex(std::int64_t{p} - offset); }
-    /// The same for an index that no offset applies to.
+    /// The same for an index, to which no offset applies.
     std::optional<int> resolveIndex(std::int64_t index) const;
     /// The stored index that p reads when none of [p, p + count) needs edge handling.
     std::optional<int> interiorIndex(int p, int count) const;

@@ -36,16 +36,16 @@ public:
     int height() const { return yAxis_.size; }
     std::uint32_t domainFlags() const { return flags_; }
 
-    /// Makes both axes anew, at 0, wholly active and stored, read as `EdgeNone`. Releases nothing.
+    /// Resets both axes: at 0, wholly active and stored, read as `EdgeNone`. Releases nothing.
     void setSize(int width, int height);
     /// The absolute coordinates of index (0, 0).
     void setOrigin(int x, int y);
     /// Puts index (0, 0) at (x, y), for reading and for direct access alike.
     void placeAt(int x, int y);
-    /// Takes over both axes of another map; storage is untouched.
+    /// Copies both axes of another map; storage is untouched.
     void copyGeometry(const MapDomain& other);
 
-    /// Whether a node can work on this map: at least one pixel, and storage.
+    /// Whether a node can process this map: at least one pixel, and storage.
     bool isUsable() const { return width() >= 1 && height() >= 1 && firstPixel() != nullptr; }
 
 protected:

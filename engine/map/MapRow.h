@@ -15,7 +15,7 @@ struct PixelSpan {
     const Pixel* pixels;  ///< the one at `begin`
 };
 
-/// Reads one row of a map by absolute x: the row is resolved once, and so is the stretch of x that
+/// Reads one row of a map by absolute x: the row is resolved once, and so is the range of x that
 /// needs no edge handling. The map must outlive the reader and keep its geometry.
 template <typename Pixel>
 class RowReader {
@@ -41,7 +41,7 @@ public:
         return column ? row_ + *column : nullptr;
     }
 
-    /// The pixels [x, x + count) as they lie in memory, or null when some need edge handling.
+    /// The pixels [x, x + count) in memory, or null when some need edge handling.
     const Pixel* span(int x, int count) const
     {
         return x >= first_ && std::int64_t{x} + count <= end_ ? row_ + (x - base_) : nullptr;
@@ -70,7 +70,7 @@ private:
 };
 
 /// Writes one row of a map by absolute x. The row and every x written must be stored: nodes clamp
-/// their region into the map before they run.
+/// their region to the map before they run.
 template <typename Pixel>
 class RowWriter {
 public:
@@ -88,7 +88,7 @@ private:
     std::int64_t base_;
 };
 
-/// Copies the pixels [x0, x1) of a row, through the edge modes of the map they come from.
+/// Copies the pixels [x0, x1) of a row, through the edge modes of the source map.
 template <typename Pixel>
 void copyRow(const RowReader<Pixel>& from, RowWriter<Pixel>& to, int x0, int x1)
 {

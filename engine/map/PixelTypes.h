@@ -1,8 +1,7 @@
 #pragma once
 
 /// The pixel kinds of the engine. Channels are interleaved R, G, B, A and keep the host's range: 0
-/// to 255, 0 to 65535, nominally 0 to 1. No kind is ever converted to another unless a stage says
-/// so.
+/// to 255, 0 to 65535, nominally 0 to 1. Only stages that document it convert one kind to another.
 
 #include <cstdint>
 
@@ -38,7 +37,7 @@ struct PixelPoint {
 static_assert(sizeof(PixelRGBA8) == 4 && sizeof(PixelRGBA16) == 8 && sizeof(PixelRGBAf) == 16);
 static_assert(sizeof(PixelVec2f) == 8);
 
-/// What interpolating between pixels of a kind yields: the same channels as floats.
+/// The type of an interpolated pixel: the same channels as floats.
 template <typename Pixel>
 struct Interpolated {
     using Type = float;
@@ -54,7 +53,7 @@ struct Interpolated<PixelVec2f> {
 template <typename Pixel>
 using SampleOf = typename Interpolated<Pixel>::Type;
 
-/// The kinds that a host image can have; the six that clips deliver.
+/// The kinds of a host image: the six that clips deliver.
 enum class PixelKind { None, RGBA8, RGBA16, RGBAf, Alpha8, Alpha16, Alphaf };
 
 template <typename Pixel>

@@ -5,7 +5,7 @@
 namespace Orvane::Engine {
 
 /// The engine's random generator: two steps of a 32-bit linear congruential generator for each
-/// number of 15 bits. What it yields depends on its seed only.
+/// number of 15 bits. The sequence depends on the seed only.
 class Random {
 public:
     explicit Random(std::uint32_t seed) : state_(seed) {}
@@ -28,7 +28,7 @@ private:
     std::uint32_t state_;
 };
 
-/// A whole number drawn evenly from [0, n), or from (n, 0] when n is negative.
+/// An integer drawn evenly from [0, n), or from (n, 0] when n is negative.
 inline int drawBelow(Random& random, std::int64_t n)
 {
     // exact: the draw is r times the float nearest 1/32767, which is 32769 / 2^30, so 64-bit

@@ -23,10 +23,10 @@ struct Rows {
 };
 
 /// The pixels that a map reads at [x, x + width) x [y, y + height): in place where none of them
-/// needs edge handling, else as a copy in `scratch`, with the edges handled once.
+/// needs edge handling, else as a copy in `scratch`.
 template <typename Pixel>
-Rows<Pixel> windowOf(const Map<Pixel>& map, int x, int y, int width, int height,
-                     std::vector<Pixel>& scratch)
+Rows<Pixel> rowsOf(const Map<Pixel>& map, int x, int y, int width, int height,
+                   std::vector<Pixel>& scratch)
 {
     if (const Pixel* first = map.interiorPixels(x, y, width, height)) return {first, map.stride()};
     const auto columns = static_cast<std::size_t>(width);

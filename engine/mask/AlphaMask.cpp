@@ -7,15 +7,15 @@
 namespace Orvane::Engine {
 namespace {
 
-/// `alpha` cut to [0, M]: only floats lie outside. NaN is not masked.
+/// The mask value of an alpha clamped to [0, M]; only floats lie outside. NaN counts as 0.
 template <typename Pixel>
 typename PixelTraits<Pixel>::Mask maskValue(typename PixelTraits<Pixel>::Channel alpha,
-                                            MaskSense sense)
+                                            Polarity polarity)
 {
     using Traits = PixelTraits<Pixel>;
     const auto value = static_cast<float>(alpha);
-    const float cut = value > 0.0f ? std::min(value, Traits::kMax) : 0.0f;
-    return Traits::stored(sense == MaskSense::Inverted ? Traits::kMax - cut : cut);
+    const float clamped = value > 0.0f ? std::min(value, Traits::kMax) : 0.0f;
+    return Traits::stored(polarity == Polarity::Black ? Traits::kMax - clamped : clamped);
 }
 
 template <typename Pixel>
@@ -32,10 +32,10 @@ void AlphaMask<Pixel>::processPass()
     const Region& region = this->region();
     const auto [yBegin, yEnd] = this->threadRows();
     for (int y = yBegin; y < yEnd; ++y) {
-        const RowReader picture(this->other(), y);
+        const RowReader image(this->other(), y);
         RowWriter mask(this->target(), y);
         for (int x = region.x0; x < region.x1; ++x) {
-            mask[x] = maskValue<Pixel>(picture[x].a, sense_);
+            mask[x] = maskValue<Pixel>(image[x].a, polarity_);
         }
     }
 }
@@ -56,15 +56,15 @@ void InvertedMask<Pixel>::processPass()
 }
 
 template <typename Pixel>
-void extractMask(const Map<Pixel>& picture, MaskSense sense, RenderStatus* statusRecord,
+void extractMask(const Map<Pixel>& image, Polarity polarity, RenderStatus* statusRecord,
                  Map<typename PixelTraits<Pixel>::Mask>& mask)
 {
-    mask.copyGeometry(picture);
-    mask.setFillValue(meanOf(picture.fillValue()));
+    mask.copyGeometry(image);
+    mask.setFillValue(meanOf(image.fillValue()));
     mask.allocate();
-    AlphaMask<Pixel> extraction(sense);
+    AlphaMask<Pixel> extraction(polarity);
     extraction.setStatusRecord(statusRecord);
-    extraction.process(&picture, &mask);
+    extraction.process(&image, &mask);
 }
 
 template <typename Pixel>
@@ -82,7 +82,7 @@ void invertMask(const Map<typename PixelTraits<Pixel>::Mask>& matte, RenderStatu
 #define TESSERET_INSTANTIATE(Pixel)                                                      \
     template class AlphaMask<Pixel>;                                                     \
     template class InvertedMask<Pixel>;                                                  \
-    template void extractMask<Pixel>(const Map<Pixel>&, MaskSense, RenderStatus*,        \
+    template void extractMask<Pixel>(const Map<Pixel>&, Polarity, RenderStatus*,         \
                                      Map<PixelTraits<Pixel>::Mask>&);                    \
     template void invertMask<Pixel>(const Map<PixelTraits<Pixel>::Mask>&, RenderStatus*, \
                                     Map<PixelTraits<Pixel>::Mask>&);

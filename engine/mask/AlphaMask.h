@@ -6,19 +6,19 @@
 
 namespace Orvane::Engine {
 
-/// Takes the mask out of a picture's alpha, cut to [0, M]. `Pixel` is the picture's; the mask is
+/// Makes a mask from an image's alpha, clamped to [0, M]. `Pixel` is the image's kind; the mask is
 /// the single-channel kind of the same depth.
 template <typename Pixel>
 class AlphaMask final : public Sampler<const Map<Pixel>, Map<typename PixelTraits<Pixel>::Mask>> {
 public:
-    explicit AlphaMask(MaskSense sense) : sense_(sense) {}
+    explicit AlphaMask(Polarity polarity) : polarity_(polarity) {}
     void processPass() override;
 
 private:
-    MaskSense sense_;
+    Polarity polarity_;
 };
 
-/// Writes M minus a mask into another map, since an image of the host is never written to.
+/// Writes M minus a mask into another map; a host image is never written to.
 template <typename Pixel>
 class InvertedMask final : public Sampler<const Map<typename PixelTraits<Pixel>::Mask>,
                                           Map<typename PixelTraits<Pixel>::Mask>> {
@@ -26,10 +26,10 @@ public:
     void processPass() override;
 };
 
-/// Makes `mask` the alpha of `picture`, with the picture's geometry and storage of its own. Its
-/// fill value is the mean of R, G and B of the picture's.
+/// Makes `mask` the alpha of `image`, with the image's geometry and storage of its own. Its
+/// fill value is the mean of R, G and B of the image's.
 template <typename Pixel>
-void extractMask(const Map<Pixel>& picture, MaskSense sense, RenderStatus* statusRecord,
+void extractMask(const Map<Pixel>& image, Polarity polarity, RenderStatus* statusRecord,
                  Map<typename PixelTraits<Pixel>::Mask>& mask);
 
 /// Makes `mask` the inversion of `matte`, with the matte's geometry and storage of its own.

@@ -11,11 +11,11 @@ namespace {
 
 constexpr Pixel32i kUnmasked = RegionLabeller::kUnmasked;
 
-/// A mask value on a scale of 0 to 255, at most 255, without its fraction; 0 for NaN.
+/// A mask value scaled to 0 to 255, clamped and truncated; 0 for NaN.
 template <typename MaskPixel>
 Pixel32i toByte(MaskPixel value)
 {
-    // exact: one float product, cut toward zero.
+    // exact: one float product, truncated toward zero.
     const float scaled = static_cast<float>(value) * MaskTraits<MaskPixel>::kToByte;
     if (scaled >= 255.0f) return 255;
     return scaled > 0.0f ? static_cast<Pixel32i>(scaled) : 0;
@@ -81,11 +81,11 @@ Map<Pixel32i> mapAround(const MapDomain& mask)
     return map;
 }
 
-/// An unmasked pixel at random. Every mask has one, unless the host ran no threads to pad it.
+/// A random unmasked pixel. There is always one, unless the host ran no threads to pad the mask.
 std::optional<PixelVec2f> drawStartPoint(const Map<Pixel32i>& padded, int seed)
 {
-    // The generator's numbers come from the low 24 bits of its state, which return after 2^24
-    // steps, and a point takes four: after 2^22 points every later one is a repetition.
+    // The generator's numbers come from the low 24 bits of its state, which repeat after 2^24
+    // steps, and a point takes four steps: after 2^22 points all others are repetitions.
     constexpr int kDifferentPoints = 1 << 22;
     Random random(static_cast<std::uint32_t>(seed));
     for (int i = 0; i < kDifferentPoints; ++i) {
@@ -117,9 +117,8 @@ std::optional<Map<Pixel32f>> prepareFillMask(Map<MaskPixel>& mask, int seed,
     if (isAborted(statusRecord)) return std::nullopt;
 
     if (padded.isUsable() && !firstPixelOf(padded, kUnmasked)) {
-        // A mask that is masked all over, outside its pixels as well, asks for everything there is.
-        // Its outside counts as unmasked then, as it does for every other mask, and all of its
-        // pixels become the region.
+        // A mask without any unmasked pixel, inside or outside its pixels, selects everything.
+        // Treat its outside as unmasked, so that all of its pixels become the region.
         view.setFillValue(MaskPixel{0});
         runNode(padding, view, padded, statusRecord);
         if (isAborted(statusRecord)) return std::nullopt;

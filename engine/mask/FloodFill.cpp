@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kRoomForRuns = 100;
 
-/// The pixel of [first, end) nearest to a coordinate, without its fraction; the first for NaN.
+/// A coordinate clamped to the pixels [first, end) and truncated; `first` for NaN.
 int pixelWithin(int first, int end, float coordinate)
 {
     // In double, which holds every pixel coordinate.
@@ -57,8 +57,8 @@ void FloodFill<Pixel>::clear()
     fill.process(&this->target());
 }
 
-/// Takes the marks of the last fill off again, run by run, so that many small fills of a large
-/// region stay cheap.
+/// Clears the marks of the last fill, run by run, so that many small fills of a large region stay
+/// cheap.
 template <typename Pixel>
 void FloodFill<Pixel>::forgetRuns()
 {
@@ -90,7 +90,7 @@ void FloodFill<Pixel>::fillRunsTouching(int y, int left, int right)
         while (run.left > region.x0 && isTarget(run.left - 1)) --run.left;
         while (run.right < region.x1 && isTarget(run.right)) ++run.right;
         fillRun(run);
-        x = run.right;  // which is no target
+        x = run.right;  // not a target
     }
 }
 

@@ -9,27 +9,25 @@
 
 namespace Orvane::Engine {
 
-/// Marks the connected area around a seed pixel: a scan-line fill (after Fishkin 1990), whose cost
-/// grows with the area filled.
+/// Fills the connected area around a seed pixel: a scan-line fill (after Fishkin 1990), whose cost
+/// is proportional to the filled area.
 ///
-/// Every pixel of the region that is connected to the seed through pixels which read exactly the
-/// target value gets the paint value in the written map. Connected means side by side or one above
-/// the other: a closed curve of diagonal steps stops the fill. All other pixels get the clear value
-/// first. When the seed itself does not read the target value nothing is filled, nor after an
-/// abort.
+/// Every pixel of the region that is 4-connected to the seed through pixels that read exactly the
+/// target value gets the paint value in the written map; a closed curve of diagonal steps stops the
+/// fill. All other pixels get the clear value. Nothing is filled when the seed does not read the
+/// target value, or after an abort.
 ///
-/// `Pixel` is Pixel32f or Pixel32i. The map read is read through its edge modes. The fill runs on
-/// the calling thread, whatever `setMultiThreaded` says.
+/// `Pixel` is Pixel32f or Pixel32i. The input is read through its edge modes. The fill always runs
+/// on the calling thread.
 template <typename Pixel>
 class FloodFill : public Sampler<const Map<Pixel>, Map<Pixel>> {
 public:
     /// Masks are painted with M, the channel maximum of the render depth.
     explicit FloodFill(Pixel paintValue);
-    /// The integer form paints 2147483647 unless told otherwise.
+    /// The integer form paints 2147483647 by default.
     FloodFill() requires std::is_integral_v<Pixel> : FloodFill(std::numeric_limits<Pixel>::max()) {}
 
-    /// Absolute coordinates, (0, 0) at first; moved to the nearest pixel of the region, then cut to
-    /// whole numbers toward zero.
+    /// Absolute coordinates, (0, 0) by default; clamped to the region, then truncated.
     void setSeed(float x, float y) { seedX_ = x, seedY_ = y; }
     void setPaintValue(Pixel value) { paintValue_ = value; }
     void setClearValue(Pixel value) { clearValue_ = value; }
@@ -37,17 +35,17 @@ public:
     /// When on, the written map is not cleared first.
     void setKeepWritten(bool on) { keepWritten_ = on; }
 
-    /// How many pixels the last call filled.
+    /// The number of pixels that the last call filled.
     std::int64_t filledCount() const { return filledCount_; }
 
     void begin() override;
 
 protected:
-    /// Called once for every pixel filled.
+    /// Called once for every filled pixel.
     virtual void pixelFilled(int /*x*/, int /*y*/) {}
 
 private:
-    /// Neighbouring filled pixels of one row: x from left to right, right exclusive.
+    /// Consecutive filled pixels of one row: x from left to right, right exclusive.
     struct Run {
         int y, left, right;
     };
@@ -64,7 +62,7 @@ private:
     bool keepWritten_ = false;
     std::int64_t filledCount_ = 0;
     // Both keep their storage from call to call.
-    std::vector<Run> runs_;    ///< all runs of the last fill; those not looked at yet come last
+    std::vector<Run> runs_;    ///< all runs of the last fill, unprocessed ones last
     std::vector<bool> marks_;  ///< set on the pixels of the runs, over `marked_`
     Region marked_;
 };

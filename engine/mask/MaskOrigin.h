@@ -4,14 +4,15 @@ namespace Orvane::Engine {
 
 /// Where the mask of the region to fill comes from.
 enum class MaskOrigin {
-    None,         ///< there is no mask: the whole image is filled
+    None,         ///< no mask: fill the whole image
     SourceAlpha,  ///< the alpha of the source
-    Matte         ///< the matte; without one the whole image is filled
+    Matte         ///< the matte; without one fill the whole image
 };
 
-enum class MaskSense {
-    AsItIs,   ///< M is to be filled
-    Inverted  ///< 0 is to be filled
+/// Which mask value is to be filled.
+enum class Polarity {
+    White,  ///< M
+    Black   ///< 0
 };
 
 }  // namespace Orvane::Engine

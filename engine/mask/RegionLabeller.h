@@ -11,12 +11,12 @@ namespace Orvane::Engine {
 /// Absolute coordinates.
 std::optional<PixelVec2f> firstPixelOf(const Map<Pixel32i>& map, Pixel32i value);
 
-/// Takes the areas of a padded mask apart: `process(padded, labels)`, both of the same geometry.
+/// Labels the areas of a padded mask: `process(padded, labels)`, both of the same geometry.
 ///
-/// Everything unmasked that is connected to the start point gets kOutside; what is left, masked
-/// pixels and the holes they enclose, falls into areas. The first of them in scan order gets
-/// kFirstArea. Later ones stay kUnlabelled: only one area is ever filled, and telling the specks of
-/// a grainy mask apart would cost more than the rest together.
+/// Unmasked pixels connected to the start point get kOutside; the others, masked pixels and the
+/// holes they enclose, form areas. The first area in scan order gets kFirstArea. Later ones stay
+/// kUnlabelled: only one area is ever filled, and labelling the specks of a grainy mask would cost
+/// more than everything else.
 ///
 /// Runs on the calling thread. After an abort the labels are unspecified; without memory for a work
 /// map they are all kOutside.

@@ -8,7 +8,7 @@
 namespace Orvane::Engine {
 namespace {
 
-/// Gives the region of a solid mask another value.
+/// Changes the value of a solid mask's region.
 void setRegionValue(Map<Pixel32f>& mask, float value)
 {
     if (!mask.isUsable()) return;
@@ -25,46 +25,46 @@ void setRegionValue(Map<Pixel32f>& mask, float value)
 }  // namespace
 
 template <typename Pixel>
-void RegionMask<Pixel>::takeSourceAlpha(const Map<Pixel>& source, MaskSense sense,
+void RegionMask<Pixel>::takeSourceAlpha(const Map<Pixel>& source, Polarity polarity,
                                         RenderStatus& status)
 {
     using Mask = typename PixelTraits<Pixel>::Mask;
-    extractMask(source, sense, &status, mask_.template emplace<Map<Mask>>());
+    extractMask(source, polarity, &status, mask_.template emplace<Map<Mask>>());
 }
 
-/// A matte has one channel; of one that arrives with four the alpha counts.
+/// A matte has one channel; of one with four channels alpha is used.
 template <typename Pixel>
-void RegionMask<Pixel>::takeMatte(std::unique_ptr<ClipImage> matte, MaskSense sense,
+void RegionMask<Pixel>::takeMatte(std::unique_ptr<ClipImage> matte, Polarity polarity,
                                   RenderStatus& status)
 {
     matte_ = std::move(matte);
     if (matte_ == nullptr) return;
     [[maybe_unused]] const bool taken =
-        takeGrey<PixelRGBA8>(sense, status) || takeGrey<PixelRGBA16>(sense, status) ||
-        takeGrey<PixelRGBAf>(sense, status) || takeAlpha<PixelRGBA8>(sense, status) ||
-        takeAlpha<PixelRGBA16>(sense, status) || takeAlpha<PixelRGBAf>(sense, status);
+        takeGrey<PixelRGBA8>(polarity, status) || takeGrey<PixelRGBA16>(polarity, status) ||
+        takeGrey<PixelRGBAf>(polarity, status) || takeAlpha<PixelRGBA8>(polarity, status) ||
+        takeAlpha<PixelRGBA16>(polarity, status) || takeAlpha<PixelRGBAf>(polarity, status);
 }
 
 template <typename Pixel>
 template <typename MattePixel>
-bool RegionMask<Pixel>::takeAlpha(MaskSense sense, RenderStatus& status)
+bool RegionMask<Pixel>::takeAlpha(Polarity polarity, RenderStatus& status)
 {
-    const Map<MattePixel>* picture = matte_->as<MattePixel>();
-    if (picture == nullptr) return false;
+    const Map<MattePixel>* image = matte_->as<MattePixel>();
+    if (image == nullptr) return false;
     using Mask = typename PixelTraits<MattePixel>::Mask;
-    extractMask(*picture, sense, &status, mask_.template emplace<Map<Mask>>());
+    extractMask(*image, polarity, &status, mask_.template emplace<Map<Mask>>());
     return true;
 }
 
 template <typename Pixel>
 template <typename MattePixel>
-bool RegionMask<Pixel>::takeGrey(MaskSense sense, RenderStatus& status)
+bool RegionMask<Pixel>::takeGrey(Polarity polarity, RenderStatus& status)
 {
     using Mask = typename PixelTraits<MattePixel>::Mask;
     Map<Mask>* matte = matte_->as<Mask>();
     if (matte == nullptr) return false;
     auto& mask = mask_.template emplace<Map<Mask>>();
-    if (sense == MaskSense::Inverted) {
+    if (polarity == Polarity::Black) {
         invertMask<MattePixel>(*matte, &status, mask);
     } else {
         mask.assign(*matte);

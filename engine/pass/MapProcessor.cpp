@@ -17,8 +17,8 @@ Ends storedEnds(const MapAxis& axis)
     return {axis.origin + axis.storeStart, axis.origin + axis.storeEnd + 1};
 }
 
-/// Both inclusive ends of a range clamped into the stored one.
-Ends clampedInto(const Ends& stored, int begin, int end)
+/// A range whose two inclusive ends are clamped to the stored range.
+Ends clampedTo(const Ends& stored, int begin, int end)
 {
     if (stored.begin >= stored.end) return stored;
     const int last = static_cast<int>(
@@ -56,12 +56,12 @@ void MapProcessor::clampRegion(const MapDomain& target)
     Ends x = storedEnds(target.xAxis());
     Ends y = storedEnds(target.yAxis());
     if (explicitRegion_) {
-        x = clampedInto(x, region_.x0, region_.x1);
-        y = clampedInto(y, region_.y0, region_.y1);
+        x = clampedTo(x, region_.x0, region_.x1);
+        y = clampedTo(y, region_.y0, region_.y1);
     }
     region_ = {x.begin, y.begin, x.end, y.end};
-    // A region that is all of a map at the origin counts as not set: the node then follows the next
-    // map.
+    // A region that covers a whole map at the origin counts as not set, so that the node covers the
+    // next map whole as well.
     const bool wholeMap = region_.x0 == 0 && region_.y0 == 0 && region_.x1 == target.width() &&
                           region_.y1 == target.height();
     if (wholeMap) explicitRegion_ = false;

@@ -3,17 +3,12 @@
 #include <type_traits>
 
 #include "engine/map/Map.h"
+#include "engine/map/Region.h"
 #include "libraries/Processor/ovMultiProcessor.h"
 
 namespace Orvane::Engine {
 
-/// A rectangle of pixels in absolute coordinates; x1 and y1 are exclusive.
-struct Region {
-    int x0 = 0, y0 = 0, x1 = 0, y1 = 0;
-    bool isEmpty() const { return x0 >= x1 || y0 >= y1; }
-};
-
-/// Keeps a borrowed pointer for as long as one call lasts, exceptions included.
+/// Stores a borrowed pointer for the duration of a call, exceptions included.
 template <typename T>
 class Borrowed {
 public:
@@ -26,12 +21,12 @@ private:
     T*& slot_;
 };
 
-/// Base of the nodes that write a map: adds the region that a call processes. Nodes own no maps and
-/// forget every map they are given when the call returns.
+/// Base of the nodes that write a map: adds the region to process. Nodes own no maps and drop every
+/// borrowed map when the call returns.
 class MapProcessor : public MultiProcessor {
 public:
     using MultiProcessor::process;
-    /// Runs the node over its region of the target: the region that was set, clamped into the
+    /// Runs the node over its region of the target: the region that was set, clamped to the
     /// target's stored range, or all of that range.
     virtual void process(const MapDomain& target);
 
@@ -42,7 +37,7 @@ public:
     const Region& region() const { return region_; }
     bool hasExplicitRegion() const { return explicitRegion_; }
 
-    /// Factors by which the box blur adjusts its horizontal radius; no other node reads them.
+    /// Factors by which the box blur scales its horizontal radius; no other node reads them.
     void setRadiusScale(float x, float y) { radiusScaleX_ = x, radiusScaleY_ = y; }
     float radiusScaleX() const { return radiusScaleX_; }
     float radiusScaleY() const { return radiusScaleY_; }
@@ -51,7 +46,7 @@ public:
     static void reportMap(const char* entry, const char* problem);
 
 protected:
-    /// The rows of the region that the calling worker writes.
+    /// The calling worker's share of the region's rows.
     RowRange threadRows() const;
 
 private:
@@ -62,18 +57,18 @@ private:
     float radiusScaleX_ = 1.0f, radiusScaleY_ = 1.0f;
 };
 
-/// Stands for the second argument of a node that has none.
+/// The second argument type of a node that has none.
 struct NoArgument {};
 
-/// Base of the nodes that work on a map of one kind, with or without a second argument: a map to
-/// read, say. Both are kept for the call. `Target` and `Aux` are const where the node only reads.
-/// Nodes derive from it by the name of their checked entry, `Generator` or `Sampler`.
+/// Base of the nodes that process a map of one kind, with or without a second argument, usually a
+/// map to read. Both are borrowed for the call. `Target` and `Aux` are const where the node only
+/// reads. Nodes derive from it under the name of their checked entry, `Generator` or `Sampler`.
 template <typename Target, typename Aux = NoArgument>
 class MapNode : public MapProcessor {
     static constexpr bool kHasArgument = !std::is_same_v<Aux, NoArgument>;
 
 public:
-    /// The checked entry of a generator: a null map and one without pixels are reported on standard
+    /// The checked entry of a generator: a null map or one without pixels is reported on standard
     /// error and skipped.
     void process(Target* map) requires(!kHasArgument)
     {
@@ -86,12 +81,12 @@ public:
 
     /// The checked entry of a sampler: a null map is skipped, one without pixels is also reported.
     void process(Aux* aux, Target* map) requires(kHasArgument) { run("Sampler", aux, map); }
-    /// The same for two maps that are there.
+    /// The same for two maps that exist.
     void process(Aux& other, Target& target) requires(kHasArgument) { process(&other, &target); }
 
 protected:
-    /// Runs the node, unless the map is null or without pixels; the latter is reported by the name
-    /// of the entry.
+    /// Runs the node unless the map is null or without pixels; reports the latter under the name of
+    /// the entry.
     void run(const char* entry, Aux* aux, Target* map)
     {
         const Borrowed borrowAux(aux_, aux);
@@ -107,7 +102,7 @@ protected:
     Target& target() const { return *target_; }
     /// The second argument; may be null.
     Aux* aux() const { return aux_; }
-    /// The second map of a node that is never entered without one.
+    /// The second map of a node that always has one.
     Aux& other() const { return *aux_; }
 
 private:
@@ -120,7 +115,7 @@ private:
 template <typename Target>
 using Generator = MapNode<Target>;
 
-/// A node that writes one map with the help of a second argument.
+/// A node that writes one map from a second argument.
 template <typename Aux, typename Target>
 using Sampler = MapNode<Target, Aux>;
 

@@ -16,10 +16,10 @@ bool SharedWork::run(int count, const Task& task)
     count_ = count;
     nextTask_ = 0;
     nextWorker_ = 0;
-    // A single task costs no call.
+    // A single task runs on the calling thread.
     setMultiThreaded(workers_ > 1 && count > 1);
     MultiProcessor::process();
-    if (!stops() && nextTask_ < count_) {  // a host that made no call
+    if (!stops() && nextTask_ < count_) {  // the host made no call
         nextWorker_ = 0;
         processPass();
     }
@@ -38,7 +38,7 @@ bool SharedWork::stops()
 void SharedWork::processPass()
 {
     const int worker = nextWorker_.fetch_add(1);
-    if (worker >= workers_) return;  // more calls than the host has processors
+    if (worker >= workers_) return;  // the host made more calls than it has processors
     for (int task = nextTask_.fetch_add(1); task < count_; task = nextTask_.fetch_add(1)) {
         if (stops()) return;
         (*task_)(task, worker);

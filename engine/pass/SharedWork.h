@@ -8,26 +8,26 @@
 
 namespace Orvane::Engine {
 
-/// Tasks that do not depend on each other, shared between the host's threads in one call. Each
-/// thread takes the next task until none is left, and never waits for another: a host may run the
-/// calls of a pass one after another, fewer of them than it has processors, or all on one thread.
-/// Few calls with many tasks are what a busy machine likes best.
+/// Runs independent tasks on the host's threads, in one call. Each thread takes the next task until
+/// none is left, and never waits for another: a host may run the calls of a pass one after another,
+/// make fewer of them than it has processors, or run all on one thread. On a busy machine few calls
+/// with many tasks are fastest.
 class SharedWork final : public MultiProcessor {
 public:
-    /// One task, worked by `worker`: counted from 0, below `workers()`, no two at once alike.
+    /// Runs one task. `worker` is 0 to workers() - 1 and differs between concurrent tasks.
     using Task = std::function<void(int task, int worker)>;
 
     explicit SharedWork(RenderStatus* status);
 
-    /// How many threads may work at once; asked of the host once.
+    /// The number of threads that may run at once; queried from the host once.
     int workers() const { return workers_; }
 
-    /// Runs task(0) to task(count - 1), each once. Between tasks the render thread asks the host
-    /// whether to go on; after an abort the rest is left out. Throws what MultiProcessor throws.
-    /// Returns whether all were run.
+    /// Runs task(0) to task(count - 1), each once. Between tasks the render thread polls the host
+    /// for an abort, which skips the rest. Returns whether all tasks ran. Throws what
+    /// MultiProcessor throws.
     bool run(int count, const Task& task);
 
-    /// For long tasks: whether to leave off, asking the host when this is the render thread.
+    /// For long tasks: whether to stop early. Polls the host on the render thread.
     bool stops();
 
     void processPass() override;

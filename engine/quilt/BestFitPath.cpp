@@ -15,7 +15,7 @@ struct Range {
     }
 };
 
-/// The position of the smallest cost within a range, the first one of several.
+/// The position of the smallest cost within a range; ties go to the first.
 int cheapest(const float* costs, const Range& range)
 {
     int best = range.begin;
@@ -31,8 +31,8 @@ Range allowedRange(int across, int margin)
     return {kept, across - kept};
 }
 
-/// Repeats the ends of a line beyond it, so that a minimum near an end needs no test: what stands
-/// there twice is never smaller than itself.
+/// Repeats the ends of a line beyond it, so that a minimum near an end needs no bounds test: the
+/// repeated cost ties with the original.
 void padLine(float* line, const Range& range, int step)
 {
     std::fill_n(line + range.begin - step, step, line[range.begin]);
@@ -69,7 +69,7 @@ void SeamStrip::shape(int lines, int across)
 
 void SeamStrip::setColumns(const Rows<float>& rows)
 {
-    // A few columns of every row at a time: they come from, and go to, memory that is near.
+    // A few columns of every row at a time, so that both sides stay in the cache.
     constexpr int kColumns = 16;
     for (int first = 0; first < lines_; first += kColumns) {
         const int end = std::min(first + kColumns, lines_);
@@ -86,7 +86,7 @@ void bestFitPath(const SeamSearch& search, SeamStrip& strip, std::span<int> path
 {
     const int lines = strip.lines();
     const Range allowed = allowedRange(strip.across(), search.margin);
-    const int step = std::min(search.step, Kernels::kMostSeamStep);
+    const int step = std::min(search.step, Kernels::kMaxSeamStep);
     accumulate(strip, allowed, step);
     int s = cheapest(strip.costs(lines - 1), allowed);
     for (int t = lines - 1; t >= 0; --t) {

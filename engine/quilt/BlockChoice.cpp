@@ -7,12 +7,12 @@
 namespace Orvane::Engine {
 namespace {
 
-constexpr std::size_t kMostContenders = 256;
-/// Pixels compared between two questions whether to leave off; some milliseconds.
-constexpr std::int64_t kPixelsBetweenStops = 1 << 21;
+constexpr std::size_t kMaxContenders = 256;
+/// Pixels compared between two polls for an abort; some milliseconds.
+constexpr std::int64_t kPixelsBetweenPolls = 1 << 21;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-/// The columns [begin, end) that hold all positive ones of a row of weights.
+/// The columns [begin, end) that hold all positive weights of a row.
 struct Columns {
     int begin, end;
 };
@@ -40,11 +40,11 @@ Candidate BlockChoice<Pixel>::best(CandidateDraw& draw, const BlockPlace& place,
     while (const std::optional<Candidate> candidate = draw.next()) {
         consider(*candidate);
         compared += pixels_ + 1;
-        if (compared < kPixelsBetweenStops) continue;
+        if (compared < kPixelsBetweenPolls) continue;
         compared = 0;
         if (stops()) break;
     }
-    forgetTheHopeless();
+    dropInferior();
     if (!hasBest_ && contenders_.size() == 1) return contenders_.front().candidate;
     settle();
     return best_;
@@ -59,23 +59,23 @@ void BlockChoice<Pixel>::start(const BlockPlace& place,
     contenders_.clear();
     hasBest_ = false;
     bestError_ = std::numeric_limits<float>::max();
-    most_ = kInfinity;
+    upper_ = kInfinity;
     known_ = {};
     if (around_.known != nullptr) findKnown();
     if (around_.left != nullptr && place.overlapW > 0) {
         const auto& texture = around_.textures[static_cast<std::size_t>(around_.left->texture)];
-        leftRows_ = texture.window(around_.left->x + around_.leftShift, around_.left->y,
-                                   place.overlapW, place.height, leftCopy_);
+        leftRows_ = texture.rows(around_.left->x + around_.leftShift, around_.left->y,
+                                 place.overlapW, place.height, leftCopy_);
     }
     pixels_ = knownStrip().pixels() + leftStrip().pixels() + belowStrip().pixels();
 }
 
-/// Finds which part of the block holds known pixels.
+/// Finds the part of the block that holds known pixels.
 template <typename Pixel>
 void BlockChoice<Pixel>::findKnown()
 {
     const Rows<float> weights =
-        windowOf(*around_.weights, place_.x, place_.y, place_.width, place_.height, weightCopy_);
+        rowsOf(*around_.weights, place_.x, place_.y, place_.width, place_.height, weightCopy_);
     Region box{place_.width, place_.height, 0, 0};
     for (int y = 0; y < place_.height; ++y) {
         const Columns columns = positiveOf(weights.at(y), place_.width);
@@ -86,8 +86,8 @@ void BlockChoice<Pixel>::findKnown()
     if (box.isEmpty()) return;
     known_ = box;
     weightRows_ = weights.from(box.x0, box.y0);
-    knownRows_ = windowOf(*around_.known, place_.x + box.x0, place_.y + box.y0, box.x1 - box.x0,
-                          box.y1 - box.y0, knownCopy_);
+    knownRows_ = rowsOf(*around_.known, place_.x + box.x0, place_.y + box.y0, box.x1 - box.x0,
+                        box.y1 - box.y0, knownCopy_);
 }
 
 template <typename Pixel>
@@ -95,7 +95,7 @@ Strip<Pixel> BlockChoice<Pixel>::knownStrip() const
 {
     if (known_.isEmpty()) return {};
     return {.a = knownRows_,
-            .b = taken_.first != nullptr ? taken_.from(known_.x0, known_.y0) : taken_,
+            .b = loaded_.first != nullptr ? loaded_.from(known_.x0, known_.y0) : loaded_,
             .weights = weightRows_,
             .width = known_.x1 - known_.x0,
             .height = known_.y1 - known_.y0,
@@ -108,7 +108,7 @@ Strip<Pixel> BlockChoice<Pixel>::leftStrip() const
 {
     if (around_.left == nullptr) return {};
     return {.a = leftRows_,
-            .b = taken_,
+            .b = loaded_,
             .weights = {},
             .width = place_.overlapW,
             .height = place_.height};
@@ -119,17 +119,17 @@ Strip<Pixel> BlockChoice<Pixel>::belowStrip() const
 {
     if (around_.below.first == nullptr) return {};
     return {.a = around_.below,
-            .b = taken_,
+            .b = loaded_,
             .weights = {},
             .width = place_.width,
             .height = place_.overlapH};
 }
 
-/// Reads the candidate's pixels.
+/// Makes a candidate the current one.
 template <typename Pixel>
-void BlockChoice<Pixel>::take(const Candidate& candidate)
+void BlockChoice<Pixel>::load(const Candidate& candidate)
 {
-    taken_ = around_.textures[static_cast<std::size_t>(candidate.texture)].window(
+    loaded_ = around_.textures[static_cast<std::size_t>(candidate.texture)].rows(
         candidate.x, candidate.y, place_.width, place_.height, candidateCopy_);
 }
 
@@ -142,23 +142,23 @@ void BlockChoice<Pixel>::consider(const Candidate& candidate)
     }
     Contender contender{candidate, -kInfinity};
     if (canBound(pixels_)) {
-        take(candidate);
-        const double rough = roughError(roughLimit(most_, pixels_));
-        // A sum that is no number, or beyond all floats, says nothing.
+        load(candidate);
+        const double rough = roughError(roughLimit(upper_, pixels_));
+        // NaN and sums near the end of the float range have no bounds.
         if (rough < std::numeric_limits<float>::max() / 4) {
             const ErrorBounds bounds = boundsOf(rough, pixels_);
-            if (bounds.least > most_) return;
-            contender.least = bounds.least;
-            most_ = std::min(most_, bounds.most);
+            if (bounds.lower > upper_) return;
+            contender.lower = bounds.lower;
+            upper_ = std::min(upper_, bounds.upper);
         }
     }
     contenders_.push_back(contender);
-    if (contenders_.size() < kMostContenders) return;
-    forgetTheHopeless();
-    if (contenders_.size() > kMostContenders / 2) settle();
+    if (contenders_.size() < kMaxContenders) return;
+    dropInferior();
+    if (contenders_.size() > kMaxContenders / 2) settle();
 }
 
-/// The rough error of the candidate taken; more than the limit once that is clear.
+/// The rough error of the current candidate, summed until it exceeds the limit.
 template <typename Pixel>
 double BlockChoice<Pixel>::roughError(float limit) const
 {
@@ -170,11 +170,11 @@ double BlockChoice<Pixel>::roughError(float limit) const
     return sum;
 }
 
-/// Drops those whose error is certainly above the best one's.
+/// Drops the contenders whose error is certainly above the best one's.
 template <typename Pixel>
-void BlockChoice<Pixel>::forgetTheHopeless()
+void BlockChoice<Pixel>::dropInferior()
 {
-    std::erase_if(contenders_, [this](const Contender& c) { return c.least > most_; });
+    std::erase_if(contenders_, [this](const Contender& c) { return c.lower > upper_; });
 }
 
 /// Measures the contenders exactly and keeps the best.
@@ -186,25 +186,25 @@ void BlockChoice<Pixel>::settle()
         const auto isSame = [&candidate](const Contender& c) { return c.candidate == candidate; };
         const auto before = contenders_.begin() + static_cast<std::ptrdiff_t>(i);
         if (std::any_of(contenders_.begin(), before, isSame)) continue;  // cannot beat itself
-        take(candidate);
+        load(candidate);
         const float error = exactError(bestError_);
-        // Ties keep the earlier candidate. The first one stands in when no error is a number below
-        // the limit, as with pixels that are not finite.
+        // Ties keep the earlier candidate. The first one is the default when no error is below the
+        // initial limit, as with pixels that are not finite.
         if (error < bestError_ || !hasBest_) best_ = candidate;
         if (error < bestError_) bestError_ = error;
         hasBest_ = true;
     }
     contenders_.clear();
-    most_ = std::min(most_, static_cast<double>(bestError_));
+    upper_ = std::min(upper_, static_cast<double>(bestError_));
 }
 
-/// The error of the candidate taken; of one that does not come below `best`, any number that does
-/// not either.
+/// The error of the current candidate, summed until it reaches `best`.
 template <typename Pixel>
 float BlockChoice<Pixel>::exactError(float best)
 {
     float error = 0.0f;
-    // exact: float, in this order. No term is negative, and rounding keeps the order of sums.
+    // exact: float, in this order. No term is negative and rounding is monotonic, so a partial sum
+    // that reaches `best` decides.
     for (const Strip<Pixel>& strip : {knownStrip(), leftStrip(), belowStrip()}) {
         error += error_.exact(strip);
         if (error >= best) break;

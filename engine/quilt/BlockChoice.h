@@ -10,34 +10,32 @@
 
 namespace Orvane::Engine {
 
-/// What a block's candidates are compared with.
+/// The pixels that a block's candidates are compared with.
 template <typename Pixel>
 struct BlockSurroundings {
     std::span<const TextureView<Pixel>> textures;
-    const Map<Pixel>* known = nullptr;       ///< counts where `weights` is positive; null: nowhere
+    const Map<Pixel>* known = nullptr;       ///< used where `weights` is positive; may be null
     const Map<Pixel32f>* weights = nullptr;  ///< over the fill rectangle
-    const Candidate* left = nullptr;         ///< what the block beside was taken from; or null
+    const Candidate* left = nullptr;         ///< the choice for the block to the left; may be null
     int leftShift = 0;                       ///< from that block's corner to this one's, pixels
-    Rows<Pixel> below;                       ///< the row below, from the block's corner on; or null
+    Rows<Pixel> below;  ///< the row below, from the block's corner on; may be null
 };
 
-/// Finds the candidate of a block that agrees best with what is there already: the smallest sum of
-/// the errors against the known pixels, the block to the left and the row below, the first of
-/// several. Each worker has one of its own.
+/// Finds the best candidate of a block: the smallest sum of the errors against the known pixels,
+/// the block to the left and the row below; ties go to the first. Each worker has one of its own.
 ///
-/// The sums are floats whose last bits are part of the result, and adding them up one after another
-/// is what takes the time. So candidates are ranked by rough sums, which have bounds; only those
-/// that the bounds cannot tell from the best one are measured exactly, in the order in which they
-/// were drawn. The left neighbour's pixels are read in its texture: the part of it that a block
-/// lies over is outside any seam of its own.
+/// The last bits of these float sums are part of the result, and summing in their fixed order is
+/// slow. So candidates are ranked by rough sums with known bounds; only those whose bounds overlap
+/// the best one's are measured exactly, in the order in which they were drawn. The left neighbour's
+/// pixels are read from its texture: its own seam does not reach the part that a block overlaps.
 template <typename Pixel>
 class BlockChoice {
 public:
-    /// `threads`: of the host.
+    /// `threads` is the number of host threads.
     explicit BlockChoice(int threads) : error_(threads) {}
 
-    /// The best of what `draw` yields, which is at least one. `stops` is asked now and then; after
-    /// it said so the result is any of them.
+    /// The best of the candidates that `draw` returns, of which there is at least one. Polls
+    /// `stops` at intervals; once it returns true the result is any of them.
     Candidate best(CandidateDraw& draw, const BlockPlace& place,
                    const BlockSurroundings<Pixel>& surroundings,
                    const std::function<bool()>& stops);
@@ -45,20 +43,20 @@ public:
     TriedPositions& tried() { return tried_; }
 
 private:
-    /// A candidate that may be the best one.
+    /// A candidate that may be the best.
     struct Contender {
         Candidate candidate;
-        double least;  ///< bound of its error
+        double lower;  ///< bound of its error
     };
 
     void start(const BlockPlace& place, const BlockSurroundings<Pixel>& surroundings);
     void findKnown();
     void consider(const Candidate& candidate);
     double roughError(float limit) const;
-    void forgetTheHopeless();
+    void dropInferior();
     void settle();
     float exactError(float best);
-    void take(const Candidate& candidate);
+    void load(const Candidate& candidate);
     Strip<Pixel> knownStrip() const;
     Strip<Pixel> leftStrip() const;
     Strip<Pixel> belowStrip() const;
@@ -69,18 +67,18 @@ private:
     // Of the current block.
     BlockPlace place_{};
     BlockSurroundings<Pixel> around_;
-    Region known_;  ///< of the block, from its corner: holds every pixel that counts
+    Region known_;  ///< relative to the block's corner; holds every pixel used
     Rows<Pixel> knownRows_, leftRows_;
     Rows<float> weightRows_;
     std::int64_t pixels_ = 0;  ///< compared for each candidate
-    Rows<Pixel> taken_;        ///< the pixels of the candidate that is looked at
-    double most_ = 0.0;        ///< no less than the best candidate's error
+    Rows<Pixel> loaded_;       ///< the pixels of the current candidate
+    double upper_ = 0.0;       ///< bound of the best candidate's error
     std::vector<Contender> contenders_;
-    bool hasBest_ = false;  ///< of those that were measured exactly
+    bool hasBest_ = false;  ///< among those measured exactly
     Candidate best_;
     float bestError_ = 0.0f;
 
-    // Copies of what needs edge handling.
+    // Copies of pixels that need edge handling.
     std::vector<Pixel> candidateCopy_, knownCopy_, leftCopy_;
     std::vector<float> weightCopy_;
 };

@@ -5,7 +5,7 @@
 namespace Orvane::Engine {
 namespace {
 
-/// How many strides it takes to cover a length.
+/// The number of strides that cover a length.
 int stridesIn(int length, int stride)
 {
     return length / stride + (length % stride != 0 ? 1 : 0);
@@ -56,11 +56,11 @@ std::size_t BlockGrid::index(int row, int column) const
            static_cast<std::size_t>(column);
 }
 
-void BlockGrid::cutRuns(int sideBySide)
+void BlockGrid::splitRuns(int concurrent)
 {
-    // Runs of n blocks: rows + (rows + columns) / n steps hold rows * columns / n runs.
+    // With runs of n blocks, rows + (rows + columns) / n steps hold rows * columns / n runs.
     const double blocks = static_cast<double>(rows_) * columns_;
-    const double length = (blocks / sideBySide - columns_ - rows_) / rows_;
+    const double length = (blocks / concurrent - columns_ - rows_) / rows_;
     runLength_ = static_cast<int>(std::clamp(length, 1.0, static_cast<double>(columns_)));
 }
 

@@ -18,50 +18,50 @@ struct BlockSettings {
     int strideY() const { return blockH - overlapH; }
 };
 
-/// Where a block lies, clipped at the fill rectangle's edge, and how much of it the block to its
-/// left and the row below lie under.
+/// The position of a block, clipped at the fill rectangle's edge, and its overlap with the block to
+/// its left and with the row below.
 struct BlockPlace {
     int row, column;
     int x, y, width, height;
-    int overlapW, overlapH;  ///< 0 for the first of a row, and in the first row
+    int overlapW, overlapH;  ///< 0 in the first column and in the first row, respectively
 
     bool firstInRow() const { return column == 0; }
     bool firstRow() const { return row == 0; }
 };
 
-/// A run of blocks of one row.
+/// Consecutive blocks of one row.
 struct BlockRun {
     int row, begin, end;  ///< columns; end is exclusive
 };
 
-/// The blocks of a fill rectangle, in rows from the corner with the smallest x and y, and the order
-/// in which they can be worked side by side.
+/// The blocks of a fill rectangle, in rows from the corner with the smallest x and y, and their
+/// schedule for several threads.
 ///
 /// A block depends on the one before it in its row, and on those of the row below that it overlaps:
-/// up to the one that is a column further on. So blocks that lie on one diagonal of the grid depend
-/// on nothing of each other. Rows are cut into runs along such diagonals, and the runs into steps:
-/// all runs of a step can be worked at once when the steps before it are done.
+/// up to the next column. So the blocks on a diagonal of the grid are independent of each other.
+/// Rows are split into runs along such diagonals, and the runs are grouped into steps: all runs of
+/// a step can run concurrently once the steps before it are done.
 class BlockGrid {
 public:
     BlockGrid() = default;
-    /// For clamped sizes and a rectangle that is not empty.
+    /// Needs clamped sizes and a rectangle that is not empty.
     BlockGrid(const Region& rect, const BlockSettings& settings);
 
     int rows() const { return rows_; }
     int columns() const { return columns_; }
     BlockPlace at(int row, int column) const;
-    /// Of the blocks of a row, pixels.
+    /// The y of a row's blocks, and their height.
     int rowY(int row) const;
     int rowHeight(int row) const;
-    /// Of the strip in which a row is joined to the one below; 0 for the first row.
+    /// The height of the strip in which a row overlaps the one below; 0 for the first row.
     int rowOverlap(int row) const;
     std::size_t index(int row, int column) const;
 
-    /// Cuts rows into runs so that about `sideBySide` of them stand in a step.
-    void cutRuns(int sideBySide);
+    /// Splits rows into runs, about `concurrent` of them in a step.
+    void splitRuns(int concurrent);
     int steps() const;
     std::vector<BlockRun> runsOf(int step) const;
-    /// The step that works the last block of a row.
+    /// The step that places the last block of a row.
     int lastStepOf(int row) const { return row + (columns_ - 1 + row) / runLength_; }
 
 private:

@@ -10,7 +10,7 @@
 namespace Orvane::Engine {
 namespace {
 
-/// Writes a block's number on this side of its two seams.
+/// Writes a block's number to the pixels inside its two seams.
 void writeNumber(const BlockRecord& record, const Region& region, float number,
                  Map<Pixel32f>& numbers)
 {
@@ -27,12 +27,12 @@ void writeNumber(const BlockRecord& record, const Region& region, float number,
 
 }  // namespace
 
-Region laidRegion(const BlockRecord& record, const BlockSize& size, const Region& limit)
+Region placedRegion(const BlockRecord& record, const BlockSize& size, const Region& limit)
 {
     const int x0 = truncateToInt(record.x);
     const int y0 = truncateToInt(record.y);
-    // The record's seams are as long as the block was when it was laid; a window that has grown
-    // since does not make it longer.
+    // The seams keep the size that the block had when it was recorded; a window that has grown
+    // since does not enlarge it.
     const int blockW = truncateToInt(size.width);
     const int rows = static_cast<int>(record.seamV.size());
     const int columns = record.seamH.empty() ? blockW : static_cast<int>(record.seamH.size());
@@ -40,15 +40,15 @@ Region laidRegion(const BlockRecord& record, const BlockSize& size, const Region
             std::min({y0 + truncateToInt(size.height), y0 + rows, limit.y1})};
 }
 
-bool isLaid(const BlockRecord& record, const Region& place, std::size_t textureCount)
+bool isPlaced(const BlockRecord& record, const Region& region, std::size_t textureCount)
 {
-    return static_cast<std::size_t>(record.textureIndex) < textureCount && !place.isEmpty();
+    return static_cast<std::size_t>(record.textureIndex) < textureCount && !region.isEmpty();
 }
 
 Map<Pixel32f> numberBlocks(const TemporalState& state, std::size_t textureCount,
                            const Region& limit)
 {
-    const FillBounds& bounds = state.fillBounds;
+    const Region& bounds = state.fillBounds;
     Map<Pixel32f> numbers;
     numbers.setSize(bounds.x1 - bounds.x0, bounds.y1 - bounds.y0);
     numbers.placeAt(bounds.x0, bounds.y0);
@@ -60,8 +60,8 @@ Map<Pixel32f> numberBlocks(const TemporalState& state, std::size_t textureCount,
     int number = 0;
     for (const BlockRecord& record : state.blockList) {
         ++number;
-        const Region region = laidRegion(record, state.savedBlockSize, inside);
-        if (!isLaid(record, region, textureCount)) continue;
+        const Region region = placedRegion(record, state.savedBlockSize, inside);
+        if (!isPlaced(record, region, textureCount)) continue;
         writeNumber(record, region, static_cast<float>(number), numbers);
     }
     return numbers;

@@ -1,20 +1,18 @@
 #pragma once
 
 #include "engine/TemporalState.h"
-#include "engine/pass/MapProcessor.h"
 
 namespace Orvane::Engine {
 
-/// Where a recorded block lies when it is laid: as large as its seams are long, at most `size`, and
-/// cut where `limit` ends to the right and above. Empty when nothing is left of it.
-Region laidRegion(const BlockRecord& record, const BlockSize& size, const Region& limit);
-/// Whether there is something to lay; a texture may have been switched off since the block was
-/// recorded.
-bool isLaid(const BlockRecord& record, const Region& place, std::size_t textureCount);
+/// The region of a recorded block in a replay: as large as its seams are long, at most `size`, and
+/// clipped at the x1 and y1 of `limit`. Empty when nothing is left of it.
+Region placedRegion(const BlockRecord& record, const BlockSize& size, const Region& limit);
+/// Whether a replay places the block: its region is not empty and its texture is still in use.
+bool isPlaced(const BlockRecord& record, const Region& region, std::size_t textureCount);
 
-/// Tells for each pixel of the state's fill bounds which of the recorded blocks its texture came
-/// from: 1 for the first record, and so on; 0 where none lies. Where blocks are blended, the seam
-/// decides. Without memory the map has no storage.
+/// A map over the state's fill bounds with the number of the recorded block that each pixel's
+/// texture came from: 1 for the first record, and so on; 0 for none. Where blocks are blended, the
+/// seam decides. Without memory the map has no storage.
 Map<Pixel32f> numberBlocks(const TemporalState& state, std::size_t textureCount,
                            const Region& limit);
 

@@ -9,12 +9,12 @@
 namespace Orvane::Engine {
 namespace {
 
-constexpr float kNothing = -1.0f;  ///< the destination stays
-constexpr float kWhole = 2.0f;     ///< the image is taken with all four channels
+constexpr float kNone = -1.0f;  ///< keep the destination
+constexpr float kFull = 2.0f;   ///< copy the image, alpha included
 
 /// The image's share at a pixel dx right of the vertical and dy above the horizontal seam: 0 to 1,
-/// or one of the two constants above. The first rule that applies decides; a rule that divides by a
-/// width of 0 cannot be reached.
+/// or one of the two constants above. The first matching rule applies; no reachable rule divides by
+/// 0.
 float share(int dx, int dy, const Blend& blend)
 {
     // exact: float, one rounding for each operation, left to right.
@@ -22,13 +22,13 @@ float share(int dx, int dy, const Blend& blend)
     const auto y = static_cast<float>(dy);
     const auto bw = static_cast<float>(blend.width);
     const auto bh = static_cast<float>(blend.height);
-    if (dx >= blend.width && dy >= blend.height) return kWhole;
+    if (dx >= blend.width && dy >= blend.height) return kFull;
     if (dx >= blend.width && dy >= 0) return 0.5f + y * 0.5f / bh;
     if (dx >= 0 && dy >= blend.height) return 0.5f + x * 0.5f / bw;
     if (dx >= 0 && dy >= 0) return 0.5f + (x * 0.5f / bw) * y / bh;
     if (dx >= 0 && dy >= -blend.height) return 0.5f - -y * 0.5f / bh;
     if (dx >= -blend.width && dy >= 0) return 0.5f - -x * 0.5f / bw;
-    return kNothing;
+    return kNone;
 }
 
 }  // namespace
@@ -75,7 +75,7 @@ void BlockPaste<Pixel>::processPass()
     }
 }
 
-/// One row along a hard cut.
+/// Pastes one row along hard cuts.
 template <typename Pixel>
 void BlockPaste<Pixel>::cutRow(int y, int seamX)
 {
@@ -97,7 +97,7 @@ void BlockPaste<Pixel>::cutRow(int y, int seamX)
     }
 }
 
-/// One row across blend bands.
+/// Pastes one row across blend bands.
 template <typename Pixel>
 void BlockPaste<Pixel>::blendRow(int y, int seamX)
 {
@@ -107,9 +107,9 @@ void BlockPaste<Pixel>::blendRow(int y, int seamX)
     const int* seamY = seamY_.data();
     for (int x = region.x0; x < region.x1; ++x, ++seamY) {
         const float t = share(x - seamX, y - *seamY, blend_);
-        if (t == kNothing) continue;
+        if (t == kNone) continue;
         const Pixel s = image[srcX_ + x - region.x0];
-        row[x] = t == kWhole ? s : mixed(row[x], s, t);
+        row[x] = t == kFull ? s : mixed(row[x], s, t);
     }
 }
 

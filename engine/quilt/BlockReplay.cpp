@@ -7,9 +7,9 @@
 namespace Orvane::Engine {
 namespace {
 
-void tellBlock(const BlockRecord& record, const Region& place, RenderObserver& observer)
+void reportBlock(const BlockRecord& record, const Region& region, RenderObserver& observer)
 {
-    observer.blockLaid({place.x0, place.y0, place.x1 - place.x0, place.y1 - place.y0,
+    observer.blockLaid({region.x0, region.y0, region.x1 - region.x0, region.y1 - region.y0,
                         truncateToInt(record.srcX), truncateToInt(record.srcY),
                         record.textureIndex});
 }
@@ -19,56 +19,56 @@ void tellBlock(const BlockRecord& record, const Region& place, RenderObserver& o
 template <typename Pixel>
 void BlockReplay<Pixel>::run(const Blend& blend, Map<Pixel>& target)
 {
-    const FillBounds& bounds = state_.fillBounds;
+    const Region& bounds = state_.fillBounds;
     Map<Pixel> fillBuffer;
     fillBuffer.setSize(bounds.x1 - bounds.x0, bounds.y1 - bounds.y0);
     fillBuffer.placeAt(bounds.x0, bounds.y0);
     fillBuffer.allocate();
-    // What no record covers, as when the window has shrunk, is black and transparent.
+    // Pixels that no record covers, as when the window has shrunk, are black and transparent.
     ConstantFill<Pixel> clear{Pixel{}};
     clear.setStatusRecord(statusRecord_);
     clear.process(&fillBuffer);
 
     const bool blends = blend.width != 0 || blend.height != 0;
-    // Blending reaches pixels that no earlier record has written: at the border, and where the
-    // bands are wider than half the overlap. Laying everything along hard cuts first gives them the
-    // texture they will have anyway, so that no dark fringe appears.
-    if (blends && !layRecords(fillBuffer, {}, nullptr)) return;
-    if (!layRecords(fillBuffer, blend, observer_)) return;
+    // Blending reads pixels that no earlier record has written: at the border, and where blends are
+    // wider than half the overlap. Pasting everything along hard cuts first fills them with
+    // texture, so that no dark fringe appears.
+    if (blends && !pasteRecords(fillBuffer, {}, nullptr)) return;
+    if (!pasteRecords(fillBuffer, blend, observer_)) return;
 
     RowCopy<Pixel> copy;
     copy.setStatusRecord(statusRecord_);
-    copy.setRegion({bounds.x0, bounds.y0, bounds.x1, bounds.y1});
+    copy.setRegion(bounds);
     copy.process(&fillBuffer, &target);
 }
 
-/// Whether all records were laid before an abort.
+/// Pastes all records; false after an abort.
 template <typename Pixel>
-bool BlockReplay<Pixel>::layRecords(Map<Pixel>& fillBuffer, const Blend& blend,
-                                    RenderObserver* observer)
+bool BlockReplay<Pixel>::pasteRecords(Map<Pixel>& fillBuffer, const Blend& blend,
+                                      RenderObserver* observer)
 {
     BlockPaste<Pixel> paste;
     paste.setStatusRecord(statusRecord_);
     paste.setBlend(blend);
     for (const BlockRecord& record : state_.blockList) {
         if (pollAbort()) return false;
-        const Region place = laidRegion(record, state_.savedBlockSize, window_);
-        if (!isLaid(record, place, textures_.size())) continue;
-        layRecord(record, place, paste, fillBuffer);
-        if (observer != nullptr) tellBlock(record, place, *observer);
+        const Region region = placedRegion(record, state_.savedBlockSize, window_);
+        if (!isPlaced(record, region, textures_.size())) continue;
+        pasteRecord(record, region, paste, fillBuffer);
+        if (observer != nullptr) reportBlock(record, region, *observer);
     }
     return !pollAbort();
 }
 
 template <typename Pixel>
-void BlockReplay<Pixel>::layRecord(const BlockRecord& record, const Region& place,
-                                   BlockPaste<Pixel>& paste, Map<Pixel>& fillBuffer)
+void BlockReplay<Pixel>::pasteRecord(const BlockRecord& record, const Region& region,
+                                     BlockPaste<Pixel>& paste, Map<Pixel>& fillBuffer)
 {
-    zeroSeam_.resize(static_cast<std::size_t>(place.x1 - place.x0), {0.0f, 0.0f});
+    zeroSeam_.resize(static_cast<std::size_t>(region.x1 - region.x0), {0.0f, 0.0f});
     paste.setSourcePosition(truncateToInt(record.srcX), truncateToInt(record.srcY));
     paste.setSeams(
         {.horizontal = record.seamH.empty() ? zeroSeam_ : record.seamH, .vertical = record.seamV});
-    paste.setRegion(place);
+    paste.setRegion(region);
     paste.process(*textures_[static_cast<std::size_t>(record.textureIndex)], fillBuffer);
 }
 

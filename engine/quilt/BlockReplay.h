@@ -9,13 +9,13 @@
 
 namespace Orvane::Engine {
 
-/// Lays the blocks of an earlier render again, from the textures of this one. Each is cut against
-/// the block before it and the row below it in one step.
+/// Replays the blocks of an earlier render from the textures of this one. Each is cut in along both
+/// of its seams at once.
 template <typename Pixel>
 class BlockReplay {
 public:
-    /// Blocks are cut where the window ends to the right and above. Everything is borrowed for as
-    /// long as this lives; the last two may be null.
+    /// Blocks are clipped at the x1 and y1 of the window. All arguments must outlive this object;
+    /// the last two may be null.
     BlockReplay(const TemporalState& state, std::span<Map<Pixel>* const> textures,
                 const Region& window, RenderStatus* statusRecord, RenderObserver* observer)
         : state_(state),
@@ -29,9 +29,9 @@ public:
     void run(const Blend& blend, Map<Pixel>& target);
 
 private:
-    bool layRecords(Map<Pixel>& fillBuffer, const Blend& blend, RenderObserver* observer);
-    void layRecord(const BlockRecord& record, const Region& place, BlockPaste<Pixel>& paste,
-                   Map<Pixel>& fillBuffer);
+    bool pasteRecords(Map<Pixel>& fillBuffer, const Blend& blend, RenderObserver* observer);
+    void pasteRecord(const BlockRecord& record, const Region& region, BlockPaste<Pixel>& paste,
+                     Map<Pixel>& fillBuffer);
     bool pollAbort() const { return statusRecord_ != nullptr && statusRecord_->pollAbort(); }
 
     const TemporalState& state_;
@@ -39,7 +39,7 @@ private:
     Region window_;
     RenderStatus* statusRecord_;
     RenderObserver* observer_;
-    std::vector<PixelVec2f> zeroSeam_;  ///< for records of a row that was never finished
+    std::vector<PixelVec2f> zeroSeam_;  ///< for records of an unfinished row
 };
 
 }  // namespace Orvane::Engine

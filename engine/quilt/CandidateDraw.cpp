@@ -5,10 +5,10 @@
 namespace Orvane::Engine {
 namespace {
 
-/// From so many samples on, positions drawn again are not measured again.
+/// From this number of samples on, repeated positions are skipped.
 constexpr int kManySamples = 1000;
 
-/// The block's own seed: its candidates depend on its place and the user's seed only.
+/// The block's own seed: its candidates depend on its position and the user's seed only.
 std::uint32_t blockSeed(const BlockPlace& place, int seed)
 {
     // exact: 32-bit wrap-around
@@ -39,15 +39,14 @@ std::optional<Candidate> CandidateDraw::next()
     return {};
 }
 
-/// Keeps track of the positions drawn from the sample box where there are enough draws for that to
-/// pay.
+/// Tracks the positions drawn from the sample box where there are enough draws to make that pay.
 void CandidateDraw::startTexture()
 {
     texture_ = static_cast<int>(drawn_ / source_->samples);
     const Region& box = source_->sampleBox;
     const std::int64_t columns = std::int64_t{box.x1} - place_->width - box.x0;
     const std::int64_t rows = std::int64_t{box.y1} - place_->height - box.y0;
-    // A box that is smaller than the block draws to its other side.
+    // In a box smaller than the block, draws are negative.
     if (source_->samples < kManySamples || avoids() || columns < 0 || rows < 0) {
         tried_->stop();
     } else {
@@ -64,8 +63,8 @@ Candidate CandidateDraw::draw()
     return candidate;
 }
 
-/// Draws from the whole texture until a candidate keeps clear of the region; the last one drawn
-/// stands when none does.
+/// Draws from the whole texture until a candidate avoids the region; returns the last one drawn
+/// when none does.
 Candidate CandidateDraw::drawAvoiding()
 {
     const MapDomain& texture = *source_->textures[static_cast<std::size_t>(texture_)];

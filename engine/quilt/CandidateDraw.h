@@ -9,39 +9,39 @@
 
 namespace Orvane::Engine {
 
-/// A place in a texture that a block may be taken from.
+/// A position in a texture that a block may be copied from.
 struct Candidate {
     int texture = 0;
     int x = 0, y = 0;  ///< of the corner with the smallest x and y
     friend bool operator==(const Candidate&, const Candidate&) = default;
 };
 
-/// Where candidates come from; the same for all blocks of a quilt.
+/// The source of all candidates of a quilt.
 struct CandidateSource {
     Region sampleBox;                            ///< may be empty
     std::span<const MapDomain* const> textures;  ///< at least one
-    const RegionSums* avoided = nullptr;         ///< candidates keep clear of it; null: of nothing
+    const RegionSums* avoided = nullptr;         ///< candidates must not touch it; may be null
     int samples = 1;                             ///< for each texture
     int seed = 0;
 };
 
-/// Draws the candidates of one block, one after another, textures in order. Which ones these are
-/// depends on the block's place and the user's seed only.
+/// Draws the candidates of one block, texture by texture. They depend on the block's position and
+/// the user's seed only.
 class CandidateDraw {
 public:
-    /// How often a candidate that keeps clear of the avoided region is looked for.
+    /// The number of draws for a candidate that avoids the region.
     static constexpr int kAvoidAttempts = 999;
 
-    /// Draws freely from the `freeFrom`th candidate on: avoiding has been given up there. `tried`
-    /// keeps its storage from block to block.
+    /// Draws freely from candidate `freeFrom` on, where avoiding was given up. `tried` keeps its
+    /// storage from block to block.
     CandidateDraw(const CandidateSource& source, const BlockPlace& place, std::int64_t freeFrom,
                   TriedPositions& tried);
 
-    /// The next candidate that was not drawn before, as far as that is known; none at the end.
+    /// The next candidate, without known repetitions; none at the end.
     std::optional<Candidate> next();
-    /// How many were drawn so far, those drawn before among them.
+    /// The number of candidates drawn so far, repetitions included.
     std::int64_t drawn() const { return drawn_; }
-    /// Whether the last candidate touches the region that it should keep clear of.
+    /// Whether the last candidate touches the region to avoid.
     bool failedToAvoid() const { return failedToAvoid_; }
 
 private:

@@ -9,7 +9,7 @@ namespace Orvane::Engine {
 namespace {
 
 constexpr double kRounding = 1.0 / (1 << 24);
-constexpr double kUnderflow = 1e-36;  ///< of one pixel, whether or not the host flushes to zero
+constexpr double kUnderflow = 1e-36;  ///< of one pixel, even if the host flushes to zero
 
 double relativeError(std::int64_t pixels)
 {
@@ -31,7 +31,7 @@ float OverlapError<Pixel>::exact(const Strip<Pixel>& strip)
         if (rows.isEmpty()) break;
         rows.begin = std::max(rows.begin - strip.firstRow, 0);
         rows.end = std::min(rows.end - strip.firstRow, strip.height);
-        // exact: a float sum for each thread's rows, from left to right and row by row; these are
+        // exact: a float sum for each thread's rows, row by row from left to right; these sums are
         // added in thread order.
         float threadSum = 0.0f;
         for (int y = rows.begin; y < rows.end; ++y) {
@@ -61,13 +61,13 @@ ErrorBounds boundsOf(double rough, std::int64_t pixels)
     return {rough * (1.0 - relative) - absolute, rough * (1.0 + relative) + absolute};
 }
 
-float roughLimit(double most, std::int64_t pixels)
+float roughLimit(double upper, std::int64_t pixels)
 {
     const double absolute = static_cast<double>(pixels) * kUnderflow;
-    // Rounded upwards on its way to a float.
-    const double limit = (most + absolute) / (1.0 - relativeError(pixels)) * (1.0 + 1e-6);
-    constexpr float kHighest = std::numeric_limits<float>::max();
-    return limit < static_cast<double>(kHighest) ? static_cast<float>(limit) : kHighest;
+    // The last factor makes up for rounding down to a float.
+    const double limit = (upper + absolute) / (1.0 - relativeError(pixels)) * (1.0 + 1e-6);
+    constexpr float kMaxFloat = std::numeric_limits<float>::max();
+    return limit < static_cast<double>(kMaxFloat) ? static_cast<float>(limit) : kMaxFloat;
 }
 
 bool canBound(std::int64_t pixels)

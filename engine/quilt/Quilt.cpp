@@ -14,10 +14,11 @@ namespace {
 constexpr const char* kCannotAvoid = "Cannot avoid matte!\n";
 constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
 constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
-/// Runs of blocks in a step, for each thread: a thread that is late costs the others little.
+/// Runs of blocks in a step for each thread; more than one, so that the others make up for a slow
+/// thread.
 constexpr int kRunsPerThread = 2;
-/// A sample box outside of its texture is copied when it is not larger than this, pixels.
-constexpr std::int64_t kMostUnfolded = 1 << 22;
+/// The largest sample box that is copied when it extends beyond its texture, pixels.
+constexpr std::int64_t kMaxUnfolded = 1 << 22;
 
 }  // namespace
 
@@ -26,8 +27,8 @@ Quilt<Pixel>::Quilt(const QuiltInputs<Pixel>& inputs)
     : in_(inputs),
       blocks_(inputs.blocks),
       work_(inputs.statusRecord),
-      surrender_{kNowhere, kNever},
-      benches_(static_cast<std::size_t>(work_.workers()))
+      avoidFailure_{kNowhere, kNever},
+      workspaces_(static_cast<std::size_t>(work_.workers()))
 {}
 
 template <typename Pixel>
@@ -43,8 +44,8 @@ QuiltResult Quilt<Pixel>::run()
         MapProcessor::reportMap("Sampler", "bogus");
         return result;
     }
-    if (isAvoiding()) findSurrender();
-    result.gaveUpAvoiding = surrender_.block != kNowhere;
+    if (isAvoiding()) findAvoidFailure();
+    result.gaveUpAvoiding = avoidFailure_.block != kNowhere;
     if (!placeBlocks()) return result;
     RowCopy<Pixel> copy;
     copy.setStatusRecord(in_.statusRecord);
@@ -53,7 +54,7 @@ QuiltResult Quilt<Pixel>::run()
     return result;
 }
 
-/// Clamps the sizes to each other; a host may hand over any values.
+/// Clamps the sizes to each other; a host may pass any values.
 template <typename Pixel>
 void Quilt<Pixel>::clampSizes()
 {
@@ -73,14 +74,14 @@ void Quilt<Pixel>::clampSizes()
     s.blendH = std::clamp(s.blendH, 0, s.overlapH / 2);
 }
 
-/// Makes what all blocks share; false when there is no memory for the rectangle.
+/// Makes the data that all blocks share; false without memory for the rectangle.
 template <typename Pixel>
 bool Quilt<Pixel>::makeRoom()
 {
     const Region& rect = in_.fillRect;
     grid_ = BlockGrid(rect, blocks_);
     const int workers = work_.workers();
-    if (workers > 1) grid_.cutRuns(kRunsPerThread * workers);
+    if (workers > 1) grid_.splitRuns(kRunsPerThread * workers);
     fillBuffer_.setSize(rect.x1 - rect.x0, rect.y1 - rect.y0);
     fillBuffer_.placeAt(rect.x0, rect.y0);
     fillBuffer_.allocate();
@@ -95,7 +96,7 @@ bool Quilt<Pixel>::makeRoom()
     if (in_.blockList != nullptr) in_.blockList->resize(chosen_.size());
     for (const Map<Pixel>* texture : in_.textures) {
         textures_.emplace_back(*texture);
-        if (!isAvoiding()) textures_.back().unfold(in_.sampleBox, kMostUnfolded);
+        if (!isAvoiding()) textures_.back().unfold(in_.sampleBox, kMaxUnfolded);
         textureDomains_.push_back(texture);
     }
     if (isAvoiding()) avoided_ = std::make_unique<RegionSums>(*in_.fillMask);
@@ -104,47 +105,47 @@ bool Quilt<Pixel>::makeRoom()
     return true;
 }
 
-/// Which candidate cannot keep clear of the fill region is known before any block is placed, since
-/// candidates depend on nothing but their block. So the blocks after that one draw freely, in
-/// whatever order they are worked.
+/// Finds the first candidate that cannot avoid the fill region, before any block is placed:
+/// candidates depend on their block only. The blocks after that one then draw freely, in whatever
+/// order they are placed.
 template <typename Pixel>
-void Quilt<Pixel>::findSurrender()
+void Quilt<Pixel>::findAvoidFailure()
 {
-    std::vector<Surrender> first(static_cast<std::size_t>(grid_.rows()), surrender_);
+    std::vector<AvoidFailure> first(static_cast<std::size_t>(grid_.rows()), avoidFailure_);
     std::atomic<int> firstRow{grid_.rows()};
     const auto drawRow = [&](int row, int worker) {
         for (int column = 0; column < grid_.columns() && row <= firstRow; ++column) {
             const BlockPlace place = grid_.at(row, column);
-            CandidateDraw draw(candidates_, place, kNever, bench(worker).choice.tried());
+            CandidateDraw draw(candidates_, place, kNever, workspace(worker).choice.tried());
             while (!draw.failedToAvoid() && draw.next()) {
             }
             if (!draw.failedToAvoid()) continue;
             first[static_cast<std::size_t>(row)] = {grid_.index(row, column), draw.drawn()};
-            for (int least = firstRow; row < least;) firstRow.compare_exchange_weak(least, row);
+            for (int min = firstRow; row < min;) firstRow.compare_exchange_weak(min, row);
             return;
         }
     };
     if (!work_.run(grid_.rows(), drawRow) || firstRow == grid_.rows()) return;
-    surrender_ = first[static_cast<std::size_t>(firstRow)];
+    avoidFailure_ = first[static_cast<std::size_t>(firstRow)];
     std::fputs(kCannotAvoid, stderr);
 }
 
-/// How many candidates of a block are drawn clear of the fill region.
+/// The number of a block's candidates that avoid the fill region.
 template <typename Pixel>
 std::int64_t Quilt<Pixel>::freeFrom(std::size_t block) const
 {
-    if (block == surrender_.block) return surrender_.drawn;
-    return block < surrender_.block ? kNever : 0;
+    if (block == avoidFailure_.block) return avoidFailure_.drawn;
+    return block < avoidFailure_.block ? kNever : 0;
 }
 
-/// Whether all blocks were placed before an abort.
+/// Places all blocks; false after an abort.
 template <typename Pixel>
 bool Quilt<Pixel>::placeBlocks()
 {
     for (int step = 0; step <= grid_.steps(); ++step) {
         const std::vector<BlockRun> runs =
             step < grid_.steps() ? grid_.runsOf(step) : std::vector<BlockRun>{};
-        // Rows that were completed in the step before are joined beside this one.
+        // Rows that the previous step completed are joined in this one.
         std::vector<int> joins;
         for (int row = 0; row < grid_.rows(); ++row) {
             if (grid_.lastStepOf(row) == step - 1) joins.push_back(row);
@@ -152,9 +153,9 @@ bool Quilt<Pixel>::placeBlocks()
         const int runCount = static_cast<int>(runs.size());
         const auto work = [&](int task, int worker) {
             if (task < runCount) {
-                placeRun(runs[static_cast<std::size_t>(task)], bench(worker));
+                placeRun(runs[static_cast<std::size_t>(task)], workspace(worker));
             } else {
-                joinRow(joins[static_cast<std::size_t>(task - runCount)], bench(worker));
+                joinRow(joins[static_cast<std::size_t>(task - runCount)], workspace(worker));
             }
         };
         if (!work_.run(runCount + static_cast<int>(joins.size()), work)) return false;
@@ -164,17 +165,17 @@ bool Quilt<Pixel>::placeBlocks()
 }
 
 template <typename Pixel>
-void Quilt<Pixel>::placeRun(const BlockRun& run, Bench& bench)
+void Quilt<Pixel>::placeRun(const BlockRun& run, Workspace& workspace)
 {
     for (int column = run.begin; column < run.end && !work_.stops(); ++column) {
-        placeBlock(grid_.at(run.row, column), bench);
+        placeBlock(grid_.at(run.row, column), workspace);
     }
 }
 
-/// Places one block: draws candidates, keeps the one that agrees best with what is there, cuts it
-/// in along a seam, and records it for replay.
+/// Places one block: draws candidates, chooses the best, pastes it along a seam, and records it for
+/// replay.
 template <typename Pixel>
-void Quilt<Pixel>::placeBlock(const BlockPlace& place, Bench& bench)
+void Quilt<Pixel>::placeBlock(const BlockPlace& place, Workspace& workspace)
 {
     const std::size_t index = grid_.index(place.row, place.column);
     const BlockSurroundings<Pixel> surroundings = {
@@ -184,16 +185,16 @@ void Quilt<Pixel>::placeBlock(const BlockPlace& place, Bench& bench)
         .left = place.firstInRow() ? nullptr : &chosen_[index - 1],
         .leftShift = blocks_.strideX(),
         .below = below(place)};
-    CandidateDraw draw(candidates_, place, freeFrom(index), bench.choice.tried());
+    CandidateDraw draw(candidates_, place, freeFrom(index), workspace.choice.tried());
     const Candidate best =
-        bench.choice.best(draw, place, surroundings, [this] { return work_.stops(); });
+        workspace.choice.best(draw, place, surroundings, [this] { return work_.stops(); });
     chosen_[index] = best;
-    const Rows<Pixel> block = textures_[static_cast<std::size_t>(best.texture)].window(
-        best.x, best.y, place.width, place.height, bench.copy);
-    bench.path.assign(static_cast<std::size_t>(place.height), 0);
-    if (place.overlapW > 0) findVerticalSeam(place, block, bench);
-    pasteBlock(place, block, bench.path);
-    if (in_.blockList != nullptr) record(place, best, bench.path);
+    const Rows<Pixel> block = textures_[static_cast<std::size_t>(best.texture)].rows(
+        best.x, best.y, place.width, place.height, workspace.copy);
+    workspace.path.assign(static_cast<std::size_t>(place.height), 0);
+    if (place.overlapW > 0) findVerticalSeam(place, block, workspace);
+    pasteBlock(place, block, workspace.path);
+    if (in_.blockList != nullptr) record(place, best, workspace.path);
 }
 
 /// The row below, from the block's corner on.
@@ -207,20 +208,20 @@ Rows<Pixel> Quilt<Pixel>::below(const BlockPlace& place) const
 
 template <typename Pixel>
 void Quilt<Pixel>::findVerticalSeam(const BlockPlace& place, const Rows<Pixel>& block,
-                                    Bench& bench) const
+                                    Workspace& workspace) const
 {
     const Candidate& left = chosen_[grid_.index(place.row, place.column - 1)];
-    const Rows<Pixel> beside = textures_[static_cast<std::size_t>(left.texture)].window(
-        left.x + blocks_.strideX(), left.y, place.overlapW, place.height, bench.besideCopy);
-    bench.strip.shape(place.height, place.overlapW);
+    const Rows<Pixel> beside = textures_[static_cast<std::size_t>(left.texture)].rows(
+        left.x + blocks_.strideX(), left.y, place.overlapW, place.height, workspace.besideCopy);
+    workspace.strip.shape(place.height, place.overlapW);
     Kernels::pixelKernels<Pixel>(Kernels::kernels())
-        .errorMap(beside, block, {}, place.overlapW, place.height, bench.strip.errors(0),
-                  bench.strip.stride());
-    bestFitPath({blocks_.seamStep, blocks_.blendW}, bench.strip, bench.path);
+        .errorMap(beside, block, {}, place.overlapW, place.height, workspace.strip.errors(0),
+                  workspace.strip.stride());
+    bestFitPath({blocks_.seamStep, blocks_.blendW}, workspace.strip, workspace.path);
 }
 
-/// The pixel at the block's first column and row y of it: apart from the fill buffer where the row
-/// lies over the one below.
+/// The pixel in a block's first column and its row y: in the strip where the row overlaps the one
+/// below, else in the fill buffer.
 template <typename Pixel>
 Pixel* Quilt<Pixel>::pixelsAt(const BlockPlace& place, int y)
 {
@@ -235,7 +236,7 @@ Pixel* Quilt<Pixel>::stripAt(int row, int y)
     return strips_.pixelAt(0, (row - 1) * blocks_.overlapH + y);
 }
 
-/// Cuts a block in along its vertical seam; the first of a row has nothing beside it.
+/// Pastes a block along its vertical seam; the first of a row has none.
 template <typename Pixel>
 void Quilt<Pixel>::pasteBlock(const BlockPlace& place, const Rows<Pixel>& block,
                               std::span<const int> seam)
@@ -245,7 +246,7 @@ void Quilt<Pixel>::pasteBlock(const BlockPlace& place, const Rows<Pixel>& block,
     for (int y = 0; y < place.height; ++y) {
         Pixel* to = pixelsAt(place, y);
         const Pixel* from = block.at(y);
-        // Columns of the block, from its corner on.
+        // Columns relative to the block's corner.
         const int cut =
             place.firstInRow()
                 ? 0
@@ -261,28 +262,30 @@ void Quilt<Pixel>::pasteBlock(const BlockPlace& place, const Rows<Pixel>& block,
     }
 }
 
-/// Cuts a complete row into the fill buffer along its seam with the row below.
+/// Pastes the strip of a complete row along its seam with the row below.
 template <typename Pixel>
-void Quilt<Pixel>::joinRow(int row, Bench& bench)
+void Quilt<Pixel>::joinRow(int row, Workspace& workspace)
 {
     const int width = in_.fillRect.x1 - in_.fillRect.x0;
     const int overlap = grid_.rowOverlap(row);
-    bench.path.assign(static_cast<std::size_t>(width), 0);
+    workspace.path.assign(static_cast<std::size_t>(width), 0);
     if (overlap > 0) {
         const Rows<Pixel> lower{fillBuffer_.pixelAt(0, grid_.rowY(row) - in_.fillRect.y0),
                                 fillBuffer_.stride()};
         const Rows<Pixel> upper{stripAt(row, 0), strips_.stride()};
-        bench.errors.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(overlap));
+        workspace.errors.resize(static_cast<std::size_t>(width) *
+                                static_cast<std::size_t>(overlap));
         Kernels::pixelKernels<Pixel>(Kernels::kernels())
-            .errorMap(lower, upper, {}, width, overlap, bench.errors.data(), width);
-        bench.strip.shape(width, overlap);
-        bench.strip.setColumns({bench.errors.data(), static_cast<std::ptrdiff_t>(4) * width});
-        bestFitPath({blocks_.seamStep, blocks_.blendH}, bench.strip, bench.path);
+            .errorMap(lower, upper, {}, width, overlap, workspace.errors.data(), width);
+        workspace.strip.shape(width, overlap);
+        workspace.strip.setColumns(
+            {workspace.errors.data(), static_cast<std::ptrdiff_t>(4) * width});
+        bestFitPath({blocks_.seamStep, blocks_.blendH}, workspace.strip, workspace.path);
         // The search ran from the last column to the first.
-        std::ranges::reverse(bench.path);
-        pasteStrip(row, bench.path);
+        std::ranges::reverse(workspace.path);
+        pasteStrip(row, workspace.path);
     }
-    if (in_.blockList != nullptr) recordRowSeam(row, bench.path);
+    if (in_.blockList != nullptr) recordRowSeam(row, workspace.path);
 }
 
 template <typename Pixel>
@@ -324,7 +327,7 @@ void Quilt<Pixel>::record(const BlockPlace& place, const Candidate& best, std::s
     }
 }
 
-/// Gives each block of the row its part of the row's horizontal seam.
+/// Records each block's part of the row's horizontal seam.
 template <typename Pixel>
 void Quilt<Pixel>::recordRowSeam(int row, std::span<const int> seam)
 {
@@ -343,7 +346,7 @@ void Quilt<Pixel>::recordRowSeam(int row, std::span<const int> seam)
     }
 }
 
-/// Reports the blocks of rows that are complete, in order.
+/// Reports the blocks of the first `rows` rows, in order.
 template <typename Pixel>
 void Quilt<Pixel>::reportRows(int rows)
 {
@@ -362,11 +365,11 @@ void Quilt<Pixel>::reportRows(int rows)
 }
 
 template <typename Pixel>
-typename Quilt<Pixel>::Bench& Quilt<Pixel>::bench(int worker)
+typename Quilt<Pixel>::Workspace& Quilt<Pixel>::workspace(int worker)
 {
-    auto& bench = benches_[static_cast<std::size_t>(worker)];
-    if (bench == nullptr) bench = std::make_unique<Bench>(work_.workers());
-    return *bench;
+    auto& workspace = workspaces_[static_cast<std::size_t>(worker)];
+    if (workspace == nullptr) workspace = std::make_unique<Workspace>(work_.workers());
+    return *workspace;
 }
 
 template class Quilt<PixelRGBA8>;

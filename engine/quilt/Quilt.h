@@ -14,18 +14,18 @@
 
 namespace Orvane::Engine {
 
-/// What quilting works on. Maps are borrowed for one call.
+/// The inputs of a quilt. Maps are borrowed for one call.
 template <typename Pixel>
 struct QuiltInputs {
     Region fillRect;                           ///< the area to cover
     Region sampleBox;                          ///< where candidates come from; may be empty
     std::span<Map<Pixel>* const> textures;     ///< at least one
     const Map<Pixel>* source = nullptr;        ///< known pixels, where `weightMap` is positive
-    Map<Pixel>* target = nullptr;              ///< is written over the fill rectangle
-    const Map<Pixel32f>* fillMask = nullptr;   ///< nonzero is to be filled; null without mask
-    const Map<Pixel32f>* weightMap = nullptr;  ///< positive on known pixels; not used with fillAll
-    bool fillAll = true;           ///< nothing is known: no candidate is compared to source
-    bool avoidFillRegion = false;  ///< reject candidates that touch the fill mask
+    Map<Pixel>* target = nullptr;              ///< written over the fill rectangle
+    const Map<Pixel32f>* fillMask = nullptr;   ///< nonzero is to be filled; may be null
+    const Map<Pixel32f>* weightMap = nullptr;  ///< positive on known pixels; unused with fillAll
+    bool fillAll = true;                       ///< compare no candidate with the source
+    bool avoidFillRegion = false;              ///< reject candidates that touch the fill mask
     int seed = 0;
     BlockSettings blocks;
     BlockList* blockList = nullptr;        ///< gets a record for each block; may be null
@@ -33,23 +33,24 @@ struct QuiltInputs {
     RenderObserver* observer = nullptr;    ///< may be null
 };
 
-/// What became of a quilt.
+/// The outcome of a quilt.
 struct QuiltResult {
-    bool hasRoom = true;          ///< false: nothing is placed or recorded, for want of memory
-    BlockSize blockSize;          ///< as it was used, clamped
-    bool gaveUpAvoiding = false;  ///< candidates that touch the fill mask had to be taken
+    bool hasRoom = true;          ///< false: out of memory, nothing placed or recorded
+    BlockSize blockSize;          ///< after clamping
+    bool gaveUpAvoiding = false;  ///< candidates that touch the fill mask were used
 };
 
 /// Block quilting (Efros and Freeman 2001, section 2): covers a rectangle with blocks of texture in
 /// overlapping rows, from the corner with the smallest x and y. Each block is the best of a number
-/// of random candidates; blocks of a row, and rows, are joined along seams of least error.
+/// of random candidates; the blocks of a row, and the rows, are joined along seams of minimum
+/// error.
 ///
-/// `BlockGrid` says which blocks can be worked side by side. Every block is pasted over the one to
-/// its left at once; but the strip in which a row lies over the one below is kept apart, since both
-/// rows are read there until the upper one is complete and its seam is found. What the row above
-/// reads lies outside that strip.
+/// `BlockGrid` schedules the blocks for several threads. A block is pasted over the one to its left
+/// immediately. The strip in which a row overlaps the one below is stored separately, since both
+/// rows are read there until the upper one is complete and its seam is found. The row above reads
+/// only outside that strip.
 ///
-/// After an abort it ends early and the target keeps what it had.
+/// An abort ends the quilt early and leaves the target unchanged.
 template <typename Pixel>
 class Quilt {
 public:
@@ -57,9 +58,9 @@ public:
     QuiltResult run();
 
 private:
-    /// What one worker needs for itself.
-    struct Bench {
-        explicit Bench(int threads) : choice(threads) {}
+    /// The buffers of one worker.
+    struct Workspace {
+        explicit Workspace(int threads) : choice(threads) {}
 
         BlockChoice<Pixel> choice;
         SeamStrip strip;
@@ -67,28 +68,29 @@ private:
         std::vector<int> path;
         std::vector<Pixel> copy, besideCopy;
     };
-    /// The first candidate that could not keep clear of the fill region, and so where drawing
-    /// becomes free: a block in the order of rows, and how many candidates it drew until then.
-    struct Surrender {
+    /// The first candidate that could not avoid the fill region, from which on drawing is free: its
+    /// block in row order, and the number of candidates that this block drew before.
+    struct AvoidFailure {
         std::size_t block;
         std::int64_t drawn;
     };
 
     void clampSizes();
     bool makeRoom();
-    void findSurrender();
+    void findAvoidFailure();
     bool placeBlocks();
-    void placeRun(const BlockRun& run, Bench& bench);
-    void placeBlock(const BlockPlace& place, Bench& bench);
+    void placeRun(const BlockRun& run, Workspace& workspace);
+    void placeBlock(const BlockPlace& place, Workspace& workspace);
     std::int64_t freeFrom(std::size_t block) const;
-    void findVerticalSeam(const BlockPlace& place, const Rows<Pixel>& block, Bench& bench) const;
+    void findVerticalSeam(const BlockPlace& place, const Rows<Pixel>& block,
+                          Workspace& workspace) const;
     void pasteBlock(const BlockPlace& place, const Rows<Pixel>& block, std::span<const int> seam);
-    void joinRow(int row, Bench& bench);
+    void joinRow(int row, Workspace& workspace);
     void pasteStrip(int row, std::span<const int> seam);
     void record(const BlockPlace& place, const Candidate& best, std::span<const int> seam);
     void recordRowSeam(int row, std::span<const int> seam);
     void reportRows(int rows);
-    Bench& bench(int worker);
+    Workspace& workspace(int worker);
     Pixel* pixelsAt(const BlockPlace& place, int y);
     Pixel* stripAt(int row, int y);
     Rows<Pixel> below(const BlockPlace& place) const;
@@ -102,11 +104,11 @@ private:
     std::vector<const MapDomain*> textureDomains_;
     std::unique_ptr<RegionSums> avoided_;
     CandidateSource candidates_;
-    Surrender surrender_;
-    std::vector<std::unique_ptr<Bench>> benches_;
+    AvoidFailure avoidFailure_;
+    std::vector<std::unique_ptr<Workspace>> workspaces_;
     std::vector<Candidate> chosen_;  ///< for each block, row by row
     Map<Pixel> fillBuffer_;          ///< over the fill rectangle
-    Map<Pixel> strips_;              ///< of each row but the first, one above the other
+    Map<Pixel> strips_;              ///< of each row but the first, bottom up
     int reportedRows_ = 0;
 };
 

@@ -30,7 +30,7 @@ RegionSums::RegionSums(const Map<Pixel32f>& mask) : mask_(&mask)
     y_ = std::int64_t{mask.yAxis().offset} + mask.yAxis().storeStart;
     width_ = mask.xAxis().storeLength;
     height_ = mask.yAxis().storeLength;
-    // More pixels than a table may count are looked at one by one.
+    // A mask with more pixels than the table can count is tested pixel by pixel.
     if (width_ * height_ > std::int64_t{UINT32_MAX}) return;
     sums_.assign(static_cast<std::size_t>((width_ + 1) * (height_ + 1)), 0);
     for (std::int64_t row = 0; row < height_; ++row) {

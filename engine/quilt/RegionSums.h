@@ -7,8 +7,8 @@
 
 namespace Orvane::Engine {
 
-/// Answers with four reads whether a rectangle touches a region: a table of how many pixels of the
-/// region lie below and to the left of each corner (Crow 1984).
+/// Tests with four reads whether a rectangle touches a region: a table of the number of region
+/// pixels below and to the left of each corner (Crow 1984).
 class RegionSums {
 public:
     /// The region is where `mask` is not 0. The mask must outlive the object and keep its geometry.
@@ -24,7 +24,7 @@ private:
     }
 
     const Map<Pixel32f>* mask_;
-    bool isTabled_ = false;                ///< the mask reads 0 wherever it has no pixel
+    bool isTabled_ = false;                ///< the table exists; the mask reads 0 outside it
     std::int64_t x_ = 0, y_ = 0;           ///< of the table's first pixel
     std::int64_t width_ = 0, height_ = 0;  ///< of the table, pixels
     std::vector<std::uint32_t> sums_;

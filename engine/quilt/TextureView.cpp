@@ -3,10 +3,10 @@
 namespace Orvane::Engine {
 
 template <typename Pixel>
-void TextureView<Pixel>::unfold(const Region& box, std::int64_t most)
+void TextureView<Pixel>::unfold(const Region& box, std::int64_t maxPixels)
 {
     const int width = box.x1 - box.x0, height = box.y1 - box.y0;
-    if (box.isEmpty() || std::int64_t{width} * height > most) return;
+    if (box.isEmpty() || std::int64_t{width} * height > maxPixels) return;
     if (texture_->interiorPixels(box.x0, box.y0, width, height) != nullptr) return;
     unfolded_.setSize(width, height);
     unfolded_.placeAt(box.x0, box.y0);
@@ -19,13 +19,13 @@ void TextureView<Pixel>::unfold(const Region& box, std::int64_t most)
 }
 
 template <typename Pixel>
-Rows<Pixel> TextureView<Pixel>::window(int x, int y, int width, int height,
-                                       std::vector<Pixel>& scratch) const
+Rows<Pixel> TextureView<Pixel>::rows(int x, int y, int width, int height,
+                                     std::vector<Pixel>& scratch) const
 {
     if (const Pixel* first = unfolded_.interiorPixels(x, y, width, height)) {
         return {first, unfolded_.stride()};
     }
-    return windowOf(*texture_, x, y, width, height, scratch);
+    return rowsOf(*texture_, x, y, width, height, scratch);
 }
 
 template class TextureView<PixelRGBA8>;

@@ -24,7 +24,7 @@ using Shape = std::function<bool(int x, int y)>;
 
 constexpr int kSize = 120;
 
-/// Everything that a boundary is fitted from, round a region of any shape in a square picture.
+/// The inputs of a boundary path, round a region of any shape in a square image.
 template <typename Pixel>
 struct Scene {
     static constexpr float kMax = PixelTraits<Pixel>::kMax;
@@ -100,13 +100,13 @@ bool star(int x, int y)
     return std::hypot(x - 62, y - 58) < 26.0 + 9.0 * std::cos(5.0 * angle);
 }
 
-bool speck(int x, int y)  // so small that a way round it is hardly longer than one straight on
+bool speck(int x, int y)  // so small that the way round it is hardly longer than the straight one
 {
     return x >= 59 && x < 62 && y >= 54 && y < 56;
 }
 
 /// From cuts all round the region: the same loop as the plain search, whose end is the arrival cell
-/// of least mean cost.
+/// of minimum mean cost.
 TYPED_TEST(Boundary, PathIsTheBestThatReachesTheCut)
 {
     const FakeServices services;
@@ -175,11 +175,11 @@ TYPED_TEST(Boundary, EnclosesTheRegionOrTakesItItself)
     }
 }
 
-TYPED_TEST(Boundary, FollowsThePixelsWhereThePicturesAgree)
+TYPED_TEST(Boundary, FollowsThePixelsWhereTheImagesAgree)
 {
     const FakeServices services;
     Scene<TypeParam> scene(disc);
-    // The pictures agree on one ring of the band, three pixels wide, and nowhere else.
+    // The images agree only on one ring of the band, three pixels wide.
     for (int y = 0; y < kSize; ++y) {
         for (int x = 0; x < kSize; ++x) {
             const double distance = std::hypot(x - 60, y - 55);
@@ -218,10 +218,10 @@ TEST(BoundaryCost, IsTheMeanSquaredDifference)
     floats.source.at(6, 5) = {0.0f, 0.0f, 0.0f, 0.0f};
     const PathSearch<PixelRGBAf> ofFloats(floats.search());
     EXPECT_EQ(ofFloats.pixelCost({5, 5}), 1.3125f * 0.33333334f);
-    EXPECT_EQ(ofFloats.pixelCost({6, 5}), 0.01953125f * 0.33333334f) << "a quotient is another";
+    EXPECT_EQ(ofFloats.pixelCost({6, 5}), 0.01953125f * 0.33333334f) << "a quotient differs";
 }
 
-TEST(Boundary8, WithoutAWayRoundTheMaskStaysAsItWas)
+TEST(Boundary8, WithoutAWayRoundTheMaskStaysUnchanged)
 {
     FakeServices services;
     struct Case {
@@ -253,7 +253,7 @@ TEST(Boundary8, WithoutAWayRoundTheMaskStaysAsItWas)
             EXPECT_EQ(scene.mask.width(), 3) << c.what;
         }
     }
-    // A band without an outer edge: the walks end where the picture does.
+    // A band without an outer edge: the walks end at the edge of the image.
     Scene<PixelRGBA8> everywhere(disc);
     std::ranges::fill(everywhere.band.pixels(), 200.0f);
     EXPECT_NE(everywhere.fit(1), BoundaryOutcome::Fitted);
@@ -263,7 +263,7 @@ TEST(Boundary8, WithoutAWayRoundTheMaskStaysAsItWas)
     EXPECT_EQ(scene.fit(1), BoundaryOutcome::NoPath);
 }
 
-TEST(Boundary8, EndsWhereFloatsCannotTellPixelsApart)
+TEST(Boundary8, EndsWhereFloatsCannotDistinguishPixels)
 {
     const FakeServices services;
     Scene<PixelRGBA8> scene(disc);

@@ -171,8 +171,7 @@ TEST(BoxBlur, WorksInPlaceAndOnARegion)
     }
 }
 
-/// What is far from everything else must come out to the last bit: the composite takes the source
-/// there.
+/// Zeros far from everything else must stay exact: the composite copies the source there.
 TEST(BoxBlur, LeavesFlatFieldsFlatAndNanWhereItWas)
 {
     const FakeServices services(2);
@@ -239,7 +238,7 @@ TEST(BoxBlur, TakesAnyRadius)
     EXPECT_EQ(blurred(kOne, 3.0f, 3.0f, 1.0f, kNan), blurred(kOne, 0.0f, 3.0f));
 }
 
-TEST(BoxBlur, SaysSoWhenThereIsNoMemory)
+TEST(BoxBlur, ReportsMissingMemory)
 {
     FakeServices services(2);
     auto map = randomMask(9, 9, 2);

@@ -20,7 +20,7 @@ using Testing::TestMap;
 
 using Point = std::pair<int, int>;
 
-/// The pixels of a region that hang together with (x, y) and read `target`, found one by one.
+/// The pixels of a region that read `target` and are connected to (x, y), found one by one.
 template <typename Pixel>
 std::set<Point> connected(const Map<Pixel>& read, const Region& region, Point seed, Pixel target)
 {
@@ -183,13 +183,13 @@ TYPED_TEST(FloodFillTest, FollowsAnyNumberOfSpans)
     }
 }
 
-TEST(FloodFill, TellsEveryPixelOnce)
+TEST(FloodFill, ReportsEveryPixelOnce)
 {
     class Counting final : public FloodFill<Pixel32f> {
     public:
         using FloodFill::FloodFill;
-        void pixelFilled(int x, int y) override { told.emplace_back(x, y); }
-        std::vector<Point> told;
+        void pixelFilled(int x, int y) override { reported.emplace_back(x, y); }
+        std::vector<Point> reported;
     };
     const FakeServices services(4);
     const auto read = drawn<Pixel32f>(4,
@@ -199,12 +199,12 @@ TEST(FloodFill, TellsEveryPixelOnce)
     TestMap<Pixel32f> written(4, 3);
     Counting fill(255.0f);
     fill.process(*read, *written);
-    EXPECT_EQ(fill.told.size(), 8u);
-    EXPECT_EQ(std::set<Point>(fill.told.begin(), fill.told.end()),
+    EXPECT_EQ(fill.reported.size(), 8u);
+    EXPECT_EQ(std::set<Point>(fill.reported.begin(), fill.reported.end()),
               connected<Pixel32f>(*read, {0, 0, 4, 3}, {0, 0}, 0.0f));
 }
 
-TEST(FloodFill, PaintsTheHighestIntegerUnlessTold)
+TEST(FloodFill, PaintsTheMaximumIntegerByDefault)
 {
     const FakeServices services;
     TestMap<Pixel32i> read(2, 1), written(2, 1);

@@ -1,4 +1,4 @@
-// Quilts into a mask, guided by known pixels and kept clear of the region that they fill.
+// Quilts into a mask, guided by known pixels, with candidates that avoid the region to fill.
 
 #include <random>
 #include <string>
@@ -43,7 +43,7 @@ TestMap<Pixel> patches(int width, int height, std::uint32_t seed, int x = 0, int
     return map;
 }
 
-/// A quilt into a mask, beside the plain one. Everything lies in one plane: the source and the
+/// A quilt into a mask, and the reference. Everything lies in one plane: the source and the
 /// textures, of which the second and the third are placed elsewhere, reach over the fill rectangle.
 template <typename Pixel>
 struct GuidedQuilt {
@@ -64,7 +64,7 @@ struct GuidedQuilt {
         }
     }
 
-    /// Leaves so much of the plane clear of the mask, at its corner.
+    /// Leaves only a corner of the plane clear of the mask.
     void leaveClear(int width, int height)
     {
         for (int y = 0; y < 40; ++y) {
@@ -110,7 +110,7 @@ struct GuidedQuilt {
         for (auto& texture : plain) plainTextures.push_back(&texture);
         Reference::Quilt<Pixel> quilt(settings, plainTextures, known);
         auto expected = quilt.cover(5, 4, 41, 33);
-        mostAttempts = quilt.mostAttempts;
+        maxAttempts = quilt.maxAttempts;
         gaveUp = quilt.gaveUp;
         EXPECT_EQ(result.gaveUpAvoiding, gaveUp);
         EXPECT_EQ(said, gaveUp ? "Cannot avoid matte!\n" : "");
@@ -134,7 +134,7 @@ struct GuidedQuilt {
                               patches<Pixel>(60, 41, 32, -8, -1)};
     TestMap<Pixel> source = patches<Pixel>(50, 40, 33), target = solid<Pixel>(50, 40, 0.0f);
     TestMap<Pixel32f> weight{50, 40}, mask{50, 40};
-    int mostAttempts = 0;
+    int maxAttempts = 0;
     bool gaveUp = false;
 };
 
@@ -161,13 +161,13 @@ TYPED_TEST(GuidedQuilts, AgreeWithTheReference)
     }
 }
 
-/// One candidate takes hundreds of draws then, and their number shows in the ones after it.
-TYPED_TEST(GuidedQuilts, AgreeWithTheReferenceWhereFewPlacesKeepClear)
+/// One candidate then takes hundreds of draws, whose number affects all later ones.
+TYPED_TEST(GuidedQuilts, AgreeWithTheReferenceWhereFewPositionsAreClear)
 {
     GuidedQuilt<TypeParam> quilt;
     quilt.settings.numSamples = 2;
     quilt.leaveClear(14, 13);
-    for (quilt.settings.seed = 1; quilt.mostAttempts < 700; ++quilt.settings.seed) {
+    for (quilt.settings.seed = 1; quilt.maxAttempts < 700; ++quilt.settings.seed) {
         quilt.expectReference(1, true, true);
     }
     EXPECT_FALSE(quilt.gaveUp);

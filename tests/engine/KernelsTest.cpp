@@ -1,4 +1,4 @@
-/// Every table of kernels that this processor offers, against the plain one, bit for bit.
+/// Compares every table of kernels that this processor can run with the plain one, bit for bit.
 
 #include <bit>
 #include <cmath>
@@ -41,7 +41,7 @@ protected:
 
     int below(int n) { return static_cast<int>(random_() % static_cast<unsigned>(n)); }
 
-    /// Floats of 0 to `full`, and now and then something that no picture should hold.
+    /// Floats of 0 to `full`, and sometimes a value that no image should hold.
     float value(float full)
     {
         constexpr float kInfinity = std::numeric_limits<float>::infinity();
@@ -53,7 +53,7 @@ protected:
     Channel channel()
     {
         if constexpr (std::is_integral_v<Channel>) {
-            // Often near each other, as in a picture.
+            // Often near each other, as in an image.
             const int most = std::numeric_limits<Channel>::max();
             return static_cast<Channel>(below(2) ? below(most + 1) : most - below(4));
         } else {
@@ -107,7 +107,7 @@ TYPED_TEST(KernelsTest, ErrorsAreThePlainOnes)
         };
         const Rows<Pixel> aRows = rows(a, aGap),
                           bRows = rows(b, &b == &a ? aGap : std::min(aGap, bGap));
-        // What lies between the rows of a map stays as it is.
+        // The gaps between the rows of a map stay unchanged.
         std::vector<float> wanted(static_cast<std::size_t>(mapStride * height), 7.0f), got = wanted;
         auto weights = this->values(width * height, 1.0f);
         for (float& w : weights) w = this->below(3) == 0 ? 0.0f : w;

@@ -30,7 +30,7 @@ TestMap<Pixel32f> floats(int width, int height, float value, int x = 0, int y = 
     return map;
 }
 
-/// One match over pictures of the same size.
+/// One match over images of the same size.
 template <typename Pixel>
 struct Match {
     Match(TestMap<Pixel> from, TestMap<Pixel> to)
@@ -81,15 +81,15 @@ Doubles blurred(const Doubles& values, int width, int radius)
 }
 
 template <typename Pixel>
-Doubles lumaOf(const TestMap<Pixel>& picture)
+Doubles lumaOf(const TestMap<Pixel>& image)
 {
     Doubles luma;
-    for (const Pixel& p : picture.pixels()) {
+    for (const Pixel& p : image.pixels()) {
         constexpr bool kWhole = std::is_integral_v<typename Pixel::Channel>;
         const double mean = (static_cast<double>(p.r) + p.g + p.b) / 3.0;
         luma.push_back(kWhole ? std::floor(mean) : mean);
     }
-    return blurred(luma, picture->width(), 5);
+    return blurred(luma, image->width(), 5);
 }
 
 template <typename Pixel>
@@ -243,7 +243,7 @@ TEST(LuminanceMatch, EndsWhereTheSpreadCannot)
     EXPECT_EQ(blinker.touched(), "....... ....... ...2... ..222.. ...2... ....... .......");
 }
 
-TEST(LuminanceMatch, KeepsWhatIsNoNumberOutOfTheGain)
+TEST(LuminanceMatch, KeepsNanAndInfinityOutOfTheGain)
 {
     const FakeServices services(2);
     for (const float bad : {kNaN, std::numeric_limits<float>::infinity()}) {
@@ -265,7 +265,7 @@ TEST(LuminanceMatch, StaysInsideItsRegionAndTheGainMap)
     const auto band = floats(60, 60, 255.0f, -20, -20);
     auto gain = floats(60, 60, kUntouched, -20, -20), small = floats(3, 3, kUntouched, 8, 8);
     LuminanceMatch<PixelRGBA8> node(*band, *source, *gain), inSmall(*band, *source, *small);
-    node.setRegion(-20, -20, 9, 39);  // cut to the destination
+    node.setRegion(-20, -20, 9, 39);  // clamped to the destination
     node.process(*destination);
     for (int y = -20; y < 40; ++y) {
         for (int x = -20; x < 40; ++x) {
@@ -334,7 +334,7 @@ TEST(LuminanceMatch, ReportsMissingMemory)
             EXPECT_TRUE(services.memory.live.empty());
         }
     }
-    services.memory.refuseAll = true;  // and nobody to tell
+    services.memory.refuseAll = true;  // and no status record
     SmallMatch match({{1, 1}, {2, 1}, {1, 2}});
     EXPECT_THAT(match.run(5.0f), Each(kUntouched));
 }

@@ -21,7 +21,7 @@ void expectRegion(const MapProcessor& node, const Region& expected)
         << r.x0 << ' ' << r.y0 << ' ' << r.x1 << ' ' << r.y1;
 }
 
-TEST(MapProcessor, CutsItsRegionToTheMap)
+TEST(MapProcessor, ClampsItsRegionToTheMap)
 {
     TestMap<Pixel32f> map(6, 4, 10, 20);
     ConstantFill<Pixel32f> node(1.0f);
@@ -43,7 +43,7 @@ TEST(MapProcessor, CutsItsRegionToTheMap)
         expectRegion(node, c.used);
         EXPECT_TRUE(node.hasExplicitRegion());
     }
-    // Only what is all of a map at the origin follows the next map.
+    // Only a region that covers a whole map at the origin follows the next map.
     TestMap<Pixel32f> small(3, 3), large(5, 5);
     node.setRegion(0, 0, 9, 9);
     node.process(&*small);
@@ -53,7 +53,7 @@ TEST(MapProcessor, CutsItsRegionToTheMap)
     EXPECT_EQ(large.at(4, 4), 1.0f);
 }
 
-TEST(MapProcessor, SkipsWhatItCannotWorkOnAndSaysSo)
+TEST(MapProcessor, SkipsAndReportsUnusableMaps)
 {
     FakeServices services;
     Map<PixelRGBA8> empty, noWidth, noStorage;

@@ -71,7 +71,7 @@ TEST(MapAxis, ActiveRangeMovesTheEdges)
     EXPECT_EQ(axis.activeLength, 10);
 }
 
-TEST(MapAxis, StoredRangeIsCutToTheAxisAndFlagged)
+TEST(MapAxis, StoredRangeIsClampedToTheAxisAndFlagged)
 {
     MapAxis axis = axisOf(8, EdgeMode::EdgeMirror);
     axis.setStoredRange(0, 8);

@@ -126,7 +126,7 @@ TEST(LumaOf, IsTheMeanOfRedGreenAndBlue)
     TestMap<Pixel32f> luma(3, 1);
     LumaOf<PixelRGBA8> of8;
     of8.process(*bytes, *luma);
-    EXPECT_THAT(luma.pixels(), ElementsAre(2, 255, 0)) << "whole numbers; nothing outside";
+    EXPECT_THAT(luma.pixels(), ElementsAre(2, 255, 0)) << "integers; nothing outside";
     LumaOf<PixelRGBA16> of16;
     of16.process(*shorts, *luma);
     EXPECT_THAT(luma.pixels(), ElementsAre(65534, 0, 0));

@@ -62,8 +62,8 @@ TYPED_TEST(QuiltStages, ErrorAgreesWithTheReferenceForEveryThreadCount)
             Strip<TypeParam> strip;
             strip.width = 25;
             strip.height = 31;
-            strip.a = windowOf(*a, 2, 6, 25, 31, aCopy);
-            strip.b = windowOf(*b, bx, 101, 25, 31, bCopy);
+            strip.a = rowsOf(*a, 2, 6, 25, 31, aCopy);
+            strip.b = rowsOf(*b, bx, 101, 25, 31, bCopy);
             EXPECT_EQ(error.exact(strip), wanted);
             const float rough = error.rough(strip, std::numeric_limits<float>::max());
             EXPECT_LE(boundsOf(rough, strip.pixels()).least, wanted);
@@ -72,7 +72,7 @@ TYPED_TEST(QuiltStages, ErrorAgreesWithTheReferenceForEveryThreadCount)
     }
 }
 
-/// Of the few pixels whose float differs when the terms are added in another order.
+/// Uses pixels whose float sum depends on the order of the terms.
 TEST(OverlapError, AddsTheTermsInTheOrderBlueGreenRed)
 {
     const PixelRGBA16 a{47856, 13852, 24352, 0}, b{};
@@ -94,8 +94,8 @@ TYPED_TEST(QuiltStages, ErrorCountsOnlyPositiveWeights)
     const auto a = solid<TypeParam>(4, 1, 0.0f), b = solid<TypeParam>(4, 1, 1.0f);
     const std::array weights = {1.0f, 0.0f, -1.0f, std::numeric_limits<float>::quiet_NaN()};
     std::vector<TypeParam> copy;
-    const Strip<TypeParam> strip = {.a = windowOf(*a, 0, 0, 4, 1, copy),
-                                    .b = windowOf(*b, 0, 0, 4, 1, copy),
+    const Strip<TypeParam> strip = {.a = rowsOf(*a, 0, 0, 4, 1, copy),
+                                    .b = rowsOf(*b, 0, 0, 4, 1, copy),
                                     .weights = {weights.data(), 0},
                                     .width = 4,
                                     .height = 1};
@@ -168,7 +168,7 @@ TYPED_TEST(QuiltStages, WholeQuiltAgreesWithTheReference)
                              .boxY1 = 38};
     std::vector<Reference::Settings> cases(6, base);
     cases[1].blendW = cases[1].blendH = 2;
-    cases[2].blockW = cases[2].blockH = 500;  // cut to the box, overlap and blend to it
+    cases[2].blockW = cases[2].blockH = 500;  // clamped to the box, overlap and blend to the size
     cases[2].overlapW = cases[2].overlapH = cases[2].blendW = cases[2].blendH = 999;
     cases[3].threads = 4;
     cases[3].seed = -5;
@@ -251,7 +251,7 @@ TEST(BestFitPath, StaysWithinNarrowStrips)
     for (const int s : path) EXPECT_TRUE(s == 1 || s == 2);
 }
 
-/// A small quilt whose settings a test may spoil.
+/// A small quilt whose settings a test may change.
 struct SmallQuilt {
     SmallQuilt()
     {
@@ -279,7 +279,7 @@ struct SmallQuilt {
     QuiltResult result;
 };
 
-TEST(Quilt, DefinesWhateverSizesItIsGiven)
+TEST(Quilt, ClampsAnySizes)
 {
     const FakeServices services;
     constexpr int kHuge = 1'000'000'000;
@@ -339,7 +339,7 @@ TEST(Quilt, ManySamplesAreTheSameButMeasuredOnce)
     EXPECT_EQ(candidates, 5 * 4);
 }
 
-TEST(Quilt, KeepsClearOfTheFillRegion)
+TEST(Quilt, AvoidsTheFillRegion)
 {
     const FakeServices services;
     SmallQuilt quilt;
@@ -349,16 +349,16 @@ TEST(Quilt, KeepsClearOfTheFillRegion)
     }
     quilt.inputs.avoidFillRegion = true;
     quilt.inputs.fillMask = &*mask;
-    quilt.inputs.sampleBox = {0, 0, 5, 5};  // of no meaning while avoiding
+    quilt.inputs.sampleBox = {0, 0, 5, 5};  // unused while avoiding
     quilt.run();
     EXPECT_FALSE(quilt.result.gaveUpAvoiding);
-    EXPECT_EQ(quilt.result.blockSize.width, 10.0f) << "kept whole";
+    EXPECT_EQ(quilt.result.blockSize.width, 10.0f) << "not clamped to the box";
     for (const BlockRecord& record : quilt.list) {
         EXPECT_LE(record.srcX + static_cast<float>(record.seamH.size()), 18.0f);
     }
 }
 
-TEST(Quilt, GivesUpAvoidingOnceAndSaysSo)
+TEST(Quilt, GivesUpAvoidingOnceAndReportsIt)
 {
     const FakeServices services;
     SmallQuilt quilt;
@@ -420,7 +420,7 @@ TEST(Quilt, StopsAtAnAbortAndLeavesTheTarget)
     }
 }
 
-TEST(Quilt, PixelsThatAreNoNumbersDoNotStopIt)
+TEST(Quilt, SurvivesPixelsThatAreNan)
 {
     const FakeServices services;
     auto texture = noise<PixelRGBAf>(20, 20, 1);

@@ -63,12 +63,12 @@ TYPED_TEST(RenderDriver, FillsTheWindowAndReleasesEveryImage)
 {
     Rig<TypeParam> rig;
     rig.context.window = {5, 3, 100, 25};  // leaves the output image
-    const auto picture = rig.render();
+    const auto image = rig.render();
     for (int y = 0; y < 30; ++y) {
         for (int x = 0; x < 40; ++x) {
             const bool inside = x >= 5 && y >= 3 && y < 25;
             const auto& pixel =
-                picture[static_cast<std::size_t>(y) * 40 + static_cast<std::size_t>(x)];
+                image[static_cast<std::size_t>(y) * 40 + static_cast<std::size_t>(x)];
             EXPECT_EQ(pixel == Testing::grey<TypeParam>(0.25f), !inside) << x << ' ' << y;
         }
     }
@@ -78,7 +78,7 @@ TYPED_TEST(RenderDriver, FillsTheWindowAndReleasesEveryImage)
     EXPECT_EQ(rig.observer.lastProgress, 1.0);
 }
 
-TYPED_TEST(RenderDriver, LaysTheSameBlocksAgainWhileConsistent)
+TYPED_TEST(RenderDriver, ReplaysTheSameBlocksWhileConsistent)
 {
     for (const int blend : {0, 1}) {
         Rig<TypeParam> rig;
@@ -120,26 +120,26 @@ TYPED_TEST(RenderDriver, ReplaySurvivesWhateverChangedInBetween)
     rig.context.window = {0, 0, 20, 15};
     const auto clipped = rig.render(2);
     EXPECT_EQ(clipped[5 * 40 + 5], full[5 * 40 + 5]);
-    EXPECT_EQ(clipped[20 * 40 + 30].a, 0) << "nothing is laid past the window";
+    EXPECT_EQ(clipped[20 * 40 + 30].a, 0) << "nothing is placed past the window";
     rig.context.window = {-50, -50, 500, 500};
     EXPECT_EQ(rig.render(3), full);
 
     auto large = noise<TypeParam>(90, 80, 2);
     rig.context.connect(rig.context.source, large);
     EXPECT_EQ(rig.render(4), full) << "the blocks come from the texture";
-    rig.state.blockList[0].textureIndex = 2;  // a texture that is no longer there
-    rig.state.blockList[1].seamH.clear();     // a row that was never finished
+    rig.state.blockList[0].textureIndex = 2;  // a texture no longer in use
+    rig.state.blockList[1].seamH.clear();     // an unfinished row
     rig.render(5);
     EXPECT_NE(rig.output.pixels(), rig.untouched());
 }
 
-/// A mask for a part of the picture, in any pixel kind and from any place in memory.
+/// Renders with a mask for a part of the image, in any pixel kind.
 template <typename Pixel, typename Kind>
-std::vector<Pixel> renderWithMatte(MaskSense sense)
+std::vector<Pixel> renderWithMatte(Polarity polarity)
 {
     Rig<Pixel> rig;
     rig.context.fill.maskOrigin = MaskOrigin::Matte;
-    rig.context.fill.maskSense = sense;
+    rig.context.fill.maskPolarity = polarity;
     rig.context.fill.pathWidth = 2.0f;
     rig.context.fill.edgeBlend = 1.0f;
     TestMap<Kind> matte(26, 22, 6, 4);
@@ -150,7 +150,7 @@ std::vector<Pixel> renderWithMatte(MaskSense sense)
     for (int y = 0; y < 22; ++y) {
         for (int x = 0; x < 26; ++x) {
             const bool masked = x >= 5 && x < 17 && y >= 6 && y < 16;
-            const float value = masked == (sense == MaskSense::AsItIs) ? 1.0f : 0.0f;
+            const float value = masked == (polarity == Polarity::White) ? 1.0f : 0.0f;
             if constexpr (kIsRGBA) {
                 matte.at(x, y) = Testing::grey<Kind>(1.0f - value);  // only the alpha counts
                 matte.at(x, y).a = PixelTraits<Kind>::stored(value * PixelTraits<Kind>::kMax);
@@ -161,24 +161,24 @@ std::vector<Pixel> renderWithMatte(MaskSense sense)
     }
     rig.context.connect(rig.context.matte, matte);
     const auto before = matte.pixels();
-    auto picture = rig.render();
+    auto image = rig.render();
     EXPECT_TRUE(before == matte.pixels());
     EXPECT_THAT(rig.observer.notes, SizeIs(0));
     EXPECT_EQ(rig.context.released, 3);
-    return picture;
+    return image;
 }
 
 TYPED_TEST(RenderDriver, TakesMattesOfEveryKind)
 {
     const auto expected =
-        renderWithMatte<TypeParam, typename PixelTraits<TypeParam>::Mask>(MaskSense::AsItIs);
-    for (const MaskSense sense : {MaskSense::AsItIs, MaskSense::Inverted}) {
-        EXPECT_EQ((renderWithMatte<TypeParam, Pixel8>(sense)), expected);
-        EXPECT_EQ((renderWithMatte<TypeParam, Pixel16>(sense)), expected);
-        EXPECT_EQ((renderWithMatte<TypeParam, Pixel32f>(sense)), expected);
-        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBA8>(sense)), expected);
-        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBA16>(sense)), expected);
-        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBAf>(sense)), expected);
+        renderWithMatte<TypeParam, typename PixelTraits<TypeParam>::Mask>(Polarity::White);
+    for (const Polarity polarity : {Polarity::White, Polarity::Black}) {
+        EXPECT_EQ((renderWithMatte<TypeParam, Pixel8>(polarity)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, Pixel16>(polarity)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, Pixel32f>(polarity)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBA8>(polarity)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBA16>(polarity)), expected);
+        EXPECT_EQ((renderWithMatte<TypeParam, PixelRGBAf>(polarity)), expected);
     }
 }
 
@@ -198,7 +198,7 @@ TYPED_TEST(RenderDriver, DrawsAnewAfterARenderThatHadNoRoom)
     EXPECT_TRUE(rig.state.valid);
 }
 
-TEST(RenderDriver8, BlocksOfAnAbortedOrFailedRenderAreNotLaidAgain)
+TEST(RenderDriver8, BlocksOfAnAbortedOrFailedRenderAreNotReplayed)
 {
     Rig<PixelRGBA8> rig;
     rig.context.fill.temporalConsistency = true;
@@ -263,7 +263,7 @@ TEST(RenderDriver8, RendersNothingWithoutWhatItNeeds)
     }
 }
 
-TEST(RenderDriver8, BelievesTheImageRatherThanTheAnnouncedDepth)
+TEST(RenderDriver8, PrefersTheDepthOfTheImageToTheAnnouncedOne)
 {
     Rig<PixelRGBA8> rig;
     rig.clear();
@@ -279,14 +279,14 @@ TEST(RenderDriver8, TakesTheTexturesInUse)
             auto a = solid<PixelRGBA8>(30, 30, 0.5f), b = solid<PixelRGBA8>(30, 30, 0.75f);
             if (first) rig.context.connect(rig.context.textures[0], a);
             if (third) rig.context.connect(rig.context.textures[2], b);
-            const auto picture = rig.render();
+            const auto image = rig.render();
             const auto expected = first ? a.at(0, 0) : b.at(0, 0);
             if (first || third) {
-                EXPECT_EQ(picture[0], expected) << "ties keep the earlier texture";
-                EXPECT_EQ(picture[600], expected);
+                EXPECT_EQ(image[0], expected) << "ties keep the earlier texture";
+                EXPECT_EQ(image[600], expected);
             } else {
                 EXPECT_EQ(
-                    picture[0].a,
+                    image[0].a,
                     rig.source.at(rig.observer.blocks[0].srcX, rig.observer.blocks[0].srcY).a);
             }
         }
@@ -313,7 +313,7 @@ TEST(RenderDriver8, SurvivesValuesOutOfRange)
     EXPECT_NE(rig.output.pixels(), rig.untouched());
 }
 
-TEST(RenderDriver8, SaysThatItFillsEverythingWhereAMaskWasAskedFor)
+TEST(RenderDriver8, NotesThatItFillsEverythingWithoutTheRequestedMask)
 {
     Rig<PixelRGBA8> rig;
     rig.render();

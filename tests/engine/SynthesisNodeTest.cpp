@@ -24,7 +24,7 @@ using Testing::TestMap;
 
 constexpr int kWidth = 96, kHeight = 80;
 
-/// A node that fills a prepared mask of 22 x 18 pixels at (37, 31) in a picture of noise.
+/// A node that fills a prepared mask of 22 x 18 pixels at (37, 31) in a image of noise.
 template <typename Pixel>
 struct MaskedFill {
     static constexpr float kMax = PixelTraits<Pixel>::kMax;
@@ -77,8 +77,8 @@ TYPED_TEST(MaskedNode, ChangesTheRegionAndItsBandAndNothingElse)
         const FakeServices services(2);
         MaskedFill<TypeParam> fill;
         fill.settings.luminanceMatch = match;
-        const auto picture = fill.run();
-        const FillBounds& bounds = fill.state.fillBounds;
+        const auto image = fill.run();
+        const Region& bounds = fill.state.fillBounds;
         EXPECT_EQ(bounds.x0, 37 - 20);
         EXPECT_EQ(bounds.y0, 31 - 20);
         EXPECT_EQ(bounds.x1 - bounds.x0, 22 + 40);
@@ -88,7 +88,7 @@ TYPED_TEST(MaskedNode, ChangesTheRegionAndItsBandAndNothingElse)
             for (int x = 0; x < kWidth; ++x) {
                 const TypeParam& in = fill.source.at(x, y);
                 const TypeParam& out =
-                    picture[static_cast<std::size_t>(y) * kWidth + static_cast<std::size_t>(x)];
+                    image[static_cast<std::size_t>(y) * kWidth + static_cast<std::size_t>(x)];
                 const bool same = in.r == out.r && in.g == out.g && in.b == out.b;
                 const bool inside = fill.mask->read(x, y) != 0.0f;
                 changedInside += inside && !same;
@@ -117,16 +117,16 @@ TYPED_TEST(MaskedNode, ReplaysBlocksMaskAndGain)
     EXPECT_EQ(fill.run(), first);
 }
 
-TYPED_TEST(MaskedNode, GivesTheSamePictureWithAnyNumberOfThreads)
+TYPED_TEST(MaskedNode, RendersTheSameImageWithAnyNumberOfThreads)
 {
     std::vector<TypeParam> expected;
     for (const unsigned int threads : {1u, 2u, 4u, 7u}) {
         const FakeServices services(threads);
         MaskedFill<TypeParam> fill;
         fill.settings.luminanceMatch = true;
-        const auto picture = fill.run();
-        if (expected.empty()) expected = picture;
-        EXPECT_EQ(picture, expected) << threads;
+        const auto image = fill.run();
+        if (expected.empty()) expected = image;
+        EXPECT_EQ(image, expected) << threads;
     }
 }
 
@@ -186,7 +186,7 @@ TEST(MaskedNode8, StopsAtAnAbortAndWhenMemoryRunsOut)
     }
 }
 
-/// What the composite makes of one pixel.
+/// The composite of one pixel.
 template <typename Pixel>
 Pixel recomposited(const Pixel& texture, const Pixel& source, float gain, float mask)
 {
@@ -200,7 +200,7 @@ Pixel recomposited(const Pixel& texture, const Pixel& source, float gain, float 
     return result;
 }
 
-/// Gives a map of the state a place, storage and values.
+/// Gives a map of the state a position, storage and values.
 void place(Map<Pixel32f>& map, const Region& region, float fillValue,
            const std::vector<float>& values)
 {
@@ -258,8 +258,8 @@ bool areNeighbours(const PixelPoint& a, const PixelPoint& b)
     return std::abs(a.x - b.x) <= 1 && std::abs(a.y - b.y) <= 1;
 }
 
-// With hard cuts the blocks, the gain and the composite mask together say what every pixel is.
-TYPED_TEST(MaskedNode, TellsMapsThatExplainEveryPixel)
+// With hard cuts the blocks, the gain and the composite mask together determine every pixel.
+TYPED_TEST(MaskedNode, ReportsMapsThatExplainEveryPixel)
 {
     const FakeServices services(2);
     MapKeeper keeper;
@@ -276,16 +276,16 @@ TYPED_TEST(MaskedNode, TellsMapsThatExplainEveryPixel)
     const KeptMap &region = keeper.maps[0], &band = keeper.maps[1], &blocks = keeper.maps[2],
                   &mask = keeper.maps[3], &gain = keeper.maps[4];
     EXPECT_EQ(region.values, fill.mask.pixels());
-    EXPECT_EQ(region.bounds, (FillBounds{37, 31, 59, 49}));
+    EXPECT_EQ(region.bounds, (Region{37, 31, 59, 49}));
     EXPECT_EQ(region.full, fill.kMax);
     EXPECT_EQ(blocks.full, static_cast<float>(keeper.blocks.size()));
     for (const KeptMap& map : keeper.maps) EXPECT_EQ(map.fillRect, fill.state.fillBounds);
     for (const KeptMap* map : {&band, &blocks, &mask, &gain}) EXPECT_EQ(map->bounds, map->fillRect);
 
-    const FillBounds& all = fill.state.fillBounds;
+    const Region& all = fill.state.fillBounds;
     for (int y = all.y0; y < all.y1; ++y) {
         for (int x = all.x0; x < all.x1; ++x) {
-            const LaidBlock& block = keeper.blocks[static_cast<std::size_t>(blocks.at(x, y)) - 1];
+            const PlacedBlock& block = keeper.blocks[static_cast<std::size_t>(blocks.at(x, y)) - 1];
             const TypeParam texture =
                 fill.texture->read(block.srcX + x - block.x, block.srcY + y - block.y);
             const TypeParam expected =
@@ -303,7 +303,7 @@ TYPED_TEST(MaskedNode, TellsMapsThatExplainEveryPixel)
     }
 }
 
-TYPED_TEST(MaskedNode, TellsWhatAReplayLaysAndNothingUnasked)
+TYPED_TEST(MaskedNode, ReportsTheBlocksOfAReplayAndMapsOnlyOnRequest)
 {
     for (const int blend : {0, 1}) {
         const FakeServices services;
@@ -319,7 +319,7 @@ TYPED_TEST(MaskedNode, TellsWhatAReplayLaysAndNothingUnasked)
         ASSERT_THAT(replayed.names(), ElementsAre("blocks", "compositeMask"));
         EXPECT_EQ(replayed.maps[0].values, fresh.maps[2].values);
         EXPECT_EQ(replayed.maps[1].values, fresh.maps[3].values);
-        EXPECT_EQ(replayed.blocks.size(), fresh.blocks.size()) << "each told once";
+        EXPECT_EQ(replayed.blocks.size(), fresh.blocks.size()) << "each reported once";
 
         fill.state.blockList[0].textureIndex = 1;  // not in use
         fill.run();
@@ -337,17 +337,17 @@ TYPED_TEST(MaskedNode, TakesMasksOutOfAlphaWithoutTouchingTheInput)
     using Traits = PixelTraits<TypeParam>;
     using Mask = typename Traits::Mask;
     const FakeServices services(3);
-    auto picture = noise<TypeParam>(9, 7, 3, -4, 2);
-    const auto before = picture.pixels();
+    auto image = noise<TypeParam>(9, 7, 3, -4, 2);
+    const auto before = image.pixels();
     Map<Mask> mask, inverted;
-    extractMask(*picture, MaskSense::AsItIs, nullptr, mask);
-    extractMask(*picture, MaskSense::Inverted, nullptr, inverted);
+    extractMask(*image, Polarity::White, nullptr, mask);
+    extractMask(*image, Polarity::Black, nullptr, inverted);
     Map<Mask> matte, turned;
     matte.assign(mask);
     invertMask<TypeParam>(matte, nullptr, turned);
     for (int y = 2; y < 9; ++y) {
         for (int x = -4; x < 5; ++x) {
-            const auto alpha = picture->read(x, y).a;
+            const auto alpha = image->read(x, y).a;
             ASSERT_EQ(mask.read(x, y), alpha);
             ASSERT_EQ(inverted.read(x, y),
                       Traits::stored(Traits::kMax - static_cast<float>(alpha)));
@@ -355,21 +355,21 @@ TYPED_TEST(MaskedNode, TakesMasksOutOfAlphaWithoutTouchingTheInput)
         }
     }
     EXPECT_EQ(mask.read(-5, 2), Mask{0});
-    EXPECT_EQ(picture.pixels(), before);
+    EXPECT_EQ(image.pixels(), before);
 }
 
-TEST(AlphaMaskFloat, CutsWhatLiesOutside)
+TEST(AlphaMaskFloat, IsClampedToTheRange)
 {
     const FakeServices services;
-    TestMap<PixelRGBAf> picture(4, 1);
+    TestMap<PixelRGBAf> image(4, 1);
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    picture.at(0, 0).a = -2.0f;
-    picture.at(1, 0).a = 7.0f;
-    picture.at(2, 0).a = nan;
-    picture.at(3, 0).a = 0.25f;
+    image.at(0, 0).a = -2.0f;
+    image.at(1, 0).a = 7.0f;
+    image.at(2, 0).a = nan;
+    image.at(3, 0).a = 0.25f;
     Map<Pixel32f> mask, inverted;
-    extractMask(*picture, MaskSense::AsItIs, nullptr, mask);
-    extractMask(*picture, MaskSense::Inverted, nullptr, inverted);
+    extractMask(*image, Polarity::White, nullptr, mask);
+    extractMask(*image, Polarity::Black, nullptr, inverted);
     const auto row = [](const Map<Pixel32f>& map) {
         return std::vector<float>{map.read(0, 0), map.read(1, 0), map.read(2, 0), map.read(3, 0)};
     };

@@ -142,7 +142,7 @@ TEST(WeightedPointPicker, MatchesOneTargetForEachPixel)
     EXPECT_EQ(pick(*map, {.count = 4})[3], std::nullopt) << "more points than pixels";
 }
 
-TEST(WeightedPointPicker, SaysWhenThereIsNoPoint)
+TEST(WeightedPointPicker, ReturnsNothingWhenThereIsNoPoint)
 {
     const FakeServices services(2);
     TestMap<Pixel32f> map(5, 4);

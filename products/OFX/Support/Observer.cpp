@@ -8,7 +8,7 @@
 namespace Orvane {
 namespace {
 
-OfxRectI rectOf(const Engine::FillBounds& bounds)
+OfxRectI rectOf(const Engine::Region& bounds)
 {
     return {bounds.x0, bounds.y0, bounds.x1, bounds.y1};
 }
@@ -32,7 +32,7 @@ public:
     void stageBegan(const char* stage) override { notify(suite_->stageBegan, stage); }
     void stageEnded(const char* stage) override { notify(suite_->stageEnded, stage); }
     void progress(double fraction) override { notify(suite_->progress, fraction); }
-    void blockLaid(const Engine::LaidBlock& block) override
+    void blockLaid(const Engine::PlacedBlock& block) override
     {
         const TesseretBlockV1 sent{.x = block.x,
                                    .y = block.y,
@@ -60,7 +60,7 @@ public:
         notify(suite_->mapMade, &sent);
     }
     void pathFound(std::span<const Engine::PixelPoint> path,
-                   const Engine::FillBounds& fillRect) override
+                   const Engine::Region& fillRect) override
     {
         std::vector<OfxPointI> points;
         points.reserve(path.size());
