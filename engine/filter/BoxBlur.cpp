@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
+#include <span>
 
 #include "engine/filter/FillAndCopy.h"
 #include "engine/map/ExactMath.h"
@@ -41,9 +43,49 @@ std::vector<int> resolveAll(const MapAxis& axis, int first, int end)
     return indices;
 }
 
+/// The stored columns and rows of a map that hold all of its nonzero pixels.
+struct StoredBounds {
+    int columnBegin, columnEnd, rowBegin, rowEnd;
+};
+
+StoredBounds nonzeroBounds(const Map<Pixel32f>& map)
+{
+    const int columns = map.xAxis().storeLength, rows = map.yAxis().storeLength;
+    StoredBounds bounds{columns, 0, rows, 0};
+    for (int y = 0; y < rows; ++y) {
+        const float* row = map.pixelAt(0, y);
+        int any = 0;
+        for (int x = 0; x < columns; ++x) any |= row[x] != 0.0f ? 1 : 0;
+        if (any == 0) continue;
+        const auto isNonzero = [](float value) { return value != 0.0f; };
+        const float* first = std::find_if(row, row + columns, isNonzero);
+        int last = columns - 1;
+        while (last >= bounds.columnEnd && row[last] == 0.0f) --last;
+        bounds = {std::min(bounds.columnBegin, static_cast<int>(first - row)),
+                  std::max(bounds.columnEnd, last + 1), std::min(bounds.rowBegin, y), y + 1};
+    }
+    return bounds;
+}
+
+/// The part of a line of `outputs` that can be nonzero when only samples with an index in
+/// [begin, end) are. It starts at a segment, so that all its sums are those of the whole line.
+BoxBlur::Span liveSpan(const std::vector<int>& indices, int begin, int end, int outputs,
+                       const BoxFilter& filter, int applications)
+{
+    const auto isLive = [begin, end](int index) { return index >= begin && index < end; };
+    const auto first = std::find_if(indices.begin(), indices.end(), isLive);
+    const auto last = std::find_if(indices.rbegin(), indices.rend(), isLive);
+    if (first == indices.end()) return {0, 0};
+    const int box = 2 * filter.whole + 1;
+    const auto firstSample = static_cast<int>(first - indices.begin());
+    const auto endSample = static_cast<int>(indices.rend() - last);
+    const int firstOutput = std::max(firstSample - applications * (box + 1), 0);
+    return {std::min(firstOutput / box * box, outputs), std::min(endSample, outputs)};
+}
+
 /// Gathers `lanes` stored rows of a map at the given columns; column -1 is the fill value. A batch
 /// that is not full repeats its last row.
-void gatherRows(const Map<Pixel32f>& map, int firstRow, int lanes, const std::vector<int>& columns,
+void gatherRows(const Map<Pixel32f>& map, int firstRow, int lanes, std::span<const int> columns,
                 std::vector<Sample>& samples)
 {
     std::array<const float*, kLanes> rows;
@@ -199,8 +241,8 @@ void BoxBlur::copyInput()
     copy.process(other(), target());
 }
 
-/// Resolves the coordinates that are read, and makes the temporary map hold the stored rows among
-/// them. All other rows are flat: blurred along x they keep the fill value.
+/// Finds the coordinates that are read and the part of the result that can be nonzero, and makes
+/// the temporary map hold the input's nonzero rows, blurred along x.
 bool BoxBlur::makeRoom()
 {
     const Region& area = region();
@@ -208,22 +250,43 @@ bool BoxBlur::makeRoom()
     const int padY = applications() * filterY_.reach();
     columns_ = resolveAll(other().xAxis(), area.x0 - padX, area.x1 + padX);
     rows_ = resolveAll(other().yAxis(), area.y0 - padY, area.y1 + padY);
+    findLivePart();
 
-    const int lastRow = *std::max_element(rows_.begin(), rows_.end());
-    firstRow_ = lastRow;
+    const int width = live_.end - live_.begin;
+    int lastRow = -1;
+    firstRow_ = std::numeric_limits<int>::max();
     for (const int row : rows_) {
-        if (row >= 0) firstRow_ = std::min(firstRow_, row);
+        if (row < 0) continue;
+        firstRow_ = std::min(firstRow_, row);
+        lastRow = std::max(lastRow, row);
     }
     for (int& row : rows_) {
         if (row >= 0) row -= firstRow_;
     }
-    const int width = area.x1 - area.x0;
-    const int height = lastRow < 0 ? 0 : lastRow - firstRow_ + 1;
+    const int height = lastRow < 0 || width == 0 ? 0 : lastRow - firstRow_ + 1;
     if (temporary_.width() != width || temporary_.height() != height || !temporary_.isUsable()) {
         temporary_.setSize(width, height);
         temporary_.allocate();
     }
     return height == 0 || temporary_.isUsable();
+}
+
+/// Finds the part of the result that can be nonzero. That is all of it when the input's fill value
+/// is not 0.
+void BoxBlur::findLivePart()
+{
+    const Region& area = region();
+    const int width = area.x1 - area.x0, height = area.y1 - area.y0;
+    live_ = {0, width};
+    liveRows_ = {0, height};
+    if (other().fillValue() != 0.0f) return;
+    const StoredBounds bounds = nonzeroBounds(other());
+    live_ =
+        liveSpan(columns_, bounds.columnBegin, bounds.columnEnd, width, filterX_, applications());
+    liveRows_ = liveSpan(rows_, bounds.rowBegin, bounds.rowEnd, height, filterY_, applications());
+    for (int& row : rows_) {
+        if (row < bounds.rowBegin || row >= bounds.rowEnd) row = -1;
+    }
 }
 
 void BoxBlur::processPass()
@@ -244,9 +307,10 @@ void BoxBlur::blurRows()
     const int width = temporary_.width();
     LineBatch batch(filterX_, applications(), width);
     std::vector<Sample>& samples = batch.samples();
+    const std::span<const int> columns(columns_.data() + live_.begin, samples.size());
     for (int y = rows.begin; y < rows.end; y += kLanes) {
         const int lanes = std::min(kLanes, rows.end - y);
-        gatherRows(other(), firstRow_ + y, lanes, columns_, samples);
+        gatherRows(other(), firstRow_ + y, lanes, columns, samples);
         batch.filter();
         for (int lane = 0; lane < lanes; ++lane) {
             const auto l = static_cast<std::size_t>(lane);
@@ -260,27 +324,45 @@ void BoxBlur::blurRows()
 /// column is summed from end to end, in the same order for any number of threads.
 void BoxBlur::blurColumns()
 {
+    clearAround();
     const Region& area = region();
-    RowRange columns{0, area.x1 - area.x0};
+    RowRange columns{live_.begin, live_.end};
     threadRange(columns.begin, columns.end);
     if (columns.isEmpty()) return;
-    LineBatch batch(filterY_, applications(), area.y1 - area.y0);
+    LineBatch batch(filterY_, applications(), liveRows_.end - liveRows_.begin);
     std::vector<Sample>& samples = batch.samples();
+    std::vector<float*> to;  // each row's first pixel, found once, not for every batch
+    for (int y = liveRows_.begin; y < liveRows_.end; ++y) {
+        to.push_back(RowWriter(target(), area.y0 + y).from(area.x0));
+    }
     for (int x = columns.begin; x < columns.end; x += kLanes) {
         const int lanes = std::min(kLanes, columns.end - x);
         for (std::size_t i = 0; i < samples.size(); ++i) {
-            if (rows_[i] >= 0) {
-                std::copy_n(temporary_.pixelAt(x, rows_[i]), lanes, samples[i].begin());
+            const int row = rows_[static_cast<std::size_t>(liveRows_.begin) + i];
+            if (row >= 0) {
+                std::copy_n(temporary_.pixelAt(x - live_.begin, row), lanes, samples[i].begin());
             } else {
                 samples[i].fill(other().fillValue());
             }
         }
         batch.filter();
-        for (int y = area.y0; y < area.y1; ++y) {
-            RowWriter row(target(), y);
-            std::copy_n(samples[static_cast<std::size_t>(y - area.y0)].begin(), lanes,
-                        row.from(area.x0 + x));
+        for (std::size_t i = 0; i < to.size(); ++i) {
+            std::copy_n(samples[i].begin(), lanes, to[i] + x);
         }
+    }
+}
+
+/// Clears the target around the live part, in this worker's share of the rows. The input may be the
+/// target; it has been read by now.
+void BoxBlur::clearAround()
+{
+    const Region& area = region();
+    const auto [yBegin, yEnd] = threadRows();
+    for (int y = yBegin; y < yEnd; ++y) {
+        float* row = RowWriter(target(), y).from(area.x0);
+        const bool isLive = y - area.y0 >= liveRows_.begin && y - area.y0 < liveRows_.end;
+        std::fill(row, row + (isLive ? live_.begin : area.x1 - area.x0), 0.0f);
+        if (isLive) std::fill(row + live_.end, row + (area.x1 - area.x0), 0.0f);
     }
 }
 

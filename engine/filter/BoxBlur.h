@@ -30,6 +30,10 @@ struct BoxFilter {
 class BoxBlur final : public Sampler<const Map<Pixel32f>, Map<Pixel32f>> {
 public:
     enum Variant { ThreeApplications, OneApplication };
+    /// Columns or rows, counted from the region's first; end is exclusive.
+    struct Span {
+        int begin, end;
+    };
 
     explicit BoxBlur(Variant variant, float radius = 0.0f);
 
@@ -48,6 +52,8 @@ private:
     bool prepare();
     void copyInput();
     bool makeRoom();
+    void findLivePart();
+    void clearAround();
     void blurRows();
     void blurColumns();
     int applications() const { return variant_ == ThreeApplications ? 3 : 1; }
@@ -60,6 +66,7 @@ private:
     std::vector<int> columns_;  ///< the input's stored column for each x that is read, or -1
     std::vector<int> rows_;     ///< the temporary map's row for each y that is read, or -1
     int firstRow_ = 0;          ///< the input's stored row that the temporary map starts with
+    Span live_{}, liveRows_{};  ///< columns and rows of the region that can be nonzero
 
     Map<Pixel32f> temporary_;  ///< rows of the input blurred along x, as wide as the region
 };

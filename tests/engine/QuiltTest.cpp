@@ -66,8 +66,8 @@ TYPED_TEST(QuiltStages, ErrorAgreesWithTheReferenceForEveryThreadCount)
             strip.b = rowsOf(*b, bx, 101, 25, 31, bCopy);
             EXPECT_EQ(error.exact(strip), wanted);
             const float rough = error.rough(strip, std::numeric_limits<float>::max());
-            EXPECT_LE(boundsOf(rough, strip.pixels()).least, wanted);
-            EXPECT_GE(boundsOf(rough, strip.pixels()).most, wanted);
+            EXPECT_LE(boundsOf(rough, strip.pixels()).lower, wanted);
+            EXPECT_GE(boundsOf(rough, strip.pixels()).upper, wanted);
         }
     }
 }
