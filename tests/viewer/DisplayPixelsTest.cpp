@@ -24,7 +24,7 @@ int shown(Depth depth, double value)
     return displayPixels(pixel(depth, value), {0, 0, 1, 1}).front();
 }
 
-TEST(DisplayPixelsTest, WholeNumbersAreShownAsTheyAre)
+TEST(DisplayPixelsTest, IntegersAreShownAsTheyAre)
 {
     EXPECT_EQ(shown(Depth::Byte, 200), 200);
     for (const int value : {0, 1, 128, 254, 255})

@@ -5,7 +5,7 @@
 namespace Tesseret::Viewer {
 namespace {
 
-/// "a=1 b=2", in the order to be set.
+/// "a=1 b=2", in the order of setting.
 std::string text(const std::vector<Render::NamedValue>& values)
 {
     std::string all;

@@ -17,12 +17,12 @@ protected:
         scheduler_ = std::make_unique<RenderScheduler>(*session_);
     }
 
-    /// What the worker has rendered after an update.
-    RenderOrder rendered(bool isDragging, bool wantsMaps = false)
+    /// The request that the worker has rendered after an update.
+    ViewRequest rendered(bool isDragging, bool wantsMaps = false)
     {
         scheduler_->update(isDragging, wantsMaps, RenderScheduler::Clock::now());
         session_->worker().wait();
-        return session_->worker().latest()->order;
+        return session_->worker().latest()->request;
     }
     std::uint64_t serial() { return session_->worker().latest()->serial; }
 
@@ -44,7 +44,7 @@ TEST_F(RenderSchedulerTest, DraftsWhileDraggingAndRendersInFullOnceLetGo)
     EXPECT_EQ(rendered(/*isDragging=*/true).scale, 0.5);
     EXPECT_FALSE(scheduler_->isSettled());
     session_->set("seed", 5);
-    const RenderOrder second = rendered(/*isDragging=*/true);
+    const ViewRequest second = rendered(/*isDragging=*/true);
     EXPECT_EQ(second.scale, 0.5);
     EXPECT_EQ(second.values.at("seed"), Host::ParameterValue(5));
     EXPECT_EQ(rendered(/*isDragging=*/false).scale, 1.0);

@@ -13,17 +13,17 @@ using testing::UnorderedElementsAre;
 
 class RenderWorkerTest : public SessionFixture {
 protected:
-    /// The values that a session starts with.
+    /// The initial values of a session.
     static Render::ParameterValues valuesOf(const Render::RenderSettings& settings)
     {
         ViewSession session(settings);
-        session.order(1.0);
+        session.request(1.0);
         session.worker().wait();
-        return session.worker().latest()->order.values;
+        return session.worker().latest()->request.values;
     }
-    static std::shared_ptr<const RenderResult> rendered(RenderWorker& worker, RenderOrder order)
+    static std::shared_ptr<const RenderResult> rendered(RenderWorker& worker, ViewRequest request)
     {
-        const std::uint64_t serial = worker.order(std::move(order));
+        const std::uint64_t serial = worker.request(std::move(request));
         worker.wait();
         EXPECT_EQ(worker.latest()->serial, serial);
         EXPECT_EQ(worker.latest()->error, "");
@@ -103,7 +103,7 @@ TEST_F(RenderWorkerTest, RepeatsTheBlocksOfTheFirstFrame)
     }
 }
 
-TEST_F(RenderWorkerTest, TheNewestOrderWins)
+TEST_F(RenderWorkerTest, TheNewestRequestWins)
 {
     const Render::RenderSettings given = settings();
     Render::ParameterValues values = valuesOf(given);
@@ -112,7 +112,7 @@ TEST_F(RenderWorkerTest, TheNewestOrderWins)
     std::atomic<int> done{0};
     worker.setOnDone([&] { ++done; });
     values["numSamples"] = 100000;  // takes minutes, unless it is aborted
-    worker.order({.values = values});
+    worker.request({.values = values});
     while (worker.state().stage.empty()) std::this_thread::yield();
     EXPECT_TRUE(worker.state().isRendering);
     values["numSamples"] = 2;
@@ -127,7 +127,7 @@ TEST_F(RenderWorkerTest, EndsWhileARenderRuns)
     values["numSamples"] = 100000;
     OwnWorker own(given);
     RenderWorker& worker = own.worker;
-    worker.order({.values = values});
+    worker.request({.values = values});
     while (worker.state().stage.empty()) std::this_thread::yield();
 }
 
@@ -139,18 +139,18 @@ TEST_F(RenderWorkerTest, GetsOverFailures)
     RenderWorker& worker = own.worker;
     Render::ParameterValues wrong = values;
     wrong["blockSize"] = std::string("many");
-    worker.order({.values = wrong});
+    worker.request({.values = wrong});
     worker.wait();
     EXPECT_THAT(worker.latest()->error, HasSubstr("does not fit the parameter blockSize"));
     std::filesystem::resize_file(in("a.png"), 100);
-    worker.order({.values = values});
+    worker.request({.values = values});
     worker.wait();
     EXPECT_THAT(worker.latest()->error, HasSubstr("a.png"));
     paint(in("a.png"), Fixtures::kWidth, Fixtures::kHeight, Fixtures::noise(1));
     rendered(worker, {.values = values});
 }
 
-TEST_F(RenderWorkerTest, ManyOrdersInARow)
+TEST_F(RenderWorkerTest, ManyRequestsInARow)
 {
     const Render::RenderSettings given = settings("m.png");
     Render::ParameterValues values = valuesOf(given);
@@ -158,12 +158,13 @@ TEST_F(RenderWorkerTest, ManyOrdersInARow)
     RenderWorker& worker = own.worker;
     for (int i = 0; i < 200; ++i) {
         values["seed"] = i;
-        worker.order({.scale = i % 2 == 0 ? 1.0 : 0.5, .values = values, .wantsMaps = i % 3 == 0});
+        worker.request(
+            {.scale = i % 2 == 0 ? 1.0 : 0.5, .values = values, .wantsMaps = i % 3 == 0});
         if (i % 20 == 0) worker.wait();
         (void)worker.state();
     }
     worker.wait();
-    EXPECT_EQ(worker.latest()->order.values.at("seed"), Host::ParameterValue(199));
+    EXPECT_EQ(worker.latest()->request.values.at("seed"), Host::ParameterValue(199));
     fill("a.png", "o.png", {"--matte", in("m.png"), "--render-scale", "0.5", "seed=199"});
     expectSame(worker.latest()->picture, "o.png");
 }

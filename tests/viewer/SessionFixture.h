@@ -33,7 +33,7 @@ protected:
         settings.parameters = {"blockSize=30", "overlap=8", "pathWidth=2", "edgeBlend=1"};
         return settings;
     }
-    /// With another plug-in, and nothing else set.
+    /// Settings with another plug-in and nothing else.
     Render::RenderSettings foreign(const char* plugin) const
     {
         Render::RenderSettings settings;
@@ -42,7 +42,7 @@ protected:
         return settings;
     }
 
-    /// What a shell makes of the command, with this program's neighbour as `tesseret`.
+    /// Runs the command in a shell, with the executable beside this program as `tesseret`.
     Fixtures::LoadedPicture pasted(std::string command, const std::string& output) const
     {
         std::filesystem::remove(in(output));

@@ -83,15 +83,15 @@ TEST_F(ViewSessionTest, DragsWhileTheWorkerRenders)
         session.movePen(penAt(100 - x, 80));
         session.releasePen(penAt(100 - x, 80));
         ASSERT_TRUE(session.takeChanged()) << i;
-        session.order(0.5);
+        session.request(0.5);
     }
     session.worker().wait();
     EXPECT_EQ(session.worker().latest()->serial, 200u);
-    EXPECT_EQ(session.worker().latest()->order.values.at("sampleCorner1"),
+    EXPECT_EQ(session.worker().latest()->request.values.at("sampleCorner1"),
               session.value("sampleCorner1"));
 }
 
-/// Counts the host records that a loaded plug-in is given, while it lives.
+/// Counts the host records passed to a loaded plug-in, for its lifetime.
 class HostRecords {
 public:
     explicit HostRecords(const char* file)
@@ -121,10 +121,10 @@ TEST_F(ViewSessionTest, SharesOneHostWithItsWorker)
 {
     const HostRecords records(FAILING_PLUGIN);
     ViewSession session(foreign(FAILING_PLUGIN));
-    session.order(1.0);
+    session.request(1.0);
     session.worker().wait();
     EXPECT_EQ(records.given.size(), 1u);
-    // What the plug-in says of the worker's instance is said of the render, and nowhere else.
+    // Messages of the worker's instance are in the render's result only.
     EXPECT_THAT(session.worker().latest()->messages, testing::ElementsAre("the lens is cracked"));
     EXPECT_THAT(session.takeMessages(), testing::IsEmpty());
 }
@@ -172,7 +172,7 @@ TEST_F(ViewSessionTest, SavesWhatTheCommandWouldRender)
 {
     ViewSession session(settings("m.png"));
     session.set("seed", 5);
-    session.order(0.5);
+    session.request(0.5);
     session.worker().wait();
     EXPECT_FALSE(session.hasFullResult());
     session.saveResult(in("o.png"));
@@ -218,7 +218,7 @@ struct Edited {
     const char *what, *name, *value;
 };
 
-// Whatever was changed, the command renders what the viewer shows.
+// After any change, the command renders what the viewer shows.
 TEST_F(ViewSessionTest, ThePastedCommandRendersTheSamePicture)
 {
     std::filesystem::create_directory(in("it's here"));

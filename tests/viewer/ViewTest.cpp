@@ -52,10 +52,10 @@ TEST_F(ViewTest, ZoomKeepsWhatIsUnderThePointer)
         EXPECT_THAT(view_.toCanonical(pointer), At(under.x, under.y));
     }
     view_.zoomAbout(pointer, 1e9);
-    EXPECT_DOUBLE_EQ(view_.scale(), View::kGreatestScale);
+    EXPECT_DOUBLE_EQ(view_.scale(), View::kMaxScale);
     EXPECT_THAT(view_.toCanonical(pointer), At(under.x, under.y));
     view_.zoomAbout(pointer, 1e-9);
-    EXPECT_DOUBLE_EQ(view_.scale(), View::kLeastScale);
+    EXPECT_DOUBLE_EQ(view_.scale(), View::kMinScale);
 }
 
 TEST_F(ViewTest, PanMovesThePictureWithThePointer)
@@ -84,7 +84,7 @@ TEST_F(ViewTest, NothingToSeeIsNoDivisionByZero)
     view_.setArea({0, 0, 0, -10});
     const OfxPointD point = view_.toCanonical({3, 4});
     EXPECT_TRUE(std::isfinite(point.x) && std::isfinite(point.y));
-    EXPECT_GE(view_.scale(), View::kLeastScale);
+    EXPECT_GE(view_.scale(), View::kMinScale);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Uses `tesseret view` as a person does, in a real window on a screen of its own: drags the sample box, types
-# a value, takes it back, saves, quits. Screenshots and files stay in the folder.
+# Uses `tesseret view` like a user, in a real window on a virtual screen: drags the sample box, types
+# a value, undoes it, saves, quits. Screenshots and files stay in the folder.
 # Usage: drive-viewer.sh TESSERET FOLDER
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/screen.sh"
@@ -54,7 +54,7 @@ xdotool mouseup 1 mousemove 420 760
 until_true "the edge in its new place" eval "shot 5-released && has_edge 5-released $target_x"
 ! has_edge 5-released $edge_x || fail "the box is still in its old place"
 
-# A typed value, taken back, and again.
+# A typed value, undo and redo.
 xdotool mousemove $block_size click 1 key ctrl+a type 64
 xdotool key Return
 save_as ctrl+e typed.json
@@ -72,7 +72,7 @@ for file in typed undone; do
         fail "the lower left corner in $file.json is $x $y"
 done
 
-# The result is the one that the command line renders from the parameters saved.
+# The command line renders the same result from the saved parameters.
 xdotool key ctrl+s
 until_true "the last result" test -s result.png
 shot 7-saved

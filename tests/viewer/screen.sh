@@ -1,7 +1,7 @@
-# Sourced by scripts that use `tesseret view` on a screen of its own. They stand in a folder where files may be
-# left, and end by `fail`, which shows what the viewer said.
+# Sourced by scripts that use `tesseret view` on a virtual screen. They run in a folder where files may be
+# left, and end by `fail`, which shows the viewer's log.
 
-patience=600  # tenths of a second
+timeout=600  # tenths of a second
 pids=()
 cleanup() { for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done; }
 trap cleanup EXIT
@@ -11,11 +11,11 @@ fail() {
     exit 1
 }
 
-# until_true WHAT COMMAND...: asks again until the command succeeds.
+# until_true WHAT COMMAND...: repeats the command until it succeeds.
 until_true() {
     local what=$1
     shift
-    for ((i = 0; i < patience; ++i)); do
+    for ((i = 0; i < timeout; ++i)); do
         "$@" && return
         [[ -z ${viewer:-} ]] || kill -0 "$viewer" 2>/dev/null || fail "the viewer ended, waiting for $what"
         sleep 0.1

@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// As one word of a POSIX shell.
+/// Quoted as one word for a POSIX shell.
 std::string quoted(const std::string& word)
 {
     constexpr std::string_view kPlain =
@@ -49,7 +49,7 @@ std::string exactText(double number)
     return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
 }
 
-/// The value as text that `parseAssignment` reads as just this value.
+/// The value as text that `parseAssignment` reads as exactly this value.
 std::string exactText(const ParameterDescription& parameter, const ParameterValue& value)
 {
     if (const auto* const number = std::get_if<double>(&value)) return exactText(*number);
@@ -83,7 +83,7 @@ std::string boxText(const Render::ViewBox& box)
     return text;
 }
 
-/// Beside the source, with its extension and its mark for the frame.
+/// Beside the source, with its extension and frame pattern.
 fs::path outputFor(const RenderSettings& settings)
 {
     if (!settings.output.empty()) return settings.output;
@@ -94,8 +94,8 @@ fs::path outputFor(const RenderSettings& settings)
            ("filled-" + source.stem().string() + mark + source.extension().string());
 }
 
-/// The settings without what the values say. A matte that is not filled from is left out, since
-/// giving one asks for it.
+/// The settings without the parts that set parameter values. A matte that the fill does not use is
+/// left out, since the option alone would select it.
 RenderSettings plainSettings(const RenderSettings& settings, const Render::FillRegion& region)
 {
     RenderSettings plain = settings;
@@ -109,16 +109,16 @@ RenderSettings plainSettings(const RenderSettings& settings, const Render::FillR
     return plain;
 }
 
-/// What the command says of the values, and the settings that it says it with.
-struct Wording {
+/// The assignments of a command, and the settings for its other options.
+struct CommandArguments {
     RenderSettings settings;
     std::vector<std::string> assignments;  ///< "name=value"
 };
 
-/// The fewest words that lead a command to the values: what it sets by itself may depend on what it
-/// is told, so that it is asked until nothing differs.
-Wording findWording(RenderSettings settings, const InstanceSetup& wanted,
-                    Render::PluginSession& session)
+/// The fewest assignments that lead to the values. The command's own defaults may depend on an
+/// assignment, so this repeats until nothing differs.
+CommandArguments minimalArguments(RenderSettings settings, const InstanceSetup& wanted,
+                                  Render::PluginSession& session)
 {
     const Host::ContextDescription& description = session.describe(wanted.context());
     const JobInputs inputs(settings);
@@ -127,12 +127,12 @@ Wording findWording(RenderSettings settings, const InstanceSetup& wanted,
         settings.context = wanted.context();
     }
     const ParameterValues values = wanted.values();
-    std::set<std::string> said;
+    std::set<std::string> added;
     for (bool isComplete = false; !isComplete;) {
         const ParameterValues reached = InstanceSetup(session, settings, inputs, depth).values();
         isComplete = true;
         for (const auto& [name, value] : values) {
-            if (value == reached.at(name) || !said.insert(name).second) continue;
+            if (value == reached.at(name) || !added.insert(name).second) continue;
             const std::string text = exactText(*description.parameter(name), value);
             settings.parameters.push_back(std::string(name).append("=").append(text));
             isComplete = false;
@@ -142,7 +142,7 @@ Wording findWording(RenderSettings settings, const InstanceSetup& wanted,
     return {std::move(settings), std::move(assignments)};
 }
 
-/// A command line in the making.
+/// Builds a command line.
 class CommandLine {
 public:
     void word(const std::string& word) { Render::appendItem(text_, " ", quoted(word)); }
@@ -151,7 +151,7 @@ public:
         word(name);
         word(value);
     }
-    /// Found from any folder.
+    /// Paths are absolute, so that the command works in any folder.
     void file(const char* name, const fs::path& file)
     {
         if (!file.empty()) option(name, fs::absolute(file).string());
@@ -200,15 +200,15 @@ void CommandLine::addRender(const RenderSettings& settings)
 std::string commandText(const RenderSettings& settings, const InstanceSetup& setup,
                         Render::PluginSession& session)
 {
-    const Wording wording =
-        findWording(plainSettings(settings, setup.fillRegion()), setup, session);
+    const CommandArguments arguments =
+        minimalArguments(plainSettings(settings, setup.fillRegion()), setup, session);
     CommandLine line;
     line.word("tesseret");
     line.word("render");
-    line.addFiles(wording.settings);
-    line.addMatte(wording.settings);
-    line.addRender(wording.settings);
-    for (const std::string& assignment : wording.assignments) line.word(assignment);
+    line.addFiles(arguments.settings);
+    line.addMatte(arguments.settings);
+    line.addRender(arguments.settings);
+    for (const std::string& assignment : arguments.assignments) line.word(assignment);
     return line.text();
 }
 

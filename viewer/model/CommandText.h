@@ -6,8 +6,8 @@
 
 namespace Tesseret::Viewer {
 
-/// The `tesseret render` command that renders the settings' files as they are set up, for a POSIX
-/// shell in any folder. It says only what the command would not do by itself. Without an output in
+/// The `tesseret render` command that renders the settings' files with the current setup, for a
+/// POSIX shell in any folder. It has only the options that the command needs. Without an output in
 /// the settings the result is named after the source. Throws as `InstanceSetup` does.
 std::string commandText(const Render::RenderSettings& settings, const Render::InstanceSetup& setup,
                         Render::PluginSession& session);

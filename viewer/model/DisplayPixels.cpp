@@ -10,8 +10,7 @@ namespace {
 
 constexpr std::size_t kSteps = 65536;
 
-/// Linear light from 0 to 1, in even steps and taken at their middle, to the sRGB curve
-/// (IEC 61966-2-1).
+/// Table from linear light, 0 to 1 in even steps sampled at their middle, to sRGB (IEC 61966-2-1).
 std::array<std::uint8_t, kSteps> makeCurve()
 {
     std::array<std::uint8_t, kSteps> curve{};
@@ -37,7 +36,7 @@ std::uint8_t shown(std::uint16_t value)
 std::uint8_t shown(float value)
 {
     static const std::array<std::uint8_t, kSteps> kCurve = makeCurve();
-    if (!(value > 0.0f)) return 0;  // what is no number, too
+    if (!(value > 0.0f)) return 0;  // NaN too
     if (value >= 1.0f) return 255;
     return kCurve[static_cast<std::size_t>(value * float(kSteps))];
 }

@@ -7,10 +7,9 @@
 
 namespace Tesseret::Viewer {
 
-/// A part of a picture as a screen takes it: 8-bit RGBA, rows from the lowest up without padding.
-/// Whole numbers are shown as they are, floats as linear light through the sRGB curve. Alpha is
-/// left out of the display: it comes out full, and a picture of alpha alone comes out grey. `part`
-/// lies in the picture's bounds.
+/// A part of a picture for display: 8-bit RGBA, rows from the lowest up without padding. Integers
+/// are shown as they are, floats as linear light through the sRGB curve. Alpha is not displayed: it
+/// is always full, and an alpha-only picture is grey. `part` lies in the picture's bounds.
 std::vector<std::uint8_t> displayPixels(const Picture& picture, const OfxRectI& part);
 
 }  // namespace Tesseret::Viewer

@@ -16,7 +16,7 @@ struct ValueChange {
 /// Undo and redo of parameter edits.
 class EditHistory {
 public:
-    /// A group while it lives.
+    /// Keeps a group open for its lifetime.
     class Group {
     public:
         explicit Group(EditHistory& history) : history_(history) { history_.beginGroup(); }
@@ -28,16 +28,16 @@ public:
         EditHistory& history_;
     };
 
-    /// One edit, or within a group a part of one. It ends what could be redone, unless it changes
+    /// Adds an edit, or within a group a part of one. Clears the redo list, unless it changes
     /// nothing.
     void record(std::vector<ValueChange> changes);
-    /// Everything recorded until the group ends is one edit. Groups may nest.
+    /// Everything added until the group ends is one edit. Groups may nest.
     void beginGroup() { ++groups_; }
     void endGroup();
 
     bool canUndo() const { return !done_.empty() || !open_.empty(); }
     bool canRedo() const { return !undone_.empty(); }
-    /// What to set, in this order; nothing when there is no edit left. Open groups end.
+    /// The values to set, in this order; empty when no edit is left. Closes open groups.
     std::vector<Render::NamedValue> undo();
     std::vector<Render::NamedValue> redo();
 
@@ -47,7 +47,7 @@ private:
     void closeGroups();
 
     std::vector<Edit> done_, undone_;
-    Edit open_;  ///< of the groups that have begun
+    Edit open_;  ///< of the open groups
     int groups_ = 0;
 };
 

@@ -4,12 +4,12 @@ namespace Tesseret::Viewer {
 
 namespace {
 
-/// What a frame has taken so far.
+/// The events that a frame has taken so far.
 struct Taken {
     std::set<int> keys;
     bool button = false, wheel = false;
 
-    /// Whether the event fits beside the others; it counts as taken then.
+    /// Takes the event if it fits beside the others; returns whether it does.
     bool admit(const InputEvent& event)
     {
         if (const auto* const key = std::get_if<KeyEvent>(&event)) {

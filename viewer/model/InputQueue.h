@@ -1,8 +1,8 @@
 #pragma once
 
-/// Input events, handed over frame by frame. A frame sees every key and button either down or up,
-/// so a press and its release that arrive together have to be shown in two frames; otherwise a slow
-/// frame would swallow a quick click.
+/// Input events, split into frames. A frame sees every key and button either down or up, so a press
+/// and its release that arrive together are split over two frames; otherwise a slow frame would
+/// miss a quick click.
 
 #include <deque>
 #include <set>

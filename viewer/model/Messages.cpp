@@ -7,7 +7,7 @@ namespace Tesseret::Viewer {
 
 namespace {
 
-constexpr std::size_t kMostLines = 500;
+constexpr std::size_t kMaxLines = 500;
 
 }  // namespace
 
@@ -30,7 +30,7 @@ void MessageLog::add(Kind kind, const std::string& text)
 {
     if (text.empty()) return;
     if (!lines_.empty() && lines_.back().kind == kind && lines_.back().text == text) return;
-    if (lines_.size() == kMostLines) lines_.erase(lines_.begin());
+    if (lines_.size() == kMaxLines) lines_.erase(lines_.begin());
     lines_.push_back({kind, text});
     ++count_;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What the user is to read: what a plug-in says, and the log that shows it with everything else.
+/// Messages for the user: those of a plug-in, and the log that shows all of them.
 
 #include <functional>
 #include <mutex>
@@ -11,14 +11,14 @@
 
 namespace Tesseret::Viewer {
 
-/// Keeps what a plug-in says outside of renders, until somebody shows it. From any thread.
+/// Collects a plug-in's messages outside of renders. All functions may be called from any thread.
 class MessageList final : public Render::JobListener {
 public:
     void warning(const std::string& text) override { add(text); }
     void message(const std::string& text) override { add(text); }
 
     Host::HostOptions hostOptions(unsigned int threads) { return plugin_.hostOptions(threads); }
-    /// Since the last call, errors last.
+    /// Returns the messages since the last call, errors last.
     std::vector<std::string> take();
 
 private:
@@ -30,7 +30,7 @@ private:
     Render::PluginMessages plugin_{*this, warnings_};
 };
 
-/// What the user was shown, oldest first.
+/// The messages shown to the user, oldest first.
 class MessageLog {
 public:
     enum class Kind { Note, Message, Error };
@@ -39,12 +39,12 @@ public:
         std::string text;
     };
 
-    /// A line that says the same as the last one is left out. The oldest are forgotten.
+    /// Drops a line that repeats the last one. Removes the oldest lines when there are too many.
     void add(Kind kind, const std::string& text);
-    /// Does the work, and reports what went wrong with it.
+    /// Runs the work, and logs its exception.
     void attempt(const std::function<void()>& work);
     const std::vector<Line>& lines() const { return lines_; }
-    /// Counts up with every line added.
+    /// How many lines were ever added.
     unsigned long count() const { return count_; }
 
 private:

@@ -19,7 +19,7 @@ bool isShown(const ParameterDescription& parameter)
     return !parameter.isPage() && !parameter.isGroup() && !parameter.secret;
 }
 
-/// Those that the plug-in put in order, then the rest as they were defined.
+/// First those in the plug-in's page order, then the rest in the order of definition.
 std::vector<const ParameterDescription*> orderedPages(const ContextDescription& description)
 {
     std::vector<const ParameterDescription*> pages;
@@ -61,8 +61,8 @@ std::vector<PanelPage> panelPages(const ContextDescription& description)
     std::vector<PanelPage> pages;
     std::set<std::string> placed;
     for (const ParameterDescription* const page : orderedPages(description)) {
-        PanelPage laidOut = layOut(*page, description, placed);
-        if (!laidOut.columns.empty()) pages.push_back(std::move(laidOut));
+        PanelPage arranged = layOut(*page, description, placed);
+        if (!arranged.columns.empty()) pages.push_back(std::move(arranged));
     }
     std::vector<std::string> rest;
     for (const ParameterDescription& parameter : description.parameters) {

@@ -8,7 +8,7 @@
 
 namespace Tesseret::Viewer {
 
-/// The files that are viewed, with the pictures of the frame that was asked for last.
+/// The files being viewed, with the pictures of the last frame read.
 class PictureCache {
 public:
     /// Throws as `JobInputs` does.
@@ -23,7 +23,7 @@ public:
 private:
     Render::JobInputs inputs_;
     Depth depth_;
-    std::mutex mutex_;  ///< guards reading, and what follows
+    std::mutex mutex_;  ///< guards reading and the members below
     std::optional<int> frame_;
     std::shared_ptr<const Render::FramePictures> pictures_;
 };

@@ -11,7 +11,7 @@ using Render::FillPicture;
 
 namespace {
 
-/// Copies a picture over another; where both show something the brighter shows.
+/// Copies a picture over another; each channel keeps the brighter value.
 void lighten(Picture& canvas, const Picture& picture)
 {
     const OfxRectI both = intersection(canvas.bounds(), picture.bounds());
@@ -109,7 +109,7 @@ void RenderWatch::note(Host::Instance& /*instance*/, std::string_view text)
     addNote(std::string(text));
 }
 
-/// Each area may have the same to say.
+/// Areas may repeat a note.
 void RenderWatch::addNote(const std::string& text)
 {
     const std::lock_guard lock(mutex_);
@@ -125,7 +125,7 @@ void RenderWatch::mapMade(Host::Instance& /*instance*/, const TesseretMapV1& map
 {
     try {
         if (const std::optional<FillPicture> made = pictures_.make(map)) keep(*made);
-    } catch (const std::exception& error) {  // a map that cannot be shown fails no render
+    } catch (const std::exception& error) {  // a map that cannot be shown must not fail the render
         addNote(error.what());
     }
 }

@@ -11,14 +11,14 @@
 
 namespace Tesseret::Viewer {
 
-/// Hears how a render goes on, for whoever watches meanwhile and for its result.
+/// Follows a render: its state for the window meanwhile, its messages and maps for the result.
 class RenderWatch final : public Render::JobListener {
 public:
-    /// Before each render.
+    /// Called before each render.
     void begin();
-    /// From now on maps are wanted, over a picture of these bounds.
+    /// Enables maps, over a picture of these bounds.
     void wantMaps(OfxRectI bounds);
-    /// Hands over what was said and shown since `begin`.
+    /// Moves messages, notes and maps since `begin` to the result.
     void end(RenderResult& result);
 
     /// From any thread.
@@ -39,9 +39,9 @@ private:
     void keep(const Render::FillPicture& made);
     void addNote(const std::string& text);
 
-    mutable std::mutex mutex_;  ///< guards what is said and the state
+    mutable std::mutex mutex_;  ///< guards the messages and the state
     std::vector<std::string> messages_, notes_;
-    std::vector<std::string> stages_;  ///< those that run, the innermost last
+    std::vector<std::string> stages_;  ///< the running stages, the innermost last
     double fraction_ = 0.0;
     std::size_t area_ = 0, areaCount_ = 1;
 

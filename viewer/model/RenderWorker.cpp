@@ -2,14 +2,14 @@
 
 #include <utility>
 
-#include "viewer/model/OrderRenderer.h"
+#include "viewer/model/RequestRenderer.h"
 
 namespace Tesseret::Viewer {
 
 RenderWorker::RenderWorker(Render::PluginSession& session, const Render::RenderSettings& settings,
                            PictureCache& pictures)
     : watch_(std::make_unique<RenderWatch>()),
-      renderer_(std::make_unique<OrderRenderer>(session, settings, pictures, *watch_)),
+      renderer_(std::make_unique<RequestRenderer>(session, settings, pictures, *watch_)),
       thread_([this] { run(); })
 {}
 
@@ -24,10 +24,10 @@ RenderWorker::~RenderWorker()
     thread_.join();
 }
 
-std::uint64_t RenderWorker::order(RenderOrder order)
+std::uint64_t RenderWorker::request(ViewRequest request)
 {
     const std::lock_guard lock(mutex_);
-    next_ = std::move(order);
+    next_ = std::move(request);
     if (isRendering_) renderer_->abort();
     changed_.notify_all();
     return ++lastSerial_;
@@ -60,12 +60,12 @@ void RenderWorker::run()
     while (true) {
         changed_.wait(lock, [this] { return isEnding_ || next_; });
         if (isEnding_) return;
-        const RenderOrder order = *std::exchange(next_, std::nullopt);
+        const ViewRequest request = *std::exchange(next_, std::nullopt);
         const std::uint64_t serial = lastSerial_;
         isRendering_ = isBusy_ = true;
         renderer_->begin();
         lock.unlock();
-        std::shared_ptr<RenderResult> result = renderer_->render(order);
+        std::shared_ptr<RenderResult> result = renderer_->render(request);
         const bool isDone = result != nullptr;
         lock.lock();
         isRendering_ = false;

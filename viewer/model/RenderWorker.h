@@ -19,21 +19,21 @@
 
 namespace Tesseret::Viewer {
 
-class OrderRenderer;
+class RequestRenderer;
 class RenderWatch;
 
-struct RenderOrder {
+struct ViewRequest {
     int frame = 0;
-    double scale = 1.0;              ///< of the render, as a host's proxy
+    double scale = 1.0;              ///< render scale, as of a host's proxy
     Render::ParameterValues values;  ///< of all parameters
     bool wantsMaps = false;          ///< they cost time and memory
-    bool operator==(const RenderOrder&) const = default;
+    bool operator==(const ViewRequest&) const = default;
 };
 
 struct RenderResult {
-    RenderOrder order;
-    std::uint64_t serial = 0;  ///< of the order
-    Picture picture;           ///< RGBA, in pixels of the order's scale; empty after a failure
+    ViewRequest request;
+    std::uint64_t serial = 0;  ///< of the request
+    Picture picture;           ///< RGBA, in pixels of the request's scale; empty after a failure
     double seconds = 0.0;
     std::string error;                  ///< why there is no picture; empty when there is one
     std::vector<std::string> messages;  ///< of the plug-in, errors included
@@ -45,49 +45,49 @@ struct RenderResult {
 
 struct WorkerState {
     bool isRendering = false;
-    std::string stage;                    ///< the innermost one that runs
+    std::string stage;                    ///< the innermost running stage
     double fraction = 0.0;                ///< of the stage, 0 to 1
-    std::size_t area = 0, areaCount = 1;  ///< of the matte; they count from 0
+    std::size_t area = 0, areaCount = 1;  ///< of the matte, counted from 0
 };
 
-/// A thread that renders the newest order, with instances of its own.
+/// A thread that renders the newest order, with its own instances.
 class RenderWorker {
 public:
-    /// Checks the settings, whose scale and parameters the orders replace. Throws as
-    /// `InstanceSetup` does. Session and pictures outlive the object; others may work with other
-    /// instances of the session meanwhile. How renders go on is known only where the session's host
-    /// has a listener, which is not notified of them.
+    /// Checks the settings, whose scale and parameters the requests replace. Throws as
+    /// `InstanceSetup` does. Session and pictures outlive the object; other threads may use other
+    /// instances of the session. The state is reported only where the session's host has a
+    /// listener, which is not notified of these renders.
     RenderWorker(Render::PluginSession& session, const Render::RenderSettings& settings,
                  PictureCache& pictures);
-    /// Aborts what runs.
+    /// Aborts the running render.
     ~RenderWorker();
     RenderWorker(const RenderWorker&) = delete;
     RenderWorker& operator=(const RenderWorker&) = delete;
 
-    /// Renders this instead of whatever runs or waits. Returns the order's serial number, from 1.
-    std::uint64_t order(RenderOrder order);
-    /// Of the last render that came to its end; null before the first. From any thread.
+    /// Renders this in place of any running or waiting request. Returns the request's serial
+    /// number, from 1.
+    std::uint64_t request(ViewRequest request);
+    /// The result of the last completed render; null before the first. From any thread.
     std::shared_ptr<const RenderResult> latest() const;
     WorkerState state() const;
-    /// Until nothing runs or waits.
+    /// Waits until nothing runs or waits.
     void wait();
-    /// Called from the worker's thread after each render that came to its end. Set before the first
-    /// order.
+    /// Called on the worker's thread after each completed render. Set before the first request.
     void setOnDone(std::function<void()> onDone) { onDone_ = std::move(onDone); }
 
 private:
     void run();
 
     std::unique_ptr<RenderWatch> watch_;
-    std::unique_ptr<OrderRenderer> renderer_;
+    std::unique_ptr<RequestRenderer> renderer_;
     std::function<void()> onDone_;
 
-    mutable std::mutex mutex_;  ///< guards everything below but the thread
+    mutable std::mutex mutex_;  ///< guards everything below except the thread
     std::condition_variable changed_;
-    std::optional<RenderOrder> next_;
+    std::optional<ViewRequest> next_;
     std::uint64_t lastSerial_ = 0;
     bool isRendering_ = false;
-    bool isBusy_ = false;  ///< rendering, or telling that a render is done
+    bool isBusy_ = false;  ///< rendering, or calling onDone_
     bool isEnding_ = false;
     std::shared_ptr<const RenderResult> latest_;
     std::thread thread_;

@@ -6,7 +6,7 @@ namespace Tesseret::Viewer {
 
 namespace {
 
-/// Left free around a fitted picture, in screen units.
+/// The margin around a fitted picture, in screen units.
 constexpr double kMargin = 16.0;
 
 }  // namespace
@@ -31,7 +31,7 @@ void View::fit()
     const double height = std::max(1.0, area_.height - 2.0 * kMargin);
     const double scale =
         std::min(width / (picture_.x2 - picture_.x1), height / (picture_.y2 - picture_.y1));
-    scale_ = std::clamp(scale, kLeastScale, kGreatestScale);
+    scale_ = std::clamp(scale, kMinScale, kMaxScale);
     centre_ = {(picture_.x1 + picture_.x2) / 2.0, (picture_.y1 + picture_.y2) / 2.0};
     isFitted_ = true;
 }
@@ -39,7 +39,7 @@ void View::fit()
 void View::zoomAbout(OfxPointD screen, double factor)
 {
     const OfxPointD kept = toCanonical(screen);
-    scale_ = std::clamp(scale_ * factor, kLeastScale, kGreatestScale);
+    scale_ = std::clamp(scale_ * factor, kMinScale, kMaxScale);
     const OfxPointD moved = toCanonical(screen);
     centre_.x += kept.x - moved.x;
     centre_.y += kept.y - moved.y;

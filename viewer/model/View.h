@@ -1,6 +1,6 @@
 #pragma once
 
-/// Where the picture stands in the window: how far in, and which part of it is seen.
+/// The position of the picture in the window: zoom and visible part.
 
 #include "ofx/ofxCore.h"
 
@@ -20,15 +20,15 @@ struct ScreenArea {
 /// picture, and keeps fitting it until it is zoomed or panned.
 class View {
 public:
-    static constexpr double kLeastScale = 1.0 / 256.0, kGreatestScale = 128.0;
+    static constexpr double kMinScale = 1.0 / 256.0, kMaxScale = 128.0;
 
     void setArea(const ScreenArea& area);
-    /// What there is to see, canonical. An empty picture is taken as one unit wide and high.
+    /// The picture's rectangle, canonical. An empty picture counts as one unit wide and high.
     void setPicture(const OfxRectD& picture);
 
-    /// As large as the area takes it, in the middle.
+    /// As large as fits in the area, centred.
     void fit();
-    /// Keeps what is at the screen position where it is. The scale stays within its limits.
+    /// Keeps the canonical point at the screen position fixed. The scale is clamped to its limits.
     void zoomAbout(OfxPointD screen, double factor);
     /// Moves the picture by screen units.
     void pan(double x, double y);
@@ -39,7 +39,7 @@ public:
     double scale() const { return scale_; }
     OfxPointD toCanonical(OfxPointD screen) const;
     OfxPointD toScreen(OfxPointD canonical) const;
-    /// What the area shows, canonical; it may reach beyond the picture.
+    /// The visible rectangle, canonical; it may reach beyond the picture.
     OfxRectD visible() const;
 
 private:
@@ -47,7 +47,7 @@ private:
 
     ScreenArea area_;
     OfxRectD picture_{0.0, 0.0, 1.0, 1.0};
-    OfxPointD centre_{0.5, 0.5};  ///< canonical, seen in the middle of the area
+    OfxPointD centre_{0.5, 0.5};  ///< canonical, at the middle of the area
     double scale_ = 1.0;
     bool isFitted_ = true;
 };

@@ -21,7 +21,7 @@ using Render::ParameterValues;
 
 namespace {
 
-/// Raises a flag while it lives.
+/// Sets a flag for its lifetime.
 class Raised {
 public:
     explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
@@ -105,7 +105,7 @@ bool ViewSession::pressPen(const Host::Interact::Pen& pen)
     Host::Interact* const shown = overlay();
     if (shown == nullptr) return false;
     drag_.emplace(history_);
-    // An overlay that takes no part still has to learn that the pen is up again.
+    // Also notifies an overlay that did not take the drag that the pen is up.
     if (shown->penDown(pen) != kOfxStatOK) releasePen(pen);
     return isDragging();
 }
@@ -126,7 +126,7 @@ void ViewSession::redo()
     replay(history_.redo());
 }
 
-/// Twice, since the plug-in may answer to one value by changing another that was set before.
+/// Twice, since the plug-in may react to one value by changing another that was set before.
 void ViewSession::apply(const std::vector<NamedValue>& values)
 {
     for (int pass = 0; pass < 2; ++pass) {
@@ -183,25 +183,25 @@ std::vector<std::string> ViewSession::takeMessages()
     return messages_.take();
 }
 
-RenderOrder ViewSession::currentOrder(double scale) const
+ViewRequest ViewSession::currentRequest(double scale) const
 {
     return {.frame = frame_, .scale = scale, .values = values()};
 }
 
-std::uint64_t ViewSession::order(double scale, bool wantsMaps)
+std::uint64_t ViewSession::request(double scale, bool wantsMaps)
 {
-    RenderOrder order = currentOrder(scale);
-    order.wantsMaps = wantsMaps;
-    return worker_->order(std::move(order));
+    ViewRequest request = currentRequest(scale);
+    request.wantsMaps = wantsMaps;
+    return worker_->request(std::move(request));
 }
 
 bool ViewSession::hasFullResult() const
 {
     const std::shared_ptr<const RenderResult> latest = worker_->latest();
     if (!latest || !latest->error.empty()) return false;
-    RenderOrder wanted = currentOrder(fullScale());
-    wanted.wantsMaps = latest->order.wantsMaps;
-    return latest->order == wanted;
+    ViewRequest wanted = currentRequest(fullScale());
+    wanted.wantsMaps = latest->request.wantsMaps;
+    return latest->request == wanted;
 }
 
 void ViewSession::saveResult(const std::filesystem::path& name)
@@ -213,7 +213,7 @@ void ViewSession::saveResult(const std::filesystem::path& name)
                                  ": is one of the input files and is not overwritten");
     }
     if (!hasFullResult()) {
-        order(fullScale());
+        request(fullScale());
         worker_->wait();
     }
     const std::shared_ptr<const RenderResult> latest = worker_->latest();

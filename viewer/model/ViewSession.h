@@ -1,8 +1,7 @@
 #pragma once
 
-/// What a viewer shows and changes, without any window: the files, the plug-in's instance with its
-/// overlay, the history of edits, and the worker that renders. Everything is called from one
-/// thread.
+/// The model of a viewer, without any window: the files, the plug-in's instance with its overlay,
+/// the edit history, and the render worker. All functions are called from one thread.
 
 #include <cstdint>
 #include <filesystem>
@@ -24,20 +23,20 @@ namespace Tesseret::Viewer {
 /// Destroyed while the OpenGL context in which the overlay was drawn is current.
 class ViewSession final : private Host::InstanceListener {
 public:
-    /// Opens what `tesseret render` would render; the output may be empty. Throws `UsageError` or
+    /// Opens the inputs of `tesseret render`; the output may be empty. Throws `UsageError` or
     /// `FileError`.
     explicit ViewSession(Render::RenderSettings settings);
     ViewSession(const ViewSession&) = delete;
     ViewSession& operator=(const ViewSession&) = delete;
 
-    // What there is.
+    // Files, plug-in and instance.
 
     Host::EffectDescription effect() { return session_.effect().description(); }
     const Host::ContextDescription& description() const { return description_; }
     const std::vector<PanelPage>& pages() const { return pages_; }
     const Render::JobInputs& inputs() const { return pictures_.inputs(); }
     Host::Instance& instance() { return *ready_.instance; }
-    /// Made at the first call; null when the plug-in has none or refuses.
+    /// Created at the first call; null when the plug-in has none or refuses.
     Host::Interact* overlay();
     RenderWorker& worker() { return *worker_; }
 
@@ -47,19 +46,20 @@ public:
     int frame() const { return frame_; }
     /// Throws `FileError` or `UsageError` when the frame's files cannot be read.
     void setFrame(int frame);
-    /// Of the current frame at full size, by clip: "Source", "Matte" and so on.
+    /// The pictures of the current frame at full size, by clip: "Source", "Matte" and so on.
     const Render::FramePictures& pictures() const { return *shown_; }
 
-    // The pen over the overlay. What the plug-in sets from the press to the release is one edit.
+    // The pen over the overlay. All values that the plug-in sets from press to release are one
+    // edit.
 
     void movePen(const Host::Interact::Pen& pen);
-    /// Whether the overlay takes the drag that begins.
+    /// Returns whether the overlay takes the drag.
     bool pressPen(const Host::Interact::Pen& pen);
     void releasePen(const Host::Interact::Pen& pen);
-    /// From a press that the overlay took to the release.
+    /// Whether a drag that the overlay took is going on.
     bool isDragging() const { return drag_.has_value(); }
 
-    // Values of parameters. What the plug-in sets in answer belongs to the same edit.
+    // Parameter values. What the plug-in sets in response belongs to the same edit.
 
     Host::ParameterValue value(const std::string& name) const
     {
@@ -67,39 +67,39 @@ public:
     }
     /// Throws `HostError` for a value of another shape.
     void set(const std::string& name, Host::ParameterValue value);
-    /// To the plug-in's default.
+    /// Sets the plug-in's default.
     void reset(const std::string& name);
     /// A push button.
     void press(const std::string& name);
-    /// All edits up to the end of the group are undone as one.
+    /// All edits until the end of the group are undone as one.
     void beginGroup() { history_.beginGroup(); }
     void endGroup() { history_.endGroup(); }
     bool canUndo() const { return history_.canUndo(); }
     bool canRedo() const { return history_.canRedo(); }
     void undo();
     void redo();
-    /// Whether the frame or a value that the picture depends on has changed since the last call;
-    /// true at the first.
+    /// Whether the frame or a value that affects the picture has changed since the last call; true
+    /// at the first.
     bool takeChanged();
-    /// What the plug-in had to say to the person, beside what it said in renders.
+    /// The plug-in's messages since the last call, except those of renders.
     std::vector<std::string> takeMessages();
 
     // Renders.
 
-    /// The scale of a full render; 1 unless the settings say otherwise.
+    /// The scale of a full render; 1 unless the settings set another.
     double fullScale() const { return settings_.renderScale; }
-    /// Orders the current state from the worker, and returns the order's serial number.
-    std::uint64_t order(double scale, bool wantsMaps = false);
+    /// Requests a render of the current state from the worker; returns its serial number.
+    std::uint64_t request(double scale, bool wantsMaps = false);
     /// Whether the worker's latest result is the current state at full scale.
     bool hasFullResult() const;
-    /// Writes the current frame as `tesseret render` would; a mark for the frame in the name
-    /// becomes its number. Waits for a full render when there is none of the current state. Throws
-    /// `RenderFailure`, `FileError` or `UsageError`.
+    /// Writes the current frame as `tesseret render` would; a frame pattern in the name becomes its
+    /// number. Waits for a full render of the current state if needed. Throws `RenderFailure`,
+    /// `FileError` or `UsageError`.
     void saveResult(const std::filesystem::path& name);
     /// The equivalent `tesseret render` command line.
     std::string commandText();
 
-    // Parameter sets as files; both throw `FileError` or `UsageError`.
+    // Files of parameter values; both throw `FileError` or `UsageError`.
 
     void saveParameters(const std::filesystem::path& file);
     /// As one edit.
@@ -113,7 +113,7 @@ private:
     Render::ParameterValues values() const;
     void apply(const std::vector<Render::NamedValue>& values);
     void replay(const std::vector<Render::NamedValue>& values);
-    RenderOrder currentOrder(double scale) const;
+    ViewRequest currentRequest(double scale) const;
 
     Render::RenderSettings settings_;
     PictureCache pictures_;
@@ -122,8 +122,9 @@ private:
     Render::InstanceSetup setup_;
     const Host::ContextDescription& description_;
     std::vector<PanelPage> pages_;
-    EditHistory history_;  ///< with the flags outlives the instance, which changes them to its end
-    bool isReplaying_ = false;  ///< values come from the history
+    EditHistory
+        history_;  ///< outlives the instance with the flags, which it changes until destroyed
+    bool isReplaying_ = false;  ///< while values come from the history
     bool hasChanged_ = true;
     Render::ReadyInstance ready_;
     std::unique_ptr<Host::Interact> overlay_;
@@ -131,7 +132,7 @@ private:
     std::unique_ptr<RenderWorker> worker_;
     int frame_;
     std::shared_ptr<const Render::FramePictures> shown_;
-    std::optional<EditHistory::Group> drag_;  ///< while the overlay has the pen
+    std::optional<EditHistory::Group> drag_;  ///< while the overlay has the drag
 };
 
 }  // namespace Tesseret::Viewer

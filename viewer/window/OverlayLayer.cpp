@@ -6,10 +6,10 @@ namespace Tesseret::Viewer {
 
 void OverlayLayer::updateView(Host::Interact& overlay, const View& view) const
 {
-    Host::Interact::View& told = overlay.view();
-    told.time = session_.frame();
-    told.pixelScale = {1.0 / view.scale(), 1.0 / view.scale()};
-    told.viewportSize = {std::round(view.area().width), std::round(view.area().height)};
+    Host::Interact::View& target = overlay.view();
+    target.time = session_.frame();
+    target.pixelScale = {1.0 / view.scale(), 1.0 / view.scale()};
+    target.viewportSize = {std::round(view.area().width), std::round(view.area().height)};
 }
 
 void OverlayLayer::draw(const View& view)

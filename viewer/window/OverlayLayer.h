@@ -5,7 +5,7 @@
 
 namespace Tesseret::Viewer {
 
-/// The plug-in's own overlay over the picture: draws it, and hands it the pen.
+/// The plug-in's own overlay over the picture: draws it, and forwards the pen.
 class OverlayLayer {
 public:
     /// The session outlives the object. An OpenGL context is current in every call.
@@ -14,7 +14,7 @@ public:
     /// Draws in the view's projection, in canonical units.
     void draw(const View& view);
 
-    /// The pen at a screen position. `press` is true when the overlay takes the drag that begins.
+    /// The pen at a screen position. `press` returns true when the overlay takes the drag.
     void move(const View& view, OfxPointD screen) { session_.movePen(penAt(view, screen)); }
     bool press(const View& view, OfxPointD screen)
     {
@@ -23,7 +23,7 @@ public:
     void release(const View& view, OfxPointD screen) { session_.releasePen(penAt(view, screen)); }
 
 private:
-    /// With the view as the overlay is to see it.
+    /// Passes the view to the overlay.
     Host::Interact::Pen penAt(const View& view, OfxPointD screen);
     void updateView(Host::Interact& overlay, const View& view) const;
 

@@ -8,14 +8,14 @@
 
 namespace Tesseret::Viewer {
 
-/// Every parameter of the plug-in, page by page, built from what the plug-in described. What is
-/// done to one parameter from taking hold of it to letting go is one step to undo.
+/// All parameters of the plug-in, page by page, built from the plug-in's description. All changes
+/// of one parameter from press to release are one undo step.
 class ParameterPanel {
 public:
     /// Both outlive the object.
     ParameterPanel(ViewSession& session, MessageLog& log) : session_(session), log_(log) {}
 
-    /// Inside the user interface's current window.
+    /// Draws into the user interface's current window.
     void draw();
     /// Whether a slider or number is held.
     bool isDragging() const;
@@ -26,7 +26,7 @@ private:
     void drawRow(const Host::ParameterDescription& parameter);
     void drawValue(const Host::ParameterDescription& parameter, float width);
     void drawReset(const Host::ParameterDescription& parameter);
-    /// While a value is typed it counts only when it is finished.
+    /// A typed value is set only when typing is finished.
     void keepOrSet(const std::string& name, const Host::ParameterValue& value);
     void takeHold(const std::string& name);
     void letGo();
@@ -35,7 +35,7 @@ private:
 
     ViewSession& session_;
     MessageLog& log_;
-    std::string held_;  ///< the parameter that is being edited; empty while there is none
+    std::string held_;  ///< the parameter being edited; empty for none
     bool isHeldNow_ = false;
     std::optional<Host::ParameterValue> typed_;  ///< for held_, not set yet
 };

@@ -29,40 +29,40 @@ constexpr ImGuiDataType kDataType =
 
 template <typename Number>
 struct Span {
-    Number least, greatest;
+    Number lowest, highest;
 };
 
-/// The limits of a dimension, or the type's own where the plug-in wrote none.
+/// The limits of a dimension; those of the type where the plug-in wrote none.
 template <typename Number>
 Span<Number> spanOf(const std::vector<double>& min, const std::vector<double>& max, std::size_t i)
 {
-    constexpr double kLeast = double(std::numeric_limits<Number>::lowest());
-    constexpr double kGreatest = double(std::numeric_limits<Number>::max());
-    const double least = i < min.size() ? min[i] : kLeast;
-    const double greatest = i < max.size() ? max[i] : kGreatest;
-    return {static_cast<Number>(std::clamp(least, kLeast, kGreatest)),
-            static_cast<Number>(std::clamp(greatest, kLeast, kGreatest))};
+    constexpr double kMin = double(std::numeric_limits<Number>::lowest());
+    constexpr double kMax = double(std::numeric_limits<Number>::max());
+    const double lowest = i < min.size() ? min[i] : kMin;
+    const double highest = i < max.size() ? max[i] : kMax;
+    return {static_cast<Number>(std::clamp(lowest, kMin, kMax)),
+            static_cast<Number>(std::clamp(highest, kMin, kMax))};
 }
 
-/// Sliders need two ends that are not too far apart to tell values from each other.
+/// A slider's range must be small enough to distinguish values.
 template <typename Number>
 bool canSlide(const Span<Number>& span)
 {
-    return double(span.greatest) - double(span.least) <= 1e7 && span.least < span.greatest;
+    return double(span.highest) - double(span.lowest) <= 1e7 && span.lowest < span.highest;
 }
 
-/// As many digits as were described, and enough to see what a drag does to a narrow range.
+/// The described number of digits, and at least enough to show a drag in a narrow range.
 std::string formatOf(const ParameterDescription& parameter, double displaySpan)
 {
-    const int least = displaySpan <= kNarrow ? 4 : 0;
-    return "%." + std::to_string(std::clamp(parameter.digits, least, 10)) + "f";
+    const int lowest = displaySpan <= kNarrow ? 4 : 0;
+    return "%." + std::to_string(std::clamp(parameter.digits, lowest, 10)) + "f";
 }
 
 /// Change for one unit of pointer movement.
 template <typename Number>
 float dragSpeed(const ParameterDescription& parameter, const Span<Number>& display)
 {
-    if (canSlide(display)) return float(double(display.greatest) - double(display.least)) / 400.0f;
+    if (canSlide(display)) return float(double(display.highest) - double(display.lowest)) / 400.0f;
     return float(std::max(parameter.increment, 1e-3));
 }
 
@@ -74,14 +74,14 @@ bool drawField(const ParameterDescription& parameter, std::size_t i, Number& num
     const std::string format =
         std::is_same_v<Number, int>
             ? "%d"
-            : formatOf(parameter, double(display.greatest) - double(display.least));
+            : formatOf(parameter, double(display.highest) - double(display.lowest));
     ImGui::PushID(static_cast<int>(i));
     ImGui::SetNextItemWidth(width);
     const bool changed =
         ImGui::DragScalar("##field", kDataType<Number>, &number, dragSpeed(parameter, display),
                           nullptr, nullptr, format.c_str(), ImGuiSliderFlags_NoRoundToFormat);
     ImGui::PopID();
-    if (changed) number = std::clamp(number, whole.least, whole.greatest);
+    if (changed) number = std::clamp(number, whole.lowest, whole.highest);
     return changed;
 }
 
@@ -93,9 +93,9 @@ bool drawNumber(const ParameterDescription& parameter, Number& number, float wid
     const float gap = ImGui::GetStyle().ItemInnerSpacing.x;
     const float field = std::floor(width * kFieldShare);
     ImGui::SetNextItemWidth(width - field - gap);
-    Number slid = std::clamp(number, display.least, display.greatest);
-    bool changed = ImGui::SliderScalar("##slider", kDataType<Number>, &slid, &display.least,
-                                       &display.greatest, "", ImGuiSliderFlags_NoInput);
+    Number slid = std::clamp(number, display.lowest, display.highest);
+    bool changed = ImGui::SliderScalar("##slider", kDataType<Number>, &slid, &display.lowest,
+                                       &display.highest, "", ImGuiSliderFlags_NoInput);
     if (changed) number = slid;
     ImGui::SameLine(0.0f, gap);
     if (drawField(parameter, 0, number, field)) changed = true;

@@ -4,9 +4,9 @@
 
 namespace Tesseret::Viewer {
 
-/// Draws the field or fields that a parameter is edited with, `width` screen units wide, and
-/// changes the value to what the person makes of it; numbers stay in the whole range described.
-/// Returns whether it changed. A push button has no value: true says that it was pressed.
+/// Draws the fields to edit a parameter, `width` screen units wide, and sets the value to the
+/// user's input; numbers are clamped to the described range. Returns whether the value changed, or
+/// for a push button whether it was pressed.
 bool drawParameter(const Host::ParameterDescription& parameter, Host::ParameterValue& value,
                    float width);
 

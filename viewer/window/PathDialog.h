@@ -11,10 +11,10 @@ class PathDialog {
 public:
     using Use = std::function<void(const std::filesystem::path&)>;
 
-    /// `use` is called with the name once the person has confirmed it.
+    /// `use` is called with the name once the user has confirmed it.
     void ask(const std::string& question, const std::filesystem::path& proposed, Use use);
     bool isAsking() const { return use_ != nullptr; }
-    /// In every frame of the user interface.
+    /// Called in every frame of the user interface.
     void draw();
 
 private:

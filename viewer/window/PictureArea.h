@@ -15,12 +15,12 @@ public:
 
     View& view() { return view_; }
     PictureLayers& layers() { return layers_; }
-    /// Whether something is being dragged that changes parameters.
+    /// Whether a drag is changing parameters.
     bool isEditing() const { return session_.isDragging(); }
 
     /// Shows the session's frame and the worker's latest result.
     void update();
-    /// Does what the frame's input asks for, unless the user interface wants it.
+    /// Handles the frame's pointer input, unless the user interface wants it.
     void followPointer();
     /// `windowHeight` in screen units, `density` in pixels for one of them.
     void draw(double windowHeight, double density);
@@ -34,7 +34,7 @@ private:
     PictureLayers layers_;
     OverlayLayer overlay_;
     bool isPanning_ = false, isWiping_ = false, isOver_ = false;
-    OfxPointD pen_{-1.0, -1.0};  ///< canonical, last told to the overlay
+    OfxPointD pen_{-1.0, -1.0};  ///< canonical, last sent to the overlay
 };
 
 }  // namespace Tesseret::Viewer

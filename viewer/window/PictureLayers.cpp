@@ -67,8 +67,8 @@ void PictureLayers::showResult(std::shared_ptr<const RenderResult> result)
 {
     if (!result || result == result_ || !result->error.empty()) return;
     result_ = std::move(result);
-    const double scale = result_->order.scale;
-    // The picture lives as long as the result that it is part of.
+    const double scale = result_->request.scale;
+    // Shares ownership with the result that holds the picture.
     resultTexture_.show({result_, &result_->picture}, {scale, scale});
     updateMap();
 }
@@ -85,7 +85,7 @@ void PictureLayers::updateMap()
     const std::string name(mapName(layer_));
     const bool hasMap = result_ && result_->maps.contains(name);
     if (!hasMap) return map_.show(nullptr, {1.0, 1.0});
-    const double scale = result_->order.scale;
+    const double scale = result_->request.scale;
     map_.show({result_, &result_->maps.at(name)}, {scale, scale});
 }
 

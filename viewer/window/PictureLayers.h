@@ -1,7 +1,7 @@
 #pragma once
 
-/// What of a frame can be shown: its source, its result, both with a wipe between them, and the
-/// maps that the result was made with.
+/// The layers of a frame: source, result, both with a wipe between them, and the maps of the
+/// render.
 
 #include <memory>
 #include <string_view>
@@ -25,24 +25,25 @@ enum class Layer {
 };
 inline constexpr int kLayerCount = 9;
 
-/// For people.
+/// The label for the user.
 const char* layerLabel(Layer layer);
-/// The name of the result's map that a layer shows; empty when it shows none.
+/// The name of the map that a layer shows; empty when it shows none.
 std::string_view mapName(Layer layer);
 
 class PictureLayers {
 public:
     void showSource(std::shared_ptr<const Picture> source);
-    /// Null, or one without a picture, leaves the result as it was.
+    /// Null, or a result without picture, keeps the previous one.
     void showResult(std::shared_ptr<const RenderResult> result);
 
     Layer layer() const { return layer_; }
     void choose(Layer layer);
-    /// Of the split: canonical, source to the left and result to the right.
+    /// Position of the split: canonical x, source to the left and result to the right.
     double wipe() const { return wipe_; }
     void setWipe(double x) { wipe_ = x; }
 
-    /// Draws the layer; projection and viewport are the view's. Nothing where there is no such map.
+    /// Draws the layer; projection and viewport are those of the view. Draws nothing when there is
+    /// no such map.
     void draw(const View& view, double density) const;
 
 private:

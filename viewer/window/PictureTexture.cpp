@@ -10,7 +10,7 @@ namespace Tesseret::Viewer {
 
 namespace {
 
-/// No larger than this even where the card could: a tile's pixels are prepared in memory.
+/// Limit even where the graphics card allows more: a tile's pixels are prepared in memory.
 constexpr int kLargestTile = 4096;
 
 int tileSize()

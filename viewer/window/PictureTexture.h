@@ -7,8 +7,8 @@
 
 namespace Tesseret::Viewer {
 
-/// A picture on the graphics card, in tiles where it is larger than a texture may be. Every call
-/// needs the same OpenGL context to be current, the destructor too.
+/// A picture on the graphics card, in tiles where it exceeds the texture size. Every call, the
+/// destructor too, needs the same OpenGL context to be current.
 class PictureTexture {
 public:
     PictureTexture() = default;
@@ -16,8 +16,8 @@ public:
     PictureTexture(const PictureTexture&) = delete;
     PictureTexture& operator=(const PictureTexture&) = delete;
 
-    /// Takes over what the picture shows; the same picture as last time costs nothing. Null shows
-    /// nothing. One pixel covers 1 / scale canonical units, across times the pixel aspect ratio.
+    /// Uploads the picture unless it is the same as before. Null shows nothing. One pixel covers 1
+    /// / scale canonical units, across times the pixel aspect ratio.
     void show(std::shared_ptr<const Picture> picture, OfxPointD scale);
     bool isEmpty() const { return tiles_.empty(); }
 

@@ -5,15 +5,14 @@
 
 namespace Tesseret::Viewer {
 
-/// Below the picture: the frame of a sequence, how the render goes on, and what the person was
-/// told.
+/// Below the picture: the frame of a sequence, the progress of the render, and the message log.
 class StatusPanel {
 public:
     /// Both outlive the object.
     StatusPanel(ViewSession& session, const MessageLog& log) : session_(session), log_(log) {}
 
-    /// Inside the user interface's current window. Returns the frame wanted, the current one unless
-    /// the person chooses another. `zoom` is screen units for one canonical unit.
+    /// Draws into the user interface's current window. Returns the frame that the user selected, by
+    /// default the current one. `zoom` is screen units for one canonical unit.
     int draw(double zoom);
 
 private:

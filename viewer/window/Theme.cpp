@@ -11,8 +11,8 @@ namespace {
 
 constexpr float kFontSize = 16.0f;  ///< screen units
 
-/// Where systems keep a font that has every letter of the labels; the first that is there is used,
-/// else the library's own, which has but one size.
+/// Fonts of common systems with every letter of the labels. The first existing one is used, else
+/// the library's own, which has only one size.
 constexpr std::array kFontFiles{
     "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
     "/usr/share/fonts/TTF/DejaVuSans.ttf",

@@ -6,7 +6,7 @@ namespace Tesseret::Viewer {
 /// for one screen unit.
 void applyTheme(double density);
 
-/// What stands on a button that puts a value back.
+/// The label of a button that resets a value.
 const char* resetMark();
 
 }  // namespace Tesseret::Viewer

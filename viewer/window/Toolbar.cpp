@@ -33,7 +33,7 @@ bool drawItem(UserCommand command, ViewSession& session)
     return ImGui::MenuItem(row.label, row.keys, false, isPossible(command, session));
 }
 
-/// A button that stays down while its layer is shown.
+/// A button that stays pressed while its layer is shown.
 bool drawLayerButton(Layer layer, bool isChosen)
 {
     if (isChosen) {

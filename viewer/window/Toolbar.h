@@ -8,8 +8,8 @@
 
 namespace Tesseret::Viewer {
 
-/// The menus, and the row of layers below them; each fills the user interface's current place and
-/// returns what the person asks for.
+/// The menus, and the row of layers below them; each draws at the user interface's cursor and
+/// returns the user's choice.
 std::optional<UserCommand> drawMenus(ViewSession& session);
 void drawLayerButtons(PictureLayers& layers);
 

@@ -25,7 +25,7 @@ constexpr auto kRows = std::to_array<UserCommandRow>({
     {UserCommand::NextFrame, "Next frame", "Right", 0, GLFW_KEY_RIGHT},
 });
 
-/// Keys are counted by their place; the letter is what the person's keyboard has there.
+/// GLFW identifies keys by position; the letter is that of the user's keyboard layout.
 bool isOn(const UserCommandRow& row, const KeyEvent& key)
 {
     if (row.letter == 0) return row.key == key.key;
@@ -34,7 +34,7 @@ bool isOn(const UserCommandRow& row, const KeyEvent& key)
            std::tolower(static_cast<unsigned char>(name[0])) == row.letter;
 }
 
-/// Text that is being typed has an undo of its own.
+/// A text field has its own undo.
 bool belongsToText(UserCommand command)
 {
     return command == UserCommand::Undo || command == UserCommand::Redo;

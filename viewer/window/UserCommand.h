@@ -1,6 +1,6 @@
 #pragma once
 
-/// What the person can ask the viewer for, from a menu or by a shortcut.
+/// The commands of the viewer, from a menu or by a shortcut.
 
 #include <optional>
 #include <span>
@@ -26,8 +26,8 @@ enum class UserCommand {
 struct UserCommandRow {
     UserCommand command;
     const char* label;
-    const char* keys;  ///< of the shortcut, for people; empty without one
-    char letter = 0;   ///< of the shortcut, on whatever keyboard; 0 when `key` says which
+    const char* keys;  ///< the shortcut as shown to the user; empty without one
+    char letter = 0;   ///< of the shortcut, in the user's keyboard layout; 0 when `key` is used
     int key = 0;       ///< as GLFW counts them
     bool control = false, shift = false;
 };
@@ -35,8 +35,7 @@ struct UserCommandRow {
 std::span<const UserCommandRow> userCommands();
 const UserCommandRow& rowOf(UserCommand command);
 
-/// What a key pressed asks for. While something is typed, plain keys
-/// and undo belong to the text.
+/// The command of a pressed key. During text input, plain keys and undo belong to the text field.
 std::optional<UserCommand> userCommandFor(const KeyEvent& key, bool isTyping);
 
 }  // namespace Tesseret::Viewer

@@ -25,7 +25,7 @@ constexpr int kPlainWindow = ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_No
                              ImGuiWindowFlags_NoSavedSettings |
                              ImGuiWindowFlags_NoBringToFrontOnFocus;
 
-/// Begins a part of the window that stays where it is.
+/// Begins a part of the window with fixed position and size.
 void beginPart(const char* name, ImVec2 place, ImVec2 size)
 {
     ImGui::SetNextWindowPos(place);
@@ -55,14 +55,14 @@ Viewer::Viewer(std::unique_ptr<ViewSession> session, ViewerFiles files, WindowSi
 void Viewer::run()
 {
     while (!window_.isClosing()) {
-        window_.wait(patience());
+        window_.wait(waitTime());
         frame();
     }
 }
 
-double Viewer::patience() const
+double Viewer::waitTime() const
 {
-    if (restless_ > 0) return kSoon;
+    if (pendingFrames_ > 0) return kSoon;
     if (session_->worker().state().isRendering) return kWhileRendering;
     return ImGui::GetIO().WantTextInput ? kWhileTyping : kWhileIdle;
 }
@@ -70,12 +70,12 @@ double Viewer::patience() const
 void Viewer::frame()
 {
     window_.beginFrame();
-    restless_ = window_.hadInput() ? kSettlingFrames : std::max(0, restless_ - 1);
+    pendingFrames_ = window_.hadInput() ? kSettlingFrames : std::max(0, pendingFrames_ - 1);
     layOut();
     followKeys();
     picture_.followPointer();
     drawInterface();
-    takeNews();
+    updateLog();
     const bool isDragging = picture_.isEditing() || panel_.isDragging();
     const bool wantsMaps = !mapName(picture_.layers().layer()).empty();
     log_.attempt([&] {
@@ -130,16 +130,16 @@ void Viewer::drawBottom(float top)
     if (frame != session_->frame()) showFrame(frame);
 }
 
-/// What the plug-in said, and the worker's latest result.
-void Viewer::takeNews()
+/// Logs the plug-in's messages, and shows the worker's latest result.
+void Viewer::updateLog()
 {
     for (const std::string& text : session_->takeMessages()) {
         log_.add(MessageLog::Kind::Message, text);
     }
     const auto result = session_->worker().latest();
-    if (!result || result->serial == newsSerial_) return;
-    newsSerial_ = result->serial;
-    restless_ = kSettlingFrames;
+    if (!result || result->serial == shownSerial_) return;
+    shownSerial_ = result->serial;
+    pendingFrames_ = kSettlingFrames;
     for (const std::string& text : result->notes) log_.add(MessageLog::Kind::Note, text);
     for (const std::string& text : result->messages) log_.add(MessageLog::Kind::Message, text);
     log_.add(MessageLog::Kind::Error, result->error);
@@ -219,7 +219,7 @@ void Viewer::copyCommandLine()
     log_.add(MessageLog::Kind::Note, "Copied: " + text);
 }
 
-/// Once the picture is complete, so that nobody has to wait for it here.
+/// Saves once the render is complete, so that the window never blocks.
 void Viewer::writeWanted()
 {
     if (wanted_.empty()) return;
@@ -234,7 +234,7 @@ void Viewer::writeWanted()
             wanted_.clear();
         } else {
             scheduler_.renew();
-            restless_ = kSettlingFrames;
+            pendingFrames_ = kSettlingFrames;
         }
     }
 }

@@ -14,7 +14,7 @@
 
 namespace Tesseret::Viewer {
 
-/// What a viewer is started with, beside the session.
+/// Files of a viewer beside those of the session.
 struct ViewerFiles {
     std::filesystem::path output;      ///< of the result; empty: asked for
     std::filesystem::path parameters;  ///< proposed for saving and loading; may be empty
@@ -26,17 +26,17 @@ public:
     /// Opens the window. Throws `UsageError` where there is no window system.
     Viewer(std::unique_ptr<ViewSession> session, ViewerFiles files, WindowSize size);
 
-    /// Until the person closes the window.
+    /// Returns when the user closes the window.
     void run();
 
 private:
-    double patience() const;
+    double waitTime() const;
     void frame();
     void layOut();
     void drawInterface();
     void drawSide(float top);
     void drawBottom(float top);
-    void takeNews();
+    void updateLog();
     void followKeys();
     void perform(UserCommand command);
     void saveResult(bool asks);
@@ -57,8 +57,8 @@ private:
     RenderScheduler scheduler_;
     PathDialog dialog_;
     std::filesystem::path wanted_;  ///< where the result goes once it is complete; empty: nowhere
-    std::uint64_t newsSerial_ = 0;
-    int restless_ = 3;  ///< frames to draw at once, until the user interface has settled
+    std::uint64_t shownSerial_ = 0;
+    int pendingFrames_ = 3;  ///< frames to draw without delay, until the user interface has settled
 };
 
 }  // namespace Tesseret::Viewer

@@ -51,7 +51,7 @@ Window::Window(const std::string& title, WindowSize size) : window_(open(title, 
 {
     listen();
     ImGui::CreateContext();
-    ImGui::GetIO().IniFilename = nullptr;  // leaves no file behind
+    ImGui::GetIO().IniFilename = nullptr;  // writes no settings file
     applyTheme(density());
     ImGui_ImplGlfw_InitForOpenGL(window_, /*install_callbacks=*/false);
     ImGui_ImplOpenGL2_Init();
@@ -129,7 +129,7 @@ void Window::beginFrame()
     for (const InputEvent& event : events) pass(event);
     ImGui_ImplOpenGL2_NewFrame();
     ImGui_ImplGlfw_NewFrame();
-    // The backend takes the pointer from where it is by now, which may be ahead of the buttons.
+    // The backend uses the pointer's current position, which may be ahead of the button events.
     ImGui::GetIO().MousePos = ImVec2(float(pointerX_), float(pointerY_));
     ImGui::NewFrame();
 }

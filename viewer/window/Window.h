@@ -29,16 +29,16 @@ public:
     /// Ends the sleep of a window; from any thread.
     static void wake();
 
-    /// Shows input to the user interface and begins its frame; the frame's keys are pressed or
-    /// repeated ones. Where more input waits than one frame can show, `wait` returns at once.
+    /// Passes input to the user interface and begins its frame; the frame's keys are pressed or
+    /// repeated ones. If more input is queued than one frame can take, `wait` returns at once.
     void beginFrame();
     const std::vector<KeyEvent>& keys() const { return keys_; }
-    /// Whether the frame shows any input.
+    /// Whether the frame has any input.
     bool hadInput() const { return hadInput_; }
-    /// Draws the user interface over what was drawn and shows the frame.
+    /// Draws the user interface on top and shows the frame.
     void endFrame();
 
-    /// Whether the person closes the window.
+    /// Whether the user has closed the window.
     bool isClosing() const;
     void close();
     void copyToClipboard(const std::string& text);

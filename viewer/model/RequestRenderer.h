@@ -11,36 +11,36 @@
 
 namespace Tesseret::Viewer {
 
-/// Renders orders one after another on instances of its own.
-class OrderRenderer {
+/// Renders requests one after another on instances of its own.
+class RequestRenderer {
 public:
     /// Checks the settings. Throws as `InstanceSetup` does. Session, pictures and watch outlive the
     /// object.
-    OrderRenderer(Render::PluginSession& session, const Render::RenderSettings& settings,
-                  PictureCache& pictures, RenderWatch& watch);
+    RequestRenderer(Render::PluginSession& session, const Render::RenderSettings& settings,
+                    PictureCache& pictures, RenderWatch& watch);
 
-    /// Before each order: aborts from now on mean that one.
+    /// Called before each request; later aborts apply to this one.
     void begin();
     /// From any thread.
     void abort();
-    /// Null after an abort; whatever else goes wrong stands in the result.
-    std::shared_ptr<RenderResult> render(const RenderOrder& order);
+    /// Null after an abort; the result holds any other error.
+    std::shared_ptr<RenderResult> render(const ViewRequest& request);
 
 private:
     /// Ready for all frames of a sequence with the same values and scale.
     struct Setup {
-        Setup(const RenderOrder& order, Render::RenderSettings scaled, Render::InstanceSetup setup,
-              RenderWatch& watch);
+        Setup(const ViewRequest& request, Render::RenderSettings scaled,
+              Render::InstanceSetup setup, RenderWatch& watch);
 
-        RenderOrder order;
-        Render::RenderSettings settings;  ///< at the order's scale
+        ViewRequest request;
+        Render::RenderSettings settings;  ///< at the request's scale
         Render::WarningFilter warnings;
         Render::FrameRenderer frames;
-        std::optional<int> recorded;  ///< the frame that the blocks to repeat were laid in
+        std::optional<int> recorded;  ///< the frame whose blocks are repeated
     };
 
     void forget();
-    void prepare(const RenderOrder& order);
+    void prepare(const ViewRequest& request);
     Picture renderFrame(int frame, bool wantsMaps);
     std::shared_ptr<const Render::PreparedMatte> matteOf(const Render::FramePictures& pictures);
     int recordingFrame(int frame) const;
@@ -53,10 +53,10 @@ private:
     Render::PluginMessages messages_;
     Render::InstanceSetup setup_;
     std::optional<Render::MattePreparation> mattes_;
-    double matteScale_ = 0.0;  ///< of mattes_, and its polarity
+    double matteScale_ = 0.0;  ///< the scale of mattes_; its polarity follows
     Render::Polarity mattePolarity_ = Render::Polarity::White;
     std::mutex
-        mutex_;  ///< guards the pointer, which only the renders' thread changes, and the flag
+        mutex_;  ///< guards the flag and the pointer, which only the rendering thread changes
     std::unique_ptr<Setup> current_;
     bool isAborted_ = false;
 };

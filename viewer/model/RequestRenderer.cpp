@@ -1,4 +1,4 @@
-#include "viewer/model/OrderRenderer.h"
+#include "viewer/model/RequestRenderer.h"
 
 #include <algorithm>
 #include <chrono>
@@ -14,16 +14,16 @@ namespace Tesseret::Viewer {
 using Render::FramePictures;
 using Render::RenderSettings;
 
-OrderRenderer::Setup::Setup(const RenderOrder& given, RenderSettings scaled,
-                            Render::InstanceSetup setup, RenderWatch& watch)
-    : order(given),
+RequestRenderer::Setup::Setup(const ViewRequest& given, RenderSettings scaled,
+                              Render::InstanceSetup setup, RenderWatch& watch)
+    : request(given),
       settings(std::move(scaled)),
       warnings(watch),
       frames(settings, std::move(setup), watch, warnings)
 {}
 
-OrderRenderer::OrderRenderer(Render::PluginSession& session, const RenderSettings& settings,
-                             PictureCache& pictures, RenderWatch& watch)
+RequestRenderer::RequestRenderer(Render::PluginSession& session, const RenderSettings& settings,
+                                 PictureCache& pictures, RenderWatch& watch)
     : settings_(settings),
       pictures_(pictures),
       watch_(watch),
@@ -32,48 +32,48 @@ OrderRenderer::OrderRenderer(Render::PluginSession& session, const RenderSetting
       setup_(session, settings, pictures.inputs(), pictures.depth(), &messages_)
 {}
 
-void OrderRenderer::begin()
+void RequestRenderer::begin()
 {
     const std::lock_guard lock(mutex_);
-    if (std::exchange(isAborted_, false)) current_.reset();  // what was aborted stays so
+    if (std::exchange(isAborted_, false)) current_.reset();  // an aborted instance stays aborted
 }
 
-/// What has failed may have left anything behind.
-void OrderRenderer::forget()
+/// After a failure the instances' state is unknown.
+void RequestRenderer::forget()
 {
     const std::lock_guard lock(mutex_);
     current_.reset();
 }
 
-void OrderRenderer::abort()
+void RequestRenderer::abort()
 {
     const std::lock_guard lock(mutex_);
     isAborted_ = true;
     if (current_) current_->frames.abort();
 }
 
-void OrderRenderer::stopIfAborted()
+void RequestRenderer::stopIfAborted()
 {
     const std::lock_guard lock(mutex_);
     if (isAborted_) throw Render::Interrupted("aborted");
 }
 
-std::shared_ptr<RenderResult> OrderRenderer::render(const RenderOrder& order)
+std::shared_ptr<RenderResult> RequestRenderer::render(const ViewRequest& request)
 {
     const auto start = std::chrono::steady_clock::now();
     auto result = std::make_shared<RenderResult>();
-    result->order = order;
+    result->request = request;
     watch_.begin();
     messages_.takeErrors();
     try {
-        prepare(order);
-        const int first = recordingFrame(order.frame);
+        prepare(request);
+        const int first = recordingFrame(request.frame);
         const bool repeats = current_->frames.setup().repeatsBlocks();
-        if (repeats && first != order.frame && current_->recorded != first) {
+        if (repeats && first != request.frame && current_->recorded != first) {
             renderFrame(first, false);
         }
         if (repeats) current_->recorded = first;
-        result->picture = renderFrame(order.frame, order.wantsMaps);
+        result->picture = renderFrame(request.frame, request.wantsMaps);
     } catch (const Render::Interrupted&) {
         return nullptr;
     } catch (const Host::HostError& error) {
@@ -92,19 +92,19 @@ std::shared_ptr<RenderResult> OrderRenderer::render(const RenderOrder& order)
     return result;
 }
 
-/// Instances that have rendered with the same values serve again, unless they would repeat blocks
-/// where the order's frame has to lay new ones.
-void OrderRenderer::prepare(const RenderOrder& order)
+/// Reuses the instances that have rendered with the same values, unless they would repeat blocks in
+/// a frame that needs new ones.
+void RequestRenderer::prepare(const ViewRequest& request)
 {
-    const bool serves =
-        current_ && current_->order.values == order.values &&
-        current_->order.scale == order.scale &&
-        (!current_->frames.setup().repeatsBlocks() || recordingFrame(order.frame) != order.frame);
+    const bool serves = current_ && current_->request.values == request.values &&
+                        current_->request.scale == request.scale &&
+                        (!current_->frames.setup().repeatsBlocks() ||
+                         recordingFrame(request.frame) != request.frame);
     if (serves) return;
     RenderSettings scaled = settings_;
-    scaled.renderScale = order.scale;
+    scaled.renderScale = request.scale;
     auto next =
-        std::make_unique<Setup>(order, std::move(scaled), setup_.with(order.values), watch_);
+        std::make_unique<Setup>(request, std::move(scaled), setup_.with(request.values), watch_);
     {
         const std::lock_guard lock(mutex_);
         std::swap(current_, next);
@@ -112,9 +112,9 @@ void OrderRenderer::prepare(const RenderOrder& order)
     stopIfAborted();
 }
 
-/// Where the blocks come from that a whole render of the sequence would repeat in a frame: its
-/// first frame, or frame 0, where the plug-in begins anew.
-int OrderRenderer::recordingFrame(int frame) const
+/// The frame whose blocks a render of the whole sequence would repeat in this frame: the first
+/// frame, or frame 0, where the plug-in starts again.
+int RequestRenderer::recordingFrame(int frame) const
 {
     const std::vector<int>& frames = pictures_.inputs().frames();
     const auto here = std::ranges::find(frames, frame);
@@ -122,7 +122,7 @@ int OrderRenderer::recordingFrame(int frame) const
     return frame == 0 || isPastZero ? 0 : frames.front();
 }
 
-Picture OrderRenderer::renderFrame(int frame, bool wantsMaps)
+Picture RequestRenderer::renderFrame(int frame, bool wantsMaps)
 {
     const std::shared_ptr<const FramePictures> pictures = pictures_.read(frame);
     for (const auto& [clip, picture] : *pictures) {
@@ -138,8 +138,8 @@ Picture OrderRenderer::renderFrame(int frame, bool wantsMaps)
     return current_->frames.render(request, *pictures, matte.get());
 }
 
-/// Null when the plug-in does not fill from a matte.
-std::shared_ptr<const Render::PreparedMatte> OrderRenderer::matteOf(const FramePictures& pictures)
+/// Null when the fill region is not from the matte.
+std::shared_ptr<const Render::PreparedMatte> RequestRenderer::matteOf(const FramePictures& pictures)
 {
     const Render::FillRegion& region = current_->frames.setup().fillRegion();
     if (region.source != Render::MaskSource::Matte) return nullptr;
