@@ -1,7 +1,7 @@
 #pragma once
 
-/// A clip of a descriptor or of an instance. An instance's input clip gets its pictures from a
-/// ClipSource; the output clip gets the picture that is being rendered.
+/// A clip of a descriptor or of an instance. An instance's input clip takes its pictures from a
+/// ClipSource; the output clip has the picture being rendered.
 
 #include <memory>
 #include <optional>
@@ -39,26 +39,26 @@ public:
     void connect(std::shared_ptr<ClipSource> source) { source_ = std::move(source); }
     /// The picture being rendered, not owned; null when none is.
     void setOutput(Picture* picture) { output_ = picture; }
-    /// The depth and components in which pictures reach the plug-in.
+    /// The depth and components of the images that the plug-in gets.
     void setFormat(const ClipFormat& format) { format_ = format; }
     const ClipFormat& format() const { return format_; }
     /// Writes the properties of an instance's clip, from its source and format. A clip without a
     /// source, the output one for instance, has the frames given.
     void updateProperties(OfxRangeD frames);
-    /// The region asked for this render, in canonical units.
+    /// The region of interest of this render, in canonical units.
     void setRegionOfInterest(std::optional<OfxRectD> region) { regionOfInterest_ = region; }
     const std::optional<OfxRectD>& regionOfInterest() const { return regionOfInterest_; }
 
-    // The suite's side; each answers the standard's statuses.
+    // Called by the suite; each returns the standard's status.
     OfxStatus fetch(OfxTime time, OfxPropertySetHandle& image);
     OfxStatus regionOfDefinition(OfxTime time, OfxRectD& region);
-    /// Gives an image of this clip back. False when it holds no such image.
+    /// Releases an image of this clip. False when the clip has no such image.
     bool release(const Image& image);
-    /// Lets go of what was fetched and not released; returns how many there were.
+    /// Releases all images still fetched; returns their number.
     std::size_t releaseAll();
 
 private:
-    /// An image that was handed out, as often as it was.
+    /// A fetched image and how often it is fetched.
     struct Fetched {
         std::unique_ptr<Image> image;
         std::size_t fetches = 0;

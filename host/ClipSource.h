@@ -1,7 +1,7 @@
 #pragma once
 
-/// Where the pictures of an input clip come from. Calls come on the threads that render, one at a
-/// time for each instance; a source shared by instances on several threads stands concurrent calls.
+/// Where the pictures of an input clip come from. Called on the rendering threads, by one at a time
+/// for each instance; a source that instances on several threads share must allow concurrent calls.
 
 #include <memory>
 
@@ -9,7 +9,7 @@
 
 namespace Tesseret::Host {
 
-/// What a clip says of itself before any picture is fetched.
+/// What is known of a clip before any image is fetched.
 struct ClipFormat {
     Depth depth = Depth::Byte;
     Components components = Components::RGBA;
@@ -23,7 +23,7 @@ class ClipSource {
 public:
     virtual ~ClipSource() = default;
     virtual ClipFormat format() const = 0;
-    /// Both ends included.
+    /// Including both ends.
     virtual OfxRangeD frameRange() const = 0;
     /// In canonical units.
     virtual OfxRectD regionOfDefinition(OfxTime time) const = 0;

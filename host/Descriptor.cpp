@@ -8,7 +8,7 @@ namespace Tesseret::Host {
 
 namespace {
 
-/// The numbers of a property, whole or not; empty when the plug-in wrote none.
+/// The numbers of a property, integer or double; empty when the plug-in wrote none.
 std::vector<double> numbersOf(const PropertySet& properties, const char* name)
 {
     if (!properties.wasWritten(name)) return {};

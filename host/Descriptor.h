@@ -84,7 +84,7 @@ struct ContextDescription {
 class Descriptor final : public EffectObject {
 public:
     explicit Descriptor(EmbeddedHost& host);
-    /// For a context: starts with everything that the plug-in said about itself.
+    /// For a context: starts with all that the plug-in described so far.
     Descriptor(EmbeddedHost& host, const Descriptor& main, std::string context);
 
     const std::string& context() const { return context_; }

@@ -92,8 +92,8 @@ void Effect::loadAndDescribe()
 {
     const auto require = [this](const char* action, OfxStatus status, bool isAccepted) {
         if (isAccepted) return;
-        throw HostError(std::string(plugin_.pluginIdentifier) + " answers " + action + " with " +
-                            statusText(status),
+        throw HostError(std::string(plugin_.pluginIdentifier) + " returns " + statusText(status) +
+                            " for " + action,
                         status);
     };
     contexts_.clear();
@@ -137,7 +137,7 @@ const ContextDescription& Effect::describeInContext(std::string_view context)
     if (const OfxStatus status = sendDescribeInContext(context)) {
         contexts_.erase(std::string(context));
         throw HostError(std::string(plugin_.pluginIdentifier) + " cannot be described in " +
-                            std::string(context) + ", it answers " + statusText(status),
+                            std::string(context) + ", it returns " + statusText(status),
                         status);
     }
     return contexts_.find(context)->second.description;

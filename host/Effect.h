@@ -1,7 +1,7 @@
 #pragma once
 
-/// One plug-in at work in one host: set up, loaded, described in contexts, unloaded at the end. For
-/// most uses `start`, `describeInContext` and `createInstance` are enough; the single steps are for
+/// One plug-in in one host: set up, loaded, described in contexts, unloaded at the end. For most
+/// uses `start`, `describeInContext` and `createInstance` are enough; the single steps are for
 /// tests.
 
 #include <map>
@@ -18,7 +18,7 @@ namespace Tesseret::Host {
 
 class Effect {
 public:
-    /// Gives the plug-in the host's record. The host outlives the effect; the library is kept
+    /// Passes the host's record to the plug-in. The host outlives the effect; the library stays
     /// loaded.
     Effect(EmbeddedHost& host, std::shared_ptr<PluginLibrary> library, OfxPlugin& plugin);
     /// Sends Unload when the plug-in was loaded. All instances must be gone.
@@ -26,16 +26,16 @@ public:
     Effect(const Effect&) = delete;
     Effect& operator=(const Effect&) = delete;
 
-    /// Load and describe as the host does it; throws HostError when the plug-in refuses.
+    /// Loads and describes as this host does; throws HostError when the plug-in refuses.
     void start();
-    /// What the plug-in said of itself; after `start`.
+    /// As the plug-in described itself; valid after `start`.
     EffectDescription description() const;
-    /// Describes in a context unless that was done, and tells what was said. Throws HostError when
-    /// the plug-in does not support the context or fails.
+    /// Describes in a context unless that was done, and returns the description. Throws HostError
+    /// when the plug-in does not support the context or fails.
     const ContextDescription& describeInContext(std::string_view context);
-    /// Makes an instance, with a listener that is not owned; describes in the context first when
-    /// that was not done. Throws HostError with the plug-in's status when it refuses. Once the
-    /// context is described, several threads may make instances at once.
+    /// Makes an instance, with a listener that is not owned; describes in the context first if
+    /// needed. Throws HostError with the plug-in's status when it refuses. Once the context is
+    /// described, several threads may make instances at once.
     std::unique_ptr<Instance> createInstance(std::string_view context,
                                              InstanceListener* listener = nullptr);
 
@@ -48,7 +48,7 @@ public:
     OfxStatus sendDescribe();
     OfxStatus sendDescribeInContext(std::string_view context);
 
-    /// Sends anything to the plug-in's main entry, as EmbeddedHost::send does.
+    /// Sends any action to the plug-in's main entry; see EmbeddedHost::send.
     OfxStatus send(const char* action, const void* handle, OfxPropertySetHandle inArgs,
                    OfxPropertySetHandle outArgs);
 

@@ -34,7 +34,7 @@ public:
     const std::vector<std::unique_ptr<Clip>>& clips() const { return clips_; }
     Clip* clip(std::string_view name) const;
     Clip& addClip(std::unique_ptr<Clip> clip);
-    /// The instance that this is, or null.
+    /// This object as an instance, or null.
     virtual Instance* instance() { return nullptr; }
     /// Whether clips and parameters may be defined now.
     virtual bool describing() const { return false; }

@@ -24,7 +24,7 @@ std::mutex& hostsMutex()
     return theMutex;
 }
 
-/// All hosts alive, the newest last.
+/// All existing hosts, the newest last.
 std::vector<EmbeddedHost*>& hosts()
 {
     static std::vector<EmbeddedHost*> theHosts;
@@ -135,11 +135,11 @@ const void* EmbeddedHost::fetchSuite(const char* name, int version)
         {kTesseretObserverSuite, listener_ ? &observerSuite() : nullptr},
     };
     const std::string wanted = name ? name : "";
-    const void* answer = nullptr;
+    const void* found = nullptr;
     for (const auto& suite : suites) {
-        if (wanted == suite.name && version == 1) answer = suite.suite;
+        if (wanted == suite.name && version == 1) found = suite.suite;
     }
-    return behaviour_->suiteFetched(wanted, version, answer);
+    return behaviour_->suiteFetched(wanted, version, found);
 }
 
 OfxStatus EmbeddedHost::send(OfxPluginEntryPoint* entry, const char* action, const void* handle,
@@ -178,22 +178,22 @@ void EmbeddedHost::report(Report::Kind kind, const std::string& text)
 
 OfxStatus EmbeddedHost::badCall(const std::string& text, OfxStatus status)
 {
-    report(Report::Kind::BadCall, text + ", answered " + statusText(status));
+    report(Report::Kind::BadCall, text + ", returned " + statusText(status));
     return status;
 }
 
 OfxStatus EmbeddedHost::post(const Message& message)
 {
     InstanceListener* const listener = message.instance ? message.instance->listener() : nullptr;
-    std::optional<OfxStatus> answer;
+    std::optional<OfxStatus> status;
     {
         const std::lock_guard lock(sinkMutex_);
-        if (listener) answer = listener->messagePosted(message);
-        if (!answer && onMessage_) answer = onMessage_(message);
+        if (listener) status = listener->messagePosted(message);
+        if (!status && onMessage_) status = onMessage_(message);
     }
     const bool isQuestion = message.type == kOfxMessageQuestion;
     return behaviour_->messagePosted(
-        message, answer.value_or(isQuestion ? kOfxStatReplyDefault : kOfxStatOK));
+        message, status.value_or(isQuestion ? kOfxStatReplyDefault : kOfxStatOK));
 }
 
 EmbeddedHost* EmbeddedHost::current()

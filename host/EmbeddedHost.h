@@ -1,9 +1,8 @@
 #pragma once
 
-/// One host: the record a plug-in is given, its identity and suites, its threads, and where it
-/// tells what happens. Several hosts may live in one process; each handle leads to its own. Calls
-/// that carry no handle (threads, null effects) belong to the host whose action runs on the calling
-/// thread, else to the newest.
+/// One host: the record for plug-ins, identity, suites, threads and sinks. Several hosts may exist
+/// in one process; each handle belongs to one of them. Calls that carry no handle (threads, null
+/// effects) belong to the host whose action runs on the calling thread, else to the newest.
 
 #include <memory>
 #include <mutex>
@@ -42,15 +41,15 @@ public:
     PropertySet& properties() { return properties_; }
     HostBehaviour& behaviour() const { return *behaviour_; }
     unsigned int threads() const;
-    /// Of renders of instances that have no listener of their own. Not owned; null withdraws the
-    /// suite from all. Set while nothing renders.
+    /// Notified of renders of instances without a listener of their own. Not owned; null withdraws
+    /// the suite from all instances. Set while nothing renders.
     void setListener(RenderListener* listener) { listener_ = listener; }
     RenderListener* listener() const { return listener_; }
 
-    /// The host of the calling thread, as said above; null when there is none.
+    /// The host of the calling thread, as described above; null when there is none.
     static EmbeddedHost* current();
 
-    /// Makes a host the current one of this thread while it lives.
+    /// Makes a host the current one of this thread for the scope's lifetime.
     class Scope {
     public:
         explicit Scope(EmbeddedHost& host);
@@ -62,7 +61,7 @@ public:
         EmbeddedHost* previous_;
     };
 
-    // What the suites and the other classes of the host use.
+    // For the suites and the other classes of the host.
     void report(Report::Kind kind, const std::string& text);
     /// Reports a wrong call and returns its status.
     OfxStatus badCall(const std::string& text, OfxStatus status);
@@ -88,7 +87,7 @@ private:
     PropertySet properties_;
     OfxHost record_{};
     std::unique_ptr<ThreadPool> pool_;
-    std::recursive_mutex sinkMutex_;  ///< serialises the two sinks; one may lead to the other
+    std::recursive_mutex sinkMutex_;  ///< serialises the two sinks; one may call the other
 };
 
 /// Reports a wrong call to the current host, if there is one, and returns its status.

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Owns objects that only a plug-in knows, by their handles, until the plug-in gives them back.
+/// Owns objects that only a plug-in refers to, by their handles, until the plug-in frees them.
 
 #include <memory>
 #include <mutex>

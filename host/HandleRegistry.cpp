@@ -16,8 +16,7 @@ struct Entry {
     void* object;
 };
 
-/// Cells come from blocks that are never given back; dead ones wait in a queue before they serve
-/// again.
+/// Cells come from blocks that are never freed; free cells wait in a queue before reuse.
 class Registry {
 public:
     char* add(HandleKind kind, void* object)
@@ -44,7 +43,7 @@ public:
 
 private:
     static constexpr std::size_t kBlockCells = 4096;
-    /// So many handles must die before the cell of one is used again.
+    /// How many handles are released before a cell is reused.
     static constexpr std::size_t kQuarantine = 65536;
 
     char* takeCell()

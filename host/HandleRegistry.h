@@ -1,9 +1,9 @@
 #pragma once
 
 /// The handles that plug-ins hold. A handle is the address of a one-byte cell, never of an object,
-/// and a cell is used again only long after its object died; so a null, dead, foreign or wrong kind
-/// of handle is recognised without touching what it points at. Process-wide; all functions may be
-/// called from any thread.
+/// and a cell is reused only long after its object is gone; so a null, stale, foreign or wrong kind
+/// of handle is recognised without dereferencing it. Process-wide; all functions may be called from
+/// any thread.
 
 namespace Tesseret::Host {
 
@@ -18,8 +18,8 @@ enum class HandleKind {
     Interact,
 };
 
-/// Registers an object for as long as it lives. Neither moves nor copies, so that the object stays
-/// put.
+/// Registers an object for its lifetime. Can be neither moved nor copied, so that the address stays
+/// valid.
 class Handle {
 public:
     Handle(HandleKind kind, void* object);

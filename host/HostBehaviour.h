@@ -1,9 +1,8 @@
 #pragma once
 
-/// Where hosts differ from each other, and what a plug-in calls: each function is a point where a
-/// host may return something else, or the notification of a call, or both. The functions of this
-/// class are the host that keeps the published standard and keeps no record. They are called on
-/// whatever thread the plug-in calls on.
+/// Where hosts may differ: each function decides what the host does at one point, or is notified of
+/// a call, or both. The functions of this class keep the published standard and record nothing.
+/// They run on the thread on which the plug-in calls.
 
 #include <cstddef>
 #include <memory>
@@ -37,14 +36,14 @@ public:
     virtual void start(Effect& effect);
     /// Before each instance. Throws HostError.
     virtual void prepareInstance(Effect& /*effect*/) {}
-    /// An action of the plug-in or of an overlay has returned.
+    /// Called after an action of the plug-in or of an overlay.
     virtual void actionSent(std::string_view /*action*/, const void* /*handle*/,
                             OfxStatus /*status*/)
     {}
 
     // Suites, messages, reports
 
-    /// A plug-in asks for a suite, which is null where the host has none; returns what it gets.
+    /// A plug-in fetches a suite, which is null where the host has none; returns the suite to use.
     virtual const void* suiteFetched(const std::string& /*name*/, int /*version*/,
                                      const void* suite)
     {
@@ -54,7 +53,7 @@ public:
     virtual OfxStatus messagePosted(const Message& /*message*/, OfxStatus status) { return status; }
     virtual void reported(const Report& /*report*/) {}
 
-    // Calls that a host may refuse: 0 goes on with the call, any other status is returned at once.
+    // Calls that a host may refuse: 0 continues the call, any other status is returned at once.
 
     virtual OfxStatus checkWrite(std::string_view /*property*/) { return kOfxStatOK; }
     virtual OfxStatus checkRead(std::string_view /*property*/) { return kOfxStatOK; }
@@ -86,20 +85,20 @@ public:
 
     // Clips and images
 
-    /// The properties of project and clips are up to date; they may be changed here.
+    /// Called with the properties of project and clips up to date; may change them.
     virtual void propertiesUpdated(Instance& /*instance*/) {}
-    /// Of clipGetHandle for a name that is no clip; 0 comes with a null handle.
+    /// Of clipGetHandle for an unknown clip; 0 returns a null handle.
     virtual OfxStatus unknownClipStatus() { return kOfxStatErrBadHandle; }
-    /// What a fetch hands over of a source's picture; by default in the clip's depth and
-    /// components.
+    /// The picture that a fetch returns for a source's picture; by default converted to the clip's
+    /// depth and components.
     virtual std::shared_ptr<const Picture> inputPicture(const Clip& clip,
                                                         std::shared_ptr<const Picture> picture,
                                                         OfxPointD scale);
     /// The memory layout in which the plug-in renders, given that of the caller's picture.
     virtual RowLayout outputLayout(RowLayout given) { return given; }
-    /// Whether every fetch from a clip hands over the same property set.
+    /// Whether every fetch from a clip returns the same property set.
     virtual bool sharesImageSet() { return false; }
-    /// The image's properties may be changed here.
+    /// May change the image's properties.
     virtual void imageFetched(Image& /*image*/) {}
     virtual void imageReleased(const Clip& /*clip*/) {}
 
@@ -114,11 +113,11 @@ public:
 
     // Threads and abort
 
-    /// Makes the calls of one multiThread, so many at most; by default on the host's threads.
+    /// Makes the calls of one multiThread, at most `calls`; by default on the host's threads.
     virtual OfxStatus makeCalls(EmbeddedHost& host, OfxThreadFunctionV1* function,
                                 unsigned int calls, void* argument);
     virtual unsigned int processorCount(unsigned int threads) { return threads; }
-    /// A plug-in polls for an abort; returns whether it is to stop.
+    /// A plug-in polls for an abort; returns whether it should stop.
     virtual bool abortPolled(bool isAborted) { return isAborted; }
 };
 

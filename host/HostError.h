@@ -1,6 +1,6 @@
 #pragma once
 
-/// What goes wrong in the host itself or in loading and preparing a plug-in, as one clear line.
+/// An error of the host or in loading and preparing a plug-in, as one clear line.
 
 #include <optional>
 #include <stdexcept>
@@ -16,14 +16,14 @@ public:
     HostError(const std::string& line, OfxStatus status) : std::runtime_error(line), status_(status)
     {}
 
-    /// The status that the plug-in answered, when an answer of its own is the reason.
+    /// The status that the plug-in returned, when that is the reason.
     std::optional<OfxStatus> status() const { return status_; }
 
 private:
     std::optional<OfxStatus> status_;
 };
 
-/// "kOfxStatErrBadHandle (9)"; a number that has no name stands alone.
+/// "kOfxStatErrBadHandle (9)"; a status without a name is the number alone.
 std::string statusText(OfxStatus status);
 
 }  // namespace Tesseret::Host

@@ -8,7 +8,7 @@
 
 namespace Tesseret::Host {
 
-/// What the host record says; an absent optional leaves the property out.
+/// The properties of the host record; an empty optional leaves the property out.
 struct HostIdentity {
     std::string name = "com.orvane.brisant.tesseret.host";
     std::string label = "Tesseret Embedded Host";
@@ -21,7 +21,7 @@ struct HostIdentity {
     std::optional<int> maxParameters = -1;
     std::optional<int> maxPages = 100;
     std::optional<OfxPointI> pageRowsAndColumns = OfxPointI{20, 20};  ///< x rows, y columns
-    std::set<std::string> missingProperties;  ///< further properties that the host record lacks
+    std::set<std::string> missingProperties;  ///< further properties to leave out
 };
 
 }  // namespace Tesseret::Host

@@ -15,7 +15,7 @@ std::vector<PropertyValue> edges(const OfxRectI& rect)
     return {rect.x1, rect.y1, rect.x2, rect.y2};
 }
 
-/// A new name for every fetch: no two pictures are taken for the same one.
+/// A unique identifier for every fetch.
 std::string nextIdentifier()
 {
     static std::atomic<unsigned long long> count{0};

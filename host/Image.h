@@ -1,7 +1,7 @@
 #pragma once
 
-/// One fetched image, from clipGetImage to clipReleaseImage: its property set and what keeps its
-/// pixels.
+/// One fetched image, from clipGetImage to clipReleaseImage: its property set, and the pixels for
+/// that time.
 
 #include <memory>
 
@@ -17,9 +17,9 @@ public:
     explicit Image(Clip& clip);
 
     Clip& clip() const { return clip_; }
-    /// Shows an input picture, which is kept as long as it is shown.
+    /// An input image; keeps the picture alive.
     void show(std::shared_ptr<const Picture> picture, OfxPointD renderScale);
-    /// Shows the picture being rendered, not owned.
+    /// The picture being rendered, not owned.
     void showOutput(Picture& picture, OfxPointD renderScale);
 
 private:

@@ -113,7 +113,7 @@ OfxStatus clipGetPropertySet(OfxImageClipHandle handle, OfxPropertySetHandle* pr
     return kOfxStatOK;
 }
 
-/// The region asked for is always within what is given: the whole picture, or the region of
+/// The image always covers the requested region: it is the whole picture, or the region of
 /// interest.
 OfxStatus clipGetImage(OfxImageClipHandle handle, OfxTime time, const OfxRectD* /*region*/,
                        OfxPropertySetHandle* image)

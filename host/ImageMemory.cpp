@@ -9,7 +9,7 @@ namespace Tesseret::Host {
 
 namespace {
 
-/// The standard promises 16; what the processor's widest registers want costs no more.
+/// The standard promises 16; the alignment of the widest registers costs no more.
 constexpr std::align_val_t kAlignment{64};
 
 ImageMemory* find(OfxImageMemoryHandle memory)

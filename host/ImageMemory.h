@@ -1,6 +1,6 @@
 #pragma once
 
-/// One block of image memory, as a plug-in has it through the image-effect suite.
+/// One block of image memory that a plug-in has allocated through the image-effect suite.
 
 #include <cstddef>
 #include <memory>
@@ -13,7 +13,7 @@ namespace Tesseret::Host {
 
 class EmbeddedHost;
 
-/// Aligned bytes, undefined at first.
+/// Aligned, uninitialised bytes.
 class ImageBytes {
 public:
     /// Throws std::bad_alloc.
@@ -36,7 +36,7 @@ public:
     ImageMemory(const ImageMemory&) = delete;
     ImageMemory& operator=(const ImageMemory&) = delete;
 
-    // The suite's side; each returns the standard's statuses.
+    // Called by the suite; each returns the standard's status.
     static OfxStatus allocate(EmbeddedHost& host, std::size_t bytes, OfxImageMemoryHandle& memory);
     static OfxStatus free(OfxImageMemoryHandle memory);
     static OfxStatus lock(OfxImageMemoryHandle memory, void*& data);

@@ -1,4 +1,4 @@
-/// Instances: creation and destruction, clips with their formats, the project. The actions stand in
+/// Instances: creation and destruction, clips with their formats, the project. The actions are in
 /// InstanceChange, InstanceQueries and InstanceRender.
 
 #include "host/Instance.h"
@@ -50,7 +50,7 @@ Instance::Instance(Effect& effect, const Descriptor& described, InstanceListener
     const OfxStatus status = action(kOfxActionCreateInstance);
     if (status != kOfxStatOK && status != kOfxStatReplyDefault) {
         throw HostError(std::string(effect_.plugin().pluginIdentifier) +
-                            " cannot be created, it answers " + statusText(status),
+                            " cannot be created, it returns " + statusText(status),
                         status);
     }
     created_ = true;
@@ -60,7 +60,7 @@ Instance::~Instance()
 {
     if (!created_) return;
     if (sequence_) quietly([this] { endSequence(); });
-    created_ = false;  // what the plug-in sets now is not announced
+    created_ = false;  // values that the plug-in sets now are not announced
     quietly([this] {
         const OfxStatus status = action(kOfxActionDestroyInstance);
         if (parameters().openEdits() > 0) host().badCall("an edit was begun and not ended", status);
@@ -95,7 +95,7 @@ void Instance::setProject(const Project& project)
     project_ = project;
 }
 
-/// Takes the project over from the source that was connected first.
+/// Takes the project's properties from the first connected source.
 void Instance::followSource()
 {
     const Clip* const leader = clip(firstConnected_);
@@ -194,19 +194,19 @@ void Instance::adoptPreferences(const ClipPreferences& preferences)
 {
     for (const auto& each : clips()) {
         ClipFormat format = each->format();
-        if (const auto answer = preferences.components.find(each->name());
-            answer != preferences.components.end()) {
-            componentsFromName(answer->second, format.components);
+        if (const auto preferred = preferences.components.find(each->name());
+            preferred != preferences.components.end()) {
+            componentsFromName(preferred->second, format.components);
         }
-        if (const auto answer = preferences.depths.find(each->name());
-            answer != preferences.depths.end()) {
-            depthFromName(answer->second, format.depth);
+        if (const auto preferred = preferences.depths.find(each->name());
+            preferred != preferences.depths.end()) {
+            depthFromName(preferred->second, format.depth);
         }
         if (each->isOutput()) {
             alphaFromName(preferences.premultiplication, format.alpha);
-            if (const auto answer = preferences.pixelAspectRatios.find(each->name());
-                answer != preferences.pixelAspectRatios.end()) {
-                format.pixelAspectRatio = answer->second;
+            if (const auto preferred = preferences.pixelAspectRatios.find(each->name());
+                preferred != preferences.pixelAspectRatios.end()) {
+                format.pixelAspectRatio = preferred->second;
             }
         }
         each->setFormat(format);

@@ -1,7 +1,7 @@
 #pragma once
 
 /// One instance of an effect: clips with their sources, parameter values, and every action. One
-/// thread at a time works with an instance; only `abort` may be called from another.
+/// thread at a time may use an instance; only `abort` may be called from another.
 
 #include <atomic>
 #include <map>
@@ -20,7 +20,7 @@ namespace Tesseret::Host {
 class Descriptor;
 class Effect;
 
-/// Of the project that the effect stands in, in canonical units and frames.
+/// The project around the effect, in canonical units and frames.
 struct Project {
     OfxPointD size{0.0, 0.0};
     OfxPointD offset{0.0, 0.0};
@@ -39,7 +39,7 @@ struct RenderRequest {
     bool interactive = false;
 };
 
-/// What the plug-in answered to GetClipPreferences; clips it did not name are absent.
+/// The plug-in's results of GetClipPreferences; clips that it did not set are absent.
 struct ClipPreferences {
     std::map<std::string, std::string> components;
     std::map<std::string, std::string> depths;
@@ -52,14 +52,14 @@ struct ClipPreferences {
 };
 
 struct Identity {
-    std::string clip;  ///< empty: the effect is no identity
+    std::string clip;  ///< empty: not an identity
     OfxTime time = 0.0;
 };
 
 class Instance final : public EffectObject {
 public:
-    /// By Effect::createInstance; sends CreateInstance and throws HostError when that is refused.
-    /// The listener is not owned and may be null.
+    /// Called by Effect::createInstance; sends CreateInstance and throws HostError when that is
+    /// refused. The listener is not owned and may be null.
     Instance(Effect& effect, const Descriptor& described, InstanceListener* listener = nullptr);
     /// Ends a sequence that was begun and sends DestroyInstance.
     ~Instance() override;
@@ -70,7 +70,7 @@ public:
     /// Not owned; null for none. Set while no action runs.
     void setListener(InstanceListener* listener) { listener_ = listener; }
     InstanceListener* listener() const { return listener_; }
-    /// The one of its listener, else the host's; null when there is none.
+    /// The instance listener's, else the host's; null when there is none.
     RenderListener* renderListener() const;
 
     // Clips
@@ -79,13 +79,12 @@ public:
     /// exists. Throws HostError when there is no such input clip.
     void connect(std::string_view clip, std::shared_ptr<ClipSource> source,
                  const char* reason = kOfxChangeUserEdited);
-    /// The project's properties. Until this is called they follow the source that was connected
-    /// first.
+    /// Until this is called, the project follows the first connected source.
     void setProject(const Project& project);
     const Project& project() const { return project_; }
-    /// The depth in which all clips are handed over. Until this is called: that of the source
-    /// connected first when the plug-in supports it, else the next better one. Throws HostError for
-    /// an unsupported depth.
+    /// The depth of all clips' images. Until this is called: that of the first connected source
+    /// when the plug-in supports it, else the next higher one. Throws HostError for an unsupported
+    /// depth.
     void setDepth(Depth depth);
     /// The depth and components of the output pictures that `render` takes.
     ClipFormat outputFormat() const;
@@ -105,8 +104,8 @@ public:
     OfxStatus press(std::string_view button, const char* reason = kOfxChangeUserEdited,
                     OfxTime time = 0.0);
 
-    // Actions; each returns the plug-in's status and fills its answer with the host's defaults
-    // where the plug-in leaves the answer to the host.
+    // Actions; each returns the plug-in's status, and the host's defaults where the plug-in sets no
+    // result.
 
     /// Sends an action to this instance as it is; null sets are allowed.
     OfxStatus action(const char* name, PropertySet* inArgs = nullptr,
@@ -116,7 +115,7 @@ public:
     OfxStatus beginChanged(const char* reason);
     OfxStatus endChanged(const char* reason);
     OfxStatus regionOfDefinition(OfxTime time, OfxPointD scale, OfxRectD& region);
-    /// By input clip; a clip that the plug-in does not answer for gets the requested region.
+    /// By input clip; a clip that the plug-in sets no region for gets the requested one.
     OfxStatus regionsOfInterest(OfxTime time, OfxPointD scale, const OfxRectD& requested,
                                 std::map<std::string, OfxRectD>& regions);
     OfxStatus timeDomain(OfxRangeD& range);
@@ -128,43 +127,42 @@ public:
     OfxStatus beginEdit();
     OfxStatus endEdit();
 
-    /// Renders are always between these two; `render` sends them for its one frame when nobody did.
+    /// Renders are always between these two; `render` sends them for its one frame when no sequence
+    /// was begun.
     OfxStatus beginSequence(OfxRangeD frames, double step, const RenderRequest& request);
     OfxStatus endSequence();
 
-    // What is thrown in a call that the plug-in makes meanwhile, by a source or a listener, comes
-    // out of the action, which the plug-in has ended by then.
+    // An exception of a source or a listener, thrown in a call that the plug-in makes meanwhile, is
+    // rethrown here once the plug-in has returned.
 
-    /// One frame: asks for clip preferences when they may have changed, for identity (then copies
-    /// the picture named) and for regions of interest, and sends Render. The output holds the
-    /// window's pixels afterwards. Throws HostError when the output's depth or components are not
-    /// those of the output clip, or a clip that is not optional has no source.
+    /// One frame: queries the clip preferences when they may have changed, the identity (then
+    /// copies that clip's picture) and the regions of interest, and sends Render. Afterwards the
+    /// output holds the window's pixels. Throws HostError when the output's depth or components are
+    /// not those of the output clip, or a clip that is not optional has no source.
     OfxStatus render(const RenderRequest& request, Picture& output);
-    /// Only the action Render with its arguments, nothing before and after. A null output renders
-    /// without one.
+    /// Sends only the action Render with its arguments. A null output renders without one.
     OfxStatus renderOnly(const RenderRequest& request, Picture* output);
 
-    /// From any thread: the running render, and later ones, see the abort until it is cleared.
+    /// From any thread. The running render and later ones are aborted until this is cleared.
     void abort() { aborted_.store(true, std::memory_order_relaxed); }
     void clearAbort() { aborted_.store(false, std::memory_order_relaxed); }
     bool isAborted() const { return aborted_.load(std::memory_order_relaxed); }
 
-    // What the suites use.
+    // For the suites.
 
     OfxPointD renderScale() const { return renderScale_; }
-    /// The time of the action that runs, or ran last.
+    /// The time of the current or last action.
     OfxTime currentTime() const { return currentTime_; }
-    /// What the host takes where the plug-in does not answer: the region of "Source", else of all
-    /// connected input clips together, else the project.
+    /// The region where the plug-in sets none: that of "Source", else the union of all connected
+    /// input clips, else the project.
     OfxRectD defaultRegionOfDefinition(OfxTime time) const;
-    /// After the plug-in itself set a value: the change actions with "OfxChangePluginEdited", as
-    /// soon as no other action runs. What the plug-in sets in answer to these is not announced
-    /// again.
+    /// After the plug-in itself set a value: sends the change actions with "OfxChangePluginEdited"
+    /// as soon as no other action runs. What the plug-in sets during these is not announced again.
     void pluginEdited(const ParameterChange& change);
-    /// Around edits of the plug-in that belong together.
+    /// Around edits that the plug-in groups.
     void pluginBeganEdit(std::string_view label);
     void pluginEndedEdit();
-    /// Brings the properties of the project and of the clips up to date.
+    /// Updates the properties of the project and of the clips.
     void updateProperties();
 
 private:

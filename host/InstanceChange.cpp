@@ -1,4 +1,4 @@
-/// Instances: parameter values, and telling the plug-in what changed.
+/// Instances: parameter values, and notifying the plug-in of changes.
 
 #include <algorithm>
 #include <utility>
@@ -11,7 +11,7 @@ namespace Tesseret::Host {
 
 namespace {
 
-/// Counts a depth up while it lives.
+/// Increments a depth for its lifetime.
 class Deeper {
 public:
     explicit Deeper(int& depth) : depth_(depth) { ++depth_; }
@@ -172,7 +172,7 @@ OfxStatus Instance::action(const char* name, PropertySet* inArgs, PropertySet* o
     return status;
 }
 
-/// Takes back what an action has left behind.
+/// Releases images that an action did not release.
 void Instance::releaseImages(const char* action, OfxStatus status)
 {
     for (const auto& each : clips()) {

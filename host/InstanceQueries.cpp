@@ -1,5 +1,4 @@
-/// Instances: the actions that ask the plug-in something, with the host's own answers where it has
-/// none.
+/// Instances: actions that query the plug-in, with the host's defaults where it sets no result.
 
 #include "host/EmbeddedHost.h"
 #include "host/Instance.h"

@@ -25,7 +25,7 @@ std::string formatText(Depth depth, Components components)
     return std::string(depthName(depth)) + " " + componentsName(components);
 }
 
-/// Gives a clip its output while it lives.
+/// Sets a clip's output for its lifetime.
 class Output {
 public:
     Output(Clip* clip, Picture* picture) : clip_(clip)
@@ -139,9 +139,9 @@ OfxStatus Instance::renderOnly(const RenderRequest& request, Picture* output)
 {
     const RowLayout layout =
         host().behaviour().outputLayout(output ? output->layout() : RowLayout{});
-    Picture laidOut;
+    Picture reshaped;
     const bool other = output && layout != output->layout();
-    if (other) laidOut = output->copied(output->bounds(), layout);
+    if (other) reshaped = output->copied(output->bounds(), layout);
 
     PropertySet inArgs(host(), "inArgs of Render");
     inArgs.assign(kOfxPropTime, {request.time});
@@ -152,9 +152,9 @@ OfxStatus Instance::renderOnly(const RenderRequest& request, Picture* output)
     inArgs.assign(kOfxImageEffectPropSequentialRenderStatus, {request.sequential ? 1 : 0});
     inArgs.assign(kOfxImageEffectPropInteractiveRenderStatus, {request.interactive ? 1 : 0});
     renderScale_ = request.scale;
-    const Output shown(clip(kOfxImageEffectOutputClipName), other ? &laidOut : output);
+    const Output shown(clip(kOfxImageEffectOutputClipName), other ? &reshaped : output);
     const OfxStatus status = action(kOfxImageEffectActionRender, &inArgs);
-    if (other) output->paste(laidOut);
+    if (other) output->paste(reshaped);
     return status;
 }
 

@@ -39,7 +39,7 @@ Interact::Interact(Instance& instance)
         const OfxStatus status = action(name);
         if (status != kOfxStatOK && status != kOfxStatReplyDefault) {
             throw HostError(
-                "the overlay answers " + std::string(name) + " with " + statusText(status), status);
+                "the overlay returns " + statusText(status) + " for " + std::string(name), status);
         }
     }
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-/// An overlay of an instance: the host's side of a plug-in's interact. Whoever shows it makes an
-/// OpenGL context current before `draw`, and before the rest where the plug-in should have one.
+/// An overlay of an instance: the host's side of a plug-in's interact. The caller makes an OpenGL
+/// context current before `draw`, and before the other calls where the plug-in needs one.
 
 #include <string>
 #include <vector>
@@ -16,8 +16,8 @@ class Instance;
 
 class Interact {
 public:
-    /// What every action is told: the view's scale in canonical units for each screen pixel, and
-    /// its colour.
+    /// Arguments of every action, among them the view's scale in canonical units per screen pixel
+    /// and its colour.
     struct View {
         OfxTime time = 0.0;
         OfxPointD renderScale{1.0, 1.0};
@@ -44,11 +44,11 @@ public:
     OfxInteractHandle handle() const { return handle_.as<OfxInteractHandle>(); }
     Instance& instance() const { return instance_; }
     PropertySet& properties() { return properties_; }
-    /// The parameters whose change the overlay wants to be redrawn for.
+    /// The parameters whose changes redraw the overlay.
     std::vector<std::string> slaveParameters() const;
     View& view() { return view_; }
 
-    // Each returns the plug-in's status: 0 when it was handled, 14 when not.
+    // Each returns the plug-in's status: 0 when handled, 14 when not.
     OfxStatus draw();
     OfxStatus penMotion(const Pen& pen);
     OfxStatus penDown(const Pen& pen);
@@ -58,10 +58,10 @@ public:
     OfxStatus keyRepeat(const Key& key);
     OfxStatus gainFocus();
     OfxStatus loseFocus();
-    /// Any action with any arguments, as it is.
+    /// Sends any action with any arguments.
     OfxStatus action(const char* name, PropertySet* inArgs = nullptr);
 
-    /// How often the plug-in asked for these since the overlay was made.
+    /// How often the plug-in requested these since the overlay was made.
     unsigned int redraws() const { return redraws_; }
     unsigned int swaps() const { return swaps_; }
     void countRedraw() { ++redraws_; }

@@ -1,4 +1,4 @@
-/// "OfxInteractSuite": overlays ask to be shown again.
+/// "OfxInteractSuite": overlays request redraws.
 
 #include "host/EmbeddedHost.h"
 #include "host/Instance.h"

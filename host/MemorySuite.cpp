@@ -1,5 +1,5 @@
-/// "OfxMemorySuite": general memory. Blocks are known by address, so that a foreign pointer or a
-/// second free is answered and not carried out.
+/// "OfxMemorySuite": general memory. Blocks are looked up by address, so that a foreign pointer or
+/// a second free is refused.
 
 #include <algorithm>
 #include <cstddef>

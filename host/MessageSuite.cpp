@@ -1,4 +1,4 @@
-/// "OfxMessageSuite": formats the text and hands it to the host's sink.
+/// "OfxMessageSuite": formats the text and passes it to the host's sink.
 
 #include <cstdarg>
 #include <cstdio>

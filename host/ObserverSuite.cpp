@@ -1,4 +1,4 @@
-/// "TesseretObserverSuite": passes what the plug-in reports of its render on to the listener of the
+/// "TesseretObserverSuite": forwards the plug-in's notifications of a render to the listener of the
 /// instance.
 
 #include "host/EffectObject.h"
@@ -11,16 +11,16 @@ namespace Tesseret::Host {
 
 namespace {
 
-/// Calls `tell(listener, instance)` when the handle is an instance with a listener.
-template <typename Tell>
-void forward(OfxImageEffectHandle handle, Tell tell)
+/// Calls `function(listener, instance)` when the handle is an instance with a listener.
+template <typename Function>
+void forward(OfxImageEffectHandle handle, Function function)
 {
     guarded([&] {
         auto* const effect = static_cast<EffectObject*>(findObject(HandleKind::Effect, handle));
         if (!effect || !effect->instance()) {
             badCall("observer suite: no such instance", kOfxStatErrBadHandle);
         } else if (RenderListener* const listener = effect->instance()->renderListener()) {
-            tell(*listener, *effect->instance());
+            function(*listener, *effect->instance());
         }
     });
 }

@@ -122,7 +122,7 @@ void defineProperties(PropertySet& properties, const std::string& type, const st
     }
 }
 
-/// The numbers with fractions that a value holds; empty when it holds others.
+/// The doubles that a value holds; empty when it holds other types.
 std::vector<double> fractions(const ParameterValue& value)
 {
     if (const double* one = std::get_if<double>(&value)) return {*one};
@@ -260,7 +260,7 @@ bool Parameter::integral(OfxTime time1, OfxTime time2, std::vector<double>& resu
     result.assign(shape_.dimension, 0.0);
     const OfxTime low = std::min(time1, time2);
     const OfxTime high = std::max(time1, time2);
-    // Straight pieces from one end over the keys between to the other.
+    // Linear pieces between time1, the keys in between and time2.
     OfxTime from = low;
     for (auto key = keys_.upper_bound(low); from < high; ++key) {
         const bool last = key == keys_.end() || key->first >= high;

@@ -17,15 +17,14 @@ namespace Tesseret::Host {
 class EffectObject;
 
 /// Integer, Boolean and Choice hold an int, Double a double, String and Custom a text; 2D, 3D and
-/// colour parameters hold as many numbers as they have dimensions. Groups, pages and buttons hold
-/// nothing.
+/// colour parameters hold one number per dimension. Groups, pages and buttons hold no value.
 using ParameterValue =
     std::variant<std::monostate, int, double, std::string, std::vector<int>, std::vector<double>>;
 
-/// What a parameter type's values are made of.
+/// The form of a parameter type's values.
 struct ParameterShape {
     PropertyType type = PropertyType::Int;
-    std::size_t dimension = 0;  ///< 0: it has no value
+    std::size_t dimension = 0;  ///< 0: no value
 };
 /// False when there is no such parameter type.
 bool parameterShape(std::string_view parameterType, ParameterShape& shape);
@@ -49,14 +48,14 @@ public:
     const PropertySet& properties() const { return properties_; }
 
     ParameterValue value() const { return value_; }
-    /// Between two keys numbers with fractions change evenly; everything else keeps the earlier
-    /// key's value.
+    /// Between two keys doubles are interpolated linearly; all other types keep the earlier key's
+    /// value.
     ParameterValue valueAt(OfxTime time) const;
-    /// False when the value's shape is another; a whole number is taken where a fraction is held.
+    /// False when the value has another shape; an integer is accepted for a double.
     bool setValue(ParameterValue value);
     bool setValueAt(OfxTime time, ParameterValue value);
-    /// Change per unit of time, and the area from time1 to time2, one number for each dimension;
-    /// false unless the parameter holds numbers with fractions.
+    /// Derivative with respect to time, and integral from time1 to time2, one number for each
+    /// dimension; false unless the parameter holds doubles.
     bool derivative(OfxTime time, std::vector<double>& result) const;
     bool integral(OfxTime time1, OfxTime time2, std::vector<double>& result) const;
     const std::map<OfxTime, ParameterValue>& keys() const { return keys_; }
@@ -65,7 +64,7 @@ public:
     ParameterValue defaultValue() const;
     void resetToDefault();
 
-    /// The text that the suite last lent to the plug-in; kept until the next read.
+    /// The text that the suite last returned to the plug-in; valid until the next read.
     std::string& lentText() { return lentText_; }
 
 private:
@@ -92,8 +91,8 @@ public:
     Parameter& add(std::unique_ptr<Parameter> parameter);
     const std::vector<std::unique_ptr<Parameter>>& all() const { return parameters_; }
 
-    /// Groups of changes that the plug-in wants undone in one step. They nest; `endEdit` is false
-    /// when none is open.
+    /// Groups of changes that the plug-in wants undone in one step. They nest; `endEdit` returns
+    /// false when none is open.
     void beginEdit() { ++openEdits_; }
     bool endEdit();
     unsigned int openEdits() const { return openEdits_; }

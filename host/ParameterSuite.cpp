@@ -1,5 +1,5 @@
-/// "OfxParameterSuite": definition, values, keys. What stands for the ellipsis follows the
-/// parameter's type.
+/// "OfxParameterSuite": definition, values, keys. The variable arguments depend on the parameter's
+/// type.
 
 #include <array>
 #include <cstdarg>
@@ -108,7 +108,7 @@ OfxStatus paramGetPropertySet(OfxParamHandle handle, OfxPropertySetHandle* prope
 
 // Values. Each va_list is walked once, in the order of the dimensions.
 
-/// Holds a list's end, so that every path closes it.
+/// Calls va_end on every path.
 struct Arguments {
     std::va_list list;
 };
@@ -204,7 +204,7 @@ OfxStatus storeValue(Parameter& parameter, Arguments& arguments, const OfxTime* 
     return kOfxStatOK;
 }
 
-/// What a function makes of a parameter and the arguments after the last named one.
+/// A function of a parameter and the arguments after the last named one.
 template <typename Work>
 OfxStatus withParameter(const char* function, OfxParamHandle handle, Work work)
 {
@@ -309,8 +309,8 @@ OfxStatus paramGetKeyTime(OfxParamHandle handle, unsigned int nth, OfxTime* time
     return kOfxStatOK;
 }
 
-/// direction: 0 the key at the time, above 0 the next one, below 0 the one before. No such key
-/// is 1.
+/// direction: 0 the key at the time, above 0 the next one, below 0 the one before. Returns 1 where
+/// there is no such key.
 OfxStatus paramGetKeyIndex(OfxParamHandle handle, OfxTime time, int direction, int* index)
 {
     Parameter* const parameter = findParameter(handle);

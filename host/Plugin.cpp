@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 namespace {
 
 /// Under the address sanitizer libraries stay mapped: its reports need their symbols, and what a
-/// library's own C++ runtime keeps for life would count as leaked.
+/// library's own C++ runtime never frees would count as leaked.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool kStaysMapped = true;
 #elif defined(__has_feature)
@@ -49,7 +49,7 @@ fs::path fileInBundle(const fs::path& given)
     return file;
 }
 
-/// A file of the same contents that nobody else loads.
+/// A copy of the file that is loaded only here.
 fs::path temporaryCopy(const fs::path& file)
 {
     std::string name = (fs::temp_directory_path() / "tesseret-plugin-XXXXXX").string();
@@ -65,7 +65,7 @@ fs::path temporaryCopy(const fs::path& file)
     return name;
 }
 
-/// What the loader says, without the file's name in front.
+/// The loader's message without the file name at its start.
 std::string loaderReason(const fs::path& file)
 {
     const char* const text = ::dlerror();

@@ -1,7 +1,6 @@
 #pragma once
 
-/// Shared libraries with plug-ins in them. Everything that can be wrong with a file ends in a
-/// HostError that names the file and the reason.
+/// Shared libraries with plug-ins in them. Every error is a HostError with the file and the reason.
 
 #include <filesystem>
 #include <memory>
@@ -34,7 +33,7 @@ public:
     /// By index or identifier; throws HostError when there is none.
     OfxPlugin& plugin(std::size_t index = 0) const;
     OfxPlugin& plugin(std::string_view identifier) const;
-    /// The exported function or variable, or null.
+    /// An exported function or variable; null when there is none.
     void* symbol(const char* name) const;
 
 private:
@@ -47,7 +46,7 @@ private:
     std::vector<OfxPlugin*> plugins_;
 };
 
-/// The name of this system's folder inside a bundle, "Linux-x86-64" for one.
+/// The name of this system's folder inside a bundle, for example "Linux-x86-64".
 std::string_view bundleArchitecture();
 
 }  // namespace Tesseret::Host

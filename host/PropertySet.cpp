@@ -224,7 +224,7 @@ OfxStatus PropertySet::checkCount(const char* property, int count, bool writing)
     if (!property) return fail("a null property name", property, kOfxStatErrUnknown);
     const Property* known = find(property);
     if (count < 0) return fail("a negative count", property, kOfxStatErrBadIndex);
-    // An unknown name is answered by the first read or write.
+    // An unknown name fails in the first read or write.
     if (!known || (writing && known->isList)) return kOfxStatOK;
     if (static_cast<std::size_t>(count) > known->values.size()) {
         return fail("a count above the dimension", property, kOfxStatErrBadIndex);

@@ -1,8 +1,8 @@
 #pragma once
 
 /// Named, typed values, as plug-ins see them through a property set handle. The host's own code
-/// defines properties and reads and writes them freely; `read` and `write` are the plug-in's side,
-/// with the standard's statuses and read-only flags, as far as the host's behaviour keeps them.
+/// defines, reads and writes properties freely; `read` and `write` are for the plug-in, with the
+/// standard's statuses and read-only flags unless the host's behaviour overrides them.
 
 #include <map>
 #include <string>
@@ -25,7 +25,7 @@ enum class Access { ReadWrite, ReadOnly };
 
 class PropertySet {
 public:
-    /// `name` is what reports and records call the set: "host", "effect", "param seed", ...
+    /// `name` stands for the set in reports and records: "host", "effect", "param seed", ...
     PropertySet(EmbeddedHost& host, std::string name);
     virtual ~PropertySet() = default;
     PropertySet(const PropertySet&) = delete;
@@ -41,19 +41,19 @@ public:
     /// Defines a property of any number of values, none at first.
     void defineList(std::string_view property, PropertyType type,
                     Access access = Access::ReadWrite);
-    /// Replaces the values of a property, whatever its access; defines it read-only when it is
-    /// unknown.
+    /// Replaces the values of a property, even a read-only one; defines an unknown one as
+    /// read-only.
     void assign(std::string_view property, std::vector<PropertyValue> values);
     void remove(std::string_view property);
-    /// Copies every property of another set, its defaults and access too.
+    /// Copies every property of another set with defaults and access.
     void copyFrom(const PropertySet& other);
 
     bool has(std::string_view property) const { return find(property) != nullptr; }
-    /// Whether the plug-in wrote it.
+    /// Whether the plug-in wrote the property.
     bool wasWritten(std::string_view property) const;
     std::size_t dimension(std::string_view property) const;
     std::vector<std::string> names() const;
-    /// The value, or the fallback when there is none of that type.
+    /// The value, or the fallback when there is no value of that type.
     int intOr(std::string_view property, int fallback, std::size_t index = 0) const;
     double doubleOr(std::string_view property, double fallback, std::size_t index = 0) const;
     void* pointerOr(std::string_view property, void* fallback, std::size_t index = 0) const;
@@ -63,11 +63,11 @@ public:
     std::vector<double> doubles(std::string_view property) const;
     std::vector<std::string> strings(std::string_view property) const;
 
-    /// The plug-in's side.
+    /// For the plug-in.
     OfxStatus write(const char* property, int index, PropertyValue value);
     /// On success `value` points at a value of that type, valid until the property changes.
     OfxStatus read(const char* property, int index, PropertyType type, const PropertyValue*& value);
-    /// For the N variants: how many values there may be from index 0.
+    /// For the N variants: checks the number of values from index 0.
     OfxStatus checkCount(const char* property, int count, bool writing);
     OfxStatus reset(const char* property);
     OfxStatus dimension(const char* property, int& count);
@@ -80,7 +80,7 @@ private:
         bool written = false;
         std::vector<PropertyValue> values;
         std::vector<PropertyValue> defaults;
-        PropertyValue converted;  ///< what a converting read of another number type answers
+        PropertyValue converted;  ///< what a read of another number type returns
     };
 
     const Property* find(std::string_view property) const;

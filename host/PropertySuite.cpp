@@ -1,4 +1,4 @@
-/// "OfxPropertySuite": each function finds the set behind the handle and leaves the rest to it.
+/// "OfxPropertySuite": each function looks up the set and calls it.
 
 #include <string>
 
@@ -29,7 +29,7 @@ OfxStatus nullArgument(const PropertySet& set, const char* property)
         kOfxStatErrValue);
 }
 
-// How each of the four types is stored and handed out.
+// How each of the four types is stored and returned.
 PropertyValue stored(void* value)
 {
     return value;
@@ -46,20 +46,20 @@ PropertyValue stored(int value)
 {
     return value;
 }
-void handOut(const PropertyValue& from, void*& to)
+void copyTo(const PropertyValue& from, void*& to)
 {
     to = std::get<void*>(from);
 }
-void handOut(const PropertyValue& from, char*& to)
+void copyTo(const PropertyValue& from, char*& to)
 {
-    // The interface has no const here; whoever reads a string copies it.
+    // The interface has no const here; callers copy the string.
     to = const_cast<char*>(std::get<std::string>(from).c_str());
 }
-void handOut(const PropertyValue& from, double& to)
+void copyTo(const PropertyValue& from, double& to)
 {
     to = std::get<double>(from);
 }
-void handOut(const PropertyValue& from, int& to)
+void copyTo(const PropertyValue& from, int& to)
 {
     to = std::get<int>(from);
 }
@@ -100,7 +100,7 @@ OfxStatus getOne(OfxPropertySetHandle handle, const char* property, int index, T
     if (!value) return nullArgument(*set, property);
     const PropertyValue* found = nullptr;
     const OfxStatus status = set->read(property, index, kTypeOf<T>, found);
-    if (status == kOfxStatOK) handOut(*found, *value);
+    if (status == kOfxStatOK) copyTo(*found, *value);
     return status;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
-/// A suite is called through C: no exception may pass through the plug-in that called it. Whatever
-/// the host, a listener or a source of pictures throws is held back in the suite's function, which
-/// fails, and thrown again by the host once the plug-in's entry point has returned.
+/// A suite is called through C: no exception may pass through the plug-in that called it. An
+/// exception of the host, a listener or a source of pictures is held back in the suite's function,
+/// which fails, and rethrown by the host once the plug-in's entry point has returned.
 
 #include <exception>
 #include <type_traits>
@@ -11,7 +11,8 @@
 
 namespace Tesseret::Host {
 
-/// Takes the exceptions that are held back on this thread while it is the newest of its kind there.
+/// Collects the exceptions held back on this thread while it is the newest object of its kind
+/// there.
 class HeldException {
 public:
     HeldException();
@@ -19,9 +20,9 @@ public:
     HeldException(const HeldException&) = delete;
     HeldException& operator=(const HeldException&) = delete;
 
-    /// The first one, or null; forgets it.
+    /// Returns the first one and forgets it; null when there is none.
     std::exception_ptr take();
-    /// Throws the first one, if there is any.
+    /// Rethrows the first one, if there is any.
     void rethrow();
 
 private:
@@ -31,12 +32,12 @@ private:
     std::exception_ptr first_;
 };
 
-/// Reports an exception to the current host and leaves it to the thread's HeldException, if there
-/// is one; null is none.
+/// Reports an exception to the current host and passes it to the thread's HeldException, if there
+/// is one; null does nothing.
 void holdBack(std::exception_ptr exception) noexcept;
 
-/// Returns what the work returns. When it throws, the exception is held back, and the result is
-/// kOfxStatFailed, null or nothing.
+/// Returns the result of the work. When it throws, the exception is held back, and the result is
+/// kOfxStatFailed, null or void.
 template <typename Work>
 auto guarded(Work work) noexcept
 {
@@ -53,7 +54,7 @@ auto guarded(Work work) noexcept
     }
 }
 
-/// For destructors: does what may throw an exception that was held back, which has been reported.
+/// For destructors: runs work that may rethrow a held exception, which has been reported already.
 template <typename Work>
 void quietly(Work work) noexcept
 {
@@ -72,7 +73,7 @@ struct GuardedFunction<kFunction> {
         return guarded([&] { return kFunction(arguments...); });
     }
 };
-/// A function of a suite, guarded so.
+/// A suite function with this guard.
 template <auto kFunction>
 inline constexpr auto kGuarded = &GuardedFunction<kFunction>::call;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The records that fetchSuite answers. Each lives as long as the process and serves every host.
+/// The records that fetchSuite returns. Each lives as long as the process and serves every host.
 
 #include "ofx/ofxImageEffect.h"
 #include "ofx/ofxInteract.h"

@@ -11,7 +11,7 @@ namespace Tesseret::Host {
 
 namespace {
 
-/// In place of a number of untaken calls: the pool ends.
+/// In place of the number of untaken calls: the pool stops.
 constexpr std::uint32_t kStop = UINT32_MAX;
 constexpr std::chrono::microseconds kSpinTime{50};
 
@@ -21,7 +21,7 @@ struct CallState {
 };
 thread_local CallState callState;
 
-/// One call's place on the calling thread. An exception must not travel on through a C caller.
+/// Makes one call on this thread. No exception may pass through a C caller.
 bool callGuarded(OfxThreadFunctionV1* function, unsigned int index, unsigned int calls,
                  void* argument)
 {
@@ -37,7 +37,7 @@ bool callGuarded(OfxThreadFunctionV1* function, unsigned int index, unsigned int
     return returned;
 }
 
-/// Spins until `done` is true, for kSpinTime at the longest.
+/// Spins until `done` is true, for at most kSpinTime.
 template <typename Condition>
 bool spinUntil(Condition done)
 {
@@ -127,7 +127,7 @@ void ThreadPool::work()
     }
 }
 
-/// False when the pool ends.
+/// False when the pool stops.
 bool ThreadPool::waitForCalls()
 {
     const auto called = [this] { return untaken_.load(std::memory_order_acquire) != 0; };
@@ -137,8 +137,8 @@ bool ThreadPool::waitForCalls()
     return untaken_.load(std::memory_order_acquire) != kStop;
 }
 
-/// Takes the next call of the pass that runs. A number read before an earlier pass ended does no
-/// harm: whoever succeeds holds a call of the present pass.
+/// Takes the next call of the running pass. A count read in an earlier pass is harmless: the
+/// exchange succeeds only with a call of the running pass.
 bool ThreadPool::takeCall(unsigned int& index)
 {
     std::uint32_t left = untaken_.load(std::memory_order_acquire);

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Threads that live as long as the host and share out the calls of one function. A pass costs no
-/// thread start: idle threads first spin for a short while, then sleep until the next pass.
+/// Threads that live as long as the host and share the calls of one function. A pass starts no
+/// threads: idle threads first spin for a short while, then sleep until the next pass.
 
 #include <atomic>
 #include <cstdint>
@@ -19,8 +19,8 @@ class EmbeddedHost;
 
 class ThreadPool {
 public:
-    /// The calling thread of a pass takes part, so count - 1 threads are kept; they start with the
-    /// first pass.
+    /// The calling thread takes part in a pass, so the pool has count - 1 threads; they start with
+    /// the first pass.
     ThreadPool(EmbeddedHost& host, unsigned int count);
     ~ThreadPool();
     ThreadPool(const ThreadPool&) = delete;
@@ -30,11 +30,11 @@ public:
 
     /// Calls function(index, calls, argument) once for every index below `calls` and returns when
     /// all calls have returned; false when one of them threw. The calling thread takes index 0.
-    /// While another thread's pass runs, all calls are made in a row on the calling thread. What
-    /// was held back in a call on any thread is held back on the calling one.
+    /// While another thread's pass runs, all calls are made in sequence on the calling thread.
+    /// Exceptions held back in a call on any thread are held back on the calling one.
     bool run(OfxThreadFunctionV1* function, unsigned int calls, void* argument);
 
-    /// What the calling thread is inside a call of `run`.
+    /// Whether the calling thread is inside a call of `run`, and its index.
     static bool isInCall();
     static unsigned int callIndex();
 
@@ -52,8 +52,8 @@ private:
     std::vector<std::thread> threads_;
     std::mutex passMutex_;  ///< one pass at a time
 
-    // The pass that runs. A thread reads these only after it took one of its calls, and the pass
-    // cannot end before that call has.
+    // The running pass. A thread reads these only after it took a call, and the pass cannot end
+    // before that call has returned.
     OfxThreadFunctionV1* function_ = nullptr;
     unsigned int calls_ = 0;
     void* argument_ = nullptr;

@@ -63,14 +63,14 @@ To convertChannel(From value)
         if constexpr (std::is_same_v<To, float>) {
             return part;
         } else {
-            // Written so that a value that is not a number becomes 0.
+            // Written so that NaN becomes 0.
             const float clamped = part > 0.0f ? std::min(part, 1.0f) : 0.0f;
             return static_cast<To>(std::lround(clamped * kFullScale<To>));
         }
     }
 }
 
-/// For each channel of the target the source channel it comes from, or one of two constants.
+/// For each target channel its source channel, or one of two constants.
 constexpr int kZero = -1;
 constexpr int kFull = -2;
 using ChannelMap = std::array<int, 4>;
@@ -122,7 +122,7 @@ bool isInfinite(double edge)
     return edge <= double{kOfxFlagInfiniteMin} || edge >= double{kOfxFlagInfiniteMax};
 }
 
-/// Infinite stays infinite, and what an int cannot hold becomes so.
+/// Infinite stays infinite; values outside the range of int become infinite.
 int pixelEdge(double canonical, double factor, double (*round)(double))
 {
     const double edge = isInfinite(canonical) ? canonical : round(canonical * factor);
@@ -136,8 +136,7 @@ double canonicalEdge(int pixels, double factor)
     return isInfinite(edge) ? edge : edge / factor;
 }
 
-/// Moved inwards by a millionth of a pixel, so that an edge that means a whole pixel does not take
-/// one more.
+/// Moved inwards by a millionth of a pixel, so that rounding errors at a pixel edge add no pixel.
 double floorOf(double edge)
 {
     return std::floor(edge + 1e-6);

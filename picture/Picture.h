@@ -1,7 +1,7 @@
 #pragma once
 
-/// An image in memory. Bounds are half-open pixels with y upwards; row 0 of the storage's
-/// addressing is the lowest row whatever the order in memory is.
+/// An image in memory. Bounds are half-open pixels with y upwards; row 0 is the lowest row in every
+/// memory layout.
 
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +20,7 @@ enum class Alpha { Opaque, Premultiplied, Unpremultiplied };
 
 std::size_t channelBytes(Depth depth);
 int channelCount(Components components);
-/// The names of the interface and back; false when the name is none of ours.
+/// To and from the names of the interface; false for an unknown name.
 const char* depthName(Depth depth);
 const char* componentsName(Components components);
 const char* alphaName(Alpha alpha);
@@ -28,14 +28,14 @@ bool depthFromName(std::string_view name, Depth& depth);
 bool componentsFromName(std::string_view name, Components& components);
 bool alphaFromName(std::string_view name, Alpha& alpha);
 
-/// How rows lie in memory.
+/// The layout of rows in memory.
 struct RowLayout {
     bool topDown = false;     ///< the highest row first: row bytes are negative
     std::size_t padding = 0;  ///< bytes after every row, a multiple of the channel's bytes
     bool operator==(const RowLayout&) const = default;
 };
 
-/// What a picture cannot be, as one clear line.
+/// Why a picture cannot exist, as one clear line.
 class PictureError : public std::runtime_error {
 public:
     explicit PictureError(const std::string& line, bool outOfMemory = false)
@@ -52,7 +52,8 @@ class Picture {
 public:
     /// Without pixels.
     Picture() = default;
-    /// All channels zero. Empty bounds are allowed. Throws PictureError when memory is short.
+    /// All channels zero. Empty bounds are allowed. Throws PictureError when there is not enough
+    /// memory.
     Picture(OfxRectI bounds, Depth depth, Components components = Components::RGBA,
             RowLayout layout = {});
     Picture(Picture&&) noexcept = default;
@@ -70,7 +71,7 @@ public:
     std::ptrdiff_t rowBytes() const { return rowBytes_; }
     std::size_t storageBytes() const { return storageBytes_; }
 
-    /// What is defined, in pixels; the bounds unless set otherwise.
+    /// The region of definition in pixels; the bounds unless set otherwise.
     OfxRectI regionOfDefinition() const { return regionOfDefinition_; }
     void setRegionOfDefinition(OfxRectI region) { regionOfDefinition_ = region; }
     double pixelAspectRatio() const { return pixelAspectRatio_; }
@@ -102,17 +103,17 @@ public:
         return x >= bounds_.x1 && x < bounds_.x2 && y >= bounds_.y1 && y < bounds_.y2;
     }
 
-    /// One channel as stored, whatever the depth; for tests and single pixels.
+    /// One channel as stored, of any depth; for tests and single pixels.
     double channel(int x, int y, int c) const;
     void setChannel(int x, int y, int c, double value);
 
-    /// A copy in another memory layout and over other bounds; what this picture has no pixel for is
+    /// A copy in another memory layout and over other bounds; pixels outside this picture are
     /// filled with the byte `outside`. Region of definition, aspect ratio and alpha are kept.
     Picture copied(OfxRectI bounds, RowLayout layout, std::uint8_t outside = 0) const;
     Picture copied() const { return copied(bounds_, layout_); }
-    /// A copy of another depth and other components. Full scale goes to full scale, rounded to
-    /// nearest and clamped for whole numbers; alpha of a picture without alpha is full scale; a
-    /// picture of alpha alone becomes black with that alpha; RGB has no alpha and gives a full one.
+    /// A copy of another depth and other components. Full scale maps to full scale, rounded to
+    /// nearest and clamped for integers; a picture without alpha gets a full one; an alpha-only
+    /// picture becomes black with that alpha.
     Picture converted(Depth depth, Components components) const;
     /// Copies the pixels that both pictures have; depth and components must be equal.
     void paste(const Picture& from);
@@ -135,11 +136,12 @@ private:
     std::byte* lowestRow_ = nullptr;
 };
 
-/// The part common to both; empty (all zero) when there is none.
+/// The intersection; all zero when it is empty.
 OfxRectI intersection(const OfxRectI& a, const OfxRectI& b);
 bool isEmpty(const OfxRectI& rect);
-/// Canonical to pixels and back: x is divided by the aspect ratio and times the scale, y times the
-/// scale. The smallest pixels that cover the rectangle; infinite edges stay infinite.
+/// Canonical to pixels and back: x is divided by the aspect ratio and multiplied by the scale, y
+/// multiplied by the scale. The smallest pixels that cover the rectangle; infinite edges stay
+/// infinite.
 OfxRectI toPixels(const OfxRectD& canonical, OfxPointD renderScale, double pixelAspectRatio);
 OfxRectD toCanonical(const OfxRectI& pixels, OfxPointD renderScale, double pixelAspectRatio);
 

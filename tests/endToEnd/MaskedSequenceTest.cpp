@@ -206,12 +206,12 @@ TEST(MaskedFaults, AHostThatRunsNoThreadsLeavesTheOutput)
 {
     FaultRig rig;
     const Picture expected = rig.render();
-    rig.quirks().multiThreadAnswer = kOfxStatFailed;
+    rig.quirks().multiThreadStatus = kOfxStatFailed;
     for (int seed = 1; seed < 4; ++seed) {
         rig.instance().set("seed", seed);
         EXPECT_TRUE(isBlack(rig.render()));
     }
-    rig.quirks().multiThreadAnswer.reset();
+    rig.quirks().multiThreadStatus.reset();
     rig.instance().set("seed", 9);
     EXPECT_TRUE(samePixels(rig.render(), expected));
 }

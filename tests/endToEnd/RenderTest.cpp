@@ -132,7 +132,7 @@ INSTANTIATE_TEST_SUITE_P(
         HostCase{"OneImageSet", [](auto& q) { q.oneImageSetPerClip = true; }},
         HostCase{"PrivateImages", [](auto& q) { q.privateImages = true; }},
         HostCase{"NoProject", [](auto& q) { q.projectProperties = ProjectProperties::Never; }},
-        HostCase{"NoFrameRange", [](auto& q) { q.frameRange = FrameRangeAnswer::Missing; }},
+        HostCase{"NoFrameRange", [](auto& q) { q.frameRange = FrameRangeQuirk::Missing; }},
         HostCase{"NullClipHandles", [](auto& q) { q.unknownClip = UnknownClip::NullHandleOK; }},
         HostCase{"EveryClipConnected", [](auto& q) { q.allClipsConnected = true; }},
         HostCase{"MemoryNeedsAnEffect", [](auto& q) { q.memoryRefusesNullEffect = true; }},
@@ -141,7 +141,7 @@ INSTANTIATE_TEST_SUITE_P(
         HostCase{"CallsInARow", [](auto& q) { q.threading = Threading::InARow; }},
         HostCase{"FewerThreads", [](auto& q) { q.fewerThreads = 1; }},
         HostCase{"CpuCountChanges", [](auto& q) { q.cpuCountChanges = true; }},
-        HostCase{"NoThreadIndex", [](auto& q) { q.threadIndexAnswer = kOfxStatFailed; }},
+        HostCase{"NoThreadIndex", [](auto& q) { q.threadIndexStatus = kOfxStatFailed; }},
         HostCase{"InteractSuiteMissing",
                  [](auto& q) { q.missingSuites.insert("OfxInteractSuite"); }},
         HostCase{"NullDerivatives", [](auto& q) { q.nullDerivativeMembers = true; }},
@@ -162,7 +162,7 @@ TEST(Render, SurvivesInputsThatAreSmallerThanTheySay)
 TEST(Render, AHostThatRunsNoThreadsLeavesTheOutput)
 {
     HostQuirks quirks;
-    quirks.multiThreadAnswer = kOfxStatFailed;
+    quirks.multiThreadStatus = kOfxStatFailed;
     Rig rig(Depth::Byte, quirks);
     EXPECT_EQ(rig.render().channel(40, 40, 3), 0.0);
 }

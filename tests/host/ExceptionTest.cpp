@@ -1,5 +1,5 @@
-// What a listener, a source of pictures or the host itself throws in a call that a plug-in makes:
-// it stops at the suite and comes out of the host once the plug-in has returned.
+// Exceptions of a listener, a source of pictures or the host itself in a call that a plug-in makes:
+// each is held back in the suite and rethrown by the host once the plug-in has returned.
 
 #include <stdexcept>
 #include <string>
@@ -72,7 +72,7 @@ public:
     std::shared_ptr<const Picture> picture(OfxTime, OfxPointD) override { throw Full(); }
 };
 
-/// A plug-in that knows no exceptions.
+/// A plug-in that handles no exceptions.
 class ForeignPluginTest : public ::testing::Test {
 protected:
     ForeignPluginTest()

@@ -15,7 +15,7 @@ namespace Tesseret::Host {
 namespace {
 
 using Fixtures::ActionRecord;
-using Fixtures::FrameRangeAnswer;
+using Fixtures::FrameRangeQuirk;
 using Fixtures::HostQuirks;
 using Fixtures::MatteDelivery;
 using Fixtures::ProjectProperties;
@@ -26,7 +26,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-/// The small filter that is not ours, with its source connected.
+/// The small test filter, with its source connected.
 class InvertTest : public ::testing::Test {
 protected:
     InvertTest()
@@ -158,7 +158,7 @@ TEST_F(InvertTest, ConvertsWhatTheClipDoesNotSupport)
     EXPECT_THROW(instance->render(whole, output), HostError);
 }
 
-TEST_F(InvertTest, FailsTheFetchThatWasOrdered)
+TEST_F(InvertTest, FailsTheChosenFetch)
 {
     for (unsigned int k = 1; k <= 2; ++k) {
         quirky.calls.reset();
@@ -172,7 +172,8 @@ TEST_F(InvertTest, FailsTheFetchThatWasOrdered)
 
 TEST_F(InvertTest, TakesBackWhatAnActionLeftBehind)
 {
-    // Between actions nobody may fetch; what is fetched all the same goes with the next action.
+    // No fetch is allowed between actions; an image fetched nevertheless is released with the next
+    // action.
     const OfxImageEffectSuiteV1& suite = imageEffectSuite();
     OfxPropertySetHandle image = nullptr;
     OfxImageClipHandle clip = nullptr;
@@ -190,7 +191,7 @@ TEST_F(InvertTest, TakesBackWhatAnActionLeftBehind)
     quirky.calls.reset();
 }
 
-TEST_F(InvertTest, AnswersWrongCallsOnClipsAndEffects)
+TEST_F(InvertTest, RefusesWrongCallsOnClipsAndEffects)
 {
     const OfxImageEffectSuiteV1& suite = imageEffectSuite();
     OfxImageClipHandle clip = nullptr;
@@ -216,7 +217,7 @@ TEST_F(InvertTest, AnswersWrongCallsOnClipsAndEffects)
     EXPECT_EQ(suite.abort(nullptr), kOfxStatErrBadHandle);
 }
 
-TEST_F(InvertTest, SeesAnAbortFromAnotherThreadOrFromTheOrderedPoll)
+TEST_F(InvertTest, SeesAnAbortFromAnotherThreadOrAtTheChosenPoll)
 {
     const OfxImageEffectSuiteV1& suite = imageEffectSuite();
     EXPECT_EQ(suite.abort(instance->handle()), 0);
@@ -225,9 +226,9 @@ TEST_F(InvertTest, SeesAnAbortFromAnotherThreadOrFromTheOrderedPoll)
     instance->clearAbort();
     quirky.calls.reset();
     quirky.quirks.abortFromPoll = 3;
-    std::array<int, 4> answers{};
-    for (int& answer : answers) answer = suite.abort(instance->handle());
-    EXPECT_THAT(answers, ElementsAre(0, 0, 1, 1));
+    std::array<int, 4> returned{};
+    for (int& status : returned) status = suite.abort(instance->handle());
+    EXPECT_THAT(returned, ElementsAre(0, 0, 1, 1));
 }
 
 TEST_F(InvertTest, AnnouncesWhatThePluginItselfSets)
@@ -255,7 +256,7 @@ TEST_F(InvertTest, CarriesPenAndChangesBetweenOverlayAndInstance)
     EXPECT_EQ(overlay.penDown({.position = {0.75, 3.0}}), kOfxStatOK);
     EXPECT_EQ(instance->value("amount"), ParameterValue(0.75));
     EXPECT_EQ(overlay.redraws(), 1u);
-    // The change is told at once, inside the pen's action, which ends last.
+    // The change is announced at once, inside the pen's action, which ends last.
     EXPECT_THAT(actionNames(), ElementsAre("BeginInstanceChanged", "InstanceChanged",
                                            "EndInstanceChanged", "OfxInteractActionPenDown"));
     quirky.quirks.interactHasNoProperties = true;
@@ -264,7 +265,7 @@ TEST_F(InvertTest, CarriesPenAndChangesBetweenOverlayAndInstance)
     EXPECT_EQ(interactSuite().interactRedraw(nullptr), kOfxStatErrBadHandle);
 }
 
-/// Writes down the changes of an instance.
+/// Records the changes of an instance.
 class Diary final : public InstanceListener {
 public:
     void parameterChanged(Instance&, const ParameterChange& change) override
@@ -304,7 +305,7 @@ TEST_F(InvertTest, NotifiesItsListenerOfValuesAndEdits)
                             "amount 0.50 0.75 OfxChangePluginEdited", "began drag", "ended"));
 }
 
-/// Writes down the remarks and messages of instances.
+/// Records the notes and messages of instances.
 class Listener final : public InstanceListener, public RenderListener {
 public:
     std::optional<OfxStatus> messagePosted(const Message& message) override
@@ -343,14 +344,14 @@ TEST_F(InvertTest, ShowsTheProjectAsTheSwitchesHaveIt)
     instance->purgeCaches();
     EXPECT_TRUE(own.has(kOfxImageEffectPropProjectSize));
     quirky.quirks.projectProperties = ProjectProperties::Never;
-    quirky.quirks.frameRange = FrameRangeAnswer::Missing;
+    quirky.quirks.frameRange = FrameRangeQuirk::Missing;
     instance->purgeCaches();
     EXPECT_FALSE(own.has(kOfxImageEffectPropProjectSize));
     EXPECT_FALSE(instance->clip("Source")->properties().has(kOfxImageEffectPropFrameRange));
 }
 
-/// What an instance of ours sees of its matte: connected or not, the clip's components, the
-/// image's.
+/// What an instance of the built plug-in sees of its matte: connected or not, the clip's
+/// components, the image's.
 std::string seenMatte(const HostQuirks& quirks, bool connect)
 {
     Fixtures::TestHost test(quirks);
@@ -410,8 +411,9 @@ TEST(BuiltPluginTest, StartsAsTheSwitchesHaveIt)
     EXPECT_THAT(startingActions(again), ElementsAre(kOfxActionLoad, kOfxActionDescribe,
                                                     kOfxActionLoad, kOfxActionDescribe, context));
     HostQuirks strict;
-    strict.loadMustAnswerOK = true;
-    EXPECT_THROW(startingActions(strict), HostError);  // ours answers 14 to a host of this name
+    strict.loadMustReturnOK = true;
+    // The built plug-in returns 14 to a host of this name.
+    EXPECT_THROW(startingActions(strict), HostError);
 }
 
 TEST(BuiltPluginTest, RendersInBothContextsAndLeavesNothingBehind)

@@ -52,7 +52,7 @@ TEST_F(MemoryTest, CountsBlocksBytesAndLocks)
     EXPECT_EQ(quirky.calls.counters().badCalls, 3u);
 }
 
-TEST_F(MemoryTest, FailsTheCallsThatWereOrdered)
+TEST_F(MemoryTest, FailsTheChosenCalls)
 {
     quirky.quirks.failAllocation = 2;
     EXPECT_EQ(allocate(10), kOfxStatOK);

@@ -48,7 +48,7 @@ TEST_F(ParameterTest, DefinesEveryTypeOnceAndOnlyWhileDescribing)
 TEST_F(ParameterTest, KeepsTheShapeOfItsType)
 {
     Parameter& corner = define(kOfxParamTypeDouble2D, "corner");
-    EXPECT_TRUE(corner.setValue(std::vector<int>{1, 2}));  // whole numbers will do
+    EXPECT_TRUE(corner.setValue(std::vector<int>{1, 2}));  // integers are accepted
     EXPECT_EQ(corner.value(), ParameterValue(std::vector<double>{1.0, 2.0}));
     EXPECT_FALSE(corner.setValue(std::vector<double>{1.0}));
     EXPECT_FALSE(corner.setValue(1.0));
@@ -56,7 +56,7 @@ TEST_F(ParameterTest, KeepsTheShapeOfItsType)
     EXPECT_FALSE(define(kOfxParamTypePushButton, "button").setValue(1));
 }
 
-TEST_F(ParameterTest, HandsValuesOutByPointer)
+TEST_F(ParameterTest, ReturnsValuesByPointer)
 {
     Parameter& corner = define(kOfxParamTypeDouble2D, "corner");
     Parameter& text = define(kOfxParamTypeString, "text");
@@ -85,13 +85,13 @@ TEST_F(ParameterTest, ChangesEvenlyBetweenKeys)
     EXPECT_EQ(width.valueAt(-5.0), ParameterValue(10.0));
     EXPECT_EQ(width.valueAt(2.5), ParameterValue(15.0));
     EXPECT_EQ(width.valueAt(99.0), ParameterValue(30.0));
-    double answer = 0.0;
-    EXPECT_EQ(suite.paramGetDerivative(width.handle(), 5.0, &answer), kOfxStatOK);
-    EXPECT_EQ(answer, 2.0);
-    EXPECT_EQ(suite.paramGetIntegral(width.handle(), -10.0, 30.0, &answer), kOfxStatOK);
-    EXPECT_EQ(answer, 100.0 + 200.0 + 300.0 + 300.0);
-    EXPECT_EQ(suite.paramGetIntegral(width.handle(), 30.0, -10.0, &answer), kOfxStatOK);
-    EXPECT_EQ(answer, -900.0);
+    double result = 0.0;
+    EXPECT_EQ(suite.paramGetDerivative(width.handle(), 5.0, &result), kOfxStatOK);
+    EXPECT_EQ(result, 2.0);
+    EXPECT_EQ(suite.paramGetIntegral(width.handle(), -10.0, 30.0, &result), kOfxStatOK);
+    EXPECT_EQ(result, 100.0 + 200.0 + 300.0 + 300.0);
+    EXPECT_EQ(suite.paramGetIntegral(width.handle(), 30.0, -10.0, &result), kOfxStatOK);
+    EXPECT_EQ(result, -900.0);
     int index = -1;
     EXPECT_EQ(suite.paramGetKeyIndex(width.handle(), 10.0, 1, &index), kOfxStatOK);
     EXPECT_EQ(index, 2);
@@ -104,7 +104,7 @@ TEST_F(ParameterTest, ChangesEvenlyBetweenKeys)
     count.setValueAt(0.0, 1);
     count.setValueAt(10.0, 9);
     EXPECT_EQ(count.valueAt(9.0), ParameterValue(1));
-    EXPECT_EQ(suite.paramGetDerivative(count.handle(), 5.0, &answer), kOfxStatErrUnsupported);
+    EXPECT_EQ(suite.paramGetDerivative(count.handle(), 5.0, &result), kOfxStatErrUnsupported);
 }
 
 TEST_F(ParameterTest, BalancesEdits)

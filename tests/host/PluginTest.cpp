@@ -20,7 +20,7 @@ protected:
     PluginTest() { fs::create_directories(folder); }
     ~PluginTest() override { fs::remove_all(folder); }
 
-    /// The one line with which loading fails.
+    /// The error line of a failed load.
     static std::string failure(const fs::path& file)
     {
         try {

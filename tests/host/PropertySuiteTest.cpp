@@ -28,12 +28,12 @@ protected:
     const OfxPropertySuiteV1& suite = propertySuite();
 };
 
-TEST_F(PropertySuiteTest, AnswersTheStatusOfEveryWrongWrite)
+TEST_F(PropertySuiteTest, ReturnsTheStatusOfEveryWrongWrite)
 {
     const OfxPropertySetHandle handle = set.handle();
     const struct {
         const char* what;
-        OfxStatus answer;
+        OfxStatus returned;
         OfxStatus expected;
     } cases[] = {
         {"unknown", suite.propSetInt(handle, "nothing", 0, 1), kOfxStatErrUnknown},
@@ -48,14 +48,14 @@ TEST_F(PropertySuiteTest, AnswersTheStatusOfEveryWrongWrite)
         {"negative count", suite.propSetStringN(handle, "list", -1, nullptr), kOfxStatErrBadIndex},
         {"reset of read-only", suite.propReset(handle, "fixed"), kOfxStatErrUnknown},
     };
-    for (const auto& each : cases) EXPECT_EQ(each.answer, each.expected) << each.what;
+    for (const auto& each : cases) EXPECT_EQ(each.returned, each.expected) << each.what;
     EXPECT_THAT(set.ints("pair"), ElementsAre(1, 2));
     EXPECT_EQ(set.intOr("fixed", 0), 7);
     EXPECT_EQ(quirky.calls.counters().badCalls,
               10u);  // all but the unknown name, which may be asked for
 }
 
-TEST_F(PropertySuiteTest, AnswersTheStatusOfEveryWrongRead)
+TEST_F(PropertySuiteTest, ReturnsTheStatusOfEveryWrongRead)
 {
     const OfxPropertySetHandle handle = set.handle();
     int number = -5;
@@ -63,7 +63,7 @@ TEST_F(PropertySuiteTest, AnswersTheStatusOfEveryWrongRead)
     char* text = nullptr;
     const struct {
         const char* what;
-        OfxStatus answer;
+        OfxStatus returned;
         OfxStatus expected;
     } cases[] = {
         {"unknown", suite.propGetInt(handle, "nothing", 0, &number), kOfxStatErrUnknown},
@@ -77,7 +77,7 @@ TEST_F(PropertySuiteTest, AnswersTheStatusOfEveryWrongRead)
         {"unknown dimension", suite.propGetDimension(handle, "nothing", &number),
          kOfxStatErrUnknown},
     };
-    for (const auto& each : cases) EXPECT_EQ(each.answer, each.expected) << each.what;
+    for (const auto& each : cases) EXPECT_EQ(each.returned, each.expected) << each.what;
     EXPECT_EQ(number, -5);
     EXPECT_EQ(text, nullptr);
     EXPECT_THAT(three, ElementsAre(-5, -5, -5));
@@ -137,7 +137,7 @@ TEST(PropertyHandleTest, RecognisesADeadSetAndOneOfAnotherKind)
         PropertySet set(host, "short-lived");
         dead = set.handle();
     }
-    PropertySet other(host, "other");  // may lie where the dead one lay
+    PropertySet other(host, "other");  // may have the address of the dead one
     int number = 0;
     EXPECT_EQ(propertySuite().propGetInt(dead, "x", 0, &number), kOfxStatErrBadHandle);
     auto* const wrongKind = reinterpret_cast<OfxImageEffectHandle>(other.handle());

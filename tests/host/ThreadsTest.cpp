@@ -15,13 +15,13 @@ namespace {
 
 const OfxMultiThreadSuiteV1& suite = multiThreadSuite();
 
-/// What the calls of one pass saw.
+/// Observations of the calls of one pass.
 struct Pass {
     std::array<std::atomic<int>, 64> calls{};
     std::atomic<unsigned int> count{0};
     std::atomic<int> wrongIndex{0};
     std::atomic<int> notSpawned{0};
-    std::atomic<int> nestedAnswer{-1};
+    std::atomic<int> nestedStatus{-1};
 };
 
 void visit(unsigned int index, unsigned int count, void* argument)
@@ -29,8 +29,9 @@ void visit(unsigned int index, unsigned int count, void* argument)
     Pass& pass = *static_cast<Pass*>(argument);
     pass.calls.at(index).fetch_add(1);
     pass.count.store(count);
-    unsigned int told = 999;
-    if (suite.multiThreadIndex(&told) != kOfxStatOK || told != index) pass.wrongIndex.fetch_add(1);
+    unsigned int ownIndex = 999;
+    const bool isKnown = suite.multiThreadIndex(&ownIndex) == kOfxStatOK;
+    if (!isKnown || ownIndex != index) pass.wrongIndex.fetch_add(1);
     if (suite.multiThreadIsSpawnedThread() == 0) pass.notSpawned.fetch_add(1);
 }
 
@@ -38,7 +39,7 @@ void nest(unsigned int index, unsigned int count, void* argument)
 {
     visit(index, count, argument);
     Pass inner;
-    static_cast<Pass*>(argument)->nestedAnswer.store(suite.multiThread(&visit, 2, &inner));
+    static_cast<Pass*>(argument)->nestedStatus.store(suite.multiThread(&visit, 2, &inner));
 }
 
 void expectEachOnce(const Pass& pass, unsigned int count)
@@ -54,13 +55,13 @@ TEST(ThreadsTest, CallsEveryIndexOnceForEveryPass)
     for (const unsigned int threads : {1u, 2u, 4u, 7u}) {
         EmbeddedHost host({.threads = threads});
         const EmbeddedHost::Scope scope(host);
-        unsigned int told = 0;
-        EXPECT_EQ(suite.multiThreadNumCPUs(&told), kOfxStatOK);
-        EXPECT_EQ(told, threads);
+        unsigned int count = 0;
+        EXPECT_EQ(suite.multiThreadNumCPUs(&count), kOfxStatOK);
+        EXPECT_EQ(count, threads);
         for (int repeat = 0; repeat < 500; ++repeat) {
             Pass pass;
             ASSERT_EQ(suite.multiThread(&visit, 7, &pass), kOfxStatOK);
-            expectEachOnce(pass, threads);  // asked for 7, limited by the host's number
+            expectEachOnce(pass, threads);  // 7 requested, limited by the host's number
             ASSERT_EQ(pass.wrongIndex, 0);
             ASSERT_EQ(pass.notSpawned, 0);
         }
@@ -77,7 +78,7 @@ TEST(ThreadsTest, RefusesNestedAndImpossibleCalls)
     const EmbeddedHost::Scope scope(host);
     Pass pass;
     EXPECT_EQ(suite.multiThread(&nest, 3, &pass), kOfxStatOK);
-    EXPECT_EQ(pass.nestedAnswer, kOfxStatErrExists);
+    EXPECT_EQ(pass.nestedStatus, kOfxStatErrExists);
     EXPECT_EQ(suite.multiThread(nullptr, 3, &pass), kOfxStatErrValue);
     EXPECT_EQ(suite.multiThread(&visit, 0, &pass), kOfxStatErrValue);
     EXPECT_EQ(suite.multiThreadNumCPUs(nullptr), kOfxStatErrValue);
@@ -106,7 +107,7 @@ TEST(ThreadsTest, ServesCallersOnSeveralThreadsAtOnce)
     EXPECT_EQ(wrong, 0);
 }
 
-/// Notes on which thread each call came.
+/// Records the thread of each call.
 struct ThreadNames {
     std::mutex mutex;
     std::set<std::thread::id> names;
@@ -135,14 +136,14 @@ TEST(ThreadsTest, ImitatesHostsWithoutRealThreads)
     Fixtures::QuirkyHost quirky;
     EmbeddedHost host(quirky.options(4));
     const EmbeddedHost::Scope scope(host);
-    unsigned int told = 0;
+    unsigned int count = 0;
     quirky.quirks.threading = Fixtures::Threading::DirectCall;
     Pass direct;
     EXPECT_EQ(suite.multiThread(&visit, 4, &direct), kOfxStatOK);
     expectEachOnce(direct, 1);
     EXPECT_EQ(direct.notSpawned, 1);
-    suite.multiThreadNumCPUs(&told);
-    EXPECT_EQ(told, 1u);
+    suite.multiThreadNumCPUs(&count);
+    EXPECT_EQ(count, 1u);
 
     quirky.quirks.threading = Fixtures::Threading::InARow;
     Pass row;
@@ -156,17 +157,17 @@ TEST(ThreadsTest, ImitatesHostsWithoutRealThreads)
     EXPECT_EQ(suite.multiThread(&visit, 4, &fewer), kOfxStatOK);
     expectEachOnce(fewer, 2);
 
-    quirky.quirks.multiThreadAnswer = kOfxStatFailed;
+    quirky.quirks.multiThreadStatus = kOfxStatFailed;
     Pass none;
     EXPECT_EQ(suite.multiThread(&visit, 4, &none), kOfxStatFailed);
     expectEachOnce(none, 0);
     quirky.quirks.cpuCountChanges = true;
-    std::set<unsigned int> answers;
+    std::set<unsigned int> counts;
     for (int i = 0; i < 4; ++i) {
-        suite.multiThreadNumCPUs(&told);
-        answers.insert(told);
+        suite.multiThreadNumCPUs(&count);
+        counts.insert(count);
     }
-    EXPECT_THAT(answers, ::testing::ElementsAre(1, 2, 3, 4));
+    EXPECT_THAT(counts, ::testing::ElementsAre(1, 2, 3, 4));
 }
 
 TEST(MutexTest, NestsForItsOwnerAndHoldsOthersOff)

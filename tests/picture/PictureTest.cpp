@@ -25,7 +25,7 @@ TEST(PictureTest, AddressesEveryPixelOfEveryRowLayout)
         EXPECT_EQ(picture.rowBytes(), layout.topDown ? -row : row);
         EXPECT_EQ(picture.data(), picture.pixel<std::byte>(-3, -2));
         EXPECT_EQ(picture.row(-1) - picture.row(-2), picture.rowBytes());
-        picture.setChannel(3, 2, 3, 1234.0);  // the last pixel's last channel lies in the storage
+        picture.setChannel(3, 2, 3, 1234.0);  // the last pixel's last channel is in the storage
         EXPECT_EQ(picture.channel(3, 2, 3), 1234.0);
         EXPECT_EQ(picture.storageBytes(), static_cast<std::size_t>(5 * row));
     }
@@ -41,7 +41,7 @@ TEST(PictureTest, FillsWhatACopyOverOtherBoundsLacks)
             EXPECT_EQ(moved.channel(x, y, 1), expected) << x << ", " << y;
         }
     }
-    EXPECT_EQ(moved.regionOfDefinition().x1, 0);  // what is defined has not changed
+    EXPECT_EQ(moved.regionOfDefinition().x1, 0);  // the region of definition is unchanged
 }
 
 TEST(PictureTest, ConvertsFullScaleToFullScale)
@@ -51,7 +51,7 @@ TEST(PictureTest, ConvertsFullScaleToFullScale)
     const Picture shorts = bytes.converted(Depth::Short, Components::RGBA);
     EXPECT_EQ(shorts.channel(1, 0, 0), 127 * 257);
     EXPECT_EQ(shorts.channel(2, 0, 0), 65535);
-    EXPECT_EQ(shorts.channel(0, 0, 3), 65535);  // no alpha is a full one
+    EXPECT_EQ(shorts.channel(0, 0, 3), 65535);  // no alpha becomes full alpha
     EXPECT_TRUE(samePixels(shorts.converted(Depth::Byte, Components::RGB), bytes));
     EXPECT_EQ(bytes.converted(Depth::Float, Components::Alpha).channel(0, 0, 0), 1.0);
 

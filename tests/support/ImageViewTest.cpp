@@ -185,7 +185,7 @@ TEST_F(ImageView, IsFetchedOnlyInsideAFrameRangeThatCanBeRead)
     EXPECT_EQ(rig_->calls().counters().fetchCalls, 0u);
     for (const double time : {1.0, 10.0}) EXPECT_NE(image("Source", time), nullptr) << time;
     Fixtures::HostQuirks quirks;
-    quirks.frameRange = Fixtures::FrameRangeAnswer::Missing;
+    quirks.frameRange = Fixtures::FrameRangeQuirk::Missing;
     start(quirks, kBounds);
     EXPECT_EQ(image("Source", 0.0), nullptr);
     EXPECT_EQ(rig_->calls().counters().fetchCalls, 1u);  // the request reached the host

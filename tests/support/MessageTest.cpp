@@ -54,7 +54,7 @@ TEST(Messages, MapTheStatusOfTheHost)
           Case{-77, "host", 3}, Case{12, "The film master 3", 3}, Case{0, "film master", 3},
           Case{12, "film-master", 1}, Case{12, "Film Master", 1}}) {
         Fixtures::HostQuirks quirks;
-        quirks.messageAnswer = each.status;
+        quirks.messageStatus = each.status;
         quirks.identity.name = each.hostName;
         TinyHost tiny(quirks);
         EXPECT_EQ(postFromInstance(tiny, "Well?", Orvane::kMessageQuestion, nullptr), each.result)

@@ -1,7 +1,7 @@
-/// A small filter of its own: inverts byte RGBA, times a parameter, on the host's threads. It asks
-/// the host in another way than our plug-in does: it supports tiles, needs no image memory, is an
-/// identity when its parameter is 0, and prefers premultiplied output. Its overlay sets the
-/// parameter to the pen's x.
+/// A small filter: inverts byte RGBA, times a parameter, on the host's threads. It uses the host in
+/// another way than Tesseret does: it supports tiles, needs no image memory, is an identity when
+/// its parameter is 0, and prefers premultiplied output. Its overlay sets the parameter to the
+/// pen's x.
 
 #include <cstring>
 #include <initializer_list>
