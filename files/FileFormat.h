@@ -42,7 +42,7 @@ struct FileFormat {
     bool keepsAttributes;         ///< from file to file; else they describe one file's bytes
 
     /// The type that stores `wanted` in a file. Never null.
-    OIIO::TypeDesc (*storedType)(OIIO::TypeDesc wanted);
+    OIIO::TypeDesc (*storedType)(const OIIO::TypeDesc& wanted);
     std::string_view compressions;  ///< the valid compression settings, in words
     /// Parses a setting; nullopt when the text is not valid. Null: the format has no settings.
     std::optional<Compression> (*compressionFrom)(const std::string& text);

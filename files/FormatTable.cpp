@@ -59,7 +59,7 @@ void setMethod(ImageSpec& spec, const Compression& chosen, const char* byDefault
     }
 }
 
-TypeDesc integerType(TypeDesc wanted)
+TypeDesc integerType(const TypeDesc& wanted)
 {
     return depthOf(wanted) == Depth::Float ? OIIO::TypeUInt16 : wanted;
 }
@@ -87,7 +87,7 @@ void adaptPng(ImageSpec& spec)
 
 // JPEG
 
-TypeDesc byteType(TypeDesc /*wanted*/)
+TypeDesc byteType(const TypeDesc& /*wanted*/)
 {
     return OIIO::TypeUInt8;
 }
@@ -136,7 +136,7 @@ bool isHarmlessJpeg(const std::string& message)
 
 constexpr std::string_view kTiffMethods = "none lzw zip packbits";
 
-TypeDesc tiffType(TypeDesc wanted)
+TypeDesc tiffType(const TypeDesc& wanted)
 {
     return wanted == OIIO::TypeHalf ? OIIO::TypeFloat : wanted;
 }
@@ -161,7 +161,7 @@ void adaptTiff(ImageSpec& spec)
 
 constexpr std::string_view kExrMethods = "none rle zip zips piz pxr24 b44 b44a dwaa dwab";
 
-TypeDesc exrType(TypeDesc wanted)
+TypeDesc exrType(const TypeDesc& wanted)
 {
     return wanted == OIIO::TypeFloat ? wanted : OIIO::TypeHalf;
 }

@@ -301,11 +301,11 @@ void Quilt<Pixel>::pasteStrip(int row, std::span<const int> seam)
         const Pixel* from = stripAt(row, y);
         Pixel* to = fillBuffer_.pixelAt(0, rowY - in_.fillRect.y0 + y);
         for (std::size_t x = 0; x < cuts.size(); ++x) {
-            const int above = y - cuts[x];
-            if (above >= blend) {
+            const int inBand = y - cuts[x] + blend;  // from the band's first row on
+            if (inBand >= 2 * blend) {
                 to[x] = from[x];
-            } else if (above >= -blend) {
-                to[x] = mixed(to[x], from[x], ramp[static_cast<std::size_t>(above + blend)]);
+            } else if (inBand >= 0) {
+                to[x] = mixed(to[x], from[x], ramp[static_cast<std::size_t>(inBand)]);
             }
         }
     }

@@ -98,10 +98,10 @@ public:
         : library_(Host::PluginLibrary::load(file)), setHost_(library_->plugin().setHost)
     {
         given.clear();
-        passedOn_ = setHost_;
+        passedOn = setHost_;
         library_->plugin().setHost = [](OfxHost* host) {
             given.push_back(host);
-            passedOn_(host);
+            passedOn(host);
         };
     }
     ~HostRecords() { library_->plugin().setHost = setHost_; }
@@ -112,7 +112,7 @@ public:
 
 private:
     using SetHost = void (*)(OfxHost*);
-    static inline SetHost passedOn_ = nullptr;
+    static inline SetHost passedOn = nullptr;
     std::shared_ptr<Host::PluginLibrary> library_;
     SetHost setHost_;
 };
