@@ -19,22 +19,27 @@ public:
 
     explicit SharedWork(RenderStatus* status);
 
-    /// The number of threads that may run at once; queried from the host once.
+    /// How many threads the host reports; asked once.
+    int threads() const { return threads_; }
+    /// How many may work at once: as many, within reason, since each needs memory of its own.
     int workers() const { return workers_; }
 
-    /// Runs task(0) to task(count - 1), each once. Between tasks the render thread polls the host
-    /// for an abort, which skips the rest. Returns whether all tasks ran. Throws what
+    /// Runs task(0) to task(count - 1), each once. Between tasks one thread polls the host for an
+    /// abort, which skips the rest. Returns whether all tasks ran. Throws what
     /// MultiProcessor throws.
     bool run(int count, const Task& task);
 
-    /// For long tasks: whether to stop early. Polls the host on the render thread.
+    /// For long tasks: whether to stop early. Polls the host on one thread of a call.
     bool stops();
 
     void processPass() override;
 
 private:
-    int workers_;
-    std::thread::id renderThread_ = std::this_thread::get_id();
+    void finishPolls();
+
+    int threads_, workers_;
+    std::atomic<std::thread::id> pollThread_ = std::this_thread::get_id();
+    int polledCode_ = 0;
     const Task* task_ = nullptr;
     int count_ = 0;
     std::atomic<int> nextTask_{0}, nextWorker_{0};

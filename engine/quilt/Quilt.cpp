@@ -368,7 +368,7 @@ template <typename Pixel>
 typename Quilt<Pixel>::Workspace& Quilt<Pixel>::workspace(int worker)
 {
     auto& workspace = workspaces_[static_cast<std::size_t>(worker)];
-    if (workspace == nullptr) workspace = std::make_unique<Workspace>(work_.workers());
+    if (workspace == nullptr) workspace = std::make_unique<Workspace>(work_.threads());
     return *workspace;
 }
 
