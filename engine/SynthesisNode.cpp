@@ -9,6 +9,7 @@
 #include "engine/filter/BoxBlur.h"
 #include "engine/filter/FillAndCopy.h"
 #include "engine/filter/LuminanceMatch.h"
+#include "engine/kernels/Kernels.h"
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
 #include "engine/map/PixelMix.h"
@@ -367,8 +368,14 @@ void SynthesisNode<Pixel>::compositeRow(int y)
 
     const auto mask = RowReader(state_->compositeMask, y).interior(region.x0, region.x1);
     compositeOutside(source, out, region.x0, mask.begin);
-    compositeSpan(source, out, mask.begin, mask.end,
-                  [mask](int x) { return textureShare<Pixel>(mask.pixels[x - mask.begin]); });
+    const int count = mask.end - mask.begin;
+    if (const Pixel* behind = source.span(mask.begin, count)) {
+        Kernels::pixelKernels<Pixel>(Kernels::kernels())
+            .composite(out.from(mask.begin), behind, mask.pixels, nullptr, count);
+    } else {
+        compositeSpan(source, out, mask.begin, mask.end,
+                      [mask](int x) { return textureShare<Pixel>(mask.pixels[x - mask.begin]); });
+    }
     compositeOutside(source, out, mask.end, region.x1);
 }
 
