@@ -46,8 +46,8 @@ check_asan() {
     scripts/build.sh asan tesseret_plugin test_endToEnd
     local log
     log=$(mktemp)
-    build/asan/bin/test_endToEnd --gtest_brief=1 --gtest_filter='*Recorded*:*Masked*' >"$log" 2>&1 ||
-        { cat "$log" >&2; rm "$log"; exit 1; }
+    ctest --test-dir build/asan --parallel "$(nproc)" --output-on-failure --no-tests=error \
+        --tests-regex '^endToEnd/.*(Recorded|Masked)' >"$log" 2>&1 || { cat "$log" >&2; rm "$log"; exit 1; }
     rm "$log"
 }
 
