@@ -46,7 +46,9 @@ check_asan() {
     scripts/build.sh asan tesseret_plugin test_endToEnd
     local log
     log=$(mktemp)
-    ctest --test-dir build/asan --parallel "$(nproc)" --output-on-failure --no-tests=error \
+    # Without its leak check, which now and then ends itself ("Tracer caught signal 11") after copies of the plug-in
+    # were loaded and unloaded between threads. scripts/sanitize.sh has it.
+    ASAN_OPTIONS=detect_leaks=0 ctest --test-dir build/asan --parallel "$(nproc)" --output-on-failure --no-tests=error \
         --tests-regex '^endToEnd/.*(Recorded|Masked)' >"$log" 2>&1 || { cat "$log" >&2; rm "$log"; exit 1; }
     rm "$log"
 }
