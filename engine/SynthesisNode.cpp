@@ -36,30 +36,6 @@ const char* noteOf(BoundaryOutcome outcome)
     return nullptr;
 }
 
-/// `value` clamped to [0, limit]; NaN becomes 0.
-float clamped(float value, float limit)
-{
-    return value > 0.0f ? std::min(value, limit) : 0.0f;
-}
-
-/// R, G and B times the gain, clamped to [0, M].
-template <typename Pixel>
-Pixel gained(const Pixel& p, float gain)
-{
-    using Traits = PixelTraits<Pixel>;
-    const auto scale = [gain](auto channel) {
-        return Traits::stored(clamped(static_cast<float>(channel) * gain, Traits::kMax));
-    };
-    return {scale(p.r), scale(p.g), scale(p.b), p.a};
-}
-
-/// The texture's share of a pixel, 0 to 1, from a mask value of 0 to M.
-template <typename Pixel>
-float textureShare(float maskValue)
-{
-    return clamped(maskValue * PixelTraits<Pixel>::kInverseMax, 1.0f);
-}
-
 // exact: float, truncated. The fill rectangle extends five times the path width and the edge blend
 // beyond the mask.
 
@@ -95,17 +71,6 @@ Region boundsOf(const Map<Pixel32f>& mask, int margin)
         }
     }
     return {bounds.x0 - margin, bounds.y0 - margin, bounds.x1 + margin, bounds.y1 + margin};
-}
-
-/// Mixes texture over source; alpha stays the texture's.
-template <typename Pixel>
-Pixel composited(const Pixel& texture, const Pixel& source, float share)
-{
-    // exact: without any texture the source's own bits, which the mixture loses where floats are -0
-    // or too far apart.
-    Pixel result = share == 0.0f ? source : mixed(source, texture, share);
-    result.a = texture.a;
-    return result;
 }
 
 /// Copies R, G and B of `count` pixels; alpha stays. Copies whole runs and restores their alpha:

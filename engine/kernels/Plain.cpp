@@ -106,34 +106,12 @@ float roughError(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, i
     return sums.total(Scale::kAfter);
 }
 
-/// `value` clamped to [0, limit]; NaN becomes 0.
-float clamped(float value, float limit)
-{
-    return value > 0.0f ? std::min(value, limit) : 0.0f;
-}
-
-/// R, G and B times the gain, clamped to [0, M].
-template <typename Pixel>
-Pixel gained(const Pixel& p, float gain)
-{
-    using Traits = PixelTraits<Pixel>;
-    const auto scale = [gain](auto channel) {
-        return Traits::stored(clamped(static_cast<float>(channel) * gain, Traits::kMax));
-    };
-    return {scale(p.r), scale(p.g), scale(p.b), p.a};
-}
-
 template <typename Pixel>
 void composite(Pixel* out, const Pixel* source, const float* mask, const float* gain, int count)
 {
     for (int i = 0; i < count; ++i) {
         const Pixel texture = gain != nullptr ? gained(out[i], gain[i]) : out[i];
-        const float share = clamped(mask[i] * PixelTraits<Pixel>::kInverseMax, 1.0f);
-        // exact: a share of 0 keeps the source's own bits, which mixing loses where floats are -0
-        // or too far apart.
-        Pixel result = share == 0.0f ? source[i] : mixed(source[i], texture, share);
-        result.a = texture.a;
-        out[i] = result;
+        out[i] = composited(texture, source[i], textureShare<Pixel>(mask[i]));
     }
 }
 
