@@ -32,7 +32,7 @@ public:
                          std::span<const PixelPoint> path) const;
 
 private:
-    void report(const char* name, const Map<Pixel32f>& map, float full) const;
+    void report(const char* name, const Map<Pixel32f>& map, float full, float outside) const;
 
     RenderObserver* observer_;
     const TemporalState& state_;

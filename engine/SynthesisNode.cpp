@@ -56,20 +56,26 @@ int blurReach(float radius)
     return 3 * (truncateToInt(std::min(radius, kMaxRadius)) + 1);
 }
 
-/// The smallest region that holds every pixel of a mask that is not 0, grown by a margin.
+/// The smallest region that holds every pixel of a mask that is not 0, grown by a margin. Empty
+/// when all are 0.
 Region boundsOf(const Map<Pixel32f>& mask, int margin)
 {
-    const MapAxis& xAxis = mask.xAxis();
-    const MapAxis& yAxis = mask.yAxis();
-    Region bounds{xAxis.origin + xAxis.size, yAxis.origin + yAxis.size, xAxis.origin, yAxis.origin};
-    for (int y = yAxis.origin; y < yAxis.origin + yAxis.size; ++y) {
-        const RowReader row(mask, y);
-        for (int x = xAxis.origin; x < xAxis.origin + xAxis.size; ++x) {
-            if (row[x] == 0.0f) continue;
-            bounds = {std::min(bounds.x0, x), std::min(bounds.y0, y), std::max(bounds.x1, x + 1),
-                      std::max(bounds.y1, y + 1)};
-        }
+    if (!mask.isUsable()) return {};
+    const Region stored = mask.storedExtent();
+    Region bounds{stored.x1, stored.y1, stored.x0, stored.y0};
+    const auto isNonzero = [](float value) { return value != 0.0f; };
+    for (int y = stored.y0; y < stored.y1; ++y) {
+        const auto row = RowReader(mask, y).interior(stored.x0, stored.x1);
+        const float* const end = row.pixels + (row.end - row.begin);
+        const float* const first = std::find_if(row.pixels, end, isNonzero);
+        if (first == end) continue;
+        const float* last = end - 1;
+        while (*last == 0.0f) --last;
+        bounds = {std::min(bounds.x0, row.begin + static_cast<int>(first - row.pixels)),
+                  std::min(bounds.y0, y),
+                  std::max(bounds.x1, row.begin + static_cast<int>(last - row.pixels) + 1), y + 1};
     }
+    if (bounds.isEmpty()) return {};
     return {bounds.x0 - margin, bounds.y0 - margin, bounds.x1 + margin, bounds.y1 + margin};
 }
 
@@ -206,6 +212,9 @@ void SynthesisNode<Pixel>::quilt(const Region& fillRect)
 template <typename Pixel>
 void SynthesisNode<Pixel>::fillMasked(const Region& fillRect)
 {
+    // The boundary runs in the band, and beyond its softened edge no texture shows.
+    const int reach = blurReach(settings_.pathWidth) + blurReach(settings_.edgeBlend);
+    shown_ = boundsOf(*settings_.fillMask, reach);
     prepareBand(fillRect);
     quilt(fillRect);
     if (this->pollAbort()) return;
@@ -223,6 +232,7 @@ void SynthesisNode<Pixel>::prepareBand(const Region& fillRect)
     settings_.fillMask->setEdgeMode(EdgeMode::EdgeNone, EdgeMode::EdgeNone);
     pathBand_.setSize(fillRect.x1 - fillRect.x0, fillRect.y1 - fillRect.y0);
     pathBand_.placeAt(fillRect.x0, fillRect.y0);
+    pathBand_.storeOnly(blurredAlike(shown_, fillRect, settings_.pathWidth));
     pathBand_.allocate();
     BoxBlur blur(BoxBlur::ThreeApplications, settings_.pathWidth);
     blur.setStatusRecord(this->statusRecord());
@@ -256,9 +266,7 @@ void SynthesisNode<Pixel>::matchLuminance(const Region& fillRect)
     match.setStatusRecord(this->statusRecord());
     match.setLuminanceBlur(std::max(settings_.luminanceBlur, kMinLuminanceBlur));
     match.setMaxPasses(settings_.maxPasses);
-    // The boundary runs in the band, and beyond its softened edge no texture shows.
-    const int reach = blurReach(settings_.pathWidth) + blurReach(settings_.edgeBlend);
-    match.setNeeded(boundsOf(*settings_.fillMask, reach));
+    match.setNeeded(shown_);
     match.setRegion(fillRect);
     const Region& window = this->region();
     this->target().setOffset(window.x0, window.y0);

@@ -75,6 +75,7 @@ private:
     MapReports reports_;
     std::optional<ObservedStage> compositing_;
     std::vector<Map<Pixel>*> textures_;
+    Region shown_;                      ///< where texture can show; all masks are 0 beyond it
     Map<Pixel32f> pathBand_;            ///< positive on known pixels round the fill region
     Map<PixelVec2f> bandGradient_;      ///< of the blurred mask; points into the fill region
     std::vector<PixelPoint> boundary_;  ///< the closed path, if the observer wants maps

@@ -1,5 +1,6 @@
 #include "engine/boundary/BoundaryPath.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "engine/boundary/WeightedPointPicker.h"
@@ -32,13 +33,30 @@ std::optional<PixelPoint> drawPoint(const Map<Pixel32f>& mask, const BoundaryInp
     return PixelPoint{truncateToInt(point->x), truncateToInt(point->y)};
 }
 
-/// Gives a map the size and position of the work region, and storage.
-void shapeTo(const Region& work, Map<Pixel32f>& map)
+/// Gives the composite mask the size and position of the work region, and storage round the band,
+/// outside of which it is 0.
+template <typename Pixel>
+void shape(const BoundaryInputs<Pixel>& inputs, Map<Pixel32f>& compositeMask)
 {
-    map.setSize(work.x1 - work.x0, work.y1 - work.y0);
-    map.placeAt(work.x0, work.y0);
-    map.setFillValue(0.0f);
-    map.allocate();
+    const Region& work = inputs.search.work;
+    compositeMask.setSize(work.x1 - work.x0, work.y1 - work.y0);
+    compositeMask.placeAt(work.x0, work.y0);
+    compositeMask.storeOnly(
+        blurredAlike(inputs.search.band->storedExtent(), work, inputs.edgeBlend));
+    compositeMask.setFillValue(0.0f);
+    compositeMask.allocate();
+}
+
+bool isNonzero(float value)
+{
+    return value != 0.0f;
+}
+
+void drawPath(const std::vector<PixelPoint>& path, float value, Map<Pixel32f>& map)
+{
+    for (const PixelPoint p : path) {
+        if (Pixel32f* pixel = map.translate(p.x, p.y)) *pixel = value;
+    }
 }
 
 /// Paints the area that the path encloses, starting inside the fill region.
@@ -47,34 +65,40 @@ void paintInside(const BoundaryInputs<Pixel>& inputs, const std::vector<PixelPoi
                  PixelPoint inside, Map<Pixel32f>& compositeMask)
 {
     constexpr float kMax = PixelTraits<Pixel>::kMax;
-    const Region& work = inputs.search.work;
-    Map<Pixel32f> outline;
-    shapeTo(work, outline);
+    constexpr float kOutline = -1.0f;
+    shape(inputs, compositeMask);
     ConstantFill<Pixel32f> clear(0.0f);
     clear.setStatusRecord(inputs.statusRecord);
-    clear.process(&outline);
-    for (const PixelPoint p : path) {
-        if (Pixel32f* pixel = outline.translate(p.x, p.y)) *pixel = kMax;
-    }
-    shapeTo(work, compositeMask);
+    clear.process(&compositeMask);
+    drawPath(path, kOutline, compositeMask);
     FloodFill<Pixel32f> fill(kMax);
     fill.setStatusRecord(inputs.statusRecord);
     fill.setSeed(static_cast<float>(inside.x), static_cast<float>(inside.y));
-    fill.process(outline, compositeMask);
+    fill.setKeepWritten(true);
+    fill.process(compositeMask, compositeMask);
+    drawPath(path, 0.0f, compositeMask);
 }
 
-/// Whether the painted area avoids the work region's border and includes the whole fill region.
-bool enclosesRegion(const Region& work, const Map<Pixel32f>& fillMask,
-                    const Map<Pixel32f>& compositeMask)
+/// Whether the painted area avoids the border and includes the whole fill region, which lies in the
+/// part of the composite mask that is stored. The path does not run along that part's border unless
+/// it is the work region's.
+bool enclosesRegion(const Map<Pixel32f>& fillMask, const Map<Pixel32f>& compositeMask)
 {
-    for (int y = work.y0; y < work.y1; ++y) {
-        const RowReader painted(compositeMask, y);
-        const RowReader region(fillMask, y);
-        const bool borderRow = y == work.y0 || y == work.y1 - 1;
-        for (int x = work.x0; x < work.x1; ++x) {
-            const bool border = borderRow || x == work.x0 || x == work.x1 - 1;
-            if (painted[x] != 0.0f ? border : region[x] != 0.0f) return false;
+    if (!compositeMask.isUsable()) return false;
+    const Region area = compositeMask.storedExtent();
+    const int count = area.x1 - area.x0;
+    for (int y = area.y0; y < area.y1; ++y) {
+        const float* painted = RowReader(compositeMask, y).span(area.x0, count);
+        const bool borderRow = y == area.y0 || y == area.y1 - 1;
+        if (painted[0] != 0.0f || painted[count - 1] != 0.0f) return false;
+        if (borderRow && std::any_of(painted, painted + count, isNonzero)) return false;
+        const auto region = RowReader(fillMask, y).interior(area.x0, area.x1);
+        painted += region.begin - area.x0;
+        int missing = 0;
+        for (int i = 0; i < region.end - region.begin; ++i) {
+            missing |= region.pixels[i] != 0.0f && painted[i] == 0.0f ? 1 : 0;
         }
+        if (missing != 0) return false;
     }
     return true;
 }
@@ -83,7 +107,7 @@ bool enclosesRegion(const Region& work, const Map<Pixel32f>& fillMask,
 template <typename Pixel>
 void takeFillRegion(const BoundaryInputs<Pixel>& inputs, Map<Pixel32f>& compositeMask)
 {
-    shapeTo(inputs.search.work, compositeMask);
+    shape(inputs, compositeMask);
     MapCopy<Pixel32f> copy;
     copy.setStatusRecord(inputs.statusRecord);
     copy.process(*inputs.fillMask, compositeMask);
@@ -114,7 +138,7 @@ BoundaryOutcome fitBoundaryPath(const BoundaryInputs<Pixel>& inputs, Map<Pixel32
         const std::optional<PixelPoint> inside = drawPoint(*inputs.fillMask, inputs);
         if (!inside) return BoundaryOutcome::NoPath;
         paintInside(inputs, search.path(), *inside, compositeMask);
-        const bool encloses = enclosesRegion(inputs.search.work, *inputs.fillMask, compositeMask);
+        const bool encloses = enclosesRegion(*inputs.fillMask, compositeMask);
         outcome = encloses ? BoundaryOutcome::Fitted : BoundaryOutcome::NotEnclosing;
     }
     if (outcome != BoundaryOutcome::Fitted) takeFillRegion(inputs, compositeMask);

@@ -50,8 +50,8 @@ PixelVec2f normalised(const PixelVec2f& v)
     return {v.x / length, v.y / length};
 }
 
-/// The direction along the band at a gradient, as an index into kDirections.
-std::size_t octantOf(const PixelVec2f& g)
+/// The direction along the band at a gradient, as an index into kDirections, by its angle.
+std::size_t octantByAngle(const PixelVec2f& g)
 {
     // exact: the angle is rounded to a float and compared with float constants (odd multiples of pi
     // / 8).
@@ -71,29 +71,53 @@ std::size_t octantOf(const PixelVec2f& g)
     return 5;
 }
 
+/// The same. Slopes decide unless the angle is so close to a limit that its rounding could: a float
+/// angle is off by 2e-7 at most, and the limits by less.
+std::size_t octantOf(const PixelVec2f& g)
+{
+    constexpr double kTanEighth = 0.41421356237309503;
+    constexpr double kClose = 1e-5;
+    const double x = g.y, y = -static_cast<double>(g.x);
+    const double fromX = std::abs(y) - kTanEighth * std::abs(x);
+    const double fromY = std::abs(x) - kTanEighth * std::abs(y);
+    const double close = kClose * (std::abs(x) + std::abs(y));
+    const bool isClear = std::abs(fromX) > close && std::abs(fromY) > close;  // false for NaN
+    if (!isClear) return octantByAngle(g);
+    if (fromX < 0.0) return x > 0.0 ? 0 : 4;
+    if (fromY < 0.0) return y > 0.0 ? 2 : 6;
+    if (y > 0.0) return x > 0.0 ? 1 : 3;
+    return x > 0.0 ? 7 : 5;
+}
+
 }  // namespace
 
 bool PathCells::make(const MapDomain& map)
 {
-    x0_ = map.xAxis().origin + map.xAxis().storeStart;
-    y0_ = map.yAxis().origin + map.yAxis().storeStart;
-    width_ = map.xAxis().storeLength;
-    height_ = map.yAxis().storeLength;
-    const auto columns = static_cast<std::size_t>(width_);
-    const auto rows = static_cast<std::size_t>(height_);
-    block_ = allocateImageBlock(columns, rows, sizeof(PathCell));
-    if (block_ == nullptr) return false;
-    first_ = reinterpret_cast<PathCell*>(block_.get());
-    std::uninitialized_fill_n(first_, columns * rows, PathCell{});
+    region_ = map.storedExtent();
+    const auto columns = static_cast<std::size_t>(width());
+    const auto rows = static_cast<std::size_t>(height());
+    stateBlock_ = allocateImageBlock(columns, rows, sizeof(CellState));
+    costBlock_ = allocateImageBlock(columns, rows, sizeof(PathCost));
+    if (stateBlock_ == nullptr || costBlock_ == nullptr) return false;
+    states_ = reinterpret_cast<CellState*>(stateBlock_.get());
+    std::uninitialized_fill_n(states_, columns * rows, CellState::NotReached);
+    costs_ = reinterpret_cast<PathCost*>(costBlock_.get());
     return true;
 }
 
-PathCell* PathCells::find(PixelPoint p) const
+void PathCells::release()
 {
-    const std::int64_t column = std::int64_t{p.x} - x0_;
-    const std::int64_t row = std::int64_t{p.y} - y0_;
-    if (column < 0 || column >= width_ || row < 0 || row >= height_) return nullptr;
-    return first_ + (row * width_ + column);
+    stateBlock_.reset();
+    costBlock_.reset();
+}
+
+CellState* PathCells::find(PixelPoint p) const
+{
+    if (p.x < region_.x0 || p.x >= region_.x1 || p.y < region_.y0 || p.y >= region_.y1) {
+        return nullptr;
+    }
+    const std::ptrdiff_t row = std::ptrdiff_t{p.y} - region_.y0;
+    return states_ + row * width() + (std::ptrdiff_t{p.x} - region_.x0);
 }
 
 template <typename Pixel>
@@ -146,11 +170,12 @@ template <typename Pixel>
 bool PathSearch<Pixel>::blockCells()
 {
     if (!cells_.make(*in_.band)) return false;
-    for (int y = in_.work.y0; y < in_.work.y1; ++y) {
+    const Region part = in_.work.within(in_.band->storedExtent());
+    for (int y = part.y0; y < part.y1; ++y) {
         const RowReader band(*in_.band, y);
-        for (int x = in_.work.x0; x < in_.work.x1; ++x) {
-            if (band[x] != 0.0f) continue;
-            if (PathCell* cell = cells_.find({x, y})) cell->state = CellState::Blocked;
+        CellState* cell = cells_.find({part.x0, y});
+        for (int x = part.x0; x < part.x1; ++x, ++cell) {
+            if (band[x] == 0.0f) *cell = CellState::Blocked;
         }
     }
     return true;
@@ -175,9 +200,10 @@ bool PathSearch<Pixel>::cutBand(PixelPoint start)
     for (steps = 0; bandAt(pixelOf(position)) > kWalkThreshold; ++steps) {
         if (steps > maxSteps) return false;
         const PixelPoint p = pixelOf(position);
-        if (PathCell* cell = cells_.find(p)) {
+        if (CellState* cell = cells_.find(p)) {
             cut_.push_back(p);
-            *cell = {pixelCost(p), 1, CellState::OnCut};
+            *cell = CellState::OnCut;
+            cells_.costOf(cell) = {pixelCost(p), 1};
         }
         position = {position.x + d.x, position.y + d.y};
     }
@@ -191,18 +217,18 @@ void PathSearch<Pixel>::orientCut()
     for (const PixelPoint p : cut_) {
         const PixelVec2f g = gradientAt(p);
         for (const PixelPoint o : kDirections) {
-            PathCell* neighbour = cells_.find(p + o);
-            if (neighbour == nullptr || neighbour->state != CellState::NotReached) continue;
+            CellState* neighbour = cells_.find(p + o);
+            if (neighbour == nullptr || *neighbour != CellState::NotReached) continue;
             const float ahead = -g.y * static_cast<float>(o.x) + g.x * static_cast<float>(o.y);
-            if (ahead >= 0.0f) neighbour->state = CellState::BesideCut;
+            if (ahead >= 0.0f) *neighbour = CellState::BesideCut;
         }
     }
     for (const PixelPoint p : cut_) {
         for (const PixelPoint o : kDirections) {
-            PathCell* neighbour = cells_.find(p + o);
-            if (neighbour == nullptr || neighbour->state != CellState::NotReached) continue;
+            CellState* neighbour = cells_.find(p + o);
+            if (neighbour == nullptr || *neighbour != CellState::NotReached) continue;
             arrivals_.push_back(p + o);
-            neighbour->state = CellState::BesideCut;
+            *neighbour = CellState::BesideCut;
         }
     }
 }
@@ -228,12 +254,14 @@ void PathSearch<Pixel>::collectFront(const std::vector<PixelPoint>& front,
     for (const PixelPoint p : front) {
         for (const PixelPoint o : kDirections) {
             const PixelPoint q = p + o;
-            PathCell* cell = cells_.find(q);
-            if (cell == nullptr || !cell->mayBeReached()) continue;
+            CellState* cell = cells_.find(q);
+            if (cell == nullptr || !mayBeReached(*cell)) continue;
             const auto before = predecessors(q);
-            if (!std::ranges::any_of(before, [this](PixelPoint b) { return hasPath(b); })) continue;
+            if (!std::ranges::any_of(before, [this](PixelPoint b) { return pathEndsAt(b); })) {
+                continue;
+            }
             next.push_back(q);
-            cell->state = CellState::Queued;
+            *cell = CellState::Queued;
         }
     }
 }
@@ -241,10 +269,12 @@ void PathSearch<Pixel>::collectFront(const std::vector<PixelPoint>& front,
 template <typename Pixel>
 void PathSearch<Pixel>::finalise(PixelPoint q)
 {
-    const auto best = bestPredecessor(q, [](const PathCell& cell) { return cell.hasPath(); });
+    const auto best = bestPredecessor(q, [](const PathCost&) { return true; });
     if (!best) return;
-    const PathCell& before = *cells_.find(*best);
-    *cells_.find(q) = {pixelCost(q) + before.sum, before.count + 1, CellState::Reached};
+    const PathCost& before = cells_.costOf(cells_.find(*best));
+    CellState* cell = cells_.find(q);
+    cells_.costOf(cell) = {pixelCost(q) + before.sum, before.count + 1};
+    *cell = CellState::Reached;
 }
 
 /// The arrival cell of minimum mean cost; ties go to the first.
@@ -253,8 +283,8 @@ std::optional<PixelPoint> PathSearch<Pixel>::endPoint() const
 {
     std::optional<PixelPoint> best;
     for (const PixelPoint p : arrivals_) {
-        if (!hasPath(p)) continue;
-        if (!best || cells_.find(p)->meanCost() < cells_.find(*best)->meanCost()) best = p;
+        if (!pathEndsAt(p)) continue;
+        if (!best || meanAt(p) < meanAt(*best)) best = p;
     }
     return best;
 }
@@ -267,13 +297,12 @@ bool PathSearch<Pixel>::trace(PixelPoint end)
     const auto cells =
         static_cast<std::size_t>(cells_.width()) * static_cast<std::size_t>(cells_.height());
     path_.push_back(end);
-    const PathCell* cell = cells_.find(end);
-    while (cell->state != CellState::OnCut) {
+    const CellState* cell = cells_.find(end);
+    while (*cell != CellState::OnCut) {
         if (path_.size() > cells) return false;
-        const int limit = cell->count + kTraceSlack;
-        const auto next = bestPredecessor(path_.back(), [limit](const PathCell& before) {
-            return before.hasPath() && before.count < limit;
-        });
+        const int limit = cells_.costOf(cell).count + kTraceSlack;
+        const auto next = bestPredecessor(
+            path_.back(), [limit](const PathCost& before) { return before.count < limit; });
         if (!next) return false;
         path_.push_back(*next);
         cell = cells_.find(*next);
@@ -285,7 +314,7 @@ bool PathSearch<Pixel>::trace(PixelPoint end)
 template <typename Pixel>
 bool PathSearch<Pixel>::closeLoop(PixelPoint end)
 {
-    const int maxSteps = 4 * (cells_.width() + cells_.height());
+    const int maxSteps = 4 * (in_.band->width() + in_.band->height());
     PixelPoint s = path_.back();
     for (int steps = 0; s != end; ++steps) {
         if (steps > maxSteps) return false;
@@ -306,10 +335,10 @@ bool PathSearch<Pixel>::closeLoop(PixelPoint end)
 
 /// Whether a path ends at a pixel; a pixel without a cell is blocked.
 template <typename Pixel>
-bool PathSearch<Pixel>::hasPath(PixelPoint p) const
+bool PathSearch<Pixel>::pathEndsAt(PixelPoint p) const
 {
-    const PathCell* cell = cells_.find(p);
-    return cell != nullptr && cell->hasPath();
+    const CellState* cell = cells_.find(p);
+    return cell != nullptr && hasPath(*cell);
 }
 
 template <typename Pixel>
@@ -319,7 +348,7 @@ std::array<PixelPoint, 3> PathSearch<Pixel>::predecessors(PixelPoint q) const
     return {q + kDirections[(k + 7) % 8], q + kDirections[k], q + kDirections[(k + 1) % 8]};
 }
 
-/// The accepted predecessor of minimum mean cost; ties go to the first.
+/// The predecessor of minimum mean cost among those with an accepted path; ties go to the first.
 template <typename Pixel>
 template <typename Accept>
 std::optional<PixelPoint> PathSearch<Pixel>::bestPredecessor(PixelPoint q,
@@ -328,9 +357,11 @@ std::optional<PixelPoint> PathSearch<Pixel>::bestPredecessor(PixelPoint q,
     std::optional<PixelPoint> best;
     float bestMean = 0.0f;
     for (const PixelPoint p : predecessors(q)) {
-        const PathCell* cell = cells_.find(p);
-        if (cell == nullptr || !accept(*cell)) continue;
-        const float mean = cell->meanCost();
+        const CellState* cell = cells_.find(p);
+        if (cell == nullptr || !hasPath(*cell)) continue;
+        const PathCost& cost = cells_.costOf(cell);
+        if (!accept(cost)) continue;
+        const float mean = cost.mean();
         if (best && !(mean < bestMean)) continue;
         best = p;
         bestMean = mean;

@@ -37,36 +37,43 @@ enum class CellState : std::uint8_t {
     Reached,
 };
 
-/// One pixel of a search and the best path that ends there, once it has one.
-struct PathCell {
+/// The best path that ends at a pixel.
+struct PathCost {
     float sum = 0.0f;  ///< the costs of the path's pixels
     int count = 0;     ///< of the path's pixels
-    CellState state = CellState::NotReached;
 
-    bool mayBeReached() const
-    {
-        return state == CellState::NotReached || state == CellState::BesideCut;
-    }
-    bool hasPath() const { return state == CellState::OnCut || state == CellState::Reached; }
-    float meanCost() const { return sum / static_cast<float>(count); }
+    float mean() const { return sum / static_cast<float>(count); }
 };
 
-/// The cells of a rectangle, in image memory.
+inline bool mayBeReached(CellState state)
+{
+    return state == CellState::NotReached || state == CellState::BesideCut;
+}
+/// Only such a cell has a cost.
+inline bool hasPath(CellState state)
+{
+    return state == CellState::OnCut || state == CellState::Reached;
+}
+
+/// The cells of a rectangle, one for each pixel, in image memory. States and costs are stored
+/// apart: of the costs only those along the band are ever touched.
 class PathCells {
 public:
-    /// Makes new cells where a map has pixels. False without memory for them.
+    /// Makes cells where a map has pixels, all of them not reached. False without memory for them.
     bool make(const MapDomain& map);
-    void release() { block_.reset(); }
+    void release();
 
-    int width() const { return width_; }
-    int height() const { return height_; }
+    int width() const { return region_.x1 - region_.x0; }
+    int height() const { return region_.y1 - region_.y0; }
     /// The cell of a pixel in absolute coordinates, or null.
-    PathCell* find(PixelPoint p) const;
+    CellState* find(PixelPoint p) const;
+    PathCost& costOf(const CellState* cell) const { return costs_[cell - states_]; }
 
 private:
-    ImageBlock block_;
-    PathCell* first_ = nullptr;
-    int x0_ = 0, y0_ = 0, width_ = 0, height_ = 0;
+    Region region_;
+    ImageBlock stateBlock_, costBlock_;
+    CellState* states_ = nullptr;
+    PathCost* costs_ = nullptr;
 };
 
 /// Finds the closed path through a band along which two images differ least. The band is cut from
@@ -102,7 +109,8 @@ private:
 
     float bandAt(PixelPoint p) const { return in_.band->read(p.x, p.y); }
     PixelVec2f gradientAt(PixelPoint p) const { return in_.gradient->read(p.x, p.y); }
-    bool hasPath(PixelPoint p) const;
+    bool pathEndsAt(PixelPoint p) const;
+    float meanAt(PixelPoint p) const { return cells_.costOf(cells_.find(p)).mean(); }
     std::array<PixelPoint, 3> predecessors(PixelPoint q) const;
     template <typename Accept>
     std::optional<PixelPoint> bestPredecessor(PixelPoint q, const Accept& accept) const;

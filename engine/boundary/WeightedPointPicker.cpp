@@ -60,19 +60,29 @@ void WeightedPointPicker::begin()
     // exact: float difference, float quotient.
     const float range = high_ - low_;
     scale_ = high_ == low_ ? 0.0f : weightCap_ / range;
+    allRows_ = {region().y0, region().y1};
+    if (!hasExplicitRegion()) {
+        const Region whole = target().extent();
+        allRows_ = {whole.y0, whole.y1};
+    }
     // A thread that has rows has an index below the number of rows.
-    const int rows = std::max(region().y1 - region().y0, 0);
+    const int rows = std::max(allRows_.end - allRows_.begin, 0);
     partialSums_.assign(static_cast<std::size_t>(rows), 0.0);
 }
 
 void WeightedPointPicker::processPass()
 {
-    const RowRange rows = threadRows();
+    RowRange rows = allRows_;
+    threadRange(rows.begin, rows.end);
     if (rows.isEmpty()) return;
     double sum = 0.0;
-    for (int y = rows.begin; y < rows.end; ++y) {
+    const int last = std::min(rows.end, region().y1);
+    for (int y = std::max(rows.begin, region().y0); y < last; ++y) {
         const RowReader row(target(), y);
-        for (int x = region().x0; x < region().x1; ++x) sum += static_cast<double>(weight(row[x]));
+        for (int x = region().x0; x < region().x1; ++x) {
+            // Adding 0 changes nothing but takes its turn, and most weights are 0.
+            if (const float w = weight(row[x]); w != 0.0f) sum += static_cast<double>(w);
+        }
     }
     partialSums_[static_cast<std::size_t>(threadIndex())] = sum;
 }
@@ -102,7 +112,7 @@ std::vector<int> WeightedPointPicker::matchRows(const std::vector<double>& targe
         const RowReader row(target(), y);
         for (int x = region().x0; x < region().x1; ++x) {
             if (rows.size() == targets.size()) return rows;
-            sum += static_cast<double>(weight(row[x]));
+            if (const float w = weight(row[x]); w != 0.0f) sum += static_cast<double>(w);
             if (targets[rows.size()] <= sum) rows.push_back(y);
         }
     }

@@ -26,7 +26,8 @@ public:
     /// The values of weight 0 and of full weight.
     void setRange(float low, float high) { low_ = low, high_ = high; }
 
-    /// Draws the points from the node's region of a map, which is only read.
+    /// Draws the points from the node's region of a map, which is only read. Pixels that the map
+    /// does not store count as weight 0.
     void process(const Map<Pixel32f>& map);
 
     /// Point i in absolute coordinates; (0, 0) when i is not below the number of points. Nothing
@@ -46,6 +47,7 @@ private:
     float weightCap_;
     std::uint32_t seed_ = 0;
     float low_ = 0.0f, high_ = 0.0f, scale_ = 0.0f;
+    RowRange allRows_{};  ///< what the threads share; some of the rows may not be stored
     std::vector<double> partialSums_;  ///< one for each worker thread
     std::vector<std::optional<PixelVec2f>> points_;
 };

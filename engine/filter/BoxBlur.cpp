@@ -187,6 +187,16 @@ void LineBatch::writeBoxes(Sample* ends, std::size_t outputs)
 
 }  // namespace
 
+Region blurredAlike(const Region& part, const Region& frame, float radius)
+{
+    const int longer = std::max(frame.x1 - frame.x0, frame.y1 - frame.y0);
+    const BoxFilter filter = filterOf(limited(radius, 3.0f * static_cast<float>(longer)));
+    const int segment = 2 * filter.whole + 1;
+    const Region inside = part.within(frame);
+    return {inside.x0 - (inside.x0 - frame.x0) % segment,
+            inside.y0 - (inside.y0 - frame.y0) % segment, inside.x1, inside.y1};
+}
+
 BoxBlur::BoxBlur(Variant variant, float radius)
     : variant_(variant), radiusX_(radius), radiusY_(radius)
 {}

@@ -71,4 +71,9 @@ private:
     Map<Pixel32f> temporary_;  ///< rows of the input blurred along x, as wide as the region
 };
 
+/// The smallest part of a map's `frame` that holds `part` and in which a blur by three applications
+/// gives the same bits as over the whole frame, as long as the input is 0 wherever the two differ:
+/// it starts where a segment of the sums does.
+Region blurredAlike(const Region& part, const Region& frame, float radius);
+
 }  // namespace Orvane::Engine

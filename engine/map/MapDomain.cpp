@@ -73,6 +73,23 @@ void MapDomain::placeAt(int x, int y)
     setOrigin(x, y);
 }
 
+void MapDomain::storeOnly(const Region& part)
+{
+    setStoredRange(part.x0 - xAxis_.origin, part.x1 - 1 - xAxis_.origin, part.y0 - yAxis_.origin,
+                   part.y1 - 1 - yAxis_.origin);
+}
+
+Region MapDomain::extent() const
+{
+    return {xAxis_.origin, yAxis_.origin, xAxis_.origin + xAxis_.size, yAxis_.origin + yAxis_.size};
+}
+
+Region MapDomain::storedExtent() const
+{
+    return {xAxis_.origin + xAxis_.storeStart, yAxis_.origin + yAxis_.storeStart,
+            xAxis_.origin + xAxis_.storeEnd + 1, yAxis_.origin + yAxis_.storeEnd + 1};
+}
+
 void MapDomain::copyGeometry(const MapDomain& other)
 {
     xAxis_ = other.xAxis_;

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "engine/map/MapAxis.h"
+#include "engine/map/Region.h"
 
 namespace Orvane::Engine {
 
@@ -42,6 +43,13 @@ public:
     void setOrigin(int x, int y);
     /// Puts index (0, 0) at (x, y), for reading and for direct access alike.
     void placeAt(int x, int y);
+    /// Stores only the part of a rectangle in absolute coordinates that lies in the map, at least
+    /// one pixel. Called before `allocate`: with `EdgeNone` all other pixels read as the fill value
+    /// and take no memory.
+    void storeOnly(const Region& part);
+    /// Everything, and what is stored of it, in absolute coordinates.
+    Region extent() const;
+    Region storedExtent() const;
     /// Copies both axes of another map; storage is untouched.
     void copyGeometry(const MapDomain& other);
 

@@ -1,5 +1,9 @@
 #include "engine/mask/FillMask.h"
 
+#include <algorithm>
+#include <ranges>
+#include <span>
+
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
 #include "engine/map/PixelTraits.h"
@@ -29,13 +33,44 @@ public:
     {
         const Region& region = this->region();
         const auto [yBegin, yEnd] = this->threadRows();
+        const Pixel32i outside = toByte(this->other().fillValue());
         for (int y = yBegin; y < yEnd; ++y) {
-            const RowReader mask(this->other(), y);
-            RowWriter padded(this->target(), y);
-            for (int x = region.x0; x < region.x1; ++x) padded[x] = toByte(mask[x]);
+            // The mask is read as EdgeNone: beside its pixels there is its fill value.
+            const auto mask = RowReader(this->other(), y).interior(region.x0, region.x1);
+            Pixel32i* const padded = RowWriter(this->target(), y).from(region.x0);
+            std::fill(padded, padded + (mask.begin - region.x0), outside);
+            std::transform(mask.pixels, mask.pixels + (mask.end - mask.begin),
+                           padded + (mask.begin - region.x0), toByte<MaskPixel>);
+            std::fill(padded + (mask.end - region.x0), padded + (region.x1 - region.x0), outside);
         }
     }
 };
+
+/// The smallest region that holds every pixel of a mask whose byte is not 0.
+template <typename MaskPixel>
+Region maskedBounds(const Map<MaskPixel>& mask)
+{
+    const int left = mask.xAxis().offset, right = left + mask.width();
+    const int top = mask.yAxis().offset, bottom = top + mask.height();
+    Region bounds{right, bottom, left, top};
+    // exact: a product of at least 1 does not truncate to 0; NaN does.
+    const auto isMasked = [](MaskPixel value) {
+        return static_cast<float>(value) * MaskTraits<MaskPixel>::kToByte >= 1.0f;
+    };
+    for (int y = top; y < bottom; ++y) {
+        const auto row = RowReader(mask, y).interior(left, right);
+        const std::span<const MaskPixel> pixels(row.pixels,
+                                                static_cast<std::size_t>(row.end - row.begin));
+        int any = 0;
+        for (const MaskPixel value : pixels) any |= isMasked(value) ? 1 : 0;
+        if (any == 0) continue;
+        const auto first = std::ranges::find_if(pixels, isMasked) - pixels.begin();
+        const auto last = std::find_if(pixels.rbegin(), pixels.rend(), isMasked).base();
+        bounds = {std::min(bounds.x0, row.begin + static_cast<int>(first)), std::min(bounds.y0, y),
+                  std::max(bounds.x1, row.begin + static_cast<int>(last - pixels.begin())), y + 1};
+    }
+    return bounds;
+}
 
 /// Turns labels into a mask of the first area.
 class FirstArea final : public Sampler<const Map<Pixel32i>, Map<Pixel32f>> {
@@ -46,11 +81,16 @@ public:
     {
         const auto [yBegin, yEnd] = threadRows();
         for (int y = yBegin; y < yEnd; ++y) {
-            const RowReader labels(other(), y);
-            RowWriter mask(target(), y);
-            for (int x = region().x0; x < region().x1; ++x) {
-                mask[x] = labels[x] == RegionLabeller::kFirstArea ? maximum_ : 0.0f;
+            const int count = region().x1 - region().x0;
+            const Pixel32i* labels = RowReader(other(), y).span(region().x0, count);
+            Pixel32f* mask = RowWriter(target(), y).from(region().x0);
+            if (labels == nullptr) {  // no memory for labels: no area
+                std::fill_n(mask, count, 0.0f);
+                continue;
             }
+            std::transform(labels, labels + count, mask, [this](Pixel32i label) {
+                return label == RegionLabeller::kFirstArea ? maximum_ : 0.0f;
+            });
         }
     }
 
@@ -97,6 +137,69 @@ std::optional<PixelVec2f> drawStartPoint(const Map<Pixel32i>& padded, int seed)
     return firstPixelOf(padded, kUnmasked);
 }
 
+/// The stages of one mask, on the part of it that `storeOnly` gives.
+template <typename MaskPixel>
+class MaskPreparation {
+public:
+    MaskPreparation(Map<MaskPixel>& mask, int seed, RenderStatus* statusRecord)
+        : mask_(mask), seed_(seed), statusRecord_(statusRecord)
+    {}
+
+    /// Pads and labels the mask within a part of the padded map. Outside it everything is unmasked.
+    /// False after an abort.
+    bool label(const Region& part)
+    {
+        padded_ = mapAround(mask_);
+        padded_.storeOnly(part);
+        padded_.allocate();
+        if (!pad()) return false;
+        const bool isWhole = (padded_.domainFlags() & MapDomain::kStoresPart) == 0;
+        if (isWhole && padded_.isUsable() && !firstPixelOf(padded_, kUnmasked)) {
+            // A mask without any unmasked pixel, inside or outside its pixels, selects everything.
+            // Treat its outside as unmasked, so that all of its pixels become the region.
+            mask_.setFillValue(MaskPixel{0});
+            if (!pad()) return false;
+        }
+        labels_.copyGeometry(padded_);
+        labels_.allocate();
+        RegionLabeller labeller(drawStartPoint(padded_, seed_).value_or(PixelVec2f{0.0f, 0.0f}));
+        labeller.setStatusRecord(statusRecord_);
+        labeller.process(padded_, labels_);
+        padded_.release();
+        return !isAborted(statusRecord_);
+    }
+
+    /// Whether everything outside the part is connected with the start point, as its border is.
+    bool reachesOutside() const
+    {
+        return !labels_.isUsable() || *labels_.pixelAt(0, 0) == RegionLabeller::kOutside;
+    }
+
+    std::optional<Map<Pixel32f>> firstArea()
+    {
+        Map<Pixel32f> result;
+        result.copyGeometry(labels_);
+        result.allocate();
+        FirstArea firstArea(MaskTraits<MaskPixel>::kMax);
+        runNode(firstArea, labels_, result, statusRecord_);
+        if (statusRecord_ != nullptr && statusRecord_->aborted != 0) return std::nullopt;
+        return result;
+    }
+
+private:
+    bool pad()
+    {
+        MaskPadding<MaskPixel> padding;
+        runNode(padding, mask_, padded_, statusRecord_);
+        return !isAborted(statusRecord_);
+    }
+
+    Map<MaskPixel>& mask_;
+    int seed_;
+    RenderStatus* statusRecord_;
+    Map<Pixel32i> padded_, labels_;
+};
+
 }  // namespace
 
 template <typename MaskPixel>
@@ -107,35 +210,22 @@ std::optional<Map<Pixel32f>> prepareFillMask(Map<MaskPixel>& mask, int seed,
     view.assign(mask);
     view.setEdgeMode(EdgeMode::EdgeNone, EdgeMode::EdgeNone);
 
-    Map<Pixel32i> padded = mapAround(view);
-    padded.allocate();
-    MaskPadding<MaskPixel> padding;
-    runNode(padding, view, padded, statusRecord);
-    Map<Pixel32i> labels;
-    labels.copyGeometry(padded);
-    labels.allocate();
-    if (isAborted(statusRecord)) return std::nullopt;
-
-    if (padded.isUsable() && !firstPixelOf(padded, kUnmasked)) {
-        // A mask without any unmasked pixel, inside or outside its pixels, selects everything.
-        // Treat its outside as unmasked, so that all of its pixels become the region.
-        view.setFillValue(MaskPixel{0});
-        runNode(padding, view, padded, statusRecord);
-        if (isAborted(statusRecord)) return std::nullopt;
+    const Region whole = mapAround(view).extent();
+    Region part = whole;
+    if (toByte(view.fillValue()) == kUnmasked) {
+        // A border of unmasked pixels round the masked ones is connected with all beyond it.
+        const Region masked = maskedBounds(view);
+        part = masked.isEmpty()
+                   ? Region{whole.x0, whole.y0, whole.x0 + 1, whole.y0 + 1}
+                   : Region{masked.x0 - 1, masked.y0 - 1, masked.x1 + 1, masked.y1 + 1};
     }
-    RegionLabeller labeller(drawStartPoint(padded, seed).value_or(PixelVec2f{0.0f, 0.0f}));
-    labeller.setStatusRecord(statusRecord);
-    labeller.process(padded, labels);
-    padded.release();
-    if (isAborted(statusRecord)) return std::nullopt;
-
-    Map<Pixel32f> result;
-    result.copyGeometry(labels);
-    result.allocate();
-    FirstArea firstArea(MaskTraits<MaskPixel>::kMax);
-    runNode(firstArea, labels, result, statusRecord);
-    if (statusRecord != nullptr && statusRecord->aborted != 0) return std::nullopt;
-    return result;
+    MaskPreparation<MaskPixel> preparation(view, seed, statusRecord);
+    if (!preparation.label(part)) return std::nullopt;
+    // The start point can lie in a hole of the mask. All the rest is the region then.
+    if (part != whole && !preparation.reachesOutside() && !preparation.label(whole)) {
+        return std::nullopt;
+    }
+    return preparation.firstArea();
 }
 
 template std::optional<Map<Pixel32f>> prepareFillMask(Map<Pixel8>&, int, RenderStatus*);

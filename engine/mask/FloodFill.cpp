@@ -10,6 +10,9 @@ namespace {
 
 constexpr std::size_t kRoomForRuns = 100;
 
+/// Pixels filled between two polls for an abort; a few milliseconds.
+constexpr std::int64_t kPixelsBetweenPolls = 1 << 20;
+
 /// A coordinate clamped to the pixels [first, end) and truncated; `first` for NaN.
 int pixelWithin(int first, int end, float coordinate)
 {
@@ -41,7 +44,12 @@ void FloodFill<Pixel>::begin()
     forgetRuns();
     const int seedX = pixelWithin(region.x0, region.x1, seedX_);
     fillRunsTouching(pixelWithin(region.y0, region.y1, seedY_), seedX, seedX + 1);
+    std::int64_t nextPoll = kPixelsBetweenPolls;
     for (std::size_t i = 0; i < runs_.size(); ++i) {
+        if (filledCount_ >= nextPoll) {
+            if (this->pollAbort()) return;
+            nextPoll = filledCount_ + kPixelsBetweenPolls;
+        }
         const Run run = runs_[i];  // a copy: the list grows
         fillRunsTouching(run.y - 1, run.left, run.right);
         fillRunsTouching(run.y + 1, run.left, run.right);
@@ -83,13 +91,28 @@ void FloodFill<Pixel>::fillRunsTouching(int y, int left, int right)
     const Region& region = this->region();
     if (y < region.y0 || y >= region.y1) return;
     const RowReader read(this->other(), y);
-    const auto isTarget = [&](int x) { return read[x] == targetValue_; };
+    if (const Pixel* row = read.span(region.x0, region.x1 - region.x0)) {
+        fillRunsTouching(y, left, right, [this, row, &region](int x) {
+            return row[x - region.x0] == targetValue_;
+        });
+    } else {
+        fillRunsTouching(y, left, right, [this, &read](int x) { return read[x] == targetValue_; });
+    }
+}
+
+template <typename Pixel>
+template <typename IsTarget>
+void FloodFill<Pixel>::fillRunsTouching(int y, int left, int right, const IsTarget& isTarget)
+{
+    const Region& region = this->region();
     for (int x = left; x < right; ++x) {
-        if (*mark(x, y) || !isTarget(x)) continue;
+        if (!isTarget(x)) continue;
         Run run{y, x, x + 1};
-        while (run.left > region.x0 && isTarget(run.left - 1)) --run.left;
         while (run.right < region.x1 && isTarget(run.right)) ++run.right;
-        fillRun(run);
+        if (!*mark(x, y)) {
+            while (run.left > region.x0 && isTarget(run.left - 1)) --run.left;
+            fillRun(run);
+        }
         x = run.right;  // not a target
     }
 }

@@ -53,6 +53,8 @@ private:
     void clear();
     void forgetRuns();
     void fillRunsTouching(int y, int left, int right);
+    template <typename IsTarget>
+    void fillRunsTouching(int y, int left, int right, const IsTarget& isTarget);
     void fillRun(const Run& run);
     std::vector<bool>::iterator mark(int x, int y);
 

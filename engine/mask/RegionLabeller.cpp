@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "engine/filter/FillAndCopy.h"
 #include "engine/mask/FloodFill.h"
 
 namespace Orvane::Engine {
@@ -29,22 +28,13 @@ RegionLabeller::RegionLabeller(PixelVec2f start) : start_(start)
 
 void RegionLabeller::begin()
 {
-    Map<Pixel32i> outside;
-    outside.copyGeometry(target());
-    outside.setFillValue(target().fillValue());
-    outside.allocate();
-
     FloodFill<Pixel32i> fill;
     fill.setStatusRecord(statusRecord());
     fill.setSeed(start_.x, start_.y);
     fill.setTargetValue(kUnmasked);
     fill.setPaintValue(kOutside);
     fill.setClearValue(kUnlabelled);
-    fill.process(other(), outside);
-
-    MapCopy<Pixel32i> copy;
-    copy.setStatusRecord(statusRecord());
-    copy.process(outside, target());
+    fill.process(other(), target());
     if (pollAbort()) return;
 
     const std::optional<PixelVec2f> first = firstPixelOf(target(), kUnlabelled);
@@ -53,7 +43,7 @@ void RegionLabeller::begin()
     fill.setTargetValue(kUnlabelled);
     fill.setPaintValue(kFirstArea);
     fill.setKeepWritten(true);
-    fill.process(outside, target());
+    fill.process(target(), target());
 }
 
 }  // namespace Orvane::Engine

@@ -1,5 +1,6 @@
 #include "engine/mask/RegionMask.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "engine/map/MapRow.h"
@@ -12,13 +13,11 @@ namespace {
 void setRegionValue(Map<Pixel32f>& mask, float value)
 {
     if (!mask.isUsable()) return;
-    const MapAxis& xAxis = mask.xAxis();
-    const MapAxis& yAxis = mask.yAxis();
-    for (int y = yAxis.origin; y < yAxis.origin + yAxis.size; ++y) {
-        RowWriter row(mask, y);
-        for (int x = xAxis.origin; x < xAxis.origin + xAxis.size; ++x) {
-            if (row[x] != 0.0f) row[x] = value;
-        }
+    const Region stored = mask.storedExtent();
+    for (int y = stored.y0; y < stored.y1; ++y) {
+        Pixel32f* const row = RowWriter(mask, y).from(stored.x0);
+        std::transform(row, row + (stored.x1 - stored.x0), row,
+                       [value](Pixel32f v) { return v != 0.0f ? value : v; });
     }
 }
 

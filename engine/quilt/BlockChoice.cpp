@@ -74,18 +74,25 @@ void BlockChoice<Pixel>::start(const BlockPlace& place,
 template <typename Pixel>
 void BlockChoice<Pixel>::findKnown()
 {
+    // The weights are stored where they can be positive.
+    const Region block{place_.x, place_.y, place_.x + place_.width, place_.y + place_.height};
+    const Region part = block.within(around_.weights->storedExtent());
+    if (part.isEmpty()) return;
+    const int width = part.x1 - part.x0, height = part.y1 - part.y0;
     const Rows<float> weights =
-        rowsOf(*around_.weights, place_.x, place_.y, place_.width, place_.height, weightCopy_);
-    Region box{place_.width, place_.height, 0, 0};
-    for (int y = 0; y < place_.height; ++y) {
-        const Columns columns = positiveOf(weights.at(y), place_.width);
+        rowsOf(*around_.weights, part.x0, part.y0, width, height, weightCopy_);
+    Region box{width, height, 0, 0};
+    for (int y = 0; y < height; ++y) {
+        const Columns columns = positiveOf(weights.at(y), width);
         if (columns.begin >= columns.end) continue;
         box = {std::min(box.x0, columns.begin), std::min(box.y0, y), std::max(box.x1, columns.end),
                y + 1};
     }
     if (box.isEmpty()) return;
-    known_ = box;
     weightRows_ = weights.from(box.x0, box.y0);
+    const int right = part.x0 - place_.x, down = part.y0 - place_.y;
+    box = {box.x0 + right, box.y0 + down, box.x1 + right, box.y1 + down};
+    known_ = box;
     knownRows_ = rowsOf(*around_.known, place_.x + box.x0, place_.y + box.y0, box.x1 - box.x0,
                         box.y1 - box.y0, knownCopy_);
 }
