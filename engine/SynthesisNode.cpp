@@ -280,14 +280,18 @@ void SynthesisNode<Pixel>::fitBoundary(const Region& fillRect)
 {
     const ObservedStage stage(observer_, "boundary");
     BoundaryInputs<Pixel> inputs;
-    inputs.search = {fillRect, &pathBand_, &bandGradient_, &this->target(), &this->other()};
+    inputs.search = {fillRect,        &pathBand_,     &bandGradient_,
+                     &this->target(), &this->other(), this->statusRecord()};
     inputs.fillMask = settings_.fillMask;
     inputs.seed = settings_.seed;
     inputs.edgeBlend = settings_.edgeBlend;
     inputs.statusRecord = this->statusRecord();
     if (reports_.areWanted()) inputs.path = &boundary_;
     const BoundaryOutcome outcome = fitBoundaryPath(inputs, state_->compositeMask);
-    if (observer_ != nullptr && noteOf(outcome) != nullptr) observer_->note(noteOf(outcome));
+    const bool aborted = inputs.statusRecord != nullptr && inputs.statusRecord->aborted != 0;
+    if (observer_ != nullptr && noteOf(outcome) != nullptr && !aborted) {
+        observer_->note(noteOf(outcome));
+    }
     pathBand_.release();
     bandGradient_.release();
 }

@@ -23,6 +23,9 @@ constexpr int kTraceSlack = 10;
 /// floats cannot distinguish neighbours.
 constexpr int kLeavingSteps = 8;
 
+/// Pixels that the front moves over between two polls for an abort; a few milliseconds.
+constexpr std::size_t kPixelsBetweenPolls = 1 << 15;
+
 /// The neighbours by angle: entry k is at 45 degrees times k, x to the right and y down the rows.
 constexpr std::array<PixelPoint, 8> kDirections{
     {{1, 0}, {1, 1}, {0, 1}, {-1, 1}, {-1, 0}, {-1, -1}, {0, -1}, {1, -1}}};
@@ -145,8 +148,8 @@ PathOutcome PathSearch<Pixel>::search(PixelPoint start)
 template <typename Pixel>
 float PathSearch<Pixel>::pixelCost(PixelPoint p) const
 {
-    const Pixel a = in_.synthesised->read(p.x, p.y);
-    const Pixel b = in_.source->read(p.x, p.y);
+    const Pixel a = synthesised_(p.x, p.y);
+    const Pixel b = source_(p.x, p.y);
     using Channel = typename PixelTraits<Pixel>::Channel;
     if constexpr (std::is_integral_v<Channel>) {
         // exact: 64-bit integers, and a division that truncates.
@@ -239,7 +242,13 @@ void PathSearch<Pixel>::advanceFront()
 {
     std::vector<PixelPoint> front = cut_;
     std::vector<PixelPoint> next;
+    std::size_t moved = 0;
     while (!front.empty()) {
+        moved += front.size();
+        if (moved > kPixelsBetweenPolls) {
+            moved = 0;
+            if (in_.statusRecord != nullptr && in_.statusRecord->pollAbort()) return;
+        }
         collectFront(front, next);
         for (const PixelPoint q : next) finalise(q);
         front.swap(next);

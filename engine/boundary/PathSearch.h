@@ -7,6 +7,7 @@
 
 #include "engine/map/ImageBlock.h"
 #include "engine/map/Map.h"
+#include "engine/map/PointReader.h"
 #include "engine/pass/MapProcessor.h"
 
 namespace Orvane::Engine {
@@ -19,6 +20,7 @@ struct PathSearchInputs {
     const Map<PixelVec2f>* gradient = nullptr;  ///< points into the fill region
     const Map<Pixel>* synthesised = nullptr;    ///< the image inside the path
     const Map<Pixel>* source = nullptr;         ///< the image outside of it
+    RenderStatus* statusRecord = nullptr;       ///< polled for an abort; may be null
 };
 
 enum class PathOutcome {
@@ -82,7 +84,13 @@ private:
 template <typename Pixel>
 class PathSearch {
 public:
-    explicit PathSearch(const PathSearchInputs<Pixel>& inputs) : in_(inputs) {}
+    explicit PathSearch(const PathSearchInputs<Pixel>& inputs)
+        : in_(inputs),
+          band_(*inputs.band),
+          gradient_(*inputs.gradient),
+          synthesised_(*inputs.synthesised),
+          source_(*inputs.source)
+    {}
 
     /// Searches from a cut through `start`, a pixel of the band.
     PathOutcome run(PixelPoint start);
@@ -107,8 +115,8 @@ private:
     bool trace(PixelPoint end);
     bool closeLoop(PixelPoint end);
 
-    float bandAt(PixelPoint p) const { return in_.band->read(p.x, p.y); }
-    PixelVec2f gradientAt(PixelPoint p) const { return in_.gradient->read(p.x, p.y); }
+    float bandAt(PixelPoint p) const { return band_(p.x, p.y); }
+    PixelVec2f gradientAt(PixelPoint p) const { return gradient_(p.x, p.y); }
     bool pathEndsAt(PixelPoint p) const;
     float meanAt(PixelPoint p) const { return cells_.costOf(cells_.find(p)).mean(); }
     std::array<PixelPoint, 3> predecessors(PixelPoint q) const;
@@ -116,6 +124,9 @@ private:
     std::optional<PixelPoint> bestPredecessor(PixelPoint q, const Accept& accept) const;
 
     PathSearchInputs<Pixel> in_;
+    PointReader<Pixel32f> band_;
+    PointReader<PixelVec2f> gradient_;
+    PointReader<Pixel> synthesised_, source_;
     PathCells cells_;
     std::vector<PixelPoint> cut_, arrivals_, path_;
 };

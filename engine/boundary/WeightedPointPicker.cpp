@@ -28,6 +28,13 @@ private:
     std::uint32_t seed_;
 };
 
+/// The sum with one more weight. Adding 0 changes nothing but takes its turn, and most weights are
+/// 0.
+double sumWith(double sum, float weight)
+{
+    return weight != 0.0f ? sum + static_cast<double>(weight) : sum;
+}
+
 }  // namespace
 
 void WeightedPointPicker::setNumPoints(int count)
@@ -45,6 +52,18 @@ void WeightedPointPicker::process(const Map<Pixel32f>& map)
 {
     std::fill(points_.begin(), points_.end(), std::nullopt);
     run("Sampler", nullptr, &map);
+}
+
+/// The region's values in a row: in place, or as a copy where some need edge handling.
+std::span<const float> WeightedPointPicker::valuesOf(int y, std::vector<float>& copy) const
+{
+    const int count = region().x1 - region().x0;
+    const auto size = static_cast<std::size_t>(count);
+    const RowReader row(target(), y);
+    if (const float* span = row.span(region().x0, count)) return {span, size};
+    copy.resize(size);
+    for (int i = 0; i < count; ++i) copy[static_cast<std::size_t>(i)] = row[region().x0 + i];
+    return copy;
 }
 
 float WeightedPointPicker::weight(float value) const
@@ -75,14 +94,11 @@ void WeightedPointPicker::processPass()
     RowRange rows = allRows_;
     threadRange(rows.begin, rows.end);
     if (rows.isEmpty()) return;
+    std::vector<float> copy;
     double sum = 0.0;
     const int last = std::min(rows.end, region().y1);
     for (int y = std::max(rows.begin, region().y0); y < last; ++y) {
-        const RowReader row(target(), y);
-        for (int x = region().x0; x < region().x1; ++x) {
-            // Adding 0 changes nothing but takes its turn, and most weights are 0.
-            if (const float w = weight(row[x]); w != 0.0f) sum += static_cast<double>(w);
-        }
+        for (const float value : valuesOf(y, copy)) sum = sumWith(sum, weight(value));
     }
     partialSums_[static_cast<std::size_t>(threadIndex())] = sum;
 }
@@ -107,12 +123,12 @@ void WeightedPointPicker::end()
 std::vector<int> WeightedPointPicker::matchRows(const std::vector<double>& targets) const
 {
     std::vector<int> rows;
+    std::vector<float> copy;
     double sum = 0.0;  // exact: float weights added in double, in scan order
     for (int y = region().y0; y < region().y1; ++y) {
-        const RowReader row(target(), y);
-        for (int x = region().x0; x < region().x1; ++x) {
+        for (const float value : valuesOf(y, copy)) {
             if (rows.size() == targets.size()) return rows;
-            if (const float w = weight(row[x]); w != 0.0f) sum += static_cast<double>(w);
+            sum = sumWith(sum, weight(value));
             if (targets[rows.size()] <= sum) rows.push_back(y);
         }
     }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "engine/pass/MapProcessor.h"
@@ -40,6 +41,7 @@ public:
     void end() override;
 
 private:
+    std::span<const float> valuesOf(int y, std::vector<float>& copy) const;
     float weight(float value) const;
     std::vector<int> matchRows(const std::vector<double>& targets) const;
     std::optional<PixelVec2f> drawInRow(int y, double noise) const;

@@ -13,12 +13,17 @@ void MaskGradient::processPass()
         const RowReader mask(other(), y);
         const RowReader next(other(), y + 1);
         RowWriter gradient(target(), y);
-        Pixel32f here = mask[region().x0];
-        for (int x = region().x0; x < region().x1; ++x) {
-            const Pixel32f right = mask[x + 1];
-            gradient[x] = {right - here, next[x] - here};
-            here = right;
+        int x = region().x0;
+        // All but the last column and row are read in place.
+        const int inside = region().x1 - 1 - x;
+        const Pixel32f* const here = mask.span(x, inside + 1);
+        const Pixel32f* const above = next.span(x, inside + 1);
+        if (here != nullptr && above != nullptr) {
+            PixelVec2f* const to = gradient.from(x);
+            for (int i = 0; i < inside; ++i) to[i] = {here[i + 1] - here[i], above[i] - here[i]};
+            x += inside;
         }
+        for (; x < region().x1; ++x) gradient[x] = {mask[x + 1] - mask[x], next[x] - mask[x]};
     }
 }
 
@@ -27,11 +32,17 @@ void BandCut::processPass()
     const auto [yBegin, yEnd] = threadRows();
     for (int y = yBegin; y < yEnd; ++y) {
         const RowReader fillMask(other(), y);
-        RowWriter band(target(), y);
-        for (int x = region().x0; x < region().x1; ++x) {
-            const bool kept = fillMask[x] == 0.0f && band[x] >= minKept_;
-            if (!kept) band[x] = 0.0f;
-        }
+        float* const band = RowWriter(target(), y).from(region().x0);
+        const auto cut = [band, this](int i, float mask) {
+            const bool kept = mask == 0.0f && band[i] >= minKept_;
+            band[i] = kept ? band[i] : 0.0f;
+        };
+        const int count = region().x1 - region().x0;
+        const auto inside = fillMask.interior(region().x0, region().x1);
+        const int begin = inside.begin - region().x0, end = inside.end - region().x0;
+        for (int i = 0; i < begin; ++i) cut(i, fillMask[region().x0 + i]);
+        for (int i = begin; i < end; ++i) cut(i, inside.pixels[i - begin]);
+        for (int i = end; i < count; ++i) cut(i, fillMask[region().x0 + i]);
     }
 }
 
