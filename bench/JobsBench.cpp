@@ -20,6 +20,7 @@
 #include "files/PictureReader.h"
 #include "host/Effect.h"
 #include "host/EmbeddedHost.h"
+#include "host/HostBehaviour.h"
 #include "host/Instance.h"
 #include "host/Plugin.h"
 
@@ -41,6 +42,7 @@ struct Job {
     bool cropsMatte;      ///< to the box of what is white
     bool repeats;         ///< times the second frame with temporal consistency
     std::vector<std::pair<const char*, double>> values;
+    int enlarged = 1;  ///< each pixel of source and matte becomes a square of this side
 };
 
 std::vector<Job> allJobs()
@@ -87,6 +89,16 @@ std::vector<Job> allJobs()
          false,
          true,
          {{"temporalConsistancy", 1}}},
+        {"J3x4",
+         "J3 with luminanceMatch, each pixel four",
+         craft,
+         kNone,
+         nullptr,
+         hole,
+         false,
+         false,
+         {{"luminanceMatch", 1}},
+         2},
         {"J4", "quilt 3840x2160 from tex_leaves", nullptr, kUhd, leaves, nullptr, false, false, {}},
         {"J5",
          "J1 with 50 samples",
@@ -149,6 +161,24 @@ Shared squareMatte(const Picture& source, int side, Depth depth)
     return std::make_shared<Picture>(matte.converted(depth, Components::Alpha));
 }
 
+Shared enlarged(const Picture& picture, int side)
+{
+    const OfxRectI& from = picture.bounds();
+    const OfxRectI to{from.x1 * side, from.y1 * side, from.x2 * side, from.y2 * side};
+    Picture large(to, picture.depth(), picture.components());
+    const std::size_t pixel = picture.pixelBytes();
+    for (int y = to.y1; y < to.y2; ++y) {
+        const auto* source =
+            static_cast<const std::byte*>(picture.row(from.y1 + (y - to.y1) / side));
+        auto* row = static_cast<std::byte*>(large.row(y));
+        for (int x = 0; x < to.x2 - to.x1; ++x) {
+            std::memcpy(row + static_cast<std::size_t>(x) * pixel,
+                        source + static_cast<std::size_t>(x / side) * pixel, pixel);
+        }
+    }
+    return std::make_shared<Picture>(std::move(large));
+}
+
 /// The pictures of a job at a depth.
 struct JobPictures {
     Shared source, texture, matte;
@@ -171,15 +201,54 @@ JobPictures picturesOf(const Job& job, const std::filesystem::path& folder, Dept
     }
     pictures.matte = load(folder / job.matte, Files::ReadAs::Matte, depth);
     if (job.cropsMatte) pictures.matte = cropped(*pictures.matte);
+    if (job.enlarged > 1) {
+        pictures.source = enlarged(*pictures.source, job.enlarged);
+        pictures.matte = enlarged(*pictures.matte, job.enlarged);
+    }
     return pictures;
 }
+
+/// Aborts a render at a moment, and measures what follows.
+class AbortWatch final : public Host::HostBehaviour {
+public:
+    /// Starts the clock; from `seconds` on the answer is yes.
+    void start(double seconds)
+    {
+        begin_ = last_ = Clock::now();
+        moment_ = seconds;
+        longestGap_ = 0.0;
+        polls_ = 0;
+    }
+    bool abortPolled(bool isAborted) override
+    {
+        const auto now = Clock::now();
+        const double gap = std::chrono::duration<double>(now - last_).count();
+        longestGap_ = std::max(longestGap_, gap);
+        last_ = now;
+        ++polls_;
+        return isAborted || std::chrono::duration<double>(now - begin_).count() >= moment_;
+    }
+    /// Seconds since the moment of the abort.
+    double late() const
+    {
+        return std::chrono::duration<double>(Clock::now() - begin_).count() - moment_;
+    }
+    double longestGap() const { return longestGap_; }
+    int polls() const { return polls_; }
+
+private:
+    Clock::time_point begin_, last_;
+    double moment_ = 0.0, longestGap_ = 0.0;
+    int polls_ = 0;
+};
 
 /// One plug-in in a host of its own, ready to render a job.
 class Rig {
 public:
-    Rig(const std::string& plugin, const Job& job, const JobPictures& pictures, unsigned threads)
+    Rig(const std::string& plugin, const Job& job, const JobPictures& pictures, unsigned threads,
+        Host::HostBehaviour* behaviour = nullptr)
         : job_(job),
-          host_(optionsFor(threads)),
+          host_(optionsFor(threads, behaviour)),
           output_(pictures.source->bounds(), pictures.source->depth())
     {
         const auto library = Host::PluginLibrary::load(plugin);
@@ -210,13 +279,21 @@ public:
         }
         return renderOnce(request);
     }
+    /// A render that may be aborted.
+    void tryRender()
+    {
+        Host::RenderRequest request;
+        request.window = output_.bounds();
+        instance_->renderOnly(request, &output_);
+    }
     const Picture& output() const { return output_; }
 
 private:
-    static Host::HostOptions optionsFor(unsigned threads)
+    static Host::HostOptions optionsFor(unsigned threads, Host::HostBehaviour* behaviour)
     {
         Host::HostOptions options;
         options.threads = threads;
+        options.behaviour = behaviour;
         return options;
     }
     void connect(const char* clip, const Shared& picture)
@@ -292,7 +369,7 @@ struct Options {
     std::vector<std::string> jobs;
     std::vector<unsigned> threads{2};
     std::string depth = "byte";
-    int rounds = 7, busy = 0;
+    int rounds = 7, busy = 0, aborts = 0;
 };
 
 double median(std::vector<double> values)
@@ -334,6 +411,32 @@ bool runJob(const Job& job, const Options& options, unsigned threads)
     return same;
 }
 
+/// Aborts the newest plug-in at moments spread over its render; prints the longest times from an
+/// abort to the return and between two polls.
+void runAborts(const Job& job, const Options& options, unsigned threads)
+{
+    const JobPictures pictures = picturesOf(job, options.pictures, depthOf(options.depth));
+    AbortWatch watch;
+    Rig rig(options.plugins.back(), job, pictures, threads, &watch);
+    constexpr double kNever = 1e9;
+    watch.start(kNever);
+    rig.tryRender();
+    watch.start(kNever);
+    rig.tryRender();
+    const double whole = watch.late() + kNever, longestGap = watch.longestGap();
+    const int polls = watch.polls();
+    double latest = 0.0;
+    for (int i = 0; i < options.aborts; ++i) {
+        watch.start(whole * i / options.aborts);
+        rig.tryRender();
+        latest = std::max(latest, watch.late());
+    }
+    std::printf("%-7s %-5s %u threads  %9.2f ms, %d polls, %.2f ms apart; aborted: %.2f ms late\n",
+                job.name, options.depth.c_str(), threads, whole * 1e3, polls, longestGap * 1e3,
+                latest * 1e3);
+    std::fflush(stdout);
+}
+
 int run(int argc, char** argv)
 {
     Options options;
@@ -349,6 +452,9 @@ int run(int argc, char** argv)
     app.add_option("--rounds", options.rounds)->check(CLI::Range(1, 1000));
     app.add_option("--busy", options.busy, "Processes that keep a core busy each meanwhile")
         ->check(CLI::Range(0, 64));
+    app.add_option("--aborts", options.aborts,
+                   "Instead, abort at this many moments and print the longest delay")
+        ->check(CLI::Range(0, 1000));
     CLI11_PARSE(app, argc, argv);
     const Load load(options.busy);
     bool same = true;
@@ -356,7 +462,11 @@ int run(int argc, char** argv)
         const bool wanted =
             options.jobs.empty() || std::ranges::find(options.jobs, job.name) != options.jobs.end();
         for (const unsigned threads : wanted ? options.threads : std::vector<unsigned>{}) {
-            same = runJob(job, options, threads) && same;
+            if (options.aborts > 0) {
+                runAborts(job, options, threads);
+            } else {
+                same = runJob(job, options, threads) && same;
+            }
         }
     }
     return same ? 0 : 1;

@@ -5,6 +5,14 @@
 #include "engine/map/MapRow.h"
 
 namespace Orvane::Engine {
+namespace {
+
+PixelVec2f differences(float here, float right, float above)
+{
+    return {right - here, above - here};
+}
+
+}  // namespace
 
 void MaskGradient::processPass()
 {
@@ -20,10 +28,10 @@ void MaskGradient::processPass()
         const Pixel32f* const above = next.span(x, inside + 1);
         if (here != nullptr && above != nullptr) {
             PixelVec2f* const to = gradient.from(x);
-            for (int i = 0; i < inside; ++i) to[i] = {here[i + 1] - here[i], above[i] - here[i]};
+            for (int i = 0; i < inside; ++i) to[i] = differences(here[i], here[i + 1], above[i]);
             x += inside;
         }
-        for (; x < region().x1; ++x) gradient[x] = {mask[x + 1] - mask[x], next[x] - mask[x]};
+        for (; x < region().x1; ++x) gradient[x] = differences(mask[x], mask[x + 1], next[x]);
     }
 }
 
