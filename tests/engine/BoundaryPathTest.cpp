@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -6,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "engine/boundary/BoundaryPath.h"
+#include "engine/boundary/Octant.h"
 #include "engine/filter/BandNodes.h"
 #include "engine/filter/BoxBlur.h"
 #include "tests/fixtures/FakeServices.h"
@@ -23,6 +25,55 @@ using Testing::TestMap;
 using Shape = std::function<bool(int x, int y)>;
 
 constexpr int kSize = 120;
+
+/// The octant by its definition: the angle, rounded to a float, against odd multiples of pi / 8.
+std::size_t octantByDefinition(const PixelVec2f& g)
+{
+    const auto angle =
+        static_cast<float>(std::atan2(-static_cast<double>(g.x), static_cast<double>(g.y)));
+    std::size_t octant = 5;
+    const std::array<std::pair<float, std::size_t>, 6> limits{{{-1.9634955f, 6},
+                                                               {-1.1780972f, 7},
+                                                               {-0.3926991f, 0},
+                                                               {0.3926991f, 1},
+                                                               {1.1780972f, 2},
+                                                               {1.9634955f, 3}}};
+    for (const auto& [limit, beyond] : limits) {
+        if (angle > limit) octant = beyond;
+    }
+    return angle > 2.7488937f || angle <= -2.7488937f ? 4 : octant;
+}
+
+TEST(Octant, IsThatOfTheRoundedAngleUpToTheLimits)
+{
+    const auto expectSame = [](float x, float y) {
+        EXPECT_EQ(octantOf({x, y}), octantByDefinition({x, y})) << x << ' ' << y;
+    };
+    const float inf = std::numeric_limits<float>::infinity();
+    for (const float x : {0.0f, -0.0f, 1.0f, -3.5f, 1e-40f, inf, -inf, std::nanf("")}) {
+        for (const float y : {0.0f, -0.0f, 1.0f, -3.5f, 1e-40f, inf, -inf, std::nanf("")}) {
+            expectSame(x, y);
+        }
+    }
+    // Pixels of a mask differ by small integers, and by a float or two from a limit's slope.
+    for (int x = -40; x <= 40; ++x) {
+        for (int y = -40; y <= 40; ++y) {
+            expectSame(static_cast<float>(x), static_cast<float>(y));
+        }
+    }
+    for (int i = 0; i < 8; ++i) {
+        const double limit = (2 * i + 1) * 3.14159265358979323846 / 8.0;
+        const auto length = 200.0 / (1 + i);
+        const auto x = static_cast<float>(-std::sin(limit) * length);
+        auto y = static_cast<float>(std::cos(limit) * length);
+        for (int step = 0; step < 200; ++step) y = std::nextafter(y, -inf);
+        for (int step = 0; step < 400; ++step) expectSame(x, y = std::nextafter(y, inf));
+        for (const double off : {-2e-3, -2e-5, 2e-5, 2e-3}) {
+            expectSame(static_cast<float>(-std::sin(limit + off) * length),
+                       static_cast<float>(std::cos(limit + off) * length));
+        }
+    }
+}
 
 /// The inputs of a boundary path, round a region of any shape in a square image.
 template <typename Pixel>

@@ -1,3 +1,4 @@
+#include <array>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -236,6 +237,39 @@ TEST(BoxBlur, TakesAnyRadius)
     EXPECT_EQ(blurred(kThree, 3.0f, 3.0f, 0.0f, 1.0f), blurred(kThree, 27.0f, 3.0f));
     EXPECT_EQ(blurred(kOne, 3.0f, 3.0f, 8.0f, 2.0f), blurred(kOne, 6.0f, 3.0f));
     EXPECT_EQ(blurred(kOne, 3.0f, 3.0f, 1.0f, kNan), blurred(kOne, 0.0f, 3.0f));
+}
+
+TEST(BoxBlur, OfAPartHasTheSameBitsAsOfTheWhole)
+{
+    const FakeServices services;
+    const Region frame{-7, 4, 93, 84}, noisy{20, 30, 55, 48};
+    TestMap<Pixel32f> input(100, 80, frame.x0, frame.y0);
+    std::mt19937 random(5);
+    for (int y = noisy.y0; y < noisy.y1; ++y) {
+        for (int x = noisy.x0; x < noisy.x1; ++x) {
+            // Large values that cancel, so that the order of a sum shows.
+            const std::array<float, 4> values{1e18f, -1e18f, 1.0f, static_cast<float>(random())};
+            input.at(x - frame.x0, y - frame.y0) = values[random() % 4];
+        }
+    }
+    for (const float radius : {0.5f, 1.0f, 2.75f, 5.5f, 9.0f}) {
+        BoxBlur blur(BoxBlur::ThreeApplications, radius);
+        TestMap<Pixel32f> whole(100, 80, frame.x0, frame.y0);
+        blur.process(*input, *whole);
+        const int reach = 3 * (static_cast<int>(radius) + 1);
+        const Region part{noisy.x0 - reach, noisy.y0 - reach, noisy.x1 + reach, noisy.y1 + reach};
+        Map<Pixel32f> stored;
+        stored.copyGeometry(*whole);
+        stored.storeOnly(blurredAlike(part, frame, radius));
+        stored.allocate();
+        ASSERT_LT(stored.yAxis().storeLength, 80);
+        blur.process(*input, stored);
+        for (int y = frame.y0; y < frame.y1; ++y) {
+            for (int x = frame.x0; x < frame.x1; ++x) {
+                ASSERT_EQ(stored.read(x, y), whole->read(x, y)) << radius << ' ' << x << ' ' << y;
+            }
+        }
+    }
 }
 
 TEST(BoxBlur, ReportsMissingMemory)
