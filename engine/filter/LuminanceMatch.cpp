@@ -64,18 +64,21 @@ public:
         return true;
     }
 
-    void write(int x, int y, int count, const float* first, const float* second) override
+    void write(int x, int y, int width, int height, const float* first,
+               const float* second) override
     {
-        RowWriter known(match_.spread_->measured(), y);
-        RowWriter ratio(match_.spread_->ratio(), y);
-        for (int i = 0; i < count; ++i) {
-            if (known[x + i] == 0) continue;
-            const float measured = lumaRatio(first[i], second[i]);
-            known[x + i] = std::isfinite(measured) ? 1 : 0;
-            if (!std::isfinite(measured)) continue;
-            ratio[x + i] = measured;
-            Region& found = found_[static_cast<std::size_t>(x - match_.inBand_.x0) / Tiles::kSide];
-            found = united(found, {x + i, y, x + i + 1, y + 1});
+        Region& found = found_[static_cast<std::size_t>(x - match_.inBand_.x0) / Tiles::kSide];
+        for (int j = 0; j < height; ++j, first += Tiles::kSide, second += Tiles::kSide) {
+            RowWriter known(match_.spread_->measured(), y + j);
+            RowWriter ratio(match_.spread_->ratio(), y + j);
+            for (int i = 0; i < width; ++i) {
+                if (known[x + i] == 0) continue;
+                const float measured = lumaRatio(first[i], second[i]);
+                known[x + i] = std::isfinite(measured) ? 1 : 0;
+                if (known[x + i] == 0) continue;
+                ratio[x + i] = measured;
+                found = united(found, {x + i, y + j, x + i + 1, y + j + 1});
+            }
         }
     }
 

@@ -75,6 +75,14 @@ RowRange onesOf(const Pixel8* bytes, int count)
     return {static_cast<int>(static_cast<const Pixel8*>(first) - bytes), end};
 }
 
+/// Where a map has pixels.
+Region storedPart(const Map<Pixel32f>& map)
+{
+    const MapAxis &x = map.xAxis(), &y = map.yAxis();
+    const int x0 = x.origin + x.storeStart, y0 = y.origin + y.storeStart;
+    return {x0, y0, x0 + x.storeLength, y0 + y.storeLength};
+}
+
 /// became = 1 where `now` is and `before` is not; `before` may be null. Returns whether any is.
 bool findNew(const Pixel8* now, const Pixel8* before, Pixel8* became, int count)
 {
@@ -98,7 +106,8 @@ public:
           readable_(readable),
           before_(spread.knownAfter(pass - 1)),
           now_(spread.knownAfter(pass)),
-          gain_(gain)
+          gain_(gain),
+          gained_(common(spread.settings_.needed, storedPart(gain)))
     {}
 
     bool read(int y, int x0, int x1, float* first, float* second) const override
@@ -122,30 +131,38 @@ public:
         return true;
     }
 
-    void write(int x, int y, int count, const float* first, const float* second) override
+    void write(int x, int y, int width, int height, const float* first,
+               const float* second) override
     {
-        // Unknown pixels get something as well, which nobody reads.
-        float* ratio = rowAt(spread_.ratio_, x, y);
-        for (int i = 0; i < count; ++i) ratio[i] = first[i] / second[i];
-        const bool hasBefore = pass_ > 1 && y >= readable_.y0 && y < readable_.y1 &&
-                               contains(readable_, {x, y, x + count, y + 1});
-        std::array<Pixel8, Tiles::kSide> became;
-        const Pixel8* now = rowAt(now_, x, y);
-        if (!findNew(now, hasBefore ? rowAt(before_, x, y) : nullptr, became.data(), count)) return;
-        const Region& needed = spread_.settings_.needed;
-        if (y < needed.y0 || y >= needed.y1) return;
-        for (int i = 0; i < count; ++i) {
-            if (became[static_cast<std::size_t>(i)] == 0 || x + i < needed.x0 || x + i >= needed.x1)
-                continue;
-            if (!hasBefore && wasKnown(x + i, y)) continue;
-            if (Pixel32f* gain = gain_.translate(x + i, y)) *gain = ratio[i];
+        for (int j = 0; j < height; ++j, first += Tiles::kSide, second += Tiles::kSide) {
+            // Unknown pixels get something as well, which nobody reads.
+            float* ratio = rowAt(spread_.ratio_, x, y + j);
+            if (width == Tiles::kSide) {
+                for (int i = 0; i < Tiles::kSide; ++i) ratio[i] = first[i] / second[i];
+            } else {
+                for (int i = 0; i < width; ++i) ratio[i] = first[i] / second[i];
+            }
+            writeGains(x, y + j, width, ratio);
         }
     }
 
 private:
-    bool wasKnown(int x, int y) const
+    /// Writes the gains of needed pixels that became known.
+    void writeGains(int x, int y, int width, const float* ratio)
     {
-        return pass_ > 1 && contains(readable_, {x, y, x + 1, y + 1}) && *rowAt(before_, x, y) != 0;
+        if (y < gained_.y0 || y >= gained_.y1) return;
+        const Pixel8* now = rowAt(now_, x, y);
+        const bool isReadable = y >= readable_.y0 && y < readable_.y1;
+        const Pixel8* before = pass_ > 1 && isReadable ? rowAt(before_, x, y) : nullptr;
+        const auto bytes = static_cast<std::size_t>(width);
+        const bool isInside = x >= readable_.x0 && x + width <= readable_.x1;
+        if (before != nullptr && isInside && std::memcmp(now, before, bytes) == 0) return;
+        RowWriter gain(gain_, y);
+        for (int i = std::max(gained_.x0 - x, 0); i < std::min(width, gained_.x1 - x); ++i) {
+            const bool wasRead = x + i >= readable_.x0 && x + i < readable_.x1;
+            const bool wasKnown = before != nullptr && wasRead && before[i] != 0;
+            if (now[i] != 0 && !wasKnown) gain[x + i] = ratio[i];
+        }
     }
 
     LuminanceSpread& spread_;
@@ -154,6 +171,7 @@ private:
     const Map<Pixel8>& before_;
     const Map<Pixel8>& now_;
     Map<Pixel32f>& gain_;
+    Region gained_;  ///< where gains are needed and the map has pixels
 };
 
 void LuminanceSpread::Outcome::add(const Outcome& other)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace Orvane::Engine {
 namespace {
@@ -176,8 +177,9 @@ void TileBlur::blurColumnRun(int column, Span rows, Lines& lines)
         const int from = y - box_.radius - 1 + i;
         const std::ptrdiff_t at = std::ptrdiff_t{i} * kSide;
         if (from >= rows_.begin && from < rows_.end) {
-            std::copy_n(first_.pixelAt(column * kSide, from - rows_.begin), kSide, first + at);
-            std::copy_n(second_.pixelAt(column * kSide, from - rows_.begin), kSide, second + at);
+            const int row = from - rows_.begin;
+            std::memcpy(first + at, first_.pixelAt(column * kSide, row), kSide * sizeof(float));
+            std::memcpy(second + at, second_.pixelAt(column * kSide, row), kSide * sizeof(float));
         } else {
             std::fill_n(first + at, kSide, 0.0f);
             std::fill_n(second + at, kSide, 0.0f);
@@ -186,10 +188,7 @@ void TileBlur::blurColumnRun(int column, Span rows, Lines& lines)
     filterSamples(first, y - box_.cornerY, outputs);
     filterSamples(second, y - box_.cornerY, outputs);
     const int x = rect.x0 + column * kSide;
-    const int count = std::min(kSide, rect.x1 - x);
-    for (int i = 0; i < outputs; ++i, first += kSide, second += kSide) {
-        planes_->write(x, y + i, count, first, second);
-    }
+    planes_->write(x, y, std::min(kSide, rect.x1 - x), outputs, first, second);
 }
 
 void TileBlur::filterSamples(float* samples, int phase, int outputs)

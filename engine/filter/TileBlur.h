@@ -48,9 +48,10 @@ public:
     virtual ~BlurPlanes() = default;
     /// Writes the samples [x0, x1) of row y; false when all are 0, and then need not write any.
     virtual bool read(int y, int x0, int x1, float* first, float* second) const = 0;
-    /// Gets blurred samples: those of row y from x on, one column of tiles or what is left of the
-    /// rectangle.
-    virtual void write(int x, int y, int count, const float* first, const float* second) = 0;
+    /// Gets blurred samples, those of a tile column's pixels [x, x + width) in rows from y on. Rows
+    /// of samples are Tiles::kSide apart.
+    virtual void write(int x, int y, int width, int height, const float* first,
+                       const float* second) = 0;
 };
 
 /// Blurs two planes with one application of a box along x and then along y, like `BoxBlur` over a
