@@ -78,6 +78,7 @@ RowRange onesOf(const Pixel8* bytes, int count)
 /// Where a map has pixels.
 Region storedPart(const Map<Pixel32f>& map)
 {
+    if (!map.isUsable()) return {};
     const MapAxis &x = map.xAxis(), &y = map.yAxis();
     const int x0 = x.origin + x.storeStart, y0 = y.origin + y.storeStart;
     return {x0, y0, x0 + x.storeLength, y0 + y.storeLength};

@@ -35,10 +35,10 @@ struct PixelKernels {
     float (*roughError)(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, int height,
                         float limit);
 
-    /// The final composite: the texture in `out`, times the gain (may be null), over the source;
-    /// the texture's share is `mask` / M. See `SynthesisNode`.
-    void (*composite)(Pixel* out, const Pixel* source, const float* mask, const float* gain,
-                      int count);
+    /// The final composite: the texture, which may be in `out`, times the gain (may be null), over
+    /// the source; the texture's share is `mask` / M. See `SynthesisNode`.
+    void (*composite)(Pixel* out, const Pixel* texture, const Pixel* source, const float* mask,
+                      const float* gain, int count);
 
     /// Mixes R, G and B of `from` into `to` by shares of 0 to 1; alpha of `to` stays.
     void (*blend)(Pixel* to, const Pixel* from, const float* shares, int count);

@@ -582,10 +582,10 @@ TESSERET_LANES Floats gained(Floats channel, Floats gain)
 }
 
 template <typename Pixel>
-TESSERET_LANES void compositeLanes(Pixel* out, const Pixel* source, const float* mask,
-                                   const float* gain)
+TESSERET_LANES void compositeLanes(Pixel* out, const Pixel* from, const Pixel* source,
+                                   const float* mask, const float* gain)
 {
-    const auto texture = Lanes<Pixel>::read(out);
+    const auto texture = Lanes<Pixel>::read(from);
     const Planes behind = Lanes<Pixel>::read(source).colours();
     Planes front = texture.colours();
     if (gain != nullptr) {
@@ -601,23 +601,22 @@ TESSERET_LANES void compositeLanes(Pixel* out, const Pixel* source, const float*
 }
 
 template <typename Pixel>
-void composite(Pixel* out, const Pixel* source, const float* mask, const float* gain, int count)
+void composite(Pixel* out, const Pixel* texture, const Pixel* source, const float* mask,
+               const float* gain, int count)
 {
     int i = 0;
     for (; i + kLanes <= count; i += kLanes) {
-        compositeLanes(out + i, source + i, mask + i, gain != nullptr ? gain + i : nullptr);
+        compositeLanes(out + i, texture + i, source + i, mask + i,
+                       gain != nullptr ? gain + i : nullptr);
     }
     const int rest = count - i;
     if (rest == 0) return;
-    Tail<Pixel> last(out + i, rest);
+    Tail<Pixel> last(texture + i, rest);
     const Tail<Pixel> lastSource(source + i, rest);
     const Tail<float> lastMask(mask + i, rest);
-    if (gain != nullptr) {
-        const Tail<float> lastGain(gain + i, rest);
-        compositeLanes(last.pixels, lastSource.pixels, lastMask.pixels, lastGain.pixels);
-    } else {
-        compositeLanes<Pixel>(last.pixels, lastSource.pixels, lastMask.pixels, nullptr);
-    }
+    const Tail<float> lastGain(gain != nullptr ? gain + i : nullptr, rest);
+    compositeLanes(last.pixels, last.pixels, lastSource.pixels, lastMask.pixels,
+                   gain != nullptr ? lastGain.pixels : nullptr);
     __builtin_memcpy(out + i, last.pixels, static_cast<__SIZE_TYPE__>(rest) * sizeof(Pixel));
 }
 

@@ -107,11 +107,12 @@ float roughError(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, i
 }
 
 template <typename Pixel>
-void composite(Pixel* out, const Pixel* source, const float* mask, const float* gain, int count)
+void composite(Pixel* out, const Pixel* texture, const Pixel* source, const float* mask,
+               const float* gain, int count)
 {
     for (int i = 0; i < count; ++i) {
-        const Pixel texture = gain != nullptr ? gained(out[i], gain[i]) : out[i];
-        out[i] = composited(texture, source[i], textureShare<Pixel>(mask[i]));
+        const Pixel front = gain != nullptr ? gained(texture[i], gain[i]) : texture[i];
+        out[i] = composited(front, source[i], textureShare<Pixel>(mask[i]));
     }
 }
 

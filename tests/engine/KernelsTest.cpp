@@ -137,10 +137,14 @@ TYPED_TEST(KernelsTest, CompositesAreThePlainOnes)
         for (float& m : mask) m = this->below(3) == 0 ? 0.0f : m;
         const auto gain = this->values(count, 3.0f);
         for (const float* factors : {static_cast<const float*>(nullptr), gain.data()}) {
-            auto wanted = texture, got = texture;
-            plain.composite(wanted.data(), source.data(), mask.data(), factors, count);
-            fast.composite(got.data(), source.data(), mask.data(), factors, count);
+            auto wanted = texture, got = texture, apart = source;
+            plain.composite(wanted.data(), wanted.data(), source.data(), mask.data(), factors,
+                            count);
+            fast.composite(got.data(), got.data(), source.data(), mask.data(), factors, count);
+            fast.composite(apart.data(), texture.data(), source.data(), mask.data(), factors,
+                           count);
             EXPECT_TRUE(same(wanted, got)) << count;
+            EXPECT_TRUE(same(wanted, apart)) << count;
         }
     });
 }
