@@ -80,15 +80,6 @@ Region boundsOf(const Map<Pixel32f>& mask, int margin)
     return {bounds.x0 - margin, bounds.y0 - margin, bounds.x1 + margin, bounds.y1 + margin};
 }
 
-/// The part of a region where a map has pixels.
-Region storedPart(const Region& region, const MapDomain& map)
-{
-    const MapAxis &x = map.xAxis(), &y = map.yAxis();
-    const int x0 = x.origin + x.storeStart, y0 = y.origin + y.storeStart;
-    return {std::max(region.x0, x0), std::max(region.y0, y0),
-            std::min(region.x1, x0 + x.storeLength), std::min(region.y1, y0 + y.storeLength)};
-}
-
 /// Copies R, G and B of `count` pixels and the alpha of others. Copies whole runs and sets their
 /// alpha then: writing three channels of each pixel takes several times as long.
 template <typename Pixel>
@@ -208,7 +199,7 @@ void SynthesisNode<Pixel>::copyLaidOutside()
          {Region{bounds.x0, bounds.y0, bounds.x1, y0}, Region{bounds.x0, y1, bounds.x1, bounds.y1},
           Region{bounds.x0, y0, std::min(window.x0, bounds.x1), y1},
           Region{std::max(window.x1, bounds.x0), y0, bounds.x1, y1}}) {
-        const Region inTarget = storedPart(part, this->target());
+        const Region inTarget = part.within(this->target().storedExtent());
         if (inTarget.isEmpty() || !laid_.isUsable()) continue;
         RowCopy<Pixel> copy;
         copy.setStatusRecord(this->statusRecord());
@@ -248,25 +239,19 @@ Region SynthesisNode<Pixel>::findFillRect()
     return rect;
 }
 
-/// Makes the composite mask M everywhere, by its fill value: nothing of the source is kept.
+/// Makes the composite mask M everywhere: nothing of the source is kept. It stores one pixel, and
+/// reads as its fill value elsewhere.
 template <typename Pixel>
 void SynthesisNode<Pixel>::compositeTextureOnly()
 {
     Map<Pixel32f>& mask = state_->compositeMask;
-    mask.release();
     mask.copyGeometry(this->other());
     mask.setEdgeMode(EdgeMode::EdgeNone, EdgeMode::EdgeNone);
     mask.setFillValue(kMax);
-}
-
-/// Gives the composite mask of a fill without region pixels to show.
-template <typename Pixel>
-void SynthesisNode<Pixel>::makeMaskVisible()
-{
-    Map<Pixel32f>& mask = state_->compositeMask;
-    if (mask.isUsable() || mask.width() < 1 || mask.height() < 1) return;
+    const Region extent = mask.extent();
+    mask.storeOnly({extent.x0, extent.y0, extent.x0 + 1, extent.y0 + 1});
     mask.allocate();
-    ConstantFill<Pixel32f> fill(mask.fillValue());
+    ConstantFill<Pixel32f> fill(kMax);
     fill.setStatusRecord(this->statusRecord());
     fill.process(&mask);
 }
@@ -356,6 +341,7 @@ void SynthesisNode<Pixel>::matchLuminance(const Region& fillRect)
     match.setLuminanceBlur(std::max(settings_.luminanceBlur, kMinLuminanceBlur));
     match.setMaxPasses(settings_.maxPasses);
     match.setNeeded(shown_);
+    match.setBandBounds(pathBand_.storedExtent());
     match.setRegion(fillRect);
     const Region& window = this->region();
     this->target().setOffset(window.x0, window.y0);
@@ -395,7 +381,6 @@ Region SynthesisNode<Pixel>::placedRegion() const
 template <typename Pixel>
 void SynthesisNode<Pixel>::beginPass()
 {
-    if (reports_.areWanted()) makeMaskVisible();
     reports_.reportComposite(textures_.size(), placedRegion(), boundary_);
     compositing_.emplace(observer_, "composite");
 }

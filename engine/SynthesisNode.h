@@ -66,7 +66,6 @@ private:
     void fitBoundary(const Region& fillRect);
     Region placedRegion() const;
     void copyLaidOutside();
-    void makeMaskVisible();
     void compositeRow(int y);
 
     SynthesisSettings<Pixel> settings_;

@@ -102,7 +102,7 @@ void LuminanceMatch<Pixel>::runPasses()
     SharedWork work(this->statusRecord());
     TileBlur blur(work);
     LuminanceSpread spread(
-        work, blur, {area, insideArea(needed_.value_or(area)), reach_, halfReach_, maxPasses_});
+        work, blur, {area, needed_.value_or(area).within(area), reach_, halfReach_, maxPasses_});
     if (!spread.makeRoom() || !blur.makeRoom(area.x1 - area.x0, area.y1 - area.y0)) {
         reportNoMemory();
         return;
@@ -135,19 +135,11 @@ void LuminanceMatch<Pixel>::limitReach()
     halfReach_ = truncateToInt(limited * 0.5f);
 }
 
-template <typename Pixel>
-Region LuminanceMatch<Pixel>::insideArea(const Region& part) const
-{
-    const Region& area = this->region();
-    return {std::max(part.x0, area.x0), std::max(part.y0, area.y0), std::min(part.x1, area.x1),
-            std::min(part.y1, area.y1)};
-}
-
 /// Marks the pixels of the band as known, and finds their bounds. False after an abort.
 template <typename Pixel>
 bool LuminanceMatch<Pixel>::findBand(SharedWork& work)
 {
-    const Region part = insideArea(bandBounds_.value_or(this->region()));
+    const Region part = bandBounds_.value_or(this->region()).within(this->region());
     inBand_ = {};
     if (part.isEmpty()) return true;
     std::vector<Region> found(static_cast<std::size_t>((part.y1 - part.y0 - 1) / kTaskRows + 1));

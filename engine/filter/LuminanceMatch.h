@@ -53,7 +53,6 @@ private:
     void findBandRow(int y, Region& found);
     bool measure(TileBlur& blur);
     void reportNoMemory() const;
-    Region insideArea(const Region& part) const;
 
     const Map<Pixel32f>* band_;
     const Map<Pixel>* source_;

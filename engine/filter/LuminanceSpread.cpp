@@ -18,16 +18,11 @@ Region united(const Region& a, const Region& b)
     return {std::min(a.x0, b.x0), std::min(a.y0, b.y0), std::max(a.x1, b.x1), std::max(a.y1, b.y1)};
 }
 
-Region common(const Region& a, const Region& b)
-{
-    return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
-}
-
 Region grown(const Region& region, int margin, const Region& limit)
 {
     if (region.isEmpty()) return region;
-    return {std::max(region.x0 - margin, limit.x0), std::max(region.y0 - margin, limit.y0),
-            std::min(region.x1 + margin, limit.x1), std::min(region.y1 + margin, limit.y1)};
+    return Region{region.x0 - margin, region.y0 - margin, region.x1 + margin, region.y1 + margin}
+        .within(limit);
 }
 
 bool contains(const Region& outer, const Region& inner)
@@ -51,7 +46,7 @@ const Value* rowAt(const Map<Value>& map, int x, int y)
 /// Clears the pixels of `outer` that are not in `inner`.
 void clearAround(Map<Pixel8>& map, const Region& inner, const Region& outer)
 {
-    const Region both = common(inner, outer);
+    const Region both = inner.within(outer);
     for (int y = outer.y0; y < outer.y1; ++y) {
         Pixel8* row = rowAt(map, outer.x0, y);
         if (both.isEmpty() || y < both.y0 || y >= both.y1) {
@@ -73,15 +68,6 @@ RowRange onesOf(const Pixel8* bytes, int count)
     int end = count;
     while (bytes[end - 1] == 0) --end;
     return {static_cast<int>(static_cast<const Pixel8*>(first) - bytes), end};
-}
-
-/// Where a map has pixels.
-Region storedPart(const Map<Pixel32f>& map)
-{
-    if (!map.isUsable()) return {};
-    const MapAxis &x = map.xAxis(), &y = map.yAxis();
-    const int x0 = x.origin + x.storeStart, y0 = y.origin + y.storeStart;
-    return {x0, y0, x0 + x.storeLength, y0 + y.storeLength};
 }
 
 /// became = 1 where `now` is and `before` is not; `before` may be null. Returns whether any is.
@@ -108,7 +94,7 @@ public:
           before_(spread.knownAfter(pass - 1)),
           now_(spread.knownAfter(pass)),
           gain_(gain),
-          gained_(common(spread.settings_.needed, storedPart(gain)))
+          gained_(gain.isUsable() ? spread.settings_.needed.within(gain.storedExtent()) : Region{})
     {}
 
     bool read(int y, int x0, int x1, float* first, float* second) const override
@@ -307,7 +293,7 @@ void LuminanceSpread::findParts()
     Region next;
     for (std::size_t pass = passes_.size(); pass-- > 1;) {
         Pass& p = passes_[pass];
-        next = united(p.gained, common(grown(next, settings_.reach, settings_.area), p.active));
+        next = united(p.gained, grown(next, settings_.reach, settings_.area).within(p.active));
         p.part = next;
         if (next.isEmpty()) passes_.resize(pass);
     }

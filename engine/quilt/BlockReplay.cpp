@@ -18,10 +18,8 @@ template <typename Pixel>
 Map<Pixel> BlockReplay<Pixel>::run(const Blend& blend, const MapDomain& target)
 {
     const Region& bounds = state_.fillBounds;
-    const MapAxis& axis = target.yAxis();
-    const int targetY = axis.origin + axis.storeStart;
-    const RowRange rows{std::max(bounds.y0, targetY),
-                        std::min(bounds.y1, targetY + axis.storeLength)};
+    const Region stored = target.storedExtent();
+    const RowRange rows{std::max(bounds.y0, stored.y0), std::min(bounds.y1, stored.y1)};
     Map<Pixel> fillBuffer;
     if (!rows.isEmpty()) {
         fillBuffer.setSize(bounds.x1 - bounds.x0, rows.end - rows.begin);
