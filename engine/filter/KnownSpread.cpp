@@ -76,7 +76,7 @@ KnownSpread::KnownSpread(int radius)
 void KnownSpread::run(const Map<Pixel8>& before, const Region& readable, Map<Pixel8>& after,
                       const Region& part, int rowBegin, int rowEnd)
 {
-    if (readable.y1 - readable.y0 <= std::numeric_limits<std::uint16_t>::max()) {
+    if (2 * radius_ + 1 <= std::numeric_limits<std::uint8_t>::max()) {
         countRows(before, readable, after, part, rowBegin, rowEnd, counts_);
     } else {
         countRows(before, readable, after, part, rowBegin, rowEnd, wideCounts_);

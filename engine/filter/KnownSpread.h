@@ -34,7 +34,7 @@ private:
     // The box's columns of one row: the pixels counted in each, up to `enough_`, and their sums
     // over more and more columns.
     std::vector<unsigned char> columns_, sums_, wider_;
-    std::vector<std::uint16_t> counts_;
+    std::vector<std::uint8_t> counts_;
     std::vector<std::uint32_t> wideCounts_;
 };
 

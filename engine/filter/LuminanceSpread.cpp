@@ -1,6 +1,8 @@
 #include "engine/filter/LuminanceSpread.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstring>
 
 #include "engine/map/MapRow.h"
@@ -113,8 +115,11 @@ public:
         }
         first += begin - x0;
         second += begin - x0;
-        for (int i = 0; i < count; ++i) first[i] = known[i] != 0 ? ratio[i] : 0.0f;
-        for (int i = 0; i < count; ++i) second[i] = known[i];
+        for (int i = 0; i < count; ++i) {
+            const std::uint32_t ones = 0u - known[i];
+            first[i] = std::bit_cast<float>(std::bit_cast<std::uint32_t>(ratio[i]) & ones);
+            second[i] = std::bit_cast<float>(std::bit_cast<std::uint32_t>(1.0f) & ones);
+        }
         return true;
     }
 
@@ -141,9 +146,9 @@ private:
         const Pixel8* now = rowAt(now_, x, y);
         const bool isReadable = y >= readable_.y0 && y < readable_.y1;
         const Pixel8* before = pass_ > 1 && isReadable ? rowAt(before_, x, y) : nullptr;
-        const auto bytes = static_cast<std::size_t>(width);
-        const bool isInside = x >= readable_.x0 && x + width <= readable_.x1;
-        if (before != nullptr && isInside && std::memcmp(now, before, bytes) == 0) return;
+        const bool isWhole = width == Tiles::kSide && x >= readable_.x0 &&
+                             x + width <= readable_.x1 && before != nullptr;
+        if (isWhole && std::memcmp(now, before, Tiles::kSide) == 0) return;
         RowWriter gain(gain_, y);
         for (int i = std::max(gained_.x0 - x, 0); i < std::min(width, gained_.x1 - x); ++i) {
             const bool wasRead = x + i >= readable_.x0 && x + i < readable_.x1;

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <cstddef>
+#include <utility>
 
 namespace Orvane::Engine {
 namespace {
@@ -139,17 +140,30 @@ void TileBlur::blurRowRun(int firstY, int rows, Span columns, Lines& lines)
     }
     for (std::size_t plane = 0; plane < from.size(); ++plane) {
         Map<Pixel32f>& map = plane == 0 ? first_ : second_;
-        std::array<float*, kSide> to{};
-        for (int i = 0; i < kSide; ++i) {
-            to[static_cast<std::size_t>(i)] =
-                map.pixelAt(columns.begin * kSide, firstY + i - rows_.begin);
-            if (!isAny) std::fill_n(to[static_cast<std::size_t>(i)], outputs, 0.0f);
+        if (isAny) {
+            Kernels::kernels().plane.interleave(from[plane].data(), lines.samples.data(), samples);
+            filterSamples(lines.samples.data(), x - box_.cornerX, outputs);
         }
-        if (!isAny) continue;
-        Kernels::kernels().plane.interleave(from[plane].data(), lines.samples.data(), samples);
-        filterSamples(lines.samples.data(), x - box_.cornerX, outputs);
-        Kernels::kernels().plane.separate(lines.samples.data(), to.data(), outputs);
+        for (int column = columns.begin; column < columns.end; ++column) {
+            float* to = blurredRows(map, column, firstY - rows_.begin);
+            if (!isAny) {
+                std::fill_n(to, kSide * kSide, 0.0f);
+                continue;
+            }
+            std::array<float*, kSide> rowsOf{};
+            for (std::size_t i = 0; i < kSide; ++i) rowsOf[i] = to + i * kSide;
+            const std::ptrdiff_t first = (column - columns.begin) * kSide;
+            Kernels::kernels().plane.separate(lines.samples.data() + first * kSide, rowsOf.data(),
+                                              kSide);
+        }
     }
+}
+
+/// The samples of a column of tiles from a row on.
+float* TileBlur::blurredRows(Map<Pixel32f>& plane, int column, int row)
+{
+    const std::ptrdiff_t stride = std::ptrdiff_t{tilesFor(rows_.end - rows_.begin)} * kSide;
+    return plane.pixelAt(0, 0) + (column * stride + row) * kSide;
 }
 
 /// Blurs along y the wanted tiles of a column.
@@ -173,17 +187,15 @@ void TileBlur::blurColumnRun(int column, Span rows, Lines& lines)
     lines.samples.resize(2 * plane);
     float* first = lines.samples.data();
     float* second = first + plane;
-    for (int i = 0; i < samples; ++i) {
-        const int from = y - box_.radius - 1 + i;
-        const std::ptrdiff_t at = std::ptrdiff_t{i} * kSide;
-        if (from >= rows_.begin && from < rows_.end) {
-            const int row = from - rows_.begin;
-            std::memcpy(first + at, first_.pixelAt(column * kSide, row), kSide * sizeof(float));
-            std::memcpy(second + at, second_.pixelAt(column * kSide, row), kSide * sizeof(float));
-        } else {
-            std::fill_n(first + at, kSide, 0.0f);
-            std::fill_n(second + at, kSide, 0.0f);
-        }
+    // Rows out of reach are 0.
+    const int firstY = y - box_.radius - 1;
+    const int before = std::clamp(rows_.begin - firstY, 0, samples);
+    const int end = std::clamp(rows_.end - firstY, before, samples);
+    for (const auto& [map, to] : {std::pair{&first_, first}, std::pair{&second_, second}}) {
+        std::fill_n(to, before * kSide, 0.0f);
+        std::copy_n(blurredRows(*map, column, firstY + before - rows_.begin),
+                    (end - before) * kSide, to + before * kSide);
+        std::fill_n(to + end * kSide, (samples - end) * kSide, 0.0f);
     }
     filterSamples(first, y - box_.cornerY, outputs);
     filterSamples(second, y - box_.cornerY, outputs);

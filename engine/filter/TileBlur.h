@@ -91,10 +91,13 @@ private:
     void blurColumn(int column, Lines& lines);
     void blurColumnRun(int column, Span rows, Lines& lines);
     void filterSamples(float* samples, int phase, int outputs);
+    float* blurredRows(Map<Pixel32f>& plane, int column, int row);
     Lines& linesOf(int worker);
 
     SharedWork& work_;
-    Map<Pixel32f> first_, second_;  ///< blurred along x: the rectangle's columns, the rows in reach
+    // The planes blurred along x: all rows in reach of a column of tiles, kSide samples each, then
+    // those of the next column.
+    Map<Pixel32f> first_, second_;
     std::vector<std::unique_ptr<Lines>> lines_;
 
     // Of the current run.
