@@ -110,8 +110,13 @@ BENCHMARK(mapCopy)->Unit(benchmark::kMillisecond);
 template <typename Pixel>
 void lumaOf(benchmark::State& state)
 {
-    LumaOf<Pixel> node;
-    perPixelNode<LumaOf<Pixel>, Pixel, Pixel32f>(state, node, noise<Pixel>(kWidth, kHeight, 7));
+    const auto image = noise<Pixel>(kWidth, kHeight, 7);
+    std::vector<float> luma(kWidth);
+    for (auto _ : state) {
+        for (int y = 0; y < kHeight; ++y) readLuma(*image, y, 0, kWidth, luma.data());
+        benchmark::DoNotOptimize(luma.data());
+    }
+    countPixels(state);
 }
 BENCHMARK(lumaOf<PixelRGBA8>)->Unit(benchmark::kMillisecond);
 BENCHMARK(lumaOf<PixelRGBAf>)->Unit(benchmark::kMillisecond);

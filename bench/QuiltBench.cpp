@@ -78,10 +78,15 @@ void blockPaste(benchmark::State& state)
     const std::vector<PixelVec2f> horizontal(kWidth, {0.0f, 12.0f});
     const std::vector<PixelVec2f> vertical(kHeight, {12.0f, 0.0f});
     const int blend = static_cast<int>(state.range(0));
-    BlockPaste<Pixel> paste;
-    paste.setSeams({horizontal, vertical});
-    paste.setBlend({blend, blend});
-    for (auto _ : state) paste.process(*image, *target);
+    BlockPaste<Pixel> paste({blend, blend});
+    for (auto _ : state) {
+        paste.run(*image,
+                  {.region = {0, 0, kWidth, kHeight},
+                   .srcX = 0,
+                   .srcY = 0,
+                   .seams = {horizontal, vertical}},
+                  {0, kHeight}, *target);
+    }
     countPixels(state, kWidth, kHeight);
 }
 BENCHMARK(blockPaste<PixelRGBA8>)->Arg(0)->Arg(10)->Unit(benchmark::kMillisecond);

@@ -105,7 +105,7 @@ public:
         settings.useStoredBlocks = useStoredBlocks;
         if (!mask_.exists()) {
             noteMissingMask(fill.maskOrigin);
-        } else if (!prepareMask(settings)) {
+        } else if (!useStoredBlocks && !prepareMask(settings)) {
             return;
         }
         std::array<FetchedMap<Pixel>, 3> textures;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <type_traits>
 
 #include "engine/boundary/BoundaryPath.h"
 #include "engine/filter/BandNodes.h"
@@ -79,28 +80,76 @@ Region boundsOf(const Map<Pixel32f>& mask, int margin)
     return {bounds.x0 - margin, bounds.y0 - margin, bounds.x1 + margin, bounds.y1 + margin};
 }
 
-/// Copies R, G and B of `count` pixels; alpha stays. Copies whole runs and restores their alpha:
-/// writing three channels of each pixel takes several times as long.
+/// Copies R, G and B of `count` pixels and the alpha of others. Copies whole runs and sets their
+/// alpha then: writing three channels of each pixel takes several times as long.
 template <typename Pixel>
-void copyColours(const Pixel* from, Pixel* to, int count)
+void copyColours(const Pixel* from, const Pixel* alphaFrom, Pixel* to, int count)
 {
     constexpr int kRun = 64;
     std::array<typename Pixel::Channel, kRun> alphas;
     for (int done = 0; done < count; done += kRun) {
         const int run = std::min(kRun, count - done);
-        std::transform(to + done, to + done + run, alphas.begin(),
+        std::transform(alphaFrom + done, alphaFrom + done + run, alphas.begin(),
                        [](const Pixel& p) { return p.a; });
         std::copy_n(from + done, run, to + done);
         for (int i = 0; i < run; ++i) to[done + i].a = alphas[static_cast<std::size_t>(i)];
     }
 }
 
-/// Composites the pixels [begin, end) of a row; `share(x)` of a pixel is texture.
-template <typename Pixel, typename Share>
-void compositeSpan(const RowReader<Pixel>& source, RowWriter<Pixel>& out, int begin, int end,
-                   const Share& share)
+/// Part of a row to composite, from its first pixel on.
+template <typename Pixel>
+struct CompositeSpan {
+    int begin, end;
+    Pixel* out;
+    const Pixel* texture;
+    const float* mask;  ///< null where all of it is `fill`
+    float fill;
+    const float* gain;  ///< may be null
+};
+
+/// Whether the composite of a span is the texture itself. With floats it is not: the mixture of all
+/// texture and no source rounds.
+template <typename Pixel>
+bool isTextureAlone(const CompositeSpan<Pixel>& span)
 {
-    for (int x = begin; x < end; ++x) out[x] = composited(out[x], source[x], share(x));
+    return std::is_integral_v<typename Pixel::Channel> && span.mask == nullptr &&
+           span.gain == nullptr && textureShare<Pixel>(span.fill) == 1.0f;
+}
+
+/// Composites a span. Sources that need edge handling, and masks without pixels, are read into
+/// buffers run by run.
+template <typename Pixel>
+void composite(const RowReader<Pixel>& source, const CompositeSpan<Pixel>& span)
+{
+    const int count = span.end - span.begin;
+    if (count <= 0) return;
+    if (isTextureAlone(span)) {
+        if (span.out != span.texture) std::copy_n(span.texture, count, span.out);
+        return;
+    }
+    const Pixel* whole = source.span(span.begin, count);
+    const bool isSourceAlone = span.mask == nullptr && textureShare<Pixel>(span.fill) == 0.0f;
+    if (isSourceAlone && whole != nullptr) {
+        copyColours(whole, span.texture, span.out, count);
+        return;
+    }
+    constexpr int kRun = 256;
+    std::array<Pixel, kRun> pixels;
+    std::array<float, kRun> mask;
+    if (span.mask == nullptr) mask.fill(span.fill);
+    const bool isOneRun = whole != nullptr && span.mask != nullptr;
+    for (int done = 0; done < count;) {
+        const int run = isOneRun ? count : std::min(kRun, count - done);
+        for (int i = 0; whole == nullptr && i < run; ++i) {
+            pixels[static_cast<std::size_t>(i)] = source[span.begin + done + i];
+        }
+        Kernels::pixelKernels<Pixel>(Kernels::kernels())
+            .composite(span.out + done, span.texture + done,
+                       whole != nullptr ? whole + done : pixels.data(),
+                       span.mask != nullptr ? span.mask + done : mask.data(),
+                       span.gain != nullptr ? span.gain + done : nullptr, run);
+        done += run;
+    }
 }
 
 }  // namespace
@@ -134,7 +183,29 @@ void SynthesisNode<Pixel>::replay()
 {
     const ObservedStage stage(observer_, "replay");
     BlockReplay<Pixel> blocks(*state_, textures_, this->region(), this->statusRecord(), observer_);
-    blocks.run({settings_.blocks.blendW, settings_.blocks.blendH}, this->target());
+    laid_ = blocks.run({settings_.blocks.blendW, settings_.blocks.blendH}, this->target());
+    copyLaidOutside();
+}
+
+/// Copies the texture that a replay laid beside the window, which the composite does not reach.
+template <typename Pixel>
+void SynthesisNode<Pixel>::copyLaidOutside()
+{
+    const Region& bounds = state_->fillBounds;
+    const Region& window = this->region();
+    const int y0 = std::clamp(window.y0, bounds.y0, bounds.y1);
+    const int y1 = std::clamp(window.y1, y0, bounds.y1);
+    for (const Region& part :
+         {Region{bounds.x0, bounds.y0, bounds.x1, y0}, Region{bounds.x0, y1, bounds.x1, bounds.y1},
+          Region{bounds.x0, y0, std::min(window.x0, bounds.x1), y1},
+          Region{std::max(window.x1, bounds.x0), y0, bounds.x1, y1}}) {
+        const Region inTarget = part.within(this->target().storedExtent());
+        if (inTarget.isEmpty() || !laid_.isUsable()) continue;
+        RowCopy<Pixel> copy;
+        copy.setStatusRecord(this->statusRecord());
+        copy.setRegion(inTarget);
+        copy.process(&laid_, &this->target());
+    }
 }
 
 template <typename Pixel>
@@ -168,8 +239,8 @@ Region SynthesisNode<Pixel>::findFillRect()
     return rect;
 }
 
-/// Makes the composite mask M everywhere, outside its pixels as well: nothing of the source is
-/// kept.
+/// Makes the composite mask M everywhere: nothing of the source is kept. It stores one pixel, and
+/// reads as its fill value elsewhere.
 template <typename Pixel>
 void SynthesisNode<Pixel>::compositeTextureOnly()
 {
@@ -177,6 +248,8 @@ void SynthesisNode<Pixel>::compositeTextureOnly()
     mask.copyGeometry(this->other());
     mask.setEdgeMode(EdgeMode::EdgeNone, EdgeMode::EdgeNone);
     mask.setFillValue(kMax);
+    const Region extent = mask.extent();
+    mask.storeOnly({extent.x0, extent.y0, extent.x0 + 1, extent.y0 + 1});
     mask.allocate();
     ConstantFill<Pixel32f> fill(kMax);
     fill.setStatusRecord(this->statusRecord());
@@ -196,6 +269,7 @@ void SynthesisNode<Pixel>::quilt(const Region& fillRect)
     inputs.fillMask = settings_.fillMask;
     inputs.weightMap = &pathBand_;
     inputs.fillAll = settings_.fillAll || settings_.fillMask == nullptr;
+    if (inputs.fillAll) inputs.laid = &laid_;  // what follows with a region reads the target
     inputs.avoidFillRegion = settings_.avoidFillRegion;
     inputs.seed = settings_.seed;
     inputs.blocks = settings_.blocks;
@@ -267,6 +341,7 @@ void SynthesisNode<Pixel>::matchLuminance(const Region& fillRect)
     match.setLuminanceBlur(std::max(settings_.luminanceBlur, kMinLuminanceBlur));
     match.setMaxPasses(settings_.maxPasses);
     match.setNeeded(shown_);
+    match.setBandBounds(pathBand_.storedExtent());
     match.setRegion(fillRect);
     const Region& window = this->region();
     this->target().setOffset(window.x0, window.y0);
@@ -339,35 +414,27 @@ void SynthesisNode<Pixel>::compositeRow(int y)
     const Region& region = this->region();
     const RowReader source(this->other(), y);
     RowWriter out(this->target(), y);
+    const auto laid = RowReader(laid_, y).interior(region.x0, region.x1);
     const auto gain = RowReader(state_->luminanceGain, y).interior(region.x0, region.x1);
-    for (int x = gain.begin; x < gain.end; ++x)
-        out[x] = gained(out[x], gain.pixels[x - gain.begin]);
-
     const auto mask = RowReader(state_->compositeMask, y).interior(region.x0, region.x1);
-    compositeOutside(source, out, region.x0, mask.begin);
-    const int count = mask.end - mask.begin;
-    if (const Pixel* behind = source.span(mask.begin, count)) {
-        Kernels::pixelKernels<Pixel>(Kernels::kernels())
-            .composite(out.from(mask.begin), behind, mask.pixels, nullptr, count);
-    } else {
-        compositeSpan(source, out, mask.begin, mask.end,
-                      [mask](int x) { return textureShare<Pixel>(mask.pixels[x - mask.begin]); });
-    }
-    compositeOutside(source, out, mask.end, region.x1);
-}
-
-/// Pixels of a row before or behind the mask.
-template <typename Pixel>
-void SynthesisNode<Pixel>::compositeOutside(const RowReader<Pixel>& source, RowWriter<Pixel>& out,
-                                            int begin, int end) const
-{
-    if (begin >= end) return;
-    const float share = textureShare<Pixel>(state_->compositeMask.fillValue());
-    const Pixel* span = source.span(begin, end - begin);
-    if (share == 0.0f && span != nullptr) {
-        copyColours(span, out.from(begin), end - begin);
-    } else {
-        compositeSpan(source, out, begin, end, [share](int) { return share; });
+    // Between these the same maps have pixels.
+    std::array ends{region.x0, laid.begin, laid.end, gain.begin,
+                    gain.end,  mask.begin, mask.end, region.x1};
+    std::ranges::sort(ends);
+    for (std::size_t i = 1; i < ends.size(); ++i) {
+        const int x = ends[i - 1];
+        if (x == ends[i]) continue;
+        const auto within = [x](const auto& span) {
+            return x >= span.begin && x < span.end ? span.pixels + (x - span.begin) : nullptr;
+        };
+        const Pixel* texture = within(laid);
+        composite<Pixel>(source, {.begin = x,
+                                  .end = ends[i],
+                                  .out = out.from(x),
+                                  .texture = texture != nullptr ? texture : out.from(x),
+                                  .mask = within(mask),
+                                  .fill = state_->compositeMask.fillValue(),
+                                  .gain = within(gain)});
     }
 }
 

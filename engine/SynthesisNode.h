@@ -65,9 +65,8 @@ private:
     void matchLuminance(const Region& fillRect);
     void fitBoundary(const Region& fillRect);
     Region placedRegion() const;
+    void copyLaidOutside();
     void compositeRow(int y);
-    void compositeOutside(const RowReader<Pixel>& source, RowWriter<Pixel>& out, int begin,
-                          int end) const;
 
     SynthesisSettings<Pixel> settings_;
     TemporalState* state_;
@@ -75,6 +74,7 @@ private:
     MapReports reports_;
     std::optional<ObservedStage> compositing_;
     std::vector<Map<Pixel>*> textures_;
+    Map<Pixel> laid_;                   ///< texture for the composite; elsewhere, the target's
     Region shown_;                      ///< where texture can show; all masks are 0 beyond it
     Map<Pixel32f> pathBand_;            ///< positive on known pixels round the fill region
     Map<PixelVec2f> bandGradient_;      ///< of the blurred mask; points into the fill region

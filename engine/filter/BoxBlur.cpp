@@ -16,11 +16,7 @@ namespace {
 constexpr float kMaxRadius = 100'000.0f;
 
 /// Lines are filtered in batches; a batch of columns is one cache line of each row.
-constexpr int kLanes = 16;
-
-/// One sample of every line of a batch.
-using Sample = std::array<float, kLanes>;
-using Sums = std::array<double, kLanes>;
+constexpr int kLanes = BoxLines::kCount;
 
 /// `radius` clamped to [0, max]; NaN becomes 0.
 float limited(float radius, float max)
@@ -86,104 +82,59 @@ BoxBlur::Span liveSpan(const std::vector<int>& indices, int begin, int end, int 
 /// Gathers `lanes` stored rows of a map at the given columns; column -1 is the fill value. A batch
 /// that is not full repeats its last row.
 void gatherRows(const Map<Pixel32f>& map, int firstRow, int lanes, std::span<const int> columns,
-                std::vector<Sample>& samples)
+                float* samples)
 {
     std::array<const float*, kLanes> rows;
     for (int lane = 0; lane < kLanes; ++lane) {
         rows[static_cast<std::size_t>(lane)] = map.pixelAt(0, firstRow + std::min(lane, lanes - 1));
     }
-    for (std::size_t i = 0; i < samples.size(); ++i) {
+    for (std::size_t i = 0; i < columns.size();) {
         if (columns[i] < 0) {
-            samples[i].fill(map.fillValue());
-        } else {
-            for (std::size_t lane = 0; lane < kLanes; ++lane) {
-                samples[i][lane] = rows[lane][columns[i]];
-            }
+            std::fill_n(samples, kLanes, map.fillValue());
+            ++i;
+            samples += kLanes;
+            continue;
         }
+        // Columns are consecutive except at the edges.
+        std::size_t end = i + 1;
+        while (end < columns.size() && columns[end] == columns[end - 1] + 1) ++end;
+        std::array<const float*, kLanes> runs;
+        std::ranges::transform(rows, runs.begin(),
+                               [&](const float* row) { return row + columns[i]; });
+        Kernels::kernels().plane.interleave(runs.data(), samples, static_cast<int>(end - i));
+        samples += (end - i) * kLanes;
+        i = end;
     }
 }
 
-/// A batch of lines and its filter. Each worker has its own.
+/// A batch of lines that the box is applied to several times. Each worker has its own.
 class LineBatch {
 public:
     LineBatch(const BoxFilter& filter, int applications, int count)
-        : box_(static_cast<std::size_t>(filter.whole) * 2 + 1),
-          fraction_(filter.fraction),
-          norm_(1.0 / (static_cast<double>(box_) + 2.0 * fraction_)),
+        : lines_(filter),
+          margin_(filter.size() + 1),
           applications_(applications),
-          samples_(static_cast<std::size_t>(count) +
-                   static_cast<std::size_t>(applications) * (box_ + 1)),
-          tails_(std::min(box_, samples_.size()))
+          count_(count + applications * margin_),
+          samples_(static_cast<std::size_t>(count_) * kLanes)
     {}
 
-    /// The lines with their padding; after `filter` the first `count` samples are the result.
-    std::vector<Sample>& samples() { return samples_; }
+    /// The lines with their padding, sample by sample; after `filter` the first `count` samples are
+    /// the result.
+    float* samples() { return samples_.data(); }
+    int sampleCount() const { return count_; }
 
     void filter()
     {
-        std::size_t outputs = samples_.size();
-        for (int i = 0; i < applications_; ++i) applyBox(outputs -= box_ + 1);
+        int outputs = count_;
+        for (int i = 0; i < applications_; ++i) lines_.filter(samples(), 0, outputs -= margin_);
     }
 
 private:
-    void applyBox(std::size_t outputs);
-    void sumTails(const Sample* segment, std::size_t outputs);
-    void writeBoxes(Sample* ends, std::size_t outputs);
-
-    std::size_t box_;  ///< samples of full weight
-    double fraction_, norm_;
-    int applications_;
-    std::vector<Sample> samples_;
-    std::vector<Sums> tails_;
+    BoxLines lines_;
+    int margin_;  ///< samples that one application reads on both sides together
+    int applications_, count_;
+    std::vector<float> samples_;
 };
-
-/// Replaces sample i by the filter over samples i to i + box + 1.
-///
-/// The line is split into segments as long as the box, so that every box is the tail of one segment
-/// and the head of the next (van Herk 1992). This takes three additions for each sample and no
-/// subtraction, so that rounding errors of large samples do not reach distant small ones.
-void LineBatch::applyBox(std::size_t outputs)
-{
-    for (std::size_t first = 0; first < outputs; first += box_) {
-        const std::size_t count = std::min(box_, outputs - first);
-        sumTails(&samples_[first + 1], count);
-        writeBoxes(&samples_[first], count);
-    }
-}
-
-/// tails_[j] = the sum of a segment from its sample j to its end, for the first `outputs` j.
-void LineBatch::sumTails(const Sample* segment, std::size_t outputs)
-{
-    Sums sum{};
-    for (std::size_t j = box_; j-- > 0;) {
-        for (std::size_t lane = 0; lane < kLanes; ++lane) sum[lane] += segment[j][lane];
-        if (j < outputs) tails_[j] = sum;
-    }
-}
-
-/// Writes the outputs whose boxes start in a segment; `ends` points at the sample before it.
-void LineBatch::writeBoxes(Sample* ends, std::size_t outputs)
-{
-    Sums head{};
-    for (std::size_t j = 0; j < outputs; ++j) {
-        Sums sum = tails_[j];
-        for (std::size_t lane = 0; lane < kLanes; ++lane) sum[lane] += head[lane];
-        const Sample entering = ends[j + box_ + 1];
-        if (fraction_ != 0.0) {
-            const Sample leaving = ends[j];
-            for (std::size_t lane = 0; lane < kLanes; ++lane) {
-                const double both = static_cast<double>(leaving[lane]) + entering[lane];
-                sum[lane] += fraction_ * both;
-            }
-        }
-        Sample result;
-        for (std::size_t lane = 0; lane < kLanes; ++lane) {
-            result[lane] = static_cast<float>(sum[lane] * norm_);
-            head[lane] += entering[lane];
-        }
-        ends[j] = result;
-    }
-}
 
 }  // namespace
 
@@ -316,17 +267,19 @@ void BoxBlur::blurRows()
     if (rows.isEmpty()) return;
     const int width = temporary_.width();
     LineBatch batch(filterX_, applications(), width);
-    std::vector<Sample>& samples = batch.samples();
-    const std::span<const int> columns(columns_.data() + live_.begin, samples.size());
+    const std::span<const int> columns(columns_.data() + live_.begin,
+                                       static_cast<std::size_t>(batch.sampleCount()));
+    std::vector<float> rest(static_cast<std::size_t>(width));  // takes what no row is there for
     for (int y = rows.begin; y < rows.end; y += kLanes) {
         const int lanes = std::min(kLanes, rows.end - y);
-        gatherRows(other(), firstRow_ + y, lanes, columns, samples);
+        gatherRows(other(), firstRow_ + y, lanes, columns, batch.samples());
         batch.filter();
-        for (int lane = 0; lane < lanes; ++lane) {
-            const auto l = static_cast<std::size_t>(lane);
-            float* row = temporary_.pixelAt(0, y + lane);
-            for (int x = 0; x < width; ++x) row[x] = samples[static_cast<std::size_t>(x)][l];
+        std::array<float*, kLanes> to;
+        for (int lane = 0; lane < kLanes; ++lane) {
+            to[static_cast<std::size_t>(lane)] =
+                lane < lanes ? temporary_.pixelAt(0, y + lane) : rest.data();
         }
+        Kernels::kernels().plane.separate(batch.samples(), to.data(), width);
     }
 }
 
@@ -340,24 +293,24 @@ void BoxBlur::blurColumns()
     threadRange(columns.begin, columns.end);
     if (columns.isEmpty()) return;
     LineBatch batch(filterY_, applications(), liveRows_.end - liveRows_.begin);
-    std::vector<Sample>& samples = batch.samples();
     std::vector<float*> to;  // each row's first pixel, found once, not for every batch
     for (int y = liveRows_.begin; y < liveRows_.end; ++y) {
         to.push_back(RowWriter(target(), area.y0 + y).from(area.x0));
     }
     for (int x = columns.begin; x < columns.end; x += kLanes) {
         const int lanes = std::min(kLanes, columns.end - x);
-        for (std::size_t i = 0; i < samples.size(); ++i) {
-            const int row = rows_[static_cast<std::size_t>(liveRows_.begin) + i];
+        float* sample = batch.samples();
+        for (int i = 0; i < batch.sampleCount(); ++i, sample += kLanes) {
+            const int row = rows_[static_cast<std::size_t>(liveRows_.begin + i)];
             if (row >= 0) {
-                std::copy_n(temporary_.pixelAt(x - live_.begin, row), lanes, samples[i].begin());
+                std::copy_n(temporary_.pixelAt(x - live_.begin, row), lanes, sample);
             } else {
-                samples[i].fill(other().fillValue());
+                std::fill_n(sample, kLanes, other().fillValue());
             }
         }
         batch.filter();
         for (std::size_t i = 0; i < to.size(); ++i) {
-            std::copy_n(samples[i].begin(), lanes, to[i] + x);
+            std::copy_n(batch.samples() + i * kLanes, lanes, to[i] + x);
         }
     }
 }

@@ -2,19 +2,10 @@
 
 #include <vector>
 
+#include "engine/filter/BoxLines.h"
 #include "engine/pass/MapProcessor.h"
 
 namespace Orvane::Engine {
-
-/// The box of one axis: whole samples on both sides of the centre, and one more at each end with a
-/// fractional weight. The weights add up to 1.
-struct BoxFilter {
-    int whole = 0;
-    float fraction = 0.0f;
-
-    /// The number of samples read on either side.
-    int reach() const { return whole + 1; }
-};
 
 /// Blurs a map of floats with a box of fractional radius along x and then along y: once, or three
 /// times in succession, which approximates a Gaussian (Kovesi 2010).

@@ -1,43 +1,36 @@
 #include "engine/filter/LumaOf.h"
 
-#include <type_traits>
+#include <array>
 
+#include "engine/kernels/Kernels.h"
 #include "engine/map/MapRow.h"
 
 namespace Orvane::Engine {
-namespace {
 
 template <typename Pixel>
-float lumaOf(const Pixel& p)
+void readLuma(const Map<Pixel>& image, int y, int x0, int x1, float* luma)
 {
-    if constexpr (std::is_integral_v<typename Pixel::Channel>) {
-        // exact: the sum fits an int, and `/` truncates.
-        const int mean = (p.r + p.g + p.b) / 3;
-        return static_cast<float>(mean);
-    } else {
-        // exact: float sums in the order R, G, B, then a float quotient.
-        const float redGreen = p.r + p.g;
-        const float sum = redGreen + p.b;
-        return sum / 3.0f;
+    const RowReader row(image, y);
+    const auto means = Kernels::pixelKernels<Pixel>(Kernels::kernels()).luma;
+    const PixelSpan<Pixel> inside = row.interior(x0, x1);
+    constexpr int kRun = 64;
+    std::array<Pixel, kRun> pixels;
+    const auto readThroughEdges = [&](int begin, int end) {
+        for (int x = begin; x < end; x += kRun) {
+            const int count = std::min(kRun, end - x);
+            for (int i = 0; i < count; ++i) pixels[static_cast<std::size_t>(i)] = row[x + i];
+            means(pixels.data(), luma + (x - x0), count);
+        }
+    };
+    readThroughEdges(x0, inside.begin);
+    if (inside.begin < inside.end) {
+        means(inside.pixels, luma + (inside.begin - x0), inside.end - inside.begin);
     }
+    readThroughEdges(inside.end, x1);
 }
 
-}  // namespace
-
-template <typename Pixel>
-void LumaOf<Pixel>::processPass()
-{
-    const Region& region = this->region();
-    const auto [yBegin, yEnd] = this->threadRows();
-    for (int y = yBegin; y < yEnd; ++y) {
-        const RowReader image(this->other(), y);
-        RowWriter luma(this->target(), y);
-        for (int x = region.x0; x < region.x1; ++x) luma[x] = lumaOf(image[x]);
-    }
-}
-
-template class LumaOf<PixelRGBA8>;
-template class LumaOf<PixelRGBA16>;
-template class LumaOf<PixelRGBAf>;
+template void readLuma(const Map<PixelRGBA8>&, int, int, int, float*);
+template void readLuma(const Map<PixelRGBA16>&, int, int, int, float*);
+template void readLuma(const Map<PixelRGBAf>&, int, int, int, float*);
 
 }  // namespace Orvane::Engine

@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
+#include <vector>
 
-#include "engine/filter/BandNodes.h"
-#include "engine/filter/FillAndCopy.h"
 #include "engine/filter/LumaOf.h"
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
@@ -15,8 +13,10 @@ namespace Orvane::Engine {
 namespace {
 
 constexpr float kMinBandWeight = 0.01f;  ///< weaker band pixels are not measured
-constexpr float kKnown = 0.1f;           ///< the weight from which a pixel counts as known
 constexpr int kLumaRadius = 5;           ///< pixels
+constexpr int kTaskRows = 64;            ///< rows of the band that a worker takes at once
+/// Larger than any image; bounds the line buffers.
+constexpr int kMaxReach = 100'000;
 
 Region united(const Region& a, const Region& b)
 {
@@ -25,10 +25,11 @@ Region united(const Region& a, const Region& b)
     return {std::min(a.x0, b.x0), std::min(a.y0, b.y0), std::max(a.x1, b.x1), std::max(a.y1, b.y1)};
 }
 
-bool contains(const Region& outer, const Region& inner)
+Region unitedOf(const std::vector<Region>& parts)
 {
-    return inner.isEmpty() || (inner.x0 >= outer.x0 && inner.y0 >= outer.y0 &&
-                               inner.x1 <= outer.x1 && inner.y1 <= outer.y1);
+    Region all;
+    for (const Region& part : parts) all = united(all, part);
+    return all;
 }
 
 /// No correction where the texture is black.
@@ -37,7 +38,54 @@ float lumaRatio(float source, float destination)
     return destination == 0.0f ? 1.0f : source / destination;
 }
 
+/// Columns of an image's luminance, 0 outside of a region.
+template <typename Pixel>
+void readLumaInside(const Region& region, const Map<Pixel>& image, int y, int x0, int x1, float* to)
+{
+    const int begin = std::clamp(region.x0, x0, x1), end = std::clamp(region.x1, begin, x1);
+    std::fill(to, to + (begin - x0), 0.0f);
+    readLuma(image, y, begin, end, to + (begin - x0));
+    std::fill(to + (end - x0), to + (x1 - x0), 0.0f);
+}
+
 }  // namespace
+
+/// The softened luminance of both images; makes measurements of them.
+template <typename Pixel>
+class LuminanceMatch<Pixel>::Planes final : public BlurPlanes {
+public:
+    Planes(const LuminanceMatch& match, std::vector<Region>& found) : match_(match), found_(found)
+    {}
+
+    bool read(int y, int x0, int x1, float* first, float* second) const override
+    {
+        readLumaInside(match_.region(), *match_.source_, y, x0, x1, first);
+        readLumaInside(match_.region(), match_.target(), y, x0, x1, second);
+        return true;
+    }
+
+    void write(int x, int y, int width, int height, const float* first,
+               const float* second) override
+    {
+        Region& found = found_[static_cast<std::size_t>(x - match_.inBand_.x0) / Tiles::kSide];
+        for (int j = 0; j < height; ++j, first += Tiles::kSide, second += Tiles::kSide) {
+            RowWriter known(match_.spread_->measured(), y + j);
+            RowWriter ratio(match_.spread_->ratio(), y + j);
+            for (int i = 0; i < width; ++i) {
+                if (known[x + i] == 0) continue;
+                const float measured = lumaRatio(first[i], second[i]);
+                known[x + i] = std::isfinite(measured) ? 1 : 0;
+                if (known[x + i] == 0) continue;
+                ratio[x + i] = measured;
+                found = united(found, {x + i, y + j, x + i + 1, y + j + 1});
+            }
+        }
+    }
+
+private:
+    const LuminanceMatch& match_;
+    std::vector<Region>& found_;  ///< for each column of tiles: holds what was measured
+};
 
 template <typename Pixel>
 void LuminanceMatch<Pixel>::process(const Map<Pixel>& destination)
@@ -48,53 +96,29 @@ void LuminanceMatch<Pixel>::process(const Map<Pixel>& destination)
 template <typename Pixel>
 void LuminanceMatch<Pixel>::runPasses()
 {
-    if (!prepare()) return;
-    Outcome outcome = measure();
-    for (int left = maxPasses_; left > 0 && !isAborted(); --left) {
-        outcome = spread(outcome.knownBounds);
-        // The next known pixels depend on the current ones only, and monotonically. So a pass that
-        // adds none is followed by others that add none, and one that ends in the state of two
-        // passes ago, as with three pixels in a line, starts a cycle. There are no longer cycles
-        // (Goles and Olivos 1981).
-        if (outcome.allKnown || !outcome.becameKnown || !outcome.leftEarlier) break;
-    }
-}
-
-/// Makes the work maps. False without memory, and when there is nothing to do.
-template <typename Pixel>
-bool LuminanceMatch<Pixel>::prepare()
-{
-    if (this->region().isEmpty()) return false;
-    if (!makeMaps()) {
-        if (RenderStatus* status = this->statusRecord()) {
-            status->aborted = 1;
-            status->errorCode = kErrorOutOfMemory;
-        }
-        return false;
-    }
-    limitReach();
-    active_ = {};
-    clear(ratio_);
-    clear(knownBefore_);
-    BandWeight weight(PixelTraits<Pixel>::kMax);
-    weight.setStatusRecord(this->statusRecord());
-    weight.process(*band_, known_);
-    takeLuma(this->target(), destLuma_);
-    takeLuma(*source_, sourceLuma_);
-    return true;
-}
-
-template <typename Pixel>
-bool LuminanceMatch<Pixel>::makeMaps()
-{
     const Region& area = this->region();
-    for (Map<Pixel32f>* map : {&ratio_, &known_, &knownBefore_, &sourceLuma_, &destLuma_}) {
-        map->setSize(area.x1 - area.x0, area.y1 - area.y0);
-        map->placeAt(area.x0, area.y0);
-        map->allocate();
-        if (!map->isUsable()) return false;
+    if (area.isEmpty()) return;
+    limitReach();
+    SharedWork work(this->statusRecord());
+    TileBlur blur(work);
+    LuminanceSpread spread(
+        work, blur, {area, needed_.value_or(area).within(area), reach_, halfReach_, maxPasses_});
+    if (!spread.makeRoom() || !blur.makeRoom(area.x1 - area.x0, area.y1 - area.y0)) {
+        reportNoMemory();
+        return;
     }
-    return true;
+    const Borrowed borrowSpread(spread_, &spread);
+    if (!findBand(work) || inBand_.isEmpty() || !measure(blur)) return;
+    spread.run(inBand_, measured_, *luminanceGain_);
+}
+
+template <typename Pixel>
+void LuminanceMatch<Pixel>::reportNoMemory() const
+{
+    RenderStatus* const status = this->statusRecord();
+    if (status == nullptr) return;
+    status->aborted = 1;
+    status->errorCode = kErrorOutOfMemory;
 }
 
 /// Converts `luminanceBlur` to integer radii.
@@ -107,174 +131,80 @@ void LuminanceMatch<Pixel>::limitReach()
     const int longerSide = std::max(area.x1 - area.x0, area.y1 - area.y0);
     const auto maxReach = 2.0f * (static_cast<float>(longerSide) + 2.0f);
     const float limited = luminanceBlur_ > 0.0f ? std::min(luminanceBlur_, maxReach) : 0.0f;
-    reach_ = truncateToInt(limited);
+    reach_ = std::min(truncateToInt(limited), kMaxReach);
     halfReach_ = truncateToInt(limited * 0.5f);
 }
 
+/// Marks the pixels of the band as known, and finds their bounds. False after an abort.
 template <typename Pixel>
-void LuminanceMatch<Pixel>::takeLuma(const Map<Pixel>& image, Map<Pixel32f>& luma)
+bool LuminanceMatch<Pixel>::findBand(SharedWork& work)
 {
-    LumaOf<Pixel> lumaOf;
-    lumaOf.setStatusRecord(this->statusRecord());
-    lumaOf.process(image, luma);
-    blur(luma, luma, kLumaRadius);
-}
-
-template <typename Pixel>
-void LuminanceMatch<Pixel>::clear(Map<Pixel32f>& map)
-{
-    ConstantFill<Pixel32f> fill(0.0f);
-    fill.setStatusRecord(this->statusRecord());
-    fill.process(&map);
-}
-
-template <typename Pixel>
-void LuminanceMatch<Pixel>::blur(const Map<Pixel32f>& from, Map<Pixel32f>& to, int radius)
-{
-    const auto pixels = static_cast<float>(radius);
-    blur_.setStatusRecord(this->statusRecord());
-    blur_.setRegion(active_.isEmpty() ? this->region() : active_);
-    blur_.setRadius(pixels, pixels);
-    blur_.process(from, to);
-}
-
-/// The first pass: measures the ratio in the band.
-template <typename Pixel>
-typename LuminanceMatch<Pixel>::Outcome LuminanceMatch<Pixel>::measure()
-{
-    const Outcome outcome = runRows(&LuminanceMatch::measureRow);
-    // Later passes do not need these maps; reuse their storage.
-    support_ = std::move(sourceLuma_);
-    knownEarlier_ = std::move(destLuma_);
-    clear(knownEarlier_);
-    return outcome;
-}
-
-/// Every later pass: spreads the ratio by one step from the known pixels.
-template <typename Pixel>
-typename LuminanceMatch<Pixel>::Outcome LuminanceMatch<Pixel>::spread(const Region& known)
-{
-    widenActive(known);
-    blur(known_, support_, halfReach_);
-    blur(known_, known_, reach_);
-    blur(ratio_, ratio_, reach_);
-    Outcome outcome = runRows(&LuminanceMatch::spreadRow);
-    outcome.allKnown = outcome.allKnown && contains(active_, neededPart());
-    std::swap(knownEarlier_, knownBefore_);
-    MapCopy<Pixel32f> copy;
-    copy.setStatusRecord(this->statusRecord());
-    copy.process(known_, knownBefore_);
-    return outcome;
-}
-
-/// Runs one pass over the rows of the region, on all workers.
-template <typename Pixel>
-typename LuminanceMatch<Pixel>::Outcome LuminanceMatch<Pixel>::runRows(RowWork work)
-{
-    rowWork_ = work;
-    // A thread that has rows has an index below the number of rows.
-    outcomes_.assign(static_cast<std::size_t>(this->region().y1 - this->region().y0), Outcome{});
-    this->runPass();
-    Outcome all;
-    for (const Outcome& outcome : outcomes_) all.add(outcome);
-    return all;
-}
-
-template <typename Pixel>
-void LuminanceMatch<Pixel>::Outcome::add(const Outcome& other)
-{
-    allKnown = allKnown && other.allKnown;
-    becameKnown = becameKnown || other.becameKnown;
-    leftEarlier = leftEarlier || other.leftEarlier;
-    knownBounds = united(knownBounds, other.knownBounds);
-}
-
-template <typename Pixel>
-void LuminanceMatch<Pixel>::processPass()
-{
-    const RowRange rows = this->threadRows();
-    if (rows.isEmpty()) return;
-    Outcome outcome;
-    for (int y = rows.begin; y < rows.end; ++y) (this->*rowWork_)(y, outcome);
-    outcomes_[static_cast<std::size_t>(this->threadIndex())] = outcome;
-}
-
-template <typename Pixel>
-Region LuminanceMatch<Pixel>::neededPart() const
-{
-    const Region& area = this->region();
-    const Region part = needed_.value_or(area);
-    return {std::max(part.x0, area.x0), std::max(part.y0, area.y0), std::min(part.x1, area.x1),
-            std::min(part.y1, area.y1)};
-}
-
-/// Grows the active part by the reach of a blur, beyond which the next pass changes nothing.
-template <typename Pixel>
-void LuminanceMatch<Pixel>::widenActive(const Region& known)
-{
-    if (known.isEmpty()) return;
-    const Region& area = this->region();
-    const int reach = reach_ + 1;
-    active_ =
-        united(active_, {std::max(known.x0 - reach, area.x0), std::max(known.y0 - reach, area.y0),
-                         std::min(known.x1 + reach, area.x1), std::min(known.y1 + reach, area.y1)});
-}
-
-template <typename Pixel>
-void LuminanceMatch<Pixel>::measureRow(int y, Outcome& outcome)
-{
-    RowWriter known(known_, y);
-    RowWriter ratio(ratio_, y);
-    const RowReader source(sourceLuma_, y);
-    const RowReader destination(destLuma_, y);
-    for (int x = this->region().x0; x < this->region().x1; ++x) {
-        const float measured = lumaRatio(source[x], destination[x]);
-        const bool counts = known[x] > kMinBandWeight && std::isfinite(measured);
-        known[x] = counts ? 1.0f : 0.0f;
-        if (!counts) continue;
-        ratio[x] = measured;
-        outcome.knownBounds = united(outcome.knownBounds, {x, y, x + 1, y + 1});
-    }
-}
-
-/// Spreads along one row: the blurred ratio over the blurred weight is the mean ratio of the known
-/// pixels around.
-template <typename Pixel>
-void LuminanceMatch<Pixel>::spreadRow(int y, Outcome& outcome)
-{
-    if (y < active_.y0 || y >= active_.y1) return;
-    const float k = 1.0f + static_cast<float>(halfReach_);
-    const float threshold = 1.0f / (k * k);
-    RowWriter known(known_, y);
-    RowWriter ratio(ratio_, y);
-    const RowReader support(support_, y);
-    const RowReader before(knownBefore_, y);
-    const RowReader earlier(knownEarlier_, y);
-    const Region needed = neededPart();
-    const bool rowNeeded = y >= needed.y0 && y < needed.y1;
-    int firstKnown = active_.x1, lastKnown = active_.x0 - 1;
-    for (int x = active_.x0; x < active_.x1; ++x) {
-        const bool isKnown = support[x] >= threshold;
-        ratio[x] = isKnown ? ratio[x] / known[x] : 0.0f;
-        known[x] = isKnown ? 1.0f : 0.0f;
-        if (isKnown) {
-            firstKnown = std::min(firstKnown, x);
-            lastKnown = x;
+    const Region part = bandBounds_.value_or(this->region()).within(this->region());
+    inBand_ = {};
+    if (part.isEmpty()) return true;
+    std::vector<Region> found(static_cast<std::size_t>((part.y1 - part.y0 - 1) / kTaskRows + 1));
+    inBand_ = part;
+    const bool isDone = work.run(static_cast<int>(found.size()), [&](int task, int) {
+        const int begin = part.y0 + task * kTaskRows;
+        for (int y = begin; y < std::min(begin + kTaskRows, part.y1); ++y) {
+            findBandRow(y, found[static_cast<std::size_t>(task)]);
         }
-        if (isKnown && before[x] < kKnown) {
-            outcome.becameKnown = true;
-            if (Pixel32f* gain = luminanceGain_->translate(x, y)) *gain = ratio[x];
-        }
-        if (!isKnown && rowNeeded && x >= needed.x0 && x < needed.x1) outcome.allKnown = false;
-        if (known[x] != earlier[x]) outcome.leftEarlier = true;
-    }
-    outcome.knownBounds = united(outcome.knownBounds, {firstKnown, y, lastKnown + 1, y + 1});
+    });
+    inBand_ = unitedOf(found);
+    return isDone;
 }
 
+/// The same for one row.
 template <typename Pixel>
-bool LuminanceMatch<Pixel>::isAborted() const
+void LuminanceMatch<Pixel>::findBandRow(int y, Region& found)
 {
-    return this->statusRecord() != nullptr && this->statusRecord()->aborted != 0;
+    const RowReader band(*band_, y);
+    RowWriter known(spread_->measured(), y);
+    const int count = inBand_.x1 - inBand_.x0;
+    Pixel8* to = known.from(inBand_.x0);
+    // exact: one float product with the float nearest 1/M. NaN is not in the band.
+    constexpr float kScale = 1.0f / PixelTraits<Pixel>::kMax;
+    unsigned int any = 0;
+    if (const float* span = band.span(inBand_.x0, count)) {
+        for (int i = 0; i < count; ++i) {
+            to[i] = span[i] * kScale > kMinBandWeight ? 1 : 0;
+            any |= to[i];
+        }
+    } else {
+        for (int i = 0; i < count; ++i) {
+            to[i] = band[inBand_.x0 + i] * kScale > kMinBandWeight ? 1 : 0;
+            any |= to[i];
+        }
+    }
+    if (any == 0) return;
+    const auto first = static_cast<int>(std::find(to, to + count, 1) - to);
+    int end = count;
+    while (to[end - 1] == 0) --end;
+    found = united(found, {inBand_.x0 + first, y, inBand_.x0 + end, y + 1});
+}
+
+/// The first pass: measures the ratio in the band. False after an abort.
+template <typename Pixel>
+bool LuminanceMatch<Pixel>::measure(TileBlur& blur)
+{
+    Tiles tiles;
+    tiles.cover(inBand_);
+    for (int y = inBand_.y0; y < inBand_.y1; ++y) {
+        const Pixel8* known = RowWriter(spread_->measured(), y).from(inBand_.x0);
+        for (int i = 0; i < inBand_.x1 - inBand_.x0; ++i) {
+            if (known[i] != 0) tiles.want(i / Tiles::kSide, (y - inBand_.y0) / Tiles::kSide);
+        }
+    }
+    std::vector<Region> found(static_cast<std::size_t>(tiles.columns()));
+    Planes planes(*this, found);
+    const Region& area = this->region();
+    const TileBlur::Box box{.radius = kLumaRadius,
+                            .cornerX = area.x0,
+                            .cornerY = area.y0,
+                            .readable = {area.y0, area.y1}};
+    if (!blur.run(tiles, box, planes, {})) return false;
+    measured_ = unitedOf(found);
+    return true;
 }
 
 template class LuminanceMatch<PixelRGBA8>;

@@ -35,10 +35,10 @@ struct PixelKernels {
     float (*roughError)(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, int height,
                         float limit);
 
-    /// The final composite: the texture in `out`, times the gain (may be null), over the source;
-    /// the texture's share is `mask` / M. See `SynthesisNode`.
-    void (*composite)(Pixel* out, const Pixel* source, const float* mask, const float* gain,
-                      int count);
+    /// The final composite: the texture, which may be in `out`, times the gain (may be null), over
+    /// the source; the texture's share is `mask` / M. See `SynthesisNode`.
+    void (*composite)(Pixel* out, const Pixel* texture, const Pixel* source, const float* mask,
+                      const float* gain, int count);
 
     /// Mixes R, G and B of `from` into `to` by shares of 0 to 1; alpha of `to` stays.
     void (*blend)(Pixel* to, const Pixel* from, const float* shares, int count);
@@ -47,11 +47,33 @@ struct PixelKernels {
     void (*luma)(const Pixel* pixels, float* means, int count);
 };
 
+/// The number of lines that a box filter takes side by side.
+inline constexpr int kBoxLines = 16;
+
+/// A box filter along a line: the sum of `size` samples, and of the ones before and after them
+/// times `fraction`, times `norm`.
+struct Box {
+    int size;
+    double fraction, norm;
+};
+
 /// Kernels on planes of floats.
 struct PlaneKernels {
     /// One line of a seam search: cost[s] = error[s] + the minimum of before[s - step] to
     /// before[s + step]; ties go to the first.
     void (*seamLine)(const float* error, const float* before, float* cost, int count, int step);
+
+    /// Filters kBoxLines lines, whose samples are side by side: sample i of the result, for i below
+    /// `count`, takes the place of sample i, and its box starts with sample i + 1. These boxes
+    /// start in one segment of the line, the first of them `first` samples into it: first + count
+    /// is at most the box's size. Each is summed as the tail of that segment, from its end, plus
+    /// the head of the next, in double. `tails` has room for count * kBoxLines sums; reads `size` +
+    /// `count` samples and one more.
+    void (*boxSegment)(float* samples, double* tails, const Box& box, int first, int count);
+
+    /// Puts the samples of kBoxLines lines side by side, and back.
+    void (*interleave)(const float* const* lines, float* samples, int count);
+    void (*separate)(const float* samples, float* const* lines, int count);
 };
 
 struct KernelTable {

@@ -582,10 +582,10 @@ TESSERET_LANES Floats gained(Floats channel, Floats gain)
 }
 
 template <typename Pixel>
-TESSERET_LANES void compositeLanes(Pixel* out, const Pixel* source, const float* mask,
-                                   const float* gain)
+TESSERET_LANES void compositeLanes(Pixel* out, const Pixel* from, const Pixel* source,
+                                   const float* mask, const float* gain)
 {
-    const auto texture = Lanes<Pixel>::read(out);
+    const auto texture = Lanes<Pixel>::read(from);
     const Planes behind = Lanes<Pixel>::read(source).colours();
     Planes front = texture.colours();
     if (gain != nullptr) {
@@ -601,23 +601,22 @@ TESSERET_LANES void compositeLanes(Pixel* out, const Pixel* source, const float*
 }
 
 template <typename Pixel>
-void composite(Pixel* out, const Pixel* source, const float* mask, const float* gain, int count)
+void composite(Pixel* out, const Pixel* texture, const Pixel* source, const float* mask,
+               const float* gain, int count)
 {
     int i = 0;
     for (; i + kLanes <= count; i += kLanes) {
-        compositeLanes(out + i, source + i, mask + i, gain != nullptr ? gain + i : nullptr);
+        compositeLanes(out + i, texture + i, source + i, mask + i,
+                       gain != nullptr ? gain + i : nullptr);
     }
     const int rest = count - i;
     if (rest == 0) return;
-    Tail<Pixel> last(out + i, rest);
+    Tail<Pixel> last(texture + i, rest);
     const Tail<Pixel> lastSource(source + i, rest);
     const Tail<float> lastMask(mask + i, rest);
-    if (gain != nullptr) {
-        const Tail<float> lastGain(gain + i, rest);
-        compositeLanes(last.pixels, lastSource.pixels, lastMask.pixels, lastGain.pixels);
-    } else {
-        compositeLanes<Pixel>(last.pixels, lastSource.pixels, lastMask.pixels, nullptr);
-    }
+    const Tail<float> lastGain(gain != nullptr ? gain + i : nullptr, rest);
+    compositeLanes(last.pixels, last.pixels, lastSource.pixels, lastMask.pixels,
+                   gain != nullptr ? lastGain.pixels : nullptr);
     __builtin_memcpy(out + i, last.pixels, static_cast<__SIZE_TYPE__>(rest) * sizeof(Pixel));
 }
 
@@ -678,6 +677,143 @@ void seamLine(const float* error, const float* before, float* cost, int count, i
     }
 }
 
+/// One sample, or one sum, of all lines of a box filter.
+struct BoxSums {
+    static constexpr int kLanesOfDoubles = kLanes / 2;
+    static constexpr int kParts = kBoxLines / kLanesOfDoubles;
+
+    Doubles parts[kParts] = {};
+
+    TESSERET_LANES static BoxSums of(const float* samples)
+    {
+        BoxSums sums;
+        for (int i = 0; i < kParts; ++i) {
+            const auto part = load<HalfFloats>(samples + i * kLanesOfDoubles);
+            sums.parts[i] = __builtin_convertvector(part, Doubles);
+        }
+        return sums;
+    }
+    TESSERET_LANES void add(const BoxSums& other)
+    {
+        for (int i = 0; i < kParts; ++i) parts[i] += other.parts[i];
+    }
+    TESSERET_LANES void addTimes(const BoxSums& other, double factor)
+    {
+        for (int i = 0; i < kParts; ++i) parts[i] += factor * other.parts[i];
+    }
+    TESSERET_LANES void keepAt(double* sums) const
+    {
+        for (int i = 0; i < kParts; ++i) store(sums + i * kLanesOfDoubles, parts[i]);
+    }
+    TESSERET_LANES static BoxSums keptAt(const double* sums)
+    {
+        BoxSums kept;
+        for (int i = 0; i < kParts; ++i) kept.parts[i] = load<Doubles>(sums + i * kLanesOfDoubles);
+        return kept;
+    }
+    TESSERET_LANES void write(float* samples, double norm) const
+    {
+        for (int i = 0; i < kParts; ++i) {
+            store(samples + i * kLanesOfDoubles,
+                  __builtin_convertvector(parts[i] * norm, HalfFloats));
+        }
+    }
+};
+
+template <bool kFractional>
+TESSERET_LANES void writeBoxes(float* samples, const double* tails, const Box& box, BoxSums head,
+                               int count)
+{
+    const float* next = samples + static_cast<__PTRDIFF_TYPE__>(box.size + 1) * kBoxLines;
+    for (int i = 0; i < count; ++i) {
+        const BoxSums entering = BoxSums::of(next);
+        BoxSums sum = BoxSums::keptAt(tails);
+        sum.add(head);
+        if constexpr (kFractional) {
+            BoxSums both = BoxSums::of(samples);
+            both.add(entering);
+            sum.addTimes(both, box.fraction);
+        }
+        sum.write(samples, box.norm);
+        head.add(entering);
+        samples += kBoxLines, next += kBoxLines, tails += kBoxLines;
+    }
+}
+
+void boxSegment(float* samples, double* tails, const Box& box, int first, int count)
+{
+    const auto at = [samples](int i) {
+        return samples + static_cast<__PTRDIFF_TYPE__>(i) * kBoxLines;
+    };
+    const int length = box.size - first;  // of the segment's tail
+    BoxSums tail;
+    int i = length - 1;
+    for (; i >= count; --i) tail.add(BoxSums::of(at(i + 1)));
+    for (; i >= 0; --i) {
+        tail.add(BoxSums::of(at(i + 1)));
+        tail.keepAt(tails + static_cast<__PTRDIFF_TYPE__>(i) * kBoxLines);
+    }
+    BoxSums head;
+    for (i = 0; i < first; ++i) head.add(BoxSums::of(at(length + 1 + i)));
+    if (box.fraction != 0.0) {
+        writeBoxes<true>(samples, tails, box, head, count);
+    } else {
+        writeBoxes<false>(samples, tails, box, head, count);
+    }
+}
+
+/// A square of kLanes lines and samples.
+struct Square {
+    Floats rows[kLanes];
+
+    TESSERET_LANES void transpose()
+    {
+        // As often as kLanes halves, every row is zipped with the one half the square away.
+        for (int round = kLanes; round > 1; round /= 2) {
+            Floats zipped[kLanes];
+            for (int i = 0; i < kLanes / 2; ++i) {
+                zipped[2 * i] = zipLow(rows[i], rows[i + kLanes / 2]);
+                zipped[2 * i + 1] = zipHigh(rows[i], rows[i + kLanes / 2]);
+            }
+            for (int i = 0; i < kLanes; ++i) rows[i] = zipped[i];
+        }
+    }
+};
+
+void interleave(const float* const* lines, float* samples, int count)
+{
+    int i = 0;
+    for (; i + kLanes <= count; i += kLanes, samples += kLanes * kBoxLines) {
+        for (int line = 0; line < kBoxLines; line += kLanes) {
+            Square square;
+            for (int k = 0; k < kLanes; ++k) square.rows[k] = load<Floats>(lines[line + k] + i);
+            square.transpose();
+            for (int k = 0; k < kLanes; ++k) store(samples + k * kBoxLines + line, square.rows[k]);
+        }
+    }
+    for (; i < count; ++i, samples += kBoxLines) {
+        for (int line = 0; line < kBoxLines; ++line) samples[line] = lines[line][i];
+    }
+}
+
+void separate(const float* samples, float* const* lines, int count)
+{
+    int i = 0;
+    for (; i + kLanes <= count; i += kLanes, samples += kLanes * kBoxLines) {
+        for (int line = 0; line < kBoxLines; line += kLanes) {
+            Square square;
+            for (int k = 0; k < kLanes; ++k) {
+                square.rows[k] = load<Floats>(samples + k * kBoxLines + line);
+            }
+            square.transpose();
+            for (int k = 0; k < kLanes; ++k) store(lines[line + k] + i, square.rows[k]);
+        }
+    }
+    for (; i < count; ++i, samples += kBoxLines) {
+        for (int line = 0; line < kBoxLines; ++line) lines[line][i] = samples[line];
+    }
+}
+
 template <typename Pixel>
 constexpr PixelKernels<Pixel> kPixelKernels = {errorMap<Pixel>, roughError<Pixel>, composite<Pixel>,
                                                blend<Pixel>, luma<Pixel>};
@@ -688,7 +824,7 @@ constexpr KernelTable tableNamed(const char* name)
             kPixelKernels<PixelRGBA8>,
             kPixelKernels<PixelRGBA16>,
             kPixelKernels<PixelRGBAf>,
-            {seamLine}};
+            {seamLine, boxSegment, interleave, separate}};
 }
 
 #undef TESSERET_LANES

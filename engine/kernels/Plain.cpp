@@ -107,11 +107,12 @@ float roughError(Rows<Pixel> a, Rows<Pixel> b, Rows<float> weights, int width, i
 }
 
 template <typename Pixel>
-void composite(Pixel* out, const Pixel* source, const float* mask, const float* gain, int count)
+void composite(Pixel* out, const Pixel* texture, const Pixel* source, const float* mask,
+               const float* gain, int count)
 {
     for (int i = 0; i < count; ++i) {
-        const Pixel texture = gain != nullptr ? gained(out[i], gain[i]) : out[i];
-        out[i] = composited(texture, source[i], textureShare<Pixel>(mask[i]));
+        const Pixel front = gain != nullptr ? gained(texture[i], gain[i]) : texture[i];
+        out[i] = composited(front, source[i], textureShare<Pixel>(mask[i]));
     }
 }
 
@@ -151,6 +152,44 @@ void seamLine(const float* error, const float* before, float* cost, int count, i
     }
 }
 
+void boxSegment(float* samples, double* tails, const Box& box, int first, int count)
+{
+    const auto at = [samples](int i) { return samples + std::ptrdiff_t{i} * kBoxLines; };
+    for (int line = 0; line < kBoxLines; ++line) {
+        double sum = 0.0;
+        for (int i = box.size - 1; i >= first; --i) {
+            sum += at(i + 1 - first)[line];
+            if (i - first < count) tails[(i - first) * kBoxLines + line] = sum;
+        }
+        double head = 0.0;
+        for (int i = 0; i < first; ++i) head += at(box.size - first + 1 + i)[line];
+        for (int i = 0; i < count; ++i) {
+            const float leaving = at(i)[line], entering = at(i + box.size + 1)[line];
+            // exact: double sums in this order, rounded to a float at the end.
+            double whole = tails[i * kBoxLines + line] + head;
+            if (box.fraction != 0.0) {
+                whole += box.fraction * (static_cast<double>(leaving) + entering);
+            }
+            at(i)[line] = static_cast<float>(whole * box.norm);
+            head += entering;
+        }
+    }
+}
+
+void interleave(const float* const* lines, float* samples, int count)
+{
+    for (int i = 0; i < count; ++i, samples += kBoxLines) {
+        for (int line = 0; line < kBoxLines; ++line) samples[line] = lines[line][i];
+    }
+}
+
+void separate(const float* samples, float* const* lines, int count)
+{
+    for (int i = 0; i < count; ++i, samples += kBoxLines) {
+        for (int line = 0; line < kBoxLines; ++line) lines[line][i] = samples[line];
+    }
+}
+
 template <typename Pixel>
 constexpr PixelKernels<Pixel> kPixelKernels = {errorMap<Pixel>, roughError<Pixel>, composite<Pixel>,
                                                blend<Pixel>, luma<Pixel>};
@@ -161,6 +200,6 @@ const KernelTable kPlainTable = {"plain",
                                  kPixelKernels<PixelRGBA8>,
                                  kPixelKernels<PixelRGBA16>,
                                  kPixelKernels<PixelRGBAf>,
-                                 {seamLine}};
+                                 {seamLine, boxSegment, interleave, separate}};
 
 }  // namespace Orvane::Engine::Kernels

@@ -35,7 +35,9 @@ bool SharedWork::run(int count, const Task& task)
         finishPolls();
     }
     task_ = nullptr;
-    return !stops();
+    const bool isStopped = stops();
+    if (isStopped) finishPolls();
+    return !isStopped;
 }
 
 /// Brings the record and what the workers know of an abort together.

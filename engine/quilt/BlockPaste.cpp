@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "engine/map/ExactMath.h"
-#include "engine/map/MapRow.h"
 #include "engine/map/PixelMix.h"
 
 namespace Orvane::Engine {
@@ -31,6 +30,18 @@ float share(int dx, int dy, const Blend& blend)
     return kNone;
 }
 
+/// Copies [x0, x1) from `shift` pixels further.
+template <typename Pixel>
+void copyShifted(const RowReader<Pixel>& from, int x0, int x1, int shift, RowWriter<Pixel>& to)
+{
+    const int count = x1 - x0;
+    if (const Pixel* span = from.span(x0 + shift, count)) {
+        std::copy_n(span, count, to.from(x0));
+    } else {
+        for (int x = x0; x < x1; ++x) to[x] = from[x + shift];
+    }
+}
+
 }  // namespace
 
 int cutAt(int corner, float seam)
@@ -48,68 +59,82 @@ std::vector<float> blendRamp(int halfWidth)
 }
 
 template <typename Pixel>
-void BlockPaste<Pixel>::begin()
+void BlockPaste<Pixel>::run(const Map<Pixel>& image, const Block& block, const RowRange& rows,
+                            Map<Pixel>& destination)
 {
-    const Region& region = this->region();
-    seamY_.resize(static_cast<std::size_t>(std::max(region.x1 - region.x0, 0)));
-    highestSeamY_ = region.y0;
-    for (std::size_t i = 0; i < seamY_.size(); ++i) {
-        seamY_[i] = cutAt(region.y0, seams_.horizontal[i].y);
-        highestSeamY_ = std::max(highestSeamY_, seamY_[i]);
-    }
-}
-
-template <typename Pixel>
-void BlockPaste<Pixel>::processPass()
-{
-    const Region& region = this->region();
-    const auto [yBegin, yEnd] = this->threadRows();
-    for (int y = yBegin; y < yEnd; ++y) {
-        const int seamX =
-            cutAt(region.x0, seams_.vertical[static_cast<std::size_t>(y - region.y0)].x);
-        if (blend_.width == 0 && blend_.height == 0) {
-            cutRow(y, seamX);
+    const Region& region = block.region;
+    const int begin = std::max(rows.begin, region.y0), end = std::min(rows.end, region.y1);
+    if (begin >= end || region.x0 >= region.x1) return;
+    resolveSeam(block);
+    const bool blends = blend_.width != 0 || blend_.height != 0;
+    for (int y = begin; y < end; ++y) {
+        const RowReader from(image, block.srcY + y - region.y0);
+        RowWriter to(destination, y);
+        if (blends) {
+            blendRow(block, y, from, to);
         } else {
-            blendRow(y, seamX);
+            cutRow(block, y, from, to);
         }
     }
 }
 
+template <typename Pixel>
+void BlockPaste<Pixel>::resolveSeam(const Block& block)
+{
+    const Region& region = block.region;
+    seamY_.resize(static_cast<std::size_t>(region.x1 - region.x0));
+    for (std::size_t i = 0; i < seamY_.size(); ++i) {
+        seamY_[i] = cutAt(region.y0, block.seams.horizontal[i].y);
+    }
+    const auto [lowest, highest] = std::ranges::minmax(seamY_);
+    lowestSeamY_ = lowest;
+    highestSeamY_ = std::max(highest, region.y0);
+}
+
 /// Pastes one row along hard cuts.
 template <typename Pixel>
-void BlockPaste<Pixel>::cutRow(int y, int seamX)
+void BlockPaste<Pixel>::cutRow(const Block& block, int y, const RowReader<Pixel>& image,
+                               RowWriter<Pixel>& to)
 {
-    const Region& region = this->region();
-    const RowReader image(this->other(), srcY_ + y - region.y0);
-    const int begin = std::max(seamX, region.x0);
-    const int count = region.x1 - begin;
-    if (count <= 0) return;
-    const int shift = srcX_ - region.x0;
-    Pixel* row = RowWriter(this->target(), y).from(begin);
-    const Pixel* span = image.span(begin + shift, count);
-    if (span != nullptr && y >= highestSeamY_) {
-        std::copy_n(span, count, row);
+    const Region& region = block.region;
+    const float seam = block.seams.vertical[static_cast<std::size_t>(y - region.y0)].x;
+    const int begin = std::max(cutAt(region.x0, seam), region.x0);
+    const int shift = block.srcX - region.x0;
+    if (begin >= region.x1 || y < lowestSeamY_) return;
+    if (y >= highestSeamY_) {
+        copyShifted(image, begin, region.x1, shift, to);
         return;
     }
-    const int* seamY = seamY_.data() + (begin - region.x0);
-    for (int i = 0; i < count; ++i) {
-        if (y >= seamY[i]) row[i] = span != nullptr ? span[i] : image[begin + shift + i];
+    const int* seamY = seamY_.data() - region.x0;
+    for (int x = begin; x < region.x1;) {
+        const int first = x;
+        while (x < region.x1 && y >= seamY[x]) ++x;
+        if (first < x) copyShifted(image, first, x, shift, to);
+        while (x < region.x1 && y < seamY[x]) ++x;
     }
 }
 
 /// Pastes one row across blend bands.
 template <typename Pixel>
-void BlockPaste<Pixel>::blendRow(int y, int seamX)
+void BlockPaste<Pixel>::blendRow(const Block& block, int y, const RowReader<Pixel>& image,
+                                 RowWriter<Pixel>& to)
 {
-    const Region& region = this->region();
-    const RowReader image(this->other(), srcY_ + y - region.y0);
-    RowWriter row(this->target(), y);
+    const Region& region = block.region;
+    const int seamX =
+        cutAt(region.x0, block.seams.vertical[static_cast<std::size_t>(y - region.y0)].x);
+    const int shift = block.srcX - region.x0;
+    // From here on the block is copied whole.
+    int whole = region.x1;
+    if (y - blend_.height >= highestSeamY_) {
+        whole = std::clamp(seamX + blend_.width, region.x0, region.x1);
+        copyShifted(image, whole, region.x1, shift, to);
+    }
     const int* seamY = seamY_.data();
-    for (int x = region.x0; x < region.x1; ++x, ++seamY) {
+    for (int x = region.x0; x < whole; ++x, ++seamY) {
         const float t = share(x - seamX, y - *seamY, blend_);
         if (t == kNone) continue;
-        const Pixel s = image[srcX_ + x - region.x0];
-        row[x] = t == kFull ? s : mixed(row[x], s, t);
+        const Pixel s = image[x + shift];
+        to[x] = t == kFull ? s : mixed(to[x], s, t);
     }
 }
 

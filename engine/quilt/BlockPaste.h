@@ -3,6 +3,7 @@
 #include <span>
 #include <vector>
 
+#include "engine/map/MapRow.h"
 #include "engine/pass/MapProcessor.h"
 
 namespace Orvane::Engine {
@@ -28,30 +29,36 @@ struct Blend {
     int height = 0;
 };
 
-/// Pastes a rectangle of one image onto another along an L-shaped seam (Efros and Freeman 2001,
-/// section 2.1): the destination stays left of the vertical and below the horizontal seam. Set the
-/// region to the rectangle; it must lie inside the destination. Across the seams R, G and B are
-/// mixed in float and stored by truncation; alpha changes only beyond the blends.
+/// Pastes rectangles of images onto another one along L-shaped seams (Efros and Freeman 2001,
+/// section 2.1): the destination stays left of the vertical and below the horizontal seam. Across
+/// the seams R, G and B are mixed in float and stored by truncation; alpha changes only beyond the
+/// blends. A pixel of the destination depends on nothing else of it, so rows may be pasted apart.
 template <typename Pixel>
-class BlockPaste final : public Sampler<const Map<Pixel>, Map<Pixel>> {
+class BlockPaste {
 public:
-    /// The position in the image of the region's first pixel.
-    void setSourcePosition(int x, int y) { srcX_ = x, srcY_ = y; }
-    void setSeams(const Seams& seams) { seams_ = seams; }
-    void setBlend(const Blend& blend) { blend_ = blend; }
+    /// A rectangle and where it comes from.
+    struct Block {
+        Region region;
+        int srcX, srcY;  ///< the position in the image of the region's first pixel
+        Seams seams;
+    };
 
-    void begin() override;
-    void processPass() override;
+    explicit BlockPaste(const Blend& blend) : blend_(blend) {}
+
+    /// Pastes those rows of the block's region that lie in `rows`; they must lie in the
+    /// destination.
+    void run(const Map<Pixel>& image, const Block& block, const RowRange& rows,
+             Map<Pixel>& destination);
 
 private:
-    void cutRow(int y, int seamX);
-    void blendRow(int y, int seamX);
+    void resolveSeam(const Block& block);
+    void cutRow(const Block& block, int y, const RowReader<Pixel>& image, RowWriter<Pixel>& to);
+    void blendRow(const Block& block, int y, const RowReader<Pixel>& image, RowWriter<Pixel>& to);
 
-    int srcX_ = 0, srcY_ = 0;
-    Seams seams_;
     Blend blend_;
     std::vector<int> seamY_;  ///< absolute, one for each column of the region
-    int highestSeamY_ = 0;    ///< rows from here on lie above the horizontal seam
+    int lowestSeamY_ = 0;
+    int highestSeamY_ = 0;  ///< rows from here on lie above the horizontal seam
 };
 
 }  // namespace Orvane::Engine

@@ -25,20 +25,28 @@ public:
           observer_(observer)
     {}
 
-    /// Covers the fill bounds of the state. After an abort the target keeps what it had.
-    void run(const Blend& blend, Map<Pixel>& target);
+    /// Makes a map of the fill bounds of the state, as far as `target` has their rows, with all
+    /// blocks in it. It has no pixels after an abort, and without memory.
+    Map<Pixel> run(const Blend& blend, const MapDomain& target);
 
 private:
-    bool pasteRecords(Map<Pixel>& fillBuffer, const Blend& blend, RenderObserver* observer);
-    void pasteRecord(const BlockRecord& record, const Region& region, BlockPaste<Pixel>& paste,
-                     Map<Pixel>& fillBuffer);
-    bool pollAbort() const { return statusRecord_ != nullptr && statusRecord_->pollAbort(); }
+    /// A block to be placed again.
+    struct Placed {
+        const BlockRecord* record;
+        const Map<Pixel>* texture;
+        typename BlockPaste<Pixel>::Block block;
+    };
+
+    void findPlaced();
+    void pasteBand(const RowRange& rows, const Blend& blend, Map<Pixel>& fillBuffer) const;
+    void reportBlocks() const;
 
     const TemporalState& state_;
     std::span<Map<Pixel>* const> textures_;
     Region window_;
     RenderStatus* statusRecord_;
     RenderObserver* observer_;
+    std::vector<Placed> placed_;        ///< in the order of the records
     std::vector<PixelVec2f> zeroSeam_;  ///< for records of an unfinished row
 };
 

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdio>
 #include <limits>
+#include <utility>
 
 #include "engine/filter/FillAndCopy.h"
 #include "engine/map/PixelMix.h"
@@ -47,6 +48,10 @@ QuiltResult Quilt<Pixel>::run()
     if (isAvoiding()) findAvoidFailure();
     result.gaveUpAvoiding = avoidFailure_.block != kNowhere;
     if (!placeBlocks()) return result;
+    if (in_.laid != nullptr) {
+        *in_.laid = std::move(fillBuffer_);
+        return result;
+    }
     RowCopy<Pixel> copy;
     copy.setStatusRecord(in_.statusRecord);
     copy.setRegion(rect);

@@ -22,6 +22,7 @@ struct QuiltInputs {
     std::span<Map<Pixel>* const> textures;     ///< at least one
     const Map<Pixel>* source = nullptr;        ///< known pixels, where `weightMap` is positive
     Map<Pixel>* target = nullptr;              ///< written over the fill rectangle
+    Map<Pixel>* laid = nullptr;                ///< if not null, becomes the fill rectangle instead
     const Map<Pixel32f>* fillMask = nullptr;   ///< nonzero is to be filled; may be null
     const Map<Pixel32f>* weightMap = nullptr;  ///< positive on known pixels; unused with fillAll
     bool fillAll = true;                       ///< compare no candidate with the source

@@ -137,10 +137,14 @@ TYPED_TEST(KernelsTest, CompositesAreThePlainOnes)
         for (float& m : mask) m = this->below(3) == 0 ? 0.0f : m;
         const auto gain = this->values(count, 3.0f);
         for (const float* factors : {static_cast<const float*>(nullptr), gain.data()}) {
-            auto wanted = texture, got = texture;
-            plain.composite(wanted.data(), source.data(), mask.data(), factors, count);
-            fast.composite(got.data(), source.data(), mask.data(), factors, count);
+            auto wanted = texture, got = texture, apart = source;
+            plain.composite(wanted.data(), wanted.data(), source.data(), mask.data(), factors,
+                            count);
+            fast.composite(got.data(), got.data(), source.data(), mask.data(), factors, count);
+            fast.composite(apart.data(), texture.data(), source.data(), mask.data(), factors,
+                           count);
             EXPECT_TRUE(same(wanted, got)) << count;
+            EXPECT_TRUE(same(wanted, apart)) << count;
         }
     });
 }
@@ -207,6 +211,77 @@ TEST(SeamLineTest, EveryTableFindsTheSameCosts)
                 const auto i = static_cast<std::size_t>(s + kSeamPadding);
                 ASSERT_TRUE(same(wanted[i], got[i])) << table->name << " " << s << " of " << count;
             }
+        }
+    }
+}
+
+TEST(BoxSegmentTest, EveryTableFindsTheSameSums)
+{
+    std::mt19937 random(9);
+    const auto below = [&random](int n) {
+        return static_cast<int>(random() % static_cast<unsigned>(n));
+    };
+    constexpr float kOdd[] = {-0.0f,
+                              std::nanf(""),
+                              std::numeric_limits<float>::infinity(),
+                              -std::numeric_limits<float>::infinity(),
+                              kHuge,
+                              1e-42f};
+    for (int round = 0; round < 600; ++round) {
+        const int size = 1 + 2 * below(30), first = below(size);
+        const int count = 1 + below(size - first);
+        const double fraction = below(2) ? 0.0 : 0.375;
+        const Box box{size, fraction, 1.0 / (size + 2.0 * fraction)};
+        std::vector<float> samples(static_cast<std::size_t>((size + count + 1) * kBoxLines));
+        for (float& v : samples) {
+            v = static_cast<float>(below(1 << 20)) / static_cast<float>(1 + below(1 << 10));
+            if (round % 2 == 1 && below(40) == 0) v = kOdd[below(std::size(kOdd))];
+        }
+        std::vector<double> tails(static_cast<std::size_t>(count * kBoxLines));
+        auto wanted = samples;
+        offeredTables().front()->plane.boxSegment(wanted.data(), tails.data(), box, first, count);
+        if (round % 2 == 0) {
+            for (int i = 0; i < count; ++i) {
+                double sum = 0.0;
+                for (int k = 0; k <= size + 1; ++k) {
+                    const float sample = samples[static_cast<std::size_t>((i + k) * kBoxLines + 3)];
+                    sum += (k == 0 || k == size + 1 ? fraction : 1.0) * sample;
+                }
+                const float got = wanted[static_cast<std::size_t>(i * kBoxLines + 3)];
+                ASSERT_FLOAT_EQ(got, static_cast<float>(sum * box.norm)) << i;
+            }
+        }
+        for (const KernelTable* table : offeredTables().subspan(1)) {
+            auto got = samples;
+            table->plane.boxSegment(got.data(), tails.data(), box, first, count);
+            ASSERT_TRUE(same(wanted, got)) << table->name << " " << size << " " << first;
+        }
+    }
+}
+
+TEST(InterleaveTest, PutsLinesSideBySideAndBack)
+{
+    for (const KernelTable* table : offeredTables()) {
+        for (const int count : {1, 3, 8, 29}) {
+            std::vector<std::vector<float>> lines(kBoxLines);
+            std::vector<const float*> from;
+            for (auto& line : lines) {
+                for (int i = 0; i < count; ++i) {
+                    line.push_back(static_cast<float>(from.size()) * 100 + static_cast<float>(i));
+                }
+                from.push_back(line.data());
+            }
+            std::vector<float> samples(static_cast<std::size_t>(count * kBoxLines));
+            table->plane.interleave(from.data(), samples.data(), count);
+            for (int i = 0; i < count * kBoxLines; ++i) {
+                ASSERT_EQ(samples[static_cast<std::size_t>(i)], i % kBoxLines * 100 + i / kBoxLines)
+                    << table->name;
+            }
+            auto back = lines;
+            std::vector<float*> to;
+            for (auto& line : back) line.assign(line.size(), -1.0f), to.push_back(line.data());
+            table->plane.separate(samples.data(), to.data(), count);
+            EXPECT_EQ(back, lines) << table->name << " " << count;
         }
     }
 }

@@ -123,17 +123,19 @@ TEST(LumaOf, IsTheMeanOfRedGreenAndBlue)
     shorts.pixels() = {{65535, 65535, 65533, 0}, {0, 0, 2, 65535}};
     TestMap<PixelRGBAf> floats(2, 1);
     floats.pixels() = {{0.1f, 0.2f, 0.7f, 9.0f}, {-3.0f, 0.0f, 1.5f, 0.0f}};
-    TestMap<Pixel32f> luma(3, 1);
-    LumaOf<PixelRGBA8> of8;
-    of8.process(*bytes, *luma);
-    EXPECT_THAT(luma.pixels(), ElementsAre(2, 255, 0)) << "integers; nothing outside";
-    LumaOf<PixelRGBA16> of16;
-    of16.process(*shorts, *luma);
-    EXPECT_THAT(luma.pixels(), ElementsAre(65534, 0, 0));
+    std::vector<float> luma(3);
+    readLuma(*bytes, 0, 0, 3, luma.data());
+    EXPECT_THAT(luma, ElementsAre(2, 255, 0)) << "integers; nothing outside";
+    readLuma(*shorts, 0, 0, 3, luma.data());
+    EXPECT_THAT(luma, ElementsAre(65534, 0, 0));
     floats->setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
-    LumaOf<PixelRGBAf> ofFloat;
-    ofFloat.process(*floats, *luma);
-    EXPECT_THAT(luma.pixels(), ElementsAre((0.1f + 0.2f + 0.7f) / 3.0f, -0.5f, -0.5f));
+    readLuma(*floats, 1, 0, 3, luma.data());
+    EXPECT_THAT(luma, ElementsAre((0.1f + 0.2f + 0.7f) / 3.0f, -0.5f, -0.5f));
+    luma.assign(150, 0.0f);
+    readLuma(*bytes, 0, -70, 80, luma.data());
+    for (int x = -70; x < 80; ++x) {
+        EXPECT_EQ(luma[static_cast<std::size_t>(x + 70)], x == 0 ? 2 : x == 1 ? 255 : 0) << x;
+    }
 }
 
 }  // namespace

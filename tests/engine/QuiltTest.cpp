@@ -106,7 +106,6 @@ TYPED_TEST(QuiltStages, PasteAgreesWithTheReference)
 {
     std::mt19937 random(5);
     for (int round = 0; round < 49; ++round) {
-        const FakeServices services(static_cast<unsigned int>(1 + round % 5));
         auto from = noise<TypeParam>(30, 30, 10, 4, 4), to = noise<TypeParam>(24, 20, 11);
         from->setEdgeMode(EdgeMode::EdgeMirror, EdgeMode::EdgeMirror);
         auto refFrom = referenceOf(from), refTo = referenceOf(to);
@@ -123,12 +122,16 @@ TYPED_TEST(QuiltStages, PasteAgreesWithTheReference)
             horizontal[static_cast<std::size_t>(i)].y =
                 static_cast<float>(seamY[static_cast<std::size_t>(i)]);
         }
-        BlockPaste<TypeParam> paste;
-        paste.setSourcePosition(22, 1);
-        paste.setSeams({horizontal, vertical});
-        paste.setBlend({bw, bh});
-        paste.setRegion({3, 2, 3 + w, 2 + h});
-        paste.process(*from, *to);
+        // Rows may be pasted apart.
+        const int cut = 2 + round % (h + 1);
+        for (const RowRange& rows : {RowRange{-9, cut}, RowRange{cut, 99}}) {
+            BlockPaste<TypeParam>({bw, bh}).run(*from,
+                                                {.region = {3, 2, 3 + w, 2 + h},
+                                                 .srcX = 22,
+                                                 .srcY = 1,
+                                                 .seams = {horizontal, vertical}},
+                                                rows, *to);
+        }
         Reference::paste(refFrom, 22, 1, refTo, 3, 2, w, h, seamX, seamY, bw, bh);
         ASSERT_EQ(to.pixels(), refTo.pixels) << "blend " << bw << ' ' << bh;
     }
@@ -136,14 +139,13 @@ TYPED_TEST(QuiltStages, PasteAgreesWithTheReference)
 
 TYPED_TEST(QuiltStages, PasteRisesLinearlyAcrossTheVerticalSeam)
 {
-    const FakeServices services;
     auto target = solid<TypeParam>(16, 1, 0.0f);
     const auto white = solid<TypeParam>(16, 1, 1.0f);
     const std::vector<PixelVec2f> horizontal(16), vertical{{10.0f, 0.0f}};
-    BlockPaste<TypeParam> paste;
-    paste.setSeams({horizontal, vertical});
-    paste.setBlend({.width = 3, .height = 0});
-    paste.process(*white, *target);
+    BlockPaste<TypeParam>({.width = 3, .height = 0})
+        .run(*white,
+             {.region = {0, 0, 16, 1}, .srcX = 0, .srcY = 0, .seams = {horizontal, vertical}},
+             {0, 1}, *target);
     for (int x = 0; x < 16; ++x) {
         const float share = static_cast<float>(target.at(x, 0).r) / PixelTraits<TypeParam>::kMax;
         EXPECT_NEAR(share, std::clamp((static_cast<float>(x) - 7.0f) / 6.0f, 0.0f, 1.0f), 0.005f);
