@@ -21,6 +21,9 @@ namespace {
 
 constexpr float kMinLuminanceBlur = 2.0f;
 
+/// More than the luminance match and the boundary read beyond what shows, pixels.
+constexpr int kReadBeyond = 64;
+
 /// The note on a boundary outcome, or null.
 const char* noteOf(BoundaryOutcome outcome)
 {
@@ -187,7 +190,19 @@ void SynthesisNode<Pixel>::replay()
     copyLaidOutside();
 }
 
-/// Copies the texture that a replay laid beside the window, which the composite does not reach.
+/// Copies the laid texture to the target, as far as both have pixels in a part of it.
+template <typename Pixel>
+void SynthesisNode<Pixel>::copyLaid(const Region& part)
+{
+    const Region common = part.within(laid_.storedExtent()).within(this->target().storedExtent());
+    if (common.isEmpty() || !laid_.isUsable()) return;
+    RowCopy<Pixel> copy;
+    copy.setStatusRecord(this->statusRecord());
+    copy.setRegion(common);
+    copy.process(&laid_, &this->target());
+}
+
+/// Copies the texture that was laid beside the window, which the composite does not reach.
 template <typename Pixel>
 void SynthesisNode<Pixel>::copyLaidOutside()
 {
@@ -195,16 +210,21 @@ void SynthesisNode<Pixel>::copyLaidOutside()
     const Region& window = this->region();
     const int y0 = std::clamp(window.y0, bounds.y0, bounds.y1);
     const int y1 = std::clamp(window.y1, y0, bounds.y1);
-    for (const Region& part :
-         {Region{bounds.x0, bounds.y0, bounds.x1, y0}, Region{bounds.x0, y1, bounds.x1, bounds.y1},
-          Region{bounds.x0, y0, std::min(window.x0, bounds.x1), y1},
-          Region{std::max(window.x1, bounds.x0), y0, bounds.x1, y1}}) {
-        const Region inTarget = part.within(this->target().storedExtent());
-        if (inTarget.isEmpty() || !laid_.isUsable()) continue;
-        RowCopy<Pixel> copy;
-        copy.setStatusRecord(this->statusRecord());
-        copy.setRegion(inTarget);
-        copy.process(&laid_, &this->target());
+    copyLaid({bounds.x0, bounds.y0, bounds.x1, y0});
+    copyLaid({bounds.x0, y1, bounds.x1, bounds.y1});
+    copyLaid({bounds.x0, y0, window.x0, y1});
+    copyLaid({window.x1, y0, bounds.x1, y1});
+}
+
+/// Copies all of the laid texture after an abort, which no pass would do then.
+template <typename Pixel>
+void SynthesisNode<Pixel>::keepLaid()
+{
+    const Region common = laid_.storedExtent().within(this->target().storedExtent());
+    if (common.isEmpty() || !laid_.isUsable()) return;
+    for (int y = common.y0; y < common.y1; ++y) {
+        RowWriter to(this->target(), y);
+        copyRow(RowReader(laid_, y), to, common.x0, common.x1);
     }
 }
 
@@ -269,7 +289,7 @@ void SynthesisNode<Pixel>::quilt(const Region& fillRect)
     inputs.fillMask = settings_.fillMask;
     inputs.weightMap = &pathBand_;
     inputs.fillAll = settings_.fillAll || settings_.fillMask == nullptr;
-    if (inputs.fillAll) inputs.laid = &laid_;  // what follows with a region reads the target
+    inputs.laid = &laid_;
     inputs.avoidFillRegion = settings_.avoidFillRegion;
     inputs.seed = settings_.seed;
     inputs.blocks = settings_.blocks;
@@ -292,6 +312,9 @@ void SynthesisNode<Pixel>::fillMasked(const Region& fillRect)
     prepareBand(fillRect);
     quilt(fillRect);
     if (this->pollAbort()) return;
+    copyLaid({shown_.x0 - kReadBeyond, shown_.y0 - kReadBeyond, shown_.x1 + kReadBeyond,
+              shown_.y1 + kReadBeyond});
+    copyLaidOutside();
     reports_.reportGuides(*settings_.fillMask, pathBand_);
     if (settings_.luminanceMatch) matchLuminance(fillRect);
     if (this->pollAbort()) return;
@@ -389,13 +412,15 @@ template <typename Pixel>
 void SynthesisNode<Pixel>::endPass()
 {
     compositing_.reset();
+    laid_.release();
 }
 
-/// Ends the stage when an abort skipped `endPass`.
+/// Runs after an abort, too, which skips the pass or its end.
 template <typename Pixel>
 void SynthesisNode<Pixel>::end()
 {
     compositing_.reset();
+    keepLaid();
 }
 
 /// The final composite, on the rows of one worker.

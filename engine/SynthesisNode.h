@@ -65,7 +65,9 @@ private:
     void matchLuminance(const Region& fillRect);
     void fitBoundary(const Region& fillRect);
     Region placedRegion() const;
+    void copyLaid(const Region& part);
     void copyLaidOutside();
+    void keepLaid();
     void compositeRow(int y);
 
     SynthesisSettings<Pixel> settings_;
