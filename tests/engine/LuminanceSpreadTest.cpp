@@ -1,0 +1,137 @@
+/// The stages of the luminance match against the blur that defines them, bit for bit.
+
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "engine/filter/BoxBlur.h"
+#include "engine/filter/KnownSpread.h"
+#include "engine/filter/TileBlur.h"
+#include "tests/fixtures/FakeServices.h"
+#include "tests/fixtures/MapBuilder.h"
+
+namespace Orvane::Engine {
+namespace {
+
+using Testing::FakeServices;
+using Testing::TestMap;
+
+constexpr int kWidth = 150, kHeight = 110, kX = -20, kY = 7;
+
+/// Two planes of a region; keeps what a tile blur makes of them.
+class TwoMaps final : public BlurPlanes {
+public:
+    TwoMaps(const Map<Pixel32f>& first, const Map<Pixel32f>& second)
+        : first_(first), second_(second)
+    {}
+
+    bool read(int y, int x0, int x1, float* first, float* second) const override
+    {
+        for (int x = x0; x < x1; ++x) {
+            first[x - x0] = first_.read(x, y);
+            second[x - x0] = second_.read(x, y);
+        }
+        return true;
+    }
+    void write(int x, int y, int width, int height, const float* first,
+               const float* second) override
+    {
+        for (int i = 0; i < width * height; ++i) {
+            const int column = i % width, row = i / width;
+            *blurred.first->translate(x + column, y + row) = first[row * Tiles::kSide + column];
+            *blurred.second->translate(x + column, y + row) = second[row * Tiles::kSide + column];
+        }
+    }
+
+    std::pair<TestMap<Pixel32f>, TestMap<Pixel32f>> blurred{
+        TestMap<Pixel32f>(kWidth, kHeight, kX, kY), TestMap<Pixel32f>(kWidth, kHeight, kX, kY)};
+
+private:
+    const Map<Pixel32f>& first_;
+    const Map<Pixel32f>& second_;
+};
+
+TestMap<Pixel32f> noise(std::mt19937& random)
+{
+    TestMap<Pixel32f> map(kWidth, kHeight, kX, kY);
+    for (float& value : map.pixels()) {
+        value = static_cast<float>(random() % 100000) / static_cast<float>(1 + random() % 1000);
+    }
+    return map;
+}
+
+TEST(TileBlur, GivesWantedTilesTheBitsOfABlurOfTheWholeRegion)
+{
+    const FakeServices services(2);
+    std::mt19937 random(3);
+    for (const int radius : {0, 2, 5, 13, 40, 300}) {
+        const auto first = noise(random), second = noise(random);
+        TestMap<Pixel32f> wanted(kWidth, kHeight, kX, kY);
+        BoxBlur blur(BoxBlur::OneApplication, static_cast<float>(radius));
+        blur.process(*first, *wanted);
+        SharedWork work(nullptr);
+        TileBlur tileBlur(work);
+        ASSERT_TRUE(tileBlur.makeRoom(kWidth, kHeight));
+        TwoMaps planes(*first, *second);
+        Tiles tiles;
+        tiles.cover({kX + 9, kY + 17, kX + 131, kY + 101});
+        for (int i = 0; i < 7; ++i) {
+            tiles.want(static_cast<int>(random() % static_cast<unsigned>(tiles.columns())),
+                       static_cast<int>(random() % static_cast<unsigned>(tiles.rows())));
+        }
+        ASSERT_TRUE(tileBlur.run(
+            tiles, {.radius = radius, .cornerX = kX, .cornerY = kY, .readable = {kY, kY + kHeight}},
+            planes, {}));
+        int compared = 0;
+        const Region& rect = tiles.rect();
+        for (int y = rect.y0; y < rect.y1; ++y) {
+            for (int x = rect.x0; x < rect.x1; ++x) {
+                if (!tiles.isWanted((x - rect.x0) / Tiles::kSide, (y - rect.y0) / Tiles::kSide))
+                    continue;
+                ASSERT_EQ(planes.blurred.first->read(x, y), wanted->read(x, y))
+                    << radius << ' ' << x << ' ' << y;
+                ++compared;
+            }
+        }
+        EXPECT_GT(compared, 500);
+    }
+}
+
+TEST(KnownSpread, CountsAsTheBlurredMapWouldTell)
+{
+    const FakeServices services(1);
+    std::mt19937 random(4);
+    for (const int radius : {0, 1, 2, 3, 9, 20, 130}) {
+        TestMap<Pixel8> known(kWidth, kHeight, kX, kY), next(kWidth, kHeight, kX, kY);
+        TestMap<Pixel32f> floats(kWidth, kHeight, kX, kY), support(kWidth, kHeight, kX, kY);
+        for (std::size_t i = 0; i < known.pixels().size(); ++i) {
+            // Sparse, so that many boxes hold three or four.
+            known.pixels()[i] = random() % 100 < (radius < 4 ? 25u : radius < 40 ? 1u : 0u);
+            floats.pixels()[i] = known.pixels()[i];
+        }
+        if (radius == 130) {
+            for (int i = 0; i < 4; ++i) {
+                known.pixels()[static_cast<std::size_t>(i * 37)] = 1;
+                floats.pixels()[static_cast<std::size_t>(i * 37)] = 1.0f;
+            }
+        }
+        BoxBlur(BoxBlur::OneApplication, static_cast<float>(radius)).process(*floats, *support);
+        const float k = 1.0f + static_cast<float>(radius);
+        const float threshold = 1.0f / (k * k);
+        const Region part{kX + 3, kY, kX + kWidth - 5, kY + kHeight};
+        KnownSpread spread(radius);
+        for (const auto& [begin, end] :
+             {std::pair{part.y0, kY + 31}, std::pair{kY + 31, part.y1}}) {
+            spread.run(*known, {kX, kY, kX + kWidth, kY + kHeight}, *next, part, begin, end);
+        }
+        for (int y = part.y0; y < part.y1; ++y) {
+            for (int x = part.x0; x < part.x1; ++x) {
+                ASSERT_EQ(next->read(x, y), support->read(x, y) >= threshold ? 1 : 0)
+                    << radius << ' ' << x << ' ' << y;
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace Orvane::Engine
