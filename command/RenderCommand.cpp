@@ -6,6 +6,7 @@
 
 #include "command/RenderOptions.h"
 #include "command/RenderReporter.h"
+#include "files/FileThreads.h"
 #include "render/DebugMaps.h"
 #include "render/Interrupt.h"
 #include "render/RenderJob.h"
@@ -62,7 +63,7 @@ void addOwnOptions(CLI::App& command, CommandOptions& options)
 int render(const CommandOptions& options)
 {
     const Render::RenderSettings settings = settingsFrom(options.render);
-    useThreads(settings);
+    Files::useThreads(settings.threads);
     Render::catchInterrupts();
     RenderReporter reporter(options.quiet     ? Verbosity::Quiet
                             : options.verbose ? Verbosity::Verbose
