@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 
+#include "command/ProcessMemory.h"
 #include "command/RenderOptions.h"
 #include "command/RenderReporter.h"
 #include "files/FileThreads.h"
@@ -63,6 +64,7 @@ void addOwnOptions(CLI::App& command, CommandOptions& options)
 int render(const CommandOptions& options)
 {
     const Render::RenderSettings settings = settingsFrom(options.render);
+    keepMemory();
     Files::useThreads(settings.threads);
     Render::catchInterrupts();
     RenderReporter reporter(options.quiet     ? Verbosity::Quiet
