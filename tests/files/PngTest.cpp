@@ -1,7 +1,9 @@
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <iterator>
 
+#include <OpenImageIO/imageio.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -42,6 +44,14 @@ std::vector<Chunk> chunksOf(const fs::path& file)
         at += 12 + size;
     }
     return chunks;
+}
+
+/// The bytes before the pixels.
+Bytes headOf(const fs::path& file)
+{
+    const Bytes bytes = contents(file);
+    const std::string text(bytes.begin(), bytes.end());
+    return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(text.find("IDAT")) - 4};
 }
 
 /// Smooth in parts and noisy in others, so that every method of compression has work.
@@ -163,6 +173,65 @@ TEST_F(PngTest, BandsLookBackAtTheBandBefore)
     const double whole = sizeOf(source.picture);
     const double part = sizeOf(source.picture.copied({0, 0, kWidth, kPart}, {}));  // in one band
     EXPECT_LT(whole, 1.02 * kParts * part);
+}
+
+/// Copies a file with OpenImageIO alone.
+void copyWithOiio(const fs::path& from, const fs::path& to)
+{
+    OIIO::ImageSpec asStored;
+    asStored.attribute("oiio:UnassociatedAlpha", 1);
+    const auto input = OIIO::ImageInput::open(from.string(), &asStored);
+    ASSERT_TRUE(input) << OIIO::geterror();
+    const OIIO::ImageSpec& spec = input->spec();
+    std::vector<unsigned char> pixels(spec.image_bytes());
+    ASSERT_TRUE(input->read_image(0, 0, 0, spec.nchannels, spec.format, pixels.data()));
+    const auto output = OIIO::ImageOutput::create(to.string());
+    ASSERT_TRUE(output->open(to.string(), spec)) << output->geterror();
+    ASSERT_TRUE(output->write_image(spec.format, pixels.data()) && output->close());
+}
+
+// Where the metadata is simple it goes through libpng alone, else through OpenImageIO.
+TEST_F(PngTest, KeepsTheMetadataThatOpenImageIoKeeps)
+{
+    using Edit = std::function<void(OIIO::ImageSpec&)>;
+    const std::vector<Edit> edits{
+        [](OIIO::ImageSpec&) {},
+        [](OIIO::ImageSpec& spec) { spec.attribute("oiio:ColorSpace", "sRGB"); },
+        [](OIIO::ImageSpec& spec) { spec.attribute("oiio:ColorSpace", "Linear"); },
+        [](OIIO::ImageSpec& spec) { spec.attribute("oiio:ColorSpace", "Gamma1.8"); },
+        [](OIIO::ImageSpec& spec) { spec.attribute("DateTime", "2024:02:03 04:05:06"); },
+        [](OIIO::ImageSpec& spec) { spec.attribute("DateTime", "2024:02:31 04:05:06"); },
+        [](OIIO::ImageSpec& spec) {
+            spec.attribute("XResolution", 72.0f);
+            spec.attribute("YResolution", 72.0f);
+            spec.attribute("ResolutionUnit", "inch");
+        },
+        [](OIIO::ImageSpec& spec) { spec.attribute("PixelAspectRatio", 1.5f); },
+        [](OIIO::ImageSpec& spec) {
+            spec.attribute("Copyright", "nobody");
+            spec.attribute("ImageDescription", "a plate");
+            spec.attribute("Software", "none");
+        },
+        [](OIIO::ImageSpec& spec) { spec.attribute("Orientation of the sun", "north"); },
+        [](OIIO::ImageSpec& spec) { spec.attribute("Make", "none"); },
+    };
+    for (std::size_t i = 0; i < edits.size(); ++i) {
+        for (int channels = 1; channels <= 4; ++channels) {
+            SCOPED_TRACE(std::to_string(i) + " with channels " + std::to_string(channels));
+            OIIO::ImageSpec spec(5, 3, channels, OIIO::TypeUInt8);
+            spec.attribute("oiio:UnassociatedAlpha", 1);
+            edits[i](spec);
+            const std::vector<unsigned char> pixels(spec.image_bytes(), 77);
+            const auto output = OIIO::ImageOutput::create("a.png");
+            ASSERT_TRUE(output->open((folder_ / "a.png").string(), spec));
+            ASSERT_TRUE(output->write_image(spec.format, pixels.data()) && output->close());
+
+            copyWithOiio(folder_ / "a.png", folder_ / "expected.png");
+            const PictureFile source = readPicture(folder_ / "a.png");
+            writePicture(folder_ / "b.png", source.picture, *source.record);
+            EXPECT_EQ(headOf(folder_ / "b.png"), headOf(folder_ / "expected.png"));
+        }
+    }
 }
 
 TEST_F(PngTest, ANewPictureHasNoMetadata)
