@@ -4,8 +4,10 @@
 #include <memory>
 #include <optional>
 
+#include "command/ProcessMemory.h"
 #include "command/RenderOptions.h"
 #include "command/RenderReporter.h"
+#include "files/FileThreads.h"
 #include "render/DebugMaps.h"
 #include "render/Interrupt.h"
 #include "render/RenderJob.h"
@@ -62,7 +64,8 @@ void addOwnOptions(CLI::App& command, CommandOptions& options)
 int render(const CommandOptions& options)
 {
     const Render::RenderSettings settings = settingsFrom(options.render);
-    useThreads(settings);
+    keepMemory();
+    Files::useThreads(settings.threads);
     Render::catchInterrupts();
     RenderReporter reporter(options.quiet     ? Verbosity::Quiet
                             : options.verbose ? Verbosity::Verbose

@@ -4,8 +4,6 @@
 #include <sstream>
 #include <string>
 
-#include <OpenImageIO/imageio.h>
-
 #include "files/Sequence.h"
 #include "render/JobError.h"
 
@@ -166,13 +164,6 @@ Render::RenderSettings settingsFrom(const RenderOptions& options)
     settings.window = boxFrom(options.window, "--window");
     settings.sampleBox = boxFrom(options.sampleBox, "--sample-box");
     return settings;
-}
-
-void useThreads(const Render::RenderSettings& settings)
-{
-    if (settings.threads == 0) return;
-    OIIO::attribute("threads", static_cast<int>(settings.threads));
-    OIIO::attribute("exr_threads", static_cast<int>(settings.threads));
 }
 
 }  // namespace Tesseret::Command

@@ -26,7 +26,5 @@ void addPluginOptions(CLI::App& command, RenderOptions& options);
 
 /// Throws `UsageError` for a text that its option does not accept.
 Render::RenderSettings settingsFrom(const RenderOptions& options);
-/// Sets the number of threads that read and write picture files.
-void useThreads(const Render::RenderSettings& settings);
 
 }  // namespace Tesseret::Command

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "command/RenderOptions.h"
+#include "files/FileThreads.h"
 #include "render/JobError.h"
 #include "viewer/window/Viewer.h"
 
@@ -44,7 +45,7 @@ int view(const ViewOptions& options)
     Render::RenderSettings settings = settingsFrom(options.render);
     // The box is on screen, and dragging it changes the fill at once.
     settings.keepsClear = false;
-    useThreads(settings);
+    Files::useThreads(settings.threads);
     Viewer::Viewer viewer(std::make_unique<Viewer::ViewSession>(settings),
                           {settings.output, settings.parameterFile}, size);
     viewer.run();

@@ -49,6 +49,11 @@ std::string firstBytes(const std::filesystem::path& file)
 
 }  // namespace
 
+bool isPng(const FileFormat& format)
+{
+    return format.name == "png";
+}
+
 const FileFormat& formatByName(const std::filesystem::path& file)
 {
     std::string extension = file.extension().string();

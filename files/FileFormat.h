@@ -9,8 +9,6 @@
 #include <string>
 #include <string_view>
 
-#include <OpenImageIO/imageio.h>
-
 namespace Tesseret::Files {
 
 enum class Windows {
@@ -25,7 +23,6 @@ struct Compression {
     std::optional<int> level;  ///< PNG 0 to 9, JPEG quality 1 to 100, DWA 0 and up
 };
 
-/// Functions may be null unless said otherwise.
 struct FileFormat {
     std::string_view name;                         ///< the name in OpenImageIO
     std::string_view label;                        ///< the name for users
@@ -41,26 +38,16 @@ struct FileFormat {
     std::string_view attributes;  ///< prefix of the names of its own metadata
     bool keepsAttributes;         ///< from file to file; else they describe one file's bytes
 
-    /// The type that stores `wanted` in a file. Never null.
-    OIIO::TypeDesc (*storedType)(const OIIO::TypeDesc& wanted);
     std::string_view compressions;  ///< the valid compression settings, in words
-    /// Parses a setting; nullopt when the text is not valid. Null: the format has no settings.
+    /// Parses a setting; nullopt when the text is not valid. Null when the format has no settings.
     std::optional<Compression> (*compressionFrom)(const std::string& text);
-    /// Applies a setting, or the default where it is empty.
-    void (*setCompression)(OIIO::ImageSpec& spec, const Compression& chosen);
-    /// Final changes to the header before writing.
-    void (*adaptToWrite)(OIIO::ImageSpec& spec);
-
-    /// Whether a file is complete, for a library that prints lines of its own where it is not.
-    bool (*isWhole)(const std::filesystem::path& file);
-    /// Corrects the header as the library read it.
-    void (*correctRead)(OIIO::ImageSpec& spec);
-    /// Whether a message of the library after a read is harmless; null: none is.
-    bool (*isHarmless)(const std::string& message);
 };
 
 /// All of them.
 std::span<const FileFormat> fileFormats();
+
+/// PNG is the one format that is read and written without OpenImageIO.
+bool isPng(const FileFormat& format);
 
 /// By the name's extension, in upper or lower case. Throws `FileError` that lists the known ones.
 const FileFormat& formatByName(const std::filesystem::path& file);

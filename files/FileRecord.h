@@ -1,17 +1,8 @@
 #pragma once
 
-/// Data kept of a file besides its colours and alpha, so that a result becomes the same kind of
-/// file. Only the reader and the writer use its contents.
-
-#include <cstddef>
-#include <vector>
-
-#include <OpenImageIO/imageio.h>
-
-#include "files/FileFormat.h"
-#include "picture/Picture.h"
-
 namespace Tesseret::Files {
+
+struct PngHeader;
 
 /// The indices of the picture's channels in the file; -1 for none. A grey file has one index three
 /// times.
@@ -21,27 +12,16 @@ struct ChannelPlaces {
     bool isColour() const { return red != green; }
 };
 
-/// A channel that renders do not change (depth, normals, masks), in its own type.
-struct ExtraChannel {
-    int index;
-    OIIO::TypeDesc type;
-    std::vector<std::byte> samples;  ///< the data window in file order
-};
-
+/// Data kept of a file besides its colours and alpha, so that a result becomes the same kind of
+/// file. Only the readers and the writers know what it holds.
 struct FileRecord {
-    const FileFormat* format;
-    OIIO::ImageSpec spec;  ///< as read
-    ChannelPlaces places;
-    Depth depth;  ///< that holds every value of the colour channels
-    std::vector<ExtraChannel> extra;
+    FileRecord() = default;
+    virtual ~FileRecord() = default;
+    FileRecord(const FileRecord&) = delete;
+    FileRecord& operator=(const FileRecord&) = delete;
+
+    /// Of a PNG that was read without OpenImageIO; null for every other file.
+    virtual const PngHeader* png() const { return nullptr; }
 };
-
-/// Of a file's channels: those named R, G and B, else the first three, else the first as grey.
-ChannelPlaces findChannels(const OIIO::ImageSpec& spec);
-
-/// The depth a channel type is rendered in: integers of 8 and 16 bits as they are, the rest as
-/// float.
-Depth depthOf(const OIIO::TypeDesc& type);
-OIIO::TypeDesc typeOf(Depth depth);
 
 }  // namespace Tesseret::Files

@@ -1,103 +1,18 @@
 #include "files/PictureReader.h"
 
 #include <algorithm>
-#include <cmath>
 #include <new>
-#include <utility>
-
-#include <OpenImageIO/imageio.h>
 
 #include "files/FileError.h"
-#include "files/FileRecord.h"
+#include "files/FileFormat.h"
+#include "files/OpenPicture.h"
+#include "files/PictureLibrary.h"
+#include "files/PngCheck.h"
+#include "files/PngReader.h"
 
 namespace Tesseret::Files {
 
 namespace {
-
-constexpr int kMaxPixelsAcross = 1 << 17;
-
-std::string firstLine(const std::string& text)
-{
-    return text.substr(0, text.find('\n'));
-}
-
-[[noreturn]] void failDamaged(const std::filesystem::path& file, const std::string& reason)
-{
-    throw FileError(file, "is damaged or truncated" + (reason.empty() ? "" : ": " + reason));
-}
-
-/// An open file with its header.
-struct OpenFile {
-    std::filesystem::path file;
-    const FileFormat* format;
-    std::unique_ptr<OIIO::ImageInput> input;
-    OIIO::ImageSpec spec;
-};
-
-OpenFile open(const std::filesystem::path& file)
-{
-    OpenFile opened{file, &formatByContent(file), nullptr, {}};
-    const FileFormat& format = *opened.format;
-    if (format.isWhole != nullptr && !format.isWhole(file)) failDamaged(file, "");
-    opened.input = OIIO::ImageInput::create(std::string(format.name));
-    if (!opened.input) {
-        throw FileError(file, "this OpenImageIO cannot read " + std::string(format.label));
-    }
-    OIIO::ImageSpec asStored;
-    asStored.attribute("oiio:UnassociatedAlpha", 1);
-    if (!opened.input->open(file.string(), opened.spec, asStored)) {
-        failDamaged(file, firstLine(opened.input->geterror()));
-    }
-    const OIIO::ImageSpec& spec = opened.spec;
-    if (spec.deep) throw FileError(file, "is a deep picture, which cannot be rendered");
-    if (spec.width < 1 || spec.height < 1 || spec.depth > 1 || spec.nchannels < 1) {
-        throw FileError(file, "holds no flat picture");
-    }
-    if (spec.width > kMaxPixelsAcross || spec.height > kMaxPixelsAcross) {
-        throw FileError(file, "is too large: " + std::to_string(spec.width) + " x " +
-                                  std::to_string(spec.height) + " pixels");
-    }
-    if (format.correctRead != nullptr) format.correctRead(opened.spec);
-    return opened;
-}
-
-Depth colourDepth(const OIIO::ImageSpec& spec, const ChannelPlaces& places)
-{
-    return depthOf(spec.channelformat(places.red >= 0 ? places.red : places.alpha));
-}
-
-PictureInfo describe(const OpenFile& opened)
-{
-    const OIIO::ImageSpec& spec = opened.spec;
-    const ChannelPlaces places = findChannels(spec);
-    PictureInfo info;
-    info.file = opened.file;
-    info.displayWindow = {0, 0, spec.full_width, spec.full_height};
-    const int left = spec.x - spec.full_x;
-    const int top = spec.full_y + spec.full_height - spec.y;
-    info.dataWindow = {left, top - spec.height, left + spec.width, top};
-    const float aspect = spec.get_float_attribute("PixelAspectRatio", 1.0f);
-    info.pixelAspectRatio = std::isfinite(aspect) && aspect > 0.0f ? double{aspect} : 1.0;
-    info.depth = colourDepth(spec, places);
-    info.isColour = places.isColour();
-    info.hasAlpha = places.alpha >= 0;
-    if (info.hasAlpha) {
-        info.alpha = spec.get_int_attribute("oiio:UnassociatedAlpha") != 0 ? Alpha::Unpremultiplied
-                                                                           : Alpha::Premultiplied;
-    }
-    return info;
-}
-
-/// Reads channels [first, last) of the file into those of the picture from `target` on.
-bool readChannels(OpenFile& opened, int first, int last, Picture& picture, int target)
-{
-    const auto channel = static_cast<std::ptrdiff_t>(channelBytes(picture.depth()));
-    std::byte* const topRow = picture.row(picture.bounds().y2 - 1);
-    return opened.input->read_image(0, 0, first, last, typeOf(picture.depth()),
-                                    topRow + target * channel,
-                                    static_cast<OIIO::stride_t>(picture.pixelBytes()),
-                                    static_cast<OIIO::stride_t>(-picture.rowBytes()));
-}
 
 /// Grey goes to all three colours; a missing alpha becomes opaque.
 template <typename Channel>
@@ -125,44 +40,20 @@ void complete(Picture& picture, bool grey, bool opaque)
     }
 }
 
-bool readColours(OpenFile& opened, const ChannelPlaces& places, Picture& picture)
+bool readColours(OpenPicture& opened, Picture& picture)
 {
-    const auto [red, green, blue, alpha] = places;
-    if (places.isColour() && green == red + 1 && blue == red + 2) {
+    const auto [red, green, blue, alpha] = opened.places();
+    if (opened.places().isColour() && green == red + 1 && blue == red + 2) {
         const bool alphaNext = alpha == red + 3;
-        if (!readChannels(opened, red, red + (alphaNext ? 4 : 3), picture, 0)) return false;
-        return alphaNext || alpha < 0 || readChannels(opened, alpha, alpha + 1, picture, 3);
+        if (!opened.readChannels(red, red + (alphaNext ? 4 : 3), picture, 0)) return false;
+        return alphaNext || alpha < 0 || opened.readChannels(alpha, alpha + 1, picture, 3);
     }
-    if (red >= 0 && !readChannels(opened, red, red + 1, picture, 0)) return false;
-    if (places.isColour() && !(readChannels(opened, green, green + 1, picture, 1) &&
-                               readChannels(opened, blue, blue + 1, picture, 2))) {
+    if (red >= 0 && !opened.readChannels(red, red + 1, picture, 0)) return false;
+    if (opened.places().isColour() && !(opened.readChannels(green, green + 1, picture, 1) &&
+                                        opened.readChannels(blue, blue + 1, picture, 2))) {
         return false;
     }
-    return alpha < 0 || readChannels(opened, alpha, alpha + 1, picture, 3);
-}
-
-bool readExtra(OpenFile& opened, const ChannelPlaces& places, std::vector<ExtraChannel>& extra)
-{
-    for (int c = 0; c < opened.spec.nchannels; ++c) {
-        if (c == places.red || c == places.green || c == places.blue || c == places.alpha) continue;
-        ExtraChannel channel{c, opened.spec.channelformat(c), {}};
-        channel.samples.resize(opened.spec.image_pixels() * channel.type.size());
-        if (!opened.input->read_image(0, 0, c, c + 1, channel.type, channel.samples.data())) {
-            return false;
-        }
-        extra.push_back(std::move(channel));
-    }
-    return true;
-}
-
-/// Ends the reading. For a truncated file a library may fill in pixels and only leave a message.
-void checkRead(OpenFile& opened, bool read, std::vector<std::string>& warnings)
-{
-    const std::string message = firstLine(opened.input->geterror());
-    if (read && message.empty()) return;
-    const auto isHarmless = opened.format->isHarmless;
-    if (!read || isHarmless == nullptr || !isHarmless(message)) failDamaged(opened.file, message);
-    warnings.push_back(opened.file.string() + ": " + message);
+    return alpha < 0 || opened.readChannels(alpha, alpha + 1, picture, 3);
 }
 
 template <typename Channel>
@@ -227,13 +118,14 @@ bool isFullEverywhere(const Picture& matte, const OfxRectI& displayWindow)
     return isFull<float>(matte, 1.0f);
 }
 
-bool readMatte(OpenFile& opened, const ChannelPlaces& places, PictureFile& result)
+bool readMatte(OpenPicture& opened, PictureFile& result)
 {
     const PictureInfo& info = result.info;
+    const ChannelPlaces& places = opened.places();
     const auto take = [&](int place, MatteFrom from) {
         result.picture = Picture(info.dataWindow, info.depth, Components::Alpha);
         result.matteFrom = from;
-        return readChannels(opened, place, place + 1, result.picture, 0);
+        return opened.readChannels(place, place + 1, result.picture, 0);
     };
     if (info.hasAlpha) {
         if (!take(places.alpha, MatteFrom::Alpha)) return false;
@@ -242,52 +134,61 @@ bool readMatte(OpenFile& opened, const ChannelPlaces& places, PictureFile& resul
     }
     if (!info.isColour) return take(places.red, MatteFrom::Grey);
     Picture colours(info.dataWindow, info.depth);
-    if (!readColours(opened, places, colours)) return false;
+    if (!readColours(opened, colours)) return false;
     result.picture = luminance(colours);
     result.matteFrom = MatteFrom::Luminance;
     return true;
 }
 
-PictureFile readOpened(OpenFile& opened, ReadAs as, std::optional<Depth> depth)
+/// nullopt when another reader has to read the file.
+std::optional<PictureFile> readOpened(OpenPicture& opened, ReadAs as, std::optional<Depth> depth)
 {
     PictureFile result;
-    result.info = describe(opened);
-    FileRecord record{opened.format, opened.spec, findChannels(opened.spec), result.info.depth, {}};
+    result.info = opened.info();
     bool read = false;
     if (as == ReadAs::Matte) {
-        read = readMatte(opened, record.places, result);
+        read = readMatte(opened, result);
     } else {
         result.picture = Picture(result.info.dataWindow, result.info.depth);
-        read = readColours(opened, record.places, result.picture) &&
-               readExtra(opened, record.places, record.extra);
+        read = readColours(opened, result.picture) && opened.readExtra();
         complete(result.picture, !result.info.isColour, !result.info.hasAlpha);
     }
-    checkRead(opened, read, result.warnings);
-    if (opened.input->seek_subimage(1, 0)) {
-        result.warnings.push_back(opened.file.string() +
-                                  ": holds several pictures; only the first is used");
-    }
+    if (!opened.finish(read, result.warnings)) return std::nullopt;
     if (depth && *depth != result.picture.depth()) {
         result.picture = result.picture.converted(*depth, result.picture.components());
     }
     result.picture.setPixelAspectRatio(result.info.pixelAspectRatio);
     result.picture.setAlpha(result.info.alpha);
-    result.record = std::make_shared<const FileRecord>(std::move(record));
+    result.record = opened.takeRecord();
     return result;
+}
+
+/// Null for every other format, and for a PNG that only OpenImageIO reads. Throws `FileError`.
+std::unique_ptr<OpenPicture> openPng(const std::filesystem::path& file, const FileFormat& format)
+{
+    if (!isPng(format)) return nullptr;
+    // libpng would print a line of its own.
+    if (!isWholePng(file)) failDamaged(file, "");
+    return PngReader::open(file);
 }
 
 }  // namespace
 
 PictureInfo readInfo(const std::filesystem::path& file)
 {
-    return describe(open(file));
+    const FileFormat& format = formatByContent(file);
+    if (const auto png = openPng(file, format)) return png->info();
+    return pictureLibrary(file).open(file, format)->info();
 }
 
 PictureFile readPicture(const std::filesystem::path& file, ReadAs as, std::optional<Depth> depth)
 {
-    OpenFile opened = open(file);
+    const FileFormat& format = formatByContent(file);
     try {
-        return readOpened(opened, as, depth);
+        if (const auto png = openPng(file, format)) {
+            if (auto read = readOpened(*png, as, depth)) return *std::move(read);
+        }
+        return *readOpened(*pictureLibrary(file).open(file, format), as, depth);
     } catch (const std::bad_alloc&) {
         throw FileError(file, "is too large for memory");
     } catch (const PictureError&) {

@@ -2,30 +2,74 @@
 
 #include <new>
 
+#include "files/ConvertedPicture.h"
 #include "files/FileError.h"
-#include "files/OutputSpec.h"
-#include "files/PictureEncoder.h"
+#include "files/FileFormat.h"
+#include "files/PictureLibrary.h"
+#include "files/PngEncoder.h"
+#include "files/PngHeader.h"
 #include "files/WholeFile.h"
 
 namespace Tesseret::Files {
 
 namespace {
 
-/// The picture converted for writing; the picture itself when no conversion is needed.
-const Picture& prepared(const Picture& picture, const OutputSpec& out, Picture& storage)
+Compression compressionFor(const FileFormat& format, const WriteOptions& options)
 {
-    const OfxRectI a = picture.bounds();
-    const OfxRectI& b = out.window;
-    const Picture* result = &picture;
-    if (a.x1 != b.x1 || a.y1 != b.y1 || a.x2 != b.x2 || a.y2 != b.y2) {
-        storage = picture.copied(out.window, {});
-        result = &storage;
+    return options.compression.empty() ? Compression{}
+                                       : parseCompression(format, options.compression);
+}
+
+/// As libpng would, in the words of OpenImageIO.
+void checkPngSize(const std::filesystem::path& file, const OfxRectI& window)
+{
+    constexpr int kMost = 1'000'000;
+    const int width = window.x2 - window.x1;
+    const int height = window.y2 - window.y1;
+    if (width < 1 || height < 1) {
+        throw FileError(file,
+                        "cannot be written: Image resolution must be at least 1x1, you asked for " +
+                            std::to_string(width) + " x " + std::to_string(height));
     }
-    if (out.depth != picture.depth()) {
-        storage = result->converted(out.depth, Components::RGBA);
-        result = &storage;
+    if (width > kMost || height > kMost) {
+        throw FileError(file, "cannot be written: PNG write error: Invalid IHDR data");
     }
-    return *result;
+}
+
+PngLayout layoutFor(const std::filesystem::path& file, const Picture& picture,
+                    const FileRecord& record, const WriteOptions& options)
+{
+    const PngHeader* const header = record.png();
+    if (header == nullptr || !header->metadata) {
+        return pictureLibrary(file).pngLayout(file, picture, record, options);
+    }
+    return pngLayout(picture, *header, *header->metadata, options);
+}
+
+EncodedPicture encoded(const std::filesystem::path& file, const FileFormat& format,
+                       const Picture& picture, const FileRecord& record,
+                       const WriteOptions& options)
+{
+    if (!isPng(format)) {
+        return pictureLibrary(file).encode(file, format, picture, record, options);
+    }
+    const PngLayout layout = layoutFor(file, picture, record, options);
+    checkPngSize(file, layout.window);
+    Picture storage;
+    const Picture& prepared = converted(picture, layout.window, layout.depth, storage);
+    return {encodePng(prepared, layout, compressionFor(format, options)), layout.losses};
+}
+
+/// Of a PNG that was made here.
+PngHeader newPngHeader(const Picture& picture, bool isColour)
+{
+    PngHeader header;
+    header.width = picture.width();
+    header.height = picture.height();
+    header.channels = isColour ? 3 : 1;
+    header.depth = picture.depth();
+    header.metadata.emplace();
+    return header;
 }
 
 std::vector<std::string> lossTexts(const std::filesystem::path& file, const FileFormat& format,
@@ -58,27 +102,28 @@ std::vector<std::string> writePicture(const std::filesystem::path& file, const P
                                       const FileRecord& record, const WriteOptions& options)
 {
     const FileFormat& format = formatByName(file);
-    const OutputSpec out =
-        makeOutputSpec(format, record, picture.depth(), picture.bounds(), options.displayWindow,
-                       options.asColour, options.compression);
     try {
-        Picture storage;
-        writeWhole(file, encodePicture(file, format, out, prepared(picture, out, storage), record));
+        const EncodedPicture result = encoded(file, format, picture, record, options);
+        writeWhole(file, result.bytes);
+        return lossTexts(file, format, result.losses);
     } catch (const std::bad_alloc&) {
         throw FileError(file, "cannot be written: too large for memory");
     }
-    return lossTexts(file, format, out.losses);
 }
 
 void writeNewPicture(const std::filesystem::path& file, const Picture& picture, bool isColour)
 {
-    const OIIO::ImageSpec spec(picture.width(), picture.height(), isColour ? 3 : 1,
-                               typeOf(picture.depth()));
-    const ChannelPlaces places = isColour ? ChannelPlaces{0, 1, 2, -1} : ChannelPlaces{0, 0, 0, -1};
-    const FileRecord record{&formatByName(file), spec, places, picture.depth(), {}};
+    const FileFormat& format = formatByName(file);
     WriteOptions options;
     options.displayWindow = picture.bounds();
-    writePicture(file, picture, record, options);
+    if (isPng(format)) {
+        PngRecord record;
+        record.header = newPngHeader(picture, isColour);
+        writePicture(file, picture, record, options);
+    } else {
+        const auto record = pictureLibrary(file).newRecord(format, picture, isColour);
+        writePicture(file, picture, *record, options);
+    }
 }
 
 }  // namespace Tesseret::Files

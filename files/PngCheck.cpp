@@ -8,6 +8,8 @@
 
 #include <zlib.h>
 
+#include "files/PngChunk.h"
+
 namespace Tesseret::Files {
 
 namespace {
@@ -15,12 +17,6 @@ namespace {
 constexpr std::streamoff kSignatureBytes = 8;
 constexpr std::uint32_t kMaxChunkBytes = 0x7fffffff;
 constexpr std::size_t kBufferBytes = 1 << 16;
-
-std::uint32_t bigEndian(const unsigned char* bytes)
-{
-    return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 |
-           std::uint32_t{bytes[2]} << 8 | std::uint32_t{bytes[3]};
-}
 
 bool readBytes(std::ifstream& stream, unsigned char* bytes, std::size_t count)
 {

@@ -4,6 +4,7 @@
 
 #include "effect/ParameterNames.h"
 #include "files/FileError.h"
+#include "files/FileThreads.h"
 #include "files/PictureWriter.h"
 #include "render/JobError.h"
 
@@ -120,15 +121,16 @@ ClipPicture JobInputs::readClip(const Input& input, int frame, Depth depth)
 
 FramePictures JobInputs::read(int frame, Depth depth)
 {
+    std::vector<ClipPicture> read(inputs_.size());
+    Files::inParallel(inputs_.size(), [&](std::size_t i) {
+        const auto still = stills_.find(inputs_[i].clip);
+        read[i] = still != stills_.end() ? still->second : readClip(inputs_[i], frame, depth);
+    });
     FramePictures pictures;
-    for (const Input& input : inputs_) {
-        if (const auto still = stills_.find(input.clip); still != stills_.end()) {
-            pictures.insert(*still);
-            continue;
-        }
-        const ClipPicture picture = readClip(input, frame, depth);
-        pictures.emplace(input.clip, picture);
-        if (!input.pattern.isSequence() && isSequence_) stills_.emplace(input.clip, picture);
+    for (std::size_t i = 0; i < inputs_.size(); ++i) {
+        const Input& input = inputs_[i];
+        if (!input.pattern.isSequence() && isSequence_) stills_.emplace(input.clip, read[i]);
+        pictures.emplace(input.clip, std::move(read[i]));
     }
     if (has(Names::kMatte)) {
         checkMatte(pictures.at(Names::kMatte).info, pictures.at(Names::kSource).info);

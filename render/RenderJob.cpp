@@ -39,6 +39,8 @@ RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
       warnings_(listener),
       inputs_(settings_),
       depth_(settings_.depth.value_or(inputs_.source().depth)),
+      first_(std::async(std::launch::async,
+                        [this] { return readPictures(inputs_.frames().front()); })),
       messages_(listener, warnings_),
       session_(settings_.plugin, messages_.hostOptions(settings_.threads)),
       renderer_(settings_, InstanceSetup(session_, settings_, inputs_, depth_), listener, warnings_)
@@ -76,16 +78,24 @@ void RenderJob::run()
     written.get();
 }
 
-RenderJob::ReadFrame RenderJob::readFrame(int frame)
+RenderJob::ReadPictures RenderJob::readPictures(int frame)
 {
     const Stopwatch watch;
+    FramePictures pictures = inputs_.read(frame, depth_);
+    return {std::move(pictures), watch.seconds()};
+}
+
+RenderJob::ReadFrame RenderJob::readFrame(int frame)
+{
+    ReadPictures taken = first_.valid() ? first_.get() : readPictures(frame);
+    const Stopwatch watch;
     ReadFrame read;
-    read.pictures = inputs_.read(frame, depth_);
+    read.pictures = std::move(taken.pictures);
     for (const auto& [clip, picture] : read.pictures) {
         for (const std::string& warning : picture.warnings) warnings_.report(warning);
     }
     if (mattes_) read.matte = mattes_->prepare(read.pictures.at(Names::kMatte));
-    read.seconds = watch.seconds();
+    read.seconds = taken.seconds + watch.seconds();
     return read;
 }
 

@@ -3,6 +3,7 @@
 /// A whole render, from files through the plug-in to files. While a frame renders, the next one is
 /// read and the last one written.
 
+#include <future>
 #include <optional>
 #include <string>
 
@@ -47,6 +48,12 @@ private:
         FrameResult result;
     };
 
+    struct ReadPictures {
+        FramePictures pictures;
+        double seconds = 0.0;
+    };
+
+    ReadPictures readPictures(int frame);
     ReadFrame readFrame(int frame);
     RenderedFrame renderFrame(int frame, const ReadFrame& read);
     void writeFrame(RenderedFrame rendered);
@@ -57,6 +64,7 @@ private:
     WarningFilter warnings_;
     JobInputs inputs_;
     Depth depth_;
+    std::future<ReadPictures> first_;  ///< the first frame is read while the plug-in is loaded
     PluginMessages messages_;
     PluginSession session_;
     FrameRenderer renderer_;

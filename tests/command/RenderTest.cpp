@@ -1,9 +1,11 @@
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include "tests/fixtures/RenderFixture.h"
 
@@ -286,6 +288,29 @@ TEST_F(RenderTest, AFullDiskLeavesTheResultOfBefore)
         EXPECT_THAT(names(), UnorderedElementsAre("a.png", name));
         fs::remove(in(name));
     }
+}
+
+// Without the module beside the program, PNGs are rendered all the same.
+TEST_F(RenderTest, OnlyOtherFormatsNeedOpenImageIo)
+{
+    paint("a.png", 64, 48, noise(1));
+    paint("b.tif", 64, 48, noise(1));
+    paint("matte.png", 64, 48, [](int x, int) { return std::vector{x < 20 ? 255 : 0}; });
+    fs::create_directory("alone");
+    fs::copy_file(TESSERET_COMMAND, "alone/tesseret");
+    const auto run = [](const std::string& arguments) {
+        const std::string command = "alone/tesseret " + arguments + " >out 2>err";
+        return WEXITSTATUS(std::system(command.c_str()));
+    };
+    const auto errors = [] { return contents("err"); };
+    const std::string plugin = std::string(" --plugin ") + TESSERET_BUNDLE;
+    EXPECT_EQ(run("--version"), 0);
+    EXPECT_EQ(run("render -s a.png -m matte.png -o c.png" + plugin), 0) << errors();
+    EXPECT_EQ(load("c.png").width, 64);
+    EXPECT_EQ(run("render -s b.tif -o c.png" + plugin), 2);
+    EXPECT_THAT(errors(), HasSubstr("b.tif: OpenImageIO cannot be loaded: "));
+    EXPECT_EQ(run("render -s a.png -o c.exr" + plugin), 1);
+    EXPECT_THAT(errors(), HasSubstr("c.exr: OpenImageIO cannot be loaded: "));
 }
 
 TEST_F(RenderTest, NeverWritesOverWhatItReads)

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "files/FileRecord.h"
+#include "files/oiio/SpecRecord.h"
 
 namespace Tesseret::Files {
 
@@ -20,7 +20,7 @@ struct OutputSpec {
 };
 
 /// For a picture of these bounds and this depth that came from `record`.
-OutputSpec makeOutputSpec(const FileFormat& format, const FileRecord& record, Depth depth,
+OutputSpec makeOutputSpec(const FileFormat& format, const SpecRecord& record, Depth depth,
                           OfxRectI bounds, std::optional<OfxRectI> displayWindow, bool asColour,
                           const std::string& compression);
 

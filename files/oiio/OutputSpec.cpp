@@ -1,7 +1,9 @@
-#include "files/OutputSpec.h"
+#include "files/oiio/OutputSpec.h"
 
 #include <algorithm>
 #include <array>
+
+#include "files/oiio/FormatHooks.h"
 
 namespace Tesseret::Files {
 
@@ -20,7 +22,7 @@ bool isInside(const OfxRectI& inner, const OfxRectI& outer)
            inner.y2 <= outer.y2;
 }
 
-void chooseChannels(OutputSpec& out, const FileFormat& format, const FileRecord& record,
+void chooseChannels(OutputSpec& out, const FileFormat& format, const SpecRecord& record,
                     bool asColour)
 {
     const ChannelPlaces& places = record.places;
@@ -37,7 +39,7 @@ void chooseChannels(OutputSpec& out, const FileFormat& format, const FileRecord&
     if (out.channels.empty()) out.channels = {3};
 }
 
-void nameChannels(OIIO::ImageSpec& spec, const std::vector<int>& channels, const FileRecord& record)
+void nameChannels(OIIO::ImageSpec& spec, const std::vector<int>& channels, const SpecRecord& record)
 {
     const auto& old = record.spec.channelnames;
     const ChannelPlaces& places = record.places;
@@ -56,7 +58,7 @@ void nameChannels(OIIO::ImageSpec& spec, const std::vector<int>& channels, const
 }
 
 /// Extra channels are kept when the new file has the same pixels and can hold their types.
-void keepExtraChannels(OutputSpec& out, const FileFormat& format, const FileRecord& record)
+void keepExtraChannels(OutputSpec& out, const FileFormat& format, const SpecRecord& record)
 {
     if (record.extra.empty()) return;
     const TypeDesc type = out.spec.format;
@@ -83,7 +85,7 @@ void keepExtraChannels(OutputSpec& out, const FileFormat& format, const FileReco
 }
 
 /// The display window keeps its place in the file when the record's is used.
-void placeWindows(OutputSpec& out, const FileFormat& format, const FileRecord& record,
+void placeWindows(OutputSpec& out, const FileFormat& format, const SpecRecord& record,
                   OfxRectI bounds, std::optional<OfxRectI> displayWindow)
 {
     OIIO::ImageSpec& spec = out.spec;
@@ -105,7 +107,7 @@ void placeWindows(OutputSpec& out, const FileFormat& format, const FileRecord& r
 }
 
 /// Keeps metadata written by users, drops metadata about the old file's bytes.
-void cleanMetadata(OutputSpec& out, const FileFormat& format, const FileRecord& record)
+void cleanMetadata(OutputSpec& out, const FileFormat& format, const SpecRecord& record)
 {
     OIIO::ImageSpec& spec = out.spec;
     for (const char* stale :
@@ -133,13 +135,14 @@ void cleanMetadata(OutputSpec& out, const FileFormat& format, const FileRecord& 
 
 void setCompression(OIIO::ImageSpec& spec, const FileFormat& format, const std::string& text)
 {
-    if (format.setCompression == nullptr) return;
-    format.setCompression(spec, text.empty() ? Compression{} : parseCompression(format, text));
+    const FormatHooks& hooks = hooksOf(format);
+    if (hooks.setCompression == nullptr) return;
+    hooks.setCompression(spec, text.empty() ? Compression{} : parseCompression(format, text));
 }
 
 }  // namespace
 
-OutputSpec makeOutputSpec(const FileFormat& format, const FileRecord& record, Depth depth,
+OutputSpec makeOutputSpec(const FileFormat& format, const SpecRecord& record, Depth depth,
                           OfxRectI bounds, std::optional<OfxRectI> displayWindow, bool asColour,
                           const std::string& compression)
 {
@@ -148,14 +151,14 @@ OutputSpec makeOutputSpec(const FileFormat& format, const FileRecord& record, De
     const int first = record.places.red >= 0 ? record.places.red : record.places.alpha;
     const TypeDesc wanted =
         depth == record.depth ? record.spec.channelformat(first) : typeOf(depth);
-    out.spec.set_format(format.storedType(wanted));
+    out.spec.set_format(hooksOf(format).storedType(wanted));
     out.depth = depthOf(out.spec.format);
     chooseChannels(out, format, record, asColour);
     nameChannels(out.spec, out.channels, record);
     placeWindows(out, format, record, bounds, displayWindow);
     keepExtraChannels(out, format, record);
     cleanMetadata(out, format, record);
-    if (format.adaptToWrite != nullptr) format.adaptToWrite(out.spec);
+    if (const auto adapt = hooksOf(format).adaptToWrite) adapt(out.spec);
     setCompression(out.spec, format, compression);
     return out;
 }

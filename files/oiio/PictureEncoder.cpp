@@ -1,4 +1,4 @@
-#include "files/PictureEncoder.h"
+#include "files/oiio/PictureEncoder.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -50,7 +50,7 @@ int channelAt(int place, const OutputSpec& out, const ChannelPlaces& places)
 
 /// All of the file's channels, each in its own type, pixel by pixel from the top.
 std::vector<std::byte> interleave(const OutputSpec& out, const Picture& picture,
-                                  const FileRecord& record)
+                                  const SpecRecord& record)
 {
     const OIIO::ImageSpec& spec = out.spec;
     const auto pixelBytes = static_cast<OIIO::stride_t>(spec.pixel_bytes(true));
@@ -79,7 +79,7 @@ std::vector<std::byte> interleave(const OutputSpec& out, const Picture& picture,
 }
 
 bool writePixels(OIIO::ImageOutput& file, const OutputSpec& out, const Picture& picture,
-                 const FileRecord& record)
+                 const SpecRecord& record)
 {
     if (!out.keepsExtra && areNeighbours(out.channels)) {
         return file.write_image(typeOf(picture.depth()), topLeft(picture, out.channels.front()),
@@ -192,7 +192,7 @@ private:
 };
 
 bool encode(OIIO::ImageOutput& output, const std::string& name, const OutputSpec& out,
-            const Picture& picture, const FileRecord& record)
+            const Picture& picture, const SpecRecord& record)
 {
     return output.open(name, out.spec) && writePixels(output, out, picture, record) &&
            output.close();
@@ -211,7 +211,7 @@ void checkEncoded(const fs::path& file, const FileFormat& format, const OutputSp
 
 std::vector<std::byte> encodeNamed(OIIO::ImageOutput& output, const fs::path& file,
                                    const FileFormat& format, const OutputSpec& out,
-                                   const Picture& picture, const FileRecord& record)
+                                   const Picture& picture, const SpecRecord& record)
 {
     const SystemMemoryFile memory(file);
     {
@@ -228,7 +228,7 @@ std::vector<std::byte> encodeNamed(OIIO::ImageOutput& output, const fs::path& fi
 
 std::vector<std::byte> encodePicture(const fs::path& file, const FileFormat& format,
                                      const OutputSpec& out, const Picture& picture,
-                                     const FileRecord& record)
+                                     const SpecRecord& record)
 {
     const auto output = OIIO::ImageOutput::create(std::string(format.name));
     if (!output) {

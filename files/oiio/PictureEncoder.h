@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "files/OutputSpec.h"
+#include "files/oiio/OutputSpec.h"
 
 namespace Tesseret::Files {
 
@@ -13,6 +13,6 @@ namespace Tesseret::Files {
 /// `FileError`.
 std::vector<std::byte> encodePicture(const std::filesystem::path& file, const FileFormat& format,
                                      const OutputSpec& out, const Picture& picture,
-                                     const FileRecord& record);
+                                     const SpecRecord& record);
 
 }  // namespace Tesseret::Files

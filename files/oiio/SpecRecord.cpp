@@ -1,6 +1,7 @@
-#include "files/FileRecord.h"
+#include "files/oiio/SpecRecord.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Tesseret::Files {
 
@@ -20,6 +21,13 @@ int indexOf(const OIIO::ImageSpec& spec, std::initializer_list<const char*> name
 }
 
 }  // namespace
+
+SpecRecord::SpecRecord(const FileFormat& fileFormat, OIIO::ImageSpec asRead)
+    : format(&fileFormat),
+      spec(std::move(asRead)),
+      places(findChannels(spec)),
+      depth(depthOf(spec.channelformat(places.red >= 0 ? places.red : places.alpha)))
+{}
 
 ChannelPlaces findChannels(const OIIO::ImageSpec& spec)
 {
