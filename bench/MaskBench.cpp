@@ -93,13 +93,6 @@ void bandCut(benchmark::State& state)
 }
 BENCHMARK(bandCut)->Unit(benchmark::kMillisecond);
 
-void bandWeight(benchmark::State& state)
-{
-    BandWeight node(255.0f);
-    perPixelNode<BandWeight, Pixel32f, Pixel32f>(state, node, ellipse());
-}
-BENCHMARK(bandWeight)->Unit(benchmark::kMillisecond);
-
 void mapCopy(benchmark::State& state)
 {
     MapCopy<Pixel32f> node;

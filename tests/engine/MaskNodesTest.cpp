@@ -57,25 +57,6 @@ TEST(BandCut, KeepsWhatIsStrongEnoughOutsideTheFillRegion)
     }
 }
 
-TEST(BandWeight, IsAShareOfTheMaximumFromZeroToOne)
-{
-    const FakeServices services;
-    struct Case {
-        float maximum, in, out;
-    };
-    const Case cases[] = {{255, 300, 1},       {255, -5, 0},        {255, 1, 0.003921569f},
-                          {255, 0, 0},         {65535, 65535, 1},   {65535, 1, 1.5259022e-05f},
-                          {1, 0.25f, 0.25f},   {1, 1.5f, 1},        {1, kNan, 0},
-                          {255, kInfinity, 1}, {255, -kInfinity, 0}};
-    for (const Case& c : cases) {
-        TestMap<Pixel32f> band(1, 1), weight(1, 1);
-        band.pixels() = {c.in};
-        BandWeight node(c.maximum);
-        node.process(*band, *weight);
-        EXPECT_EQ(weight.at(0, 0), c.out) << c.in << " of " << c.maximum;
-    }
-}
-
 template <typename Pixel>
 class WorkMapNodes : public ::testing::Test {};
 using WorkPixels = ::testing::Types<Pixel32f, Pixel32i>;
