@@ -13,6 +13,7 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
+#include <malloc.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -363,6 +364,14 @@ private:
     std::vector<pid_t> children_;
 };
 
+/// Keeps freed memory for the next render, as hosts with a pool of image memory do: else the times
+/// are those of page faults, which depend on the order in which a plug-in frees its maps.
+void keepFreedMemory()
+{
+    ::mallopt(M_MMAP_MAX, 0);
+    ::mallopt(M_TRIM_THRESHOLD, -1);
+}
+
 struct Options {
     std::filesystem::path pictures;
     std::vector<std::string> plugins;
@@ -456,6 +465,7 @@ int run(int argc, char** argv)
                    "Instead, abort at this many moments and print the longest delay")
         ->check(CLI::Range(0, 1000));
     CLI11_PARSE(app, argc, argv);
+    keepFreedMemory();
     const Load load(options.busy);
     bool same = true;
     for (const Job& job : allJobs()) {
