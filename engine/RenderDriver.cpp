@@ -103,6 +103,7 @@ public:
         context_.readFill(fill);
         auto settings = settingsOf<Pixel>(fill);
         settings.useStoredBlocks = useStoredBlocks;
+        settings.keepsBlocks = fill.temporalConsistency;
         if (!mask_.exists()) {
             noteMissingMask(fill.maskOrigin);
         } else if (!useStoredBlocks && !prepareMask(settings)) {

@@ -99,6 +99,20 @@ void copyColours(const Pixel* from, const Pixel* alphaFrom, Pixel* to, int count
     }
 }
 
+/// Whether alpha is M everywhere.
+template <typename Pixel>
+bool isOpaque(const Rows<Pixel>& rows, int width, int height)
+{
+    constexpr auto kOpaque = PixelTraits<Pixel>::stored(PixelTraits<Pixel>::kMax);
+    for (int y = 0; y < height; ++y) {
+        const Pixel* row = rows.at(y);
+        int other = 0;
+        for (int x = 0; x < width; ++x) other |= row[x].a != kOpaque ? 1 : 0;
+        if (other != 0) return false;
+    }
+    return true;
+}
+
 /// Part of a row to composite, from its first pixel on.
 template <typename Pixel>
 struct CompositeSpan {
@@ -175,7 +189,7 @@ void SynthesisNode<Pixel>::begin()
     if (this->pollAbort()) return;
     if (settings_.fillAll || settings_.fillMask == nullptr) {
         compositeTextureOnly();
-        quilt(this->region());
+        quilt(this->region(), {});
     } else {
         fillMasked(fillRect);
     }
@@ -187,6 +201,7 @@ void SynthesisNode<Pixel>::replay()
     const ObservedStage stage(observer_, "replay");
     BlockReplay<Pixel> blocks(*state_, textures_, this->region(), this->statusRecord(), observer_);
     laid_ = blocks.run({settings_.blocks.blendW, settings_.blocks.blendH}, this->target());
+    laidPart_ = laid_.storedExtent();
     copyLaidOutside();
 }
 
@@ -220,7 +235,7 @@ void SynthesisNode<Pixel>::copyLaidOutside()
 template <typename Pixel>
 void SynthesisNode<Pixel>::keepLaid()
 {
-    const Region common = laid_.storedExtent().within(this->target().storedExtent());
+    const Region common = laidPart_.within(this->target().storedExtent());
     if (common.isEmpty() || !laid_.isUsable()) return;
     for (int y = common.y0; y < common.y1; ++y) {
         RowWriter to(this->target(), y);
@@ -276,12 +291,44 @@ void SynthesisNode<Pixel>::compositeTextureOnly()
     fill.process(&mask);
 }
 
+/// Whether what is laid beyond the pixels that later stages read need not be known: nothing keeps
+/// it, no earlier mask or gain lets it show, and its alpha is M wherever the blocks come from.
 template <typename Pixel>
-void SynthesisNode<Pixel>::quilt(const Region& fillRect)
+bool SynthesisNode<Pixel>::mayLeaveOut(const Region& fillRect) const
+{
+    const Region written = fillRect.within(this->target().storedExtent());
+    return !settings_.keepsBlocks && written == written.within(this->region()) &&
+           !state_->compositeMask.isUsable() && !state_->luminanceGain.isUsable() &&
+           texturesAreOpaque();
+}
+
+/// Blocks come from the sample box; from anywhere, when they avoid the fill region or when the box
+/// is empty or extends beyond a texture, where it reads mirrored pixels.
+template <typename Pixel>
+bool SynthesisNode<Pixel>::texturesAreOpaque() const
+{
+    const Region& box = settings_.sampleBox;
+    const bool usesBox = !settings_.avoidFillRegion && !box.isEmpty();
+    return std::ranges::all_of(textures_, [&](const Map<Pixel>* texture) {
+        const bool isPart = (texture->domainFlags() & MapDomain::kStoresPart) != 0;
+        if (isPart || !texture->isUsable()) return false;
+        const int width = box.x1 - box.x0, height = box.y1 - box.y0;
+        const Pixel* inBox =
+            usesBox ? texture->interiorPixels(box.x0, box.y0, width, height) : nullptr;
+        if (inBox != nullptr) return isOpaque(Rows<Pixel>{inBox, texture->stride()}, width, height);
+        return isOpaque(Rows<Pixel>{texture->pixelAt(0, 0), texture->stride()}, texture->width(),
+                        texture->height());
+    });
+}
+
+/// Quilts the fill rectangle into a buffer of its own.
+template <typename Pixel>
+void SynthesisNode<Pixel>::quilt(const Region& fillRect, const Region& wanted)
 {
     const ObservedStage stage(observer_, "quilt");
     QuiltInputs<Pixel> inputs;
     inputs.fillRect = fillRect;
+    inputs.wanted = wanted;
     inputs.sampleBox = settings_.sampleBox;
     inputs.textures = textures_;
     inputs.source = &this->other();
@@ -293,10 +340,13 @@ void SynthesisNode<Pixel>::quilt(const Region& fillRect)
     inputs.avoidFillRegion = settings_.avoidFillRegion;
     inputs.seed = settings_.seed;
     inputs.blocks = settings_.blocks;
-    inputs.blockList = &state_->blockList;
+    // What is recorded is also reported.
+    const bool isRecorded = settings_.keepsBlocks || observer_ != nullptr;
+    inputs.blockList = isRecorded ? &state_->blockList : nullptr;
     inputs.statusRecord = this->statusRecord();
     inputs.observer = observer_;
     const QuiltResult result = Quilt<Pixel>(inputs).run();
+    laidPart_ = wanted.isEmpty() ? laid_.storedExtent() : wanted.within(laid_.storedExtent());
     state_->savedBlockSize = result.blockSize;
     if (!result.hasRoom) state_->valid = false;  // there is nothing to replay
 }
@@ -310,11 +360,13 @@ void SynthesisNode<Pixel>::fillMasked(const Region& fillRect)
     const int reach = blurReach(settings_.pathWidth) + blurReach(settings_.edgeBlend);
     shown_ = boundsOf(*settings_.fillMask, reach);
     prepareBand(fillRect);
-    quilt(fillRect);
+    const Region read = {shown_.x0 - kReadBeyond, shown_.y0 - kReadBeyond, shown_.x1 + kReadBeyond,
+                         shown_.y1 + kReadBeyond};
+    const bool leavesOut = mayLeaveOut(fillRect);
+    quilt(fillRect, leavesOut ? read : Region{});
     if (this->pollAbort()) return;
-    copyLaid({shown_.x0 - kReadBeyond, shown_.y0 - kReadBeyond, shown_.x1 + kReadBeyond,
-              shown_.y1 + kReadBeyond});
-    copyLaidOutside();
+    copyLaid(read);
+    if (!leavesOut) copyLaidOutside();
     reports_.reportGuides(*settings_.fillMask, pathBand_);
     if (settings_.luminanceMatch) matchLuminance(fillRect);
     if (this->pollAbort()) return;
@@ -406,6 +458,10 @@ void SynthesisNode<Pixel>::beginPass()
 {
     reports_.reportComposite(textures_.size(), placedRegion(), boundary_);
     compositing_.emplace(observer_, "composite");
+    if (laidPart_ == laid_.storedExtent()) return;
+    Pixel opaque{};
+    opaque.a = PixelTraits<Pixel>::stored(kMax);
+    opaque_.assign(static_cast<std::size_t>(this->region().x1 - this->region().x0), opaque);
 }
 
 template <typename Pixel>
@@ -439,12 +495,17 @@ void SynthesisNode<Pixel>::compositeRow(int y)
     const Region& region = this->region();
     const RowReader source(this->other(), y);
     RowWriter out(this->target(), y);
-    const auto laid = RowReader(laid_, y).interior(region.x0, region.x1);
+    const auto covered = RowReader(laid_, y).interior(region.x0, region.x1);
+    const Region part = laidPart_.within({covered.begin, y, covered.end, y + 1});
+    const PixelSpan<Pixel> laid =
+        part.isEmpty()
+            ? PixelSpan<Pixel>{covered.begin, covered.begin, nullptr}
+            : PixelSpan<Pixel>{part.x0, part.x1, covered.pixels + (part.x0 - covered.begin)};
     const auto gain = RowReader(state_->luminanceGain, y).interior(region.x0, region.x1);
     const auto mask = RowReader(state_->compositeMask, y).interior(region.x0, region.x1);
     // Between these the same maps have pixels.
-    std::array ends{region.x0, laid.begin, laid.end, gain.begin,
-                    gain.end,  mask.begin, mask.end, region.x1};
+    std::array ends{region.x0,  covered.begin, covered.end, laid.begin, laid.end,
+                    gain.begin, gain.end,      mask.begin,  mask.end,   region.x1};
     std::ranges::sort(ends);
     for (std::size_t i = 1; i < ends.size(); ++i) {
         const int x = ends[i - 1];
@@ -453,6 +514,9 @@ void SynthesisNode<Pixel>::compositeRow(int y)
             return x >= span.begin && x < span.end ? span.pixels + (x - span.begin) : nullptr;
         };
         const Pixel* texture = within(laid);
+        if (texture == nullptr && within(covered) != nullptr) {
+            texture = opaque_.data() + (x - region.x0);
+        }
         composite<Pixel>(source, {.begin = x,
                                   .end = ends[i],
                                   .out = out.from(x),

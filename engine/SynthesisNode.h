@@ -25,6 +25,7 @@ struct SynthesisSettings {
     int seed = 0;
     BlockSettings blocks;
     bool useStoredBlocks = false;  ///< replay the blocks of the state
+    bool keepsBlocks = true;       ///< later renders may replay this one's blocks
     // The rest is used only with a mask. Lengths are pixels.
     float pathWidth = 0.0f;       ///< reach of the band that the boundary may run in
     float edgeBlend = 0.0f;       ///< softening of the boundary
@@ -59,7 +60,9 @@ private:
     Region findFillRect();
     void replay();
     void compositeTextureOnly();
-    void quilt(const Region& fillRect);
+    bool mayLeaveOut(const Region& fillRect) const;
+    bool texturesAreOpaque() const;
+    void quilt(const Region& fillRect, const Region& wanted);
     void fillMasked(const Region& fillRect);
     void prepareBand(const Region& fillRect);
     void matchLuminance(const Region& fillRect);
@@ -77,6 +80,8 @@ private:
     std::optional<ObservedStage> compositing_;
     std::vector<Map<Pixel>*> textures_;
     Map<Pixel> laid_;                   ///< texture for the composite; elsewhere, the target's
+    Region laidPart_;                   ///< of `laid_`; the rest is opaque and does not show
+    std::vector<Pixel> opaque_;         ///< a row of it, as wide as the window
     Region shown_;                      ///< where texture can show; all masks are 0 beyond it
     Map<Pixel32f> pathBand_;            ///< positive on known pixels round the fill region
     Map<PixelVec2f> bandGradient_;      ///< of the blurred mask; points into the fill region

@@ -1,6 +1,7 @@
 #include "engine/boundary/WeightedPointPicker.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "engine/map/MapRow.h"
 
@@ -28,11 +29,17 @@ private:
     std::uint32_t seed_;
 };
 
-/// The sum with one more weight. Adding 0 changes nothing but takes its turn, and most weights are
-/// 0.
-double sumWith(double sum, float weight)
+/// The sum with a weight added a number of times, one after the other. Most weights of a mask are 0
+/// or M, in long runs: where no addition rounds, one does for all.
+double addedTo(double sum, float weight, std::ptrdiff_t times)
 {
-    return weight != 0.0f ? sum + static_cast<double>(weight) : sum;
+    if (weight == 0.0f) return sum;
+    constexpr double kExact = 9007199254740992.0;  // 2^53
+    const double w = weight, all = w * static_cast<double>(times);
+    const auto isWhole = [](double v) { return v == std::trunc(v); };
+    if (isWhole(w) && isWhole(sum) && sum + all < kExact) return sum + all;
+    for (std::ptrdiff_t i = 0; i < times; ++i) sum += w;
+    return sum;
 }
 
 }  // namespace
@@ -64,6 +71,19 @@ std::span<const float> WeightedPointPicker::valuesOf(int y, std::vector<float>& 
     copy.resize(size);
     for (int i = 0; i < count; ++i) copy[static_cast<std::size_t>(i)] = row[region().x0 + i];
     return copy;
+}
+
+/// The sum with the weights of some values added, in order.
+double WeightedPointPicker::sumWith(double sum, std::span<const float> values) const
+{
+    for (auto run = values.begin(); run != values.end();) {
+        const float value = *run;
+        const auto end = std::find_if(run, values.end(), [value](float v) { return v != value; });
+        const auto next = end == run ? run + 1 : end;  // NaN differs from itself
+        sum = addedTo(sum, weight(value), next - run);
+        run = next;
+    }
+    return sum;
 }
 
 float WeightedPointPicker::weight(float value) const
@@ -98,7 +118,7 @@ void WeightedPointPicker::processPass()
     double sum = 0.0;
     const int last = std::min(rows.end, region().y1);
     for (int y = std::max(rows.begin, region().y0); y < last; ++y) {
-        for (const float value : valuesOf(y, copy)) sum = sumWith(sum, weight(value));
+        sum = sumWith(sum, valuesOf(y, copy));
     }
     partialSums_[static_cast<std::size_t>(threadIndex())] = sum;
 }
@@ -126,9 +146,17 @@ std::vector<int> WeightedPointPicker::matchRows(const std::vector<double>& targe
     std::vector<float> copy;
     double sum = 0.0;  // exact: float weights added in double, in scan order
     for (int y = region().y0; y < region().y1; ++y) {
-        for (const float value : valuesOf(y, copy)) {
+        const std::span<const float> values = valuesOf(y, copy);
+        if (rows.size() == targets.size()) return rows;
+        // Sums never fall: a target that the row's end does not reach is not in the row.
+        const double rowEnd = sumWith(sum, values);
+        if (rowEnd < targets[rows.size()]) {
+            sum = rowEnd;
+            continue;
+        }
+        for (const float value : values) {
             if (rows.size() == targets.size()) return rows;
-            sum = sumWith(sum, weight(value));
+            sum = addedTo(sum, weight(value), 1);
             if (targets[rows.size()] <= sum) rows.push_back(y);
         }
     }

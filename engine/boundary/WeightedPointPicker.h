@@ -42,6 +42,7 @@ public:
 
 private:
     std::span<const float> valuesOf(int y, std::vector<float>& copy) const;
+    double sumWith(double sum, std::span<const float> values) const;
     float weight(float value) const;
     std::vector<int> matchRows(const std::vector<double>& targets) const;
     std::optional<PixelVec2f> drawInRow(int y, double noise) const;

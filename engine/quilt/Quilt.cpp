@@ -59,6 +59,19 @@ QuiltResult Quilt<Pixel>::run()
     return result;
 }
 
+/// Finds the rows of blocks that have to be placed. A row changes nothing below its corner. Within
+/// a row every block counts, since the seam with the row below is the best one over its whole
+/// width; and so does every row up to the last one wanted where they are recorded or reported.
+template <typename Pixel>
+void Quilt<Pixel>::findWanted()
+{
+    endRow_ = grid_.rows();
+    wanted_ = in_.wanted.within(in_.fillRect);
+    if (in_.wanted.isEmpty()) wanted_ = in_.fillRect;
+    if (in_.blockList != nullptr || in_.observer != nullptr) return;
+    while (endRow_ > 0 && grid_.rowY(endRow_ - 1) >= wanted_.y1) --endRow_;
+}
+
 /// Clamps the sizes to each other; a host may pass any values.
 template <typename Pixel>
 void Quilt<Pixel>::clampSizes()
@@ -87,6 +100,7 @@ bool Quilt<Pixel>::makeRoom()
     grid_ = BlockGrid(rect, blocks_);
     const int workers = work_.workers();
     if (workers > 1) grid_.splitRuns(kRunsPerThread * workers);
+    findWanted();
     fillBuffer_.setSize(rect.x1 - rect.x0, rect.y1 - rect.y0);
     fillBuffer_.placeAt(rect.x0, rect.y0);
     fillBuffer_.allocate();
@@ -148,11 +162,12 @@ template <typename Pixel>
 bool Quilt<Pixel>::placeBlocks()
 {
     for (int step = 0; step <= grid_.steps(); ++step) {
-        const std::vector<BlockRun> runs =
+        std::vector<BlockRun> runs =
             step < grid_.steps() ? grid_.runsOf(step) : std::vector<BlockRun>{};
+        std::erase_if(runs, [this](const BlockRun& run) { return run.row >= endRow_; });
         // Rows that the previous step completed are joined in this one.
         std::vector<int> joins;
-        for (int row = 0; row < grid_.rows(); ++row) {
+        for (int row = 0; row < endRow_; ++row) {
             if (grid_.lastStepOf(row) == step - 1) joins.push_back(row);
         }
         const int runCount = static_cast<int>(runs.size());
@@ -241,6 +256,17 @@ Pixel* Quilt<Pixel>::stripAt(int row, int y)
     return strips_.pixelAt(0, (row - 1) * blocks_.overlapH + y);
 }
 
+/// Whether anything reads a block's row y: the strips in which rows of blocks overlap, and what is
+/// wanted.
+template <typename Pixel>
+bool Quilt<Pixel>::isRead(const BlockPlace& place, int y) const
+{
+    if (y < place.overlapH || y >= blocks_.strideY()) return true;
+    const int at = place.y + y;
+    return at >= wanted_.y0 && at < wanted_.y1 && place.x < wanted_.x1 &&
+           place.x + place.width > wanted_.x0;
+}
+
 /// Pastes a block along its vertical seam; the first of a row has none.
 template <typename Pixel>
 void Quilt<Pixel>::pasteBlock(const BlockPlace& place, const Rows<Pixel>& block,
@@ -249,6 +275,7 @@ void Quilt<Pixel>::pasteBlock(const BlockPlace& place, const Rows<Pixel>& block,
     const int blend = place.firstInRow() ? 0 : blocks_.blendW;
     const std::vector<float> ramp = blendRamp(blend);
     for (int y = 0; y < place.height; ++y) {
+        if (!isRead(place, y)) continue;
         Pixel* to = pixelsAt(place, y);
         const Pixel* from = block.at(y);
         // Columns relative to the block's corner.
@@ -302,10 +329,13 @@ void Quilt<Pixel>::pasteStrip(int row, std::span<const int> seam)
     std::vector<int> cuts;
     cuts.reserve(seam.size());
     for (const int y : seam) cuts.push_back(cutAt(rowY, static_cast<float>(y)) - rowY);
+    const auto begin = static_cast<std::size_t>(wanted_.x0 - in_.fillRect.x0);
+    const auto end = static_cast<std::size_t>(wanted_.x1 - in_.fillRect.x0);
     for (int y = 0; y < grid_.rowOverlap(row); ++y) {
+        if (rowY + y < wanted_.y0 || rowY + y >= wanted_.y1) continue;
         const Pixel* from = stripAt(row, y);
         Pixel* to = fillBuffer_.pixelAt(0, rowY - in_.fillRect.y0 + y);
-        for (std::size_t x = 0; x < cuts.size(); ++x) {
+        for (std::size_t x = begin; x < end; ++x) {
             const int inBand = y - cuts[x] + blend;  // from the band's first row on
             if (inBand >= 2 * blend) {
                 to[x] = from[x];

@@ -17,8 +17,9 @@ namespace Orvane::Engine {
 /// The inputs of a quilt. Maps are borrowed for one call.
 template <typename Pixel>
 struct QuiltInputs {
-    Region fillRect;                           ///< the area to cover
-    Region sampleBox;                          ///< where candidates come from; may be empty
+    Region fillRect;   ///< the area to cover
+    Region wanted;     ///< where pixels are read; elsewhere some may be left out. Empty: all
+    Region sampleBox;  ///< where candidates come from; may be empty
     std::span<Map<Pixel>* const> textures;     ///< at least one
     const Map<Pixel>* source = nullptr;        ///< known pixels, where `weightMap` is positive
     Map<Pixel>* target = nullptr;              ///< written over the fill rectangle
@@ -76,6 +77,7 @@ private:
         std::int64_t drawn;
     };
 
+    void findWanted();
     void clampSizes();
     bool makeRoom();
     void findAvoidFailure();
@@ -86,6 +88,7 @@ private:
     void findVerticalSeam(const BlockPlace& place, const Rows<Pixel>& block,
                           Workspace& workspace) const;
     void pasteBlock(const BlockPlace& place, const Rows<Pixel>& block, std::span<const int> seam);
+    bool isRead(const BlockPlace& place, int y) const;
     void joinRow(int row, Workspace& workspace);
     void pasteStrip(int row, std::span<const int> seam);
     void record(const BlockPlace& place, const Candidate& best, std::span<const int> seam);
@@ -99,6 +102,8 @@ private:
 
     QuiltInputs<Pixel> in_;
     BlockSettings blocks_;  ///< clamped once the quilt runs
+    Region wanted_;         ///< of the fill rectangle
+    int endRow_ = 0;        ///< the rows of blocks from here on are not wanted
     SharedWork work_;
     BlockGrid grid_;
     std::vector<TextureView<Pixel>> textures_;
