@@ -22,7 +22,7 @@ namespace {
 constexpr float kMinLuminanceBlur = 2.0f;
 
 /// More than the luminance match and the boundary read beyond what shows, pixels.
-constexpr int kReadBeyond = 64;
+constexpr int kReadBeyond = 32;
 
 /// The note on a boundary outcome, or null.
 const char* noteOf(BoundaryOutcome outcome)

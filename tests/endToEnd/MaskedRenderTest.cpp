@@ -95,6 +95,37 @@ TEST_P(MaskedDepths, TakeTheMaskFromTheSourcesAlpha)
     }
 }
 
+/// Without consistency, what cannot show is left out where alpha is known.
+TEST_P(MaskedDepths, LeaveOutNothingThatShows)
+{
+    const OfxRectI bounds{-20, 10, 340, 250};
+    for (const bool isOpaque : {true, false}) {
+        const auto source = texturePicture(bounds, GetParam(), 1);
+        if (!isOpaque) fillChannel(*source, {100, 100, 101, 101}, 3, 0.5);
+        MaskedRig rig(GetParam());
+        rig.destroyInstance();
+        Instance& instance = rig.create(kOfxImageEffectContextGeneral, source);
+        rig.connect("Matte", mattePicture(box(150, 90, 171, 121), GetParam(), bounds));
+        instance.set("blockSize", 30);
+        instance.set("overlap", 10);
+        instance.set("numSamples", 4);
+        instance.set("pathWidth", 3.0);
+        instance.set("edgeBlend", 1.0);
+        for (const int match : {0, 1}) {
+            instance.set("luminanceMatch", match);
+            instance.set("avoidFillRegion", match);
+            for (const OfxRectI window : {bounds, OfxRectI{60, 60, 290, 120}}) {
+                Picture leftOut(bounds, GetParam()), whole(bounds, GetParam());
+                instance.set("temporalConsistancy", 0);
+                EXPECT_EQ(rig.render(0.0, window, leftOut), kOfxStatOK);
+                instance.set("temporalConsistancy", 1);
+                EXPECT_EQ(rig.render(0.0, window, whole), kOfxStatOK);
+                EXPECT_TRUE(samePixels(leftOut, whole)) << isOpaque << match << window.x1;
+            }
+        }
+    }
+}
+
 TEST(Masked, LengthsOfAnySizeAreDefined)
 {
     MaskedRig rig;
