@@ -39,6 +39,7 @@ ARROWS = {
     "effect": ["effect/ParameterNames.h", "overlay", "products/OFX/Support", "ofx", "engine", "libraries", "platform"],
     "picture": ["ofx"],
     "host": ["picture", "ofx", "platform"],
+    "host/imitation": ["host", "picture", "ofx"],
     "files": ["picture", "ofx"],
     "render": ["effect/ParameterNames.h", "host", "files", "picture", "ofx", "platform"],
     "viewer/model": ["effect/ParameterNames.h", "render", "host", "files", "picture", "ofx"],
