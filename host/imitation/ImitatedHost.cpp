@@ -202,17 +202,25 @@ bool ImitatedHost::convert(PropertyValue& value, PropertyType wanted)
 /// What there is to read of an instance's project now.
 ProjectProperties ImitatedHost::projectOf(const Instance& instance)
 {
+    const auto until = [](bool isOver, ProjectProperties before) {
+        return isOver ? ProjectProperties::Readable : before;
+    };
     const ProjectProperties given = quirks_.projectProperties;
-    if (given == ProjectProperties::Readable || given == ProjectProperties::Never) return given;
+    if (given == ProjectProperties::StandardAtFirst) {
+        return until(
+            std::ranges::any_of(instance.clips(),
+                                [](const auto& clip) { return clip->source() != nullptr; }),
+            given);
+    }
+    if (given != ProjectProperties::AfterFirstRender) return given;
     const std::lock_guard lock(mutex_);
-    if (rendered_.contains(instance.handle())) return ProjectProperties::Readable;
-    return given == ProjectProperties::AfterFirstRender ? ProjectProperties::Never : given;
+    return until(rendered_.contains(instance.handle()), ProjectProperties::Never);
 }
 
 void ImitatedHost::propertiesUpdated(Instance& instance)
 {
     const ProjectProperties project = projectOf(instance);
-    if (project == ProjectProperties::SetUpByRender) {
+    if (project == ProjectProperties::StandardAtFirst) {
         instance.properties().assign(kOfxImageEffectPropProjectSize, {720.0, 576.0});
     } else if (project == ProjectProperties::Never) {
         for (const char* name :

@@ -154,13 +154,11 @@ KnownHost tuttle()
     quirks.identity.pageRowsAndColumns = kNoPages;
     quirks.describeTwice = true;
     quirks.refusedWrites = refusedLists();
-    quirks.projectProperties = ProjectProperties::SetUpByRender;
+    quirks.projectProperties = ProjectProperties::StandardAtFirst;
     quirks.rowLayout = RowLayout{.topDown = true};
     quirks.memoryRefusesNullEffect = true;
     quirks.threadIndexStatus = kOfxStatFailed;
-    return {"tuttle",
-            "TuttleOFX: describes twice, top-down rows, threads without an index, "
-            "a project of 720 x 576 at first",
+    return {"tuttle", "TuttleOFX: describes twice, top-down rows, threads without an index",
             quirks};
 }
 
