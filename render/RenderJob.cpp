@@ -37,10 +37,11 @@ RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
     : settings_(std::move(settings)),
       listener_(listener),
       warnings_(listener),
+      host_(settings_.hostLike),
       inputs_(settings_),
-      depth_(settings_.depth.value_or(inputs_.source().depth)),
+      depth_(host_.depthFor(settings_.depth, inputs_.source().depth)),
       messages_(listener, warnings_),
-      session_(settings_.plugin, messages_.hostOptions(settings_.threads)),
+      session_(settings_.plugin, host_.adapted(messages_.hostOptions(settings_.threads))),
       renderer_(settings_, InstanceSetup(session_, settings_, inputs_, depth_), listener, warnings_)
 {
     if (fillRegion().source == MaskSource::Matte) {
