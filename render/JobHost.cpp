@@ -60,4 +60,10 @@ Depth JobHost::depthFor(std::optional<Depth> asked, Depth source) const
                      known_->name + " renders in " + names);
 }
 
+std::string JobHost::depthNote(Depth chosen, Depth source) const
+{
+    return "a host like " + known_->name + " has no depth " + shortDepthName(source) +
+           ", so this renders in " + shortDepthName(chosen);
+}
+
 }  // namespace Tesseret::Render

@@ -23,6 +23,8 @@ public:
     /// The depth to render in: the one asked for, which the host must offer, else the source's,
     /// the next better one that is offered, or the best. Throws `UsageError` with the depths.
     Depth depthFor(std::optional<Depth> asked, Depth source) const;
+    /// What to tell a user whose source has another depth than the one chosen.
+    std::string depthNote(Depth chosen, Depth source) const;
 
 private:
     const Host::KnownHost* known_ = nullptr;  ///< null: the host that keeps the standard

@@ -50,6 +50,10 @@ RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
     for (const std::string& text : clippedBoxes(settings_, inputs_)) {
         listener_.note(instance(), text);
     }
+    const Depth source = inputs_.source().depth;
+    if (!settings_.depth && depth_ != source) {
+        listener_.note(instance(), host_.depthNote(depth_, source));
+    }
 }
 
 void RenderJob::run()

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <ostream>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -45,6 +46,11 @@ struct Fault {
     const char* name;
     const char* report;
 };
+
+std::ostream& operator<<(std::ostream& out, const Fault& fault)
+{
+    return out << fault.name;
+}
 
 class Faults : public ::testing::TestWithParam<Fault> {};
 

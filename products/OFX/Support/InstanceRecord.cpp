@@ -8,6 +8,7 @@
 #include "products/OFX/Support/Message.h"
 
 namespace Orvane {
+
 OvPoint pointOf(const OvOfxPropertySet& properties, const char* name)
 {
     std::array<double, 2> values{};
