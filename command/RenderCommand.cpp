@@ -54,6 +54,11 @@ void addOwnOptions(CLI::App& command, CommandOptions& options)
                     "the band and the path of its boundary, the blocks, the composite mask, the "
                     "luminance gain")
         ->type_name("DIR");
+    command
+        .add_option("--host-like", options.render.settings.hostLike,
+                    "Renders as in another host, with its ways and the name it gives: \"tesseret "
+                    "hosts\" lists them")
+        ->type_name("NAME");
     auto* const quiet =
         command.add_flag("-q,--quiet", options.quiet, "Only notes, warnings and errors");
     command

@@ -79,6 +79,8 @@ void RenderReporter::printJob(Render::RenderJob& job)
     const Files::PictureInfo& source = job.inputs().source();
     std::printf("source       %d x %d pixels, %s\n", source.displayWindow.x2,
                 source.displayWindow.y2, depthWord(source.depth));
+    const std::string& host = job.hostLike();
+    if (!host.empty()) std::printf("host         like %s\n", host.c_str());
     std::printf("render       %s, %s, threads %u\n",
                 Render::shortContextName(job.instance().context()).c_str(),
                 depthWord(job.instance().outputFormat().depth), job.session().host().threads());

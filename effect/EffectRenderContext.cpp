@@ -1,7 +1,11 @@
 #include "effect/EffectRenderContext.h"
 
+#include <sstream>
+
+#include "effect/EffectTable.h"
 #include "effect/ParameterNames.h"
 #include "products/OFX/Support/Clip.h"
+#include "products/OFX/Support/Message.h"
 #include "products/OFX/Support/Observer.h"
 
 namespace Tesseret {
@@ -9,9 +13,17 @@ namespace Tesseret {
 using Orvane::Engine::ClipImage;
 using Orvane::Engine::RenderPlace;
 
+namespace {
+
+constexpr const char* kExclusionId = "FrameRange";
+
+}  // namespace
+
 EffectRenderContext::EffectRenderContext(Orvane::OvOfxHostWrapper& wrapper,
-                                         Orvane::OvOfxEffectInterface& effectInterface)
+                                         Orvane::OvOfxEffectInterface& effectInterface,
+                                         bool& exclusionReported)
     : wrapper_(wrapper),
+      exclusionReported_(exclusionReported),
       observer_(Orvane::makeHostObserver(
           static_cast<OfxImageEffectHandle>(wrapper.renderStatus().abortHandle))),
       time_(wrapper.time()),
@@ -20,7 +32,9 @@ EffectRenderContext::EffectRenderContext(Orvane::OvOfxHostWrapper& wrapper,
 
 std::unique_ptr<ClipImage> EffectRenderContext::outputImage()
 {
-    return image(kOfxImageEffectOutputClipName);
+    std::unique_ptr<ClipImage> output = image(kOfxImageEffectOutputClipName);
+    if (output == nullptr) reportExclusion(kOfxImageEffectOutputClipName);
+    return output;
 }
 
 RenderPlace EffectRenderContext::place()
@@ -32,7 +46,15 @@ RenderPlace EffectRenderContext::place()
 
 std::unique_ptr<ClipImage> EffectRenderContext::sourceImage()
 {
-    return image(Names::kSource);
+    const bool needsAspect = !wrapper_.hasProjectAspect();
+    std::optional<double> aspect;
+    std::unique_ptr<ClipImage> source = image(Names::kSource, needsAspect ? &aspect : nullptr);
+    if (source == nullptr) reportExclusion(Names::kSource);
+    if (needsAspect) {
+        wrapper_.setSourceAspect(aspect);
+        reader_.readScale();
+    }
+    return source;
 }
 
 std::unique_ptr<ClipImage> EffectRenderContext::matteImage()
@@ -54,10 +76,24 @@ bool EffectRenderContext::isConnected(const char* clip) const
     return accessor != nullptr && accessor->isConnected();
 }
 
-std::unique_ptr<ClipImage> EffectRenderContext::image(const char* clip) const
+std::unique_ptr<ClipImage> EffectRenderContext::image(const char* clip,
+                                                      std::optional<double>* aspect) const
 {
     const Orvane::OvOfxClipAccessor* accessor = wrapper_.clip(clip);
-    return accessor != nullptr ? accessor->image(time_, nullptr) : nullptr;
+    return accessor != nullptr ? accessor->image(time_, nullptr, aspect) : nullptr;
+}
+
+void EffectRenderContext::reportExclusion(const char* clip)
+{
+    const Orvane::OvOfxClipAccessor* accessor = wrapper_.clip(clip);
+    if (exclusionReported_ || accessor == nullptr) return;
+    const std::optional<Orvane::OvFrameRange> range = accessor->excludingRange(time_);
+    if (!range) return;
+    exclusionReported_ = true;
+    std::ostringstream text;
+    text << kLabel << " renders nothing at frame " << time_ << ": the host reports frames "
+         << range->first << " to " << range->last << " for the clip " << clip << '.';
+    wrapper_.message(text.str().c_str(), Orvane::kMessageLog, kExclusionId);
 }
 
 }  // namespace Tesseret

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 
 #include "effect/FillParameters.h"
 #include "engine/RenderContext.h"
@@ -14,9 +15,11 @@ namespace Tesseret {
 /// interface.
 class EffectRenderContext final : public Orvane::Engine::RenderContext {
 public:
-    /// Both outlive the context. Asks the host for an observer, then for the time of the render.
+    /// All outlive the context. Asks the host for an observer, then for the time of the render.
+    /// `exclusionReported` belongs to the instance: whether its user was told once that nothing is
+    /// rendered outside a clip's frame range.
     EffectRenderContext(Orvane::OvOfxHostWrapper& wrapper,
-                        Orvane::OvOfxEffectInterface& effectInterface);
+                        Orvane::OvOfxEffectInterface& effectInterface, bool& exclusionReported);
 
     std::unique_ptr<Orvane::Engine::ClipImage> outputImage() override;
     Orvane::Engine::RenderPlace place() override;
@@ -31,9 +34,14 @@ public:
 
 private:
     [[nodiscard]] bool isConnected(const char* clip) const;
-    [[nodiscard]] std::unique_ptr<Orvane::Engine::ClipImage> image(const char* clip) const;
+    [[nodiscard]] std::unique_ptr<Orvane::Engine::ClipImage> image(
+        const char* clip, std::optional<double>* aspect = nullptr) const;
+    /// Tells the user when a clip without which nothing is rendered has no image because of its
+    /// frame range.
+    void reportExclusion(const char* clip);
 
     Orvane::OvOfxHostWrapper& wrapper_;
+    bool& exclusionReported_;
     std::unique_ptr<Orvane::Engine::RenderObserver> observer_;
     double time_;
     FillParameterReader reader_;

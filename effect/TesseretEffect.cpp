@@ -231,7 +231,7 @@ void TesseretEffect::render(OvOfxHostWrapper& wrapper, OvComponents components, 
     const PixelKind kind = kindOf(depth);
     if (components != OvComponents::RGBA || kind == PixelKind::None) return;
     const std::unique_ptr<OvOfxEffectInterface> effectInterface = makeInterface(wrapper);
-    EffectRenderContext context(wrapper, *effectInterface);
+    EffectRenderContext context(wrapper, *effectInterface, exclusionReported_);
     Engine::renderFrame(context, temporalState_, kind);
 }
 

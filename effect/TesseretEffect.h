@@ -50,6 +50,7 @@ private:
     Orvane::Rect2D& sampleRegion_;
     const Orvane::OvOfxBooleanParam* temporalConsistency_ = nullptr;
     Orvane::Engine::TemporalState temporalState_;
+    bool exclusionReported_ = false;  ///< see EffectRenderContext
 };
 
 }  // namespace Tesseret

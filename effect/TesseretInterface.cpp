@@ -25,7 +25,7 @@ bool TesseretInterface::getRegionOfInterest(const char* clipName, const Orvane::
     if (!isNeededWhole(clipName)) return false;
     const Orvane::OvOfxClipAccessor* clip = wrapper().clip(clipName);
     if (clip == nullptr) return false;
-    rect = clip->pixelRegionOfDefinition(wrapper().time());
+    rect = clip->pixelRegionOfDefinition(wrapper().time(), wrapper().pixelAspectRatio());
     return true;
 }
 

@@ -110,6 +110,7 @@ ContextDescription Descriptor::describeContext() const
         ParameterDescription described = describeParameter(*each);
         described.isClipPreferencesSlave =
             std::find(slaves.begin(), slaves.end(), described.name) != slaves.end();
+        if (!host().behaviour().showsParameter(*each, described)) continue;
         result.parameters.push_back(std::move(described));
     }
     result.pageOrder = properties().strings(kOfxPluginPropParamPageOrder);

@@ -40,7 +40,7 @@ Effect::Effect(EmbeddedHost& host, std::shared_ptr<PluginLibrary> library, OfxPl
 
 Effect::~Effect()
 {
-    if (loaded_) quietly([this] { sendUnload(); });
+    if (loaded_ && host_.behaviour().sendsUnload()) quietly([this] { sendUnload(); });
 }
 
 OfxStatus Effect::send(const char* action, const void* handle, OfxPropertySetHandle inArgs,
@@ -133,6 +133,9 @@ const ContextDescription& Effect::describeInContext(std::string_view context)
     if (std::find(supported.begin(), supported.end(), context) == supported.end()) {
         throw HostError(std::string(plugin_.pluginIdentifier) + " does not support the context " +
                         std::string(context));
+    }
+    if (!host_.offers(kOfxImageEffectPropSupportedContexts, context)) {
+        throw HostError("the host does not offer the context " + std::string(context));
     }
     if (const OfxStatus status = sendDescribeInContext(context)) {
         contexts_.erase(std::string(context));

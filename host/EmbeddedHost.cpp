@@ -107,16 +107,22 @@ void EmbeddedHost::describeSelf(const HostIdentity& identity)
     text(kOfxImageEffectPropSupportedComponents,
          {kOfxImageComponentRGBA, kOfxImageComponentRGB, kOfxImageComponentAlpha});
     text(kOfxImageEffectPropSupportedContexts,
-         {kOfxImageEffectContextFilter, kOfxImageEffectContextGeneral,
-          kOfxImageEffectContextGenerator});
-    text(kOfxImageEffectPropSupportedPixelDepths,
-         {kOfxBitDepthByte, kOfxBitDepthShort, kOfxBitDepthFloat});
+         {identity.contexts.begin(), identity.contexts.end()});
+    std::vector<PropertyValue> depths;
+    for (const Depth depth : identity.depths) depths.emplace_back(depthName(depth));
+    text(kOfxImageEffectPropSupportedPixelDepths, std::move(depths));
     for (const std::string& name : identity.missingProperties) properties_.remove(name);
 }
 
 unsigned int EmbeddedHost::threads() const
 {
     return pool_->size();
+}
+
+bool EmbeddedHost::offers(const char* property, std::string_view value) const
+{
+    const std::vector<std::string> offered = properties_.strings(property);
+    return offered.empty() || std::find(offered.begin(), offered.end(), value) != offered.end();
 }
 
 const void* EmbeddedHost::fetchSuite(const char* name, int version)

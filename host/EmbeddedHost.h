@@ -41,6 +41,8 @@ public:
     PropertySet& properties() { return properties_; }
     HostBehaviour& behaviour() const { return *behaviour_; }
     unsigned int threads() const;
+    /// Whether a list of the host's properties has a value, or the host does not report it.
+    bool offers(const char* property, std::string_view value) const;
     /// Notified of renders of instances without a listener of their own. Not owned; null withdraws
     /// the suite from all instances. Set while nothing renders.
     void setListener(RenderListener* listener) { listener_ = listener; }

@@ -1,6 +1,5 @@
 #include "host/HandleRegistry.h"
 
-#include <cstddef>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -39,6 +38,12 @@ public:
         const std::lock_guard lock(mutex_);
         const auto found = live_.find(handle);
         return found != live_.end() && found->second.kind == kind ? found->second.object : nullptr;
+    }
+
+    std::size_t size() const
+    {
+        const std::lock_guard lock(mutex_);
+        return live_.size();
     }
 
 private:
@@ -86,6 +91,11 @@ Handle::~Handle()
 void* findObject(HandleKind kind, const void* handle)
 {
     return handle ? registry().find(kind, handle) : nullptr;
+}
+
+std::size_t liveHandles()
+{
+    return registry().size();
 }
 
 }  // namespace Tesseret::Host

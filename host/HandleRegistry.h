@@ -5,6 +5,8 @@
 /// of handle is recognised without dereferencing it. Process-wide; all functions may be called from
 /// any thread.
 
+#include <cstddef>
+
 namespace Tesseret::Host {
 
 enum class HandleKind {
@@ -39,5 +41,7 @@ private:
 
 /// The object behind a handle of that kind, or null.
 void* findObject(HandleKind kind, const void* handle);
+/// The number of handles whose objects exist, in all hosts.
+std::size_t liveHandles();
 
 }  // namespace Tesseret::Host

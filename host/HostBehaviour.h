@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,8 @@ class EmbeddedHost;
 class Image;
 class ImageBytes;
 class Instance;
+class Parameter;
+struct ParameterDescription;
 
 class HostBehaviour {
 public:
@@ -36,10 +39,24 @@ public:
     virtual void start(Effect& effect);
     /// Before each instance. Throws HostError.
     virtual void prepareInstance(Effect& /*effect*/) {}
+    /// Whether a plug-in is unloaded when it is no longer used.
+    virtual bool sendsUnload() { return true; }
     /// Called after an action of the plug-in or of an overlay.
     virtual void actionSent(std::string_view /*action*/, const void* /*handle*/,
                             OfxStatus /*status*/)
     {}
+
+    // How effects are used; whoever renders asks these
+
+    virtual bool makesInstancePerFrame() { return false; }
+    /// How often each frame is rendered, with the last result shown.
+    virtual unsigned int rendersPerFrame() { return 1; }
+    /// Whether users see a parameter or page; may change its description.
+    virtual bool showsParameter(const Parameter& /*parameter*/,
+                                ParameterDescription& /*description*/)
+    {
+        return true;
+    }
 
     // Suites, messages, reports
 
@@ -68,6 +85,8 @@ public:
     virtual OfxStatus checkLock(ImageBytes& /*bytes*/, bool /*isLocked*/) { return kOfxStatOK; }
     virtual OfxStatus checkThreadIndex() { return kOfxStatOK; }
     virtual OfxStatus checkInteractProperties() { return kOfxStatOK; }
+    /// Returned for a derivative or an integral, which are then not computed.
+    virtual std::optional<OfxStatus> derivativeStatus() { return std::nullopt; }
 
     // Properties
 
@@ -89,6 +108,8 @@ public:
     virtual void propertiesUpdated(Instance& /*instance*/) {}
     /// Of clipGetHandle for an unknown clip; 0 returns a null handle.
     virtual OfxStatus unknownClipStatus() { return kOfxStatErrBadHandle; }
+    /// Whether that sets the handle to null.
+    virtual bool clearsUnknownClip() { return true; }
     /// The picture that a fetch returns for a source's picture; by default converted to the clip's
     /// depth and components.
     virtual std::shared_ptr<const Picture> inputPicture(const Clip& clip,
@@ -119,6 +140,8 @@ public:
     virtual unsigned int processorCount(unsigned int threads) { return threads; }
     /// A plug-in polls for an abort; returns whether it should stop.
     virtual bool abortPolled(bool isAborted) { return isAborted; }
+    /// The answer to a poll without an effect, which by default is a wrong call.
+    virtual std::optional<int> nullAbort() { return std::nullopt; }
 };
 
 }  // namespace Tesseret::Host

@@ -3,8 +3,10 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
-#include "ofx/ofxCore.h"
+#include "ofx/ofxImageEffect.h"
+#include "picture/Picture.h"
 
 namespace Tesseret::Host {
 
@@ -21,6 +23,10 @@ struct HostIdentity {
     std::optional<int> maxParameters = -1;
     std::optional<int> maxPages = 100;
     std::optional<OfxPointI> pageRowsAndColumns = OfxPointI{20, 20};  ///< x rows, y columns
+    std::vector<std::string> contexts = {kOfxImageEffectContextFilter,
+                                         kOfxImageEffectContextGeneral,
+                                         kOfxImageEffectContextGenerator};
+    std::vector<Depth> depths = {Depth::Byte, Depth::Short, Depth::Float};
     std::set<std::string> missingProperties;  ///< further properties to leave out
 };
 

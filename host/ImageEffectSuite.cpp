@@ -90,14 +90,16 @@ OfxStatus clipGetHandle(OfxImageEffectHandle handle, const char* name, OfxImageC
     EffectObject* const effect = findEffect(handle);
     if (!effect) return noEffect("clipGetHandle");
     if (!clip) return nullResult("clipGetHandle");
-    *clip = nullptr;
-    if (properties) *properties = nullptr;
     EmbeddedHost& host = effect->host();
+    Clip* const found = effect->instance() && name ? effect->clip(name) : nullptr;
+    if (found || host.behaviour().clearsUnknownClip()) {
+        *clip = nullptr;
+        if (properties) *properties = nullptr;
+    }
     if (!name) return host.badCall("clipGetHandle: no name", kOfxStatErrValue);
     if (!effect->instance()) {
         return host.badCall("clipGetHandle: not allowed while describing", kOfxStatErrBadHandle);
     }
-    Clip* const found = effect->clip(name);
     if (!found) return unknownClip(host, name);
     *clip = found->handle();
     if (properties) *properties = found->properties().handle();
@@ -145,6 +147,10 @@ OfxStatus clipGetRegionOfDefinition(OfxImageClipHandle handle, OfxTime time, Ofx
 
 int abortRender(OfxImageEffectHandle handle)
 {
+    EmbeddedHost* const current = handle ? nullptr : EmbeddedHost::current();
+    if (const auto answer = current ? current->behaviour().nullAbort() : std::nullopt) {
+        return *answer;
+    }
     EffectObject* const effect = findEffect(handle);
     if (!effect) return noEffect("abort");
     const bool isAborted = effect->instance() && effect->instance()->isAborted();

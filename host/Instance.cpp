@@ -134,14 +134,15 @@ void Instance::writeProject()
 
 bool Instance::supportsDepth(Depth depth) const
 {
-    return lists(supportedDepths_, depthName(depth));
+    return lists(supportedDepths_, depthName(depth)) &&
+           host().offers(kOfxImageEffectPropSupportedPixelDepths, depthName(depth));
 }
 
 void Instance::setDepth(Depth depth)
 {
     if (!supportsDepth(depth)) {
-        throw HostError(std::string(effect_.plugin().pluginIdentifier) + " does not support " +
-                        depthName(depth));
+        throw HostError(std::string(effect_.plugin().pluginIdentifier) +
+                        " or the host does not support " + depthName(depth));
     }
     depth_ = depth;
     adoptFormats();
@@ -158,7 +159,7 @@ Depth Instance::preferredDepth(Depth wanted) const
         if (supportsDepth(*depth)) return *depth;
     }
     throw HostError(std::string(effect_.plugin().pluginIdentifier) +
-                    " supports none of the depths byte, short and float");
+                    " and the host have none of the depths byte, short and float in common");
 }
 
 /// A format with the components that the clip supports.

@@ -243,6 +243,9 @@ OfxStatus paramGetDerivative(OfxParamHandle handle, OfxTime time, ...)
     Arguments arguments;
     va_start(arguments.list, time);
     const OfxStatus status = withParameter("paramGetDerivative", handle, [&](Parameter& parameter) {
+        if (const auto refused = parameter.owner().host().behaviour().derivativeStatus()) {
+            return *refused;
+        }
         std::vector<double> result;
         return parameter.derivative(time, result) ? give(parameter, arguments, result)
                                                   : kOfxStatErrUnsupported;
@@ -256,6 +259,9 @@ OfxStatus paramGetIntegral(OfxParamHandle handle, OfxTime time1, OfxTime time2, 
     Arguments arguments;
     va_start(arguments.list, time2);
     const OfxStatus status = withParameter("paramGetIntegral", handle, [&](Parameter& parameter) {
+        if (const auto refused = parameter.owner().host().behaviour().derivativeStatus()) {
+            return *refused;
+        }
         std::vector<double> result;
         return parameter.integral(time1, time2, result) ? give(parameter, arguments, result)
                                                         : kOfxStatErrUnsupported;

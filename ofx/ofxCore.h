@@ -7,7 +7,22 @@
 /// Everything that crosses the interface is plain C: no exception may leave a function declared
 /// here.
 
-#include <cstddef>
+#include <stddef.h>
+
+// Constants of the interface, and linkage: the headers are C11 as well as C++.
+#ifdef __cplusplus
+#define OfxName inline constexpr const char*
+#define OfxStatusValue inline constexpr OfxStatus
+#define OfxIntValue inline constexpr int
+#define OFX_BEGIN extern "C" {
+#define OFX_END }
+#else
+#define OfxName static const char* const
+#define OfxStatusValue static const OfxStatus
+#define OfxIntValue static const int
+#define OFX_BEGIN
+#define OFX_END
+#endif
 
 #if defined(_WIN32)
 #define OfxExport extern __declspec(dllexport)
@@ -15,44 +30,44 @@
 #define OfxExport extern __attribute__((visibility("default")))
 #endif
 
-extern "C" {
+OFX_BEGIN
 
-using OfxStatus = int;
-using OfxTime = double;
+typedef int OfxStatus;
+typedef double OfxTime;
 
-struct OfxPointI {
+typedef struct OfxPointI {
     int x, y;
-};
-struct OfxPointD {
+} OfxPointI;
+typedef struct OfxPointD {
     double x, y;
-};
-struct OfxRangeI {
+} OfxPointD;
+typedef struct OfxRangeI {
     int min, max;
-};
-struct OfxRangeD {
+} OfxRangeI;
+typedef struct OfxRangeD {
     double min, max;
-};
+} OfxRangeD;
 
 /// Half-open rectangles, y upwards. An infinite edge is kOfxFlagInfiniteMin or kOfxFlagInfiniteMax.
-struct OfxRectI {
+typedef struct OfxRectI {
     int x1, y1, x2, y2;
-};
-struct OfxRectD {
+} OfxRectI;
+typedef struct OfxRectD {
     double x1, y1, x2, y2;
-};
+} OfxRectD;
 
-using OfxPropertySetHandle = struct OfxPropertySetStruct*;
+typedef struct OfxPropertySetStruct* OfxPropertySetHandle;
 
-struct OfxHost {
+typedef struct OfxHost {
     OfxPropertySetHandle host;
     /// Returns null for an unknown name or version. Takes the `host` member above.
     const void* (*fetchSuite)(OfxPropertySetHandle host, const char* suiteName, int suiteVersion);
-};
+} OfxHost;
 
-using OfxPluginEntryPoint = OfxStatus(const char* action, const void* handle,
-                                      OfxPropertySetHandle inArgs, OfxPropertySetHandle outArgs);
+typedef OfxStatus(OfxPluginEntryPoint)(const char* action, const void* handle,
+                                       OfxPropertySetHandle inArgs, OfxPropertySetHandle outArgs);
 
-struct OfxPlugin {
+typedef struct OfxPlugin {
     const char* pluginApi;
     int apiVersion;
     const char* pluginIdentifier;
@@ -60,67 +75,68 @@ struct OfxPlugin {
     unsigned int pluginVersionMinor;
     void (*setHost)(OfxHost* host);  ///< called before any action; no suite may be used inside
     OfxPluginEntryPoint* mainEntry;
-};
+} OfxPlugin;
 
 OfxExport int OfxGetNumberOfPlugins(void);
 OfxExport OfxPlugin* OfxGetPlugin(int nth);
 
-}  // extern "C"
+OFX_END
 
-inline constexpr int kOfxFlagInfiniteMin = -2147483647 - 1;
-inline constexpr int kOfxFlagInfiniteMax = 2147483647;
+OfxIntValue kOfxFlagInfiniteMin = -2147483647 - 1;
+OfxIntValue kOfxFlagInfiniteMax = 2147483647;
 
-inline constexpr OfxStatus kOfxStatOK = 0;
-inline constexpr OfxStatus kOfxStatFailed = 1;
-inline constexpr OfxStatus kOfxStatErrFatal = 2;
-inline constexpr OfxStatus kOfxStatErrUnknown = 3;
-inline constexpr OfxStatus kOfxStatErrMissingHostFeature = 4;
-inline constexpr OfxStatus kOfxStatErrUnsupported = 5;
-inline constexpr OfxStatus kOfxStatErrExists = 6;
-inline constexpr OfxStatus kOfxStatErrFormat = 7;
-inline constexpr OfxStatus kOfxStatErrMemory = 8;
-inline constexpr OfxStatus kOfxStatErrBadHandle = 9;
-inline constexpr OfxStatus kOfxStatErrBadIndex = 10;
-inline constexpr OfxStatus kOfxStatErrValue = 11;
-inline constexpr OfxStatus kOfxStatReplyYes = 12;
-inline constexpr OfxStatus kOfxStatReplyNo = 13;
-inline constexpr OfxStatus kOfxStatReplyDefault = 14;
+OfxStatusValue kOfxStatOK = 0;
+OfxStatusValue kOfxStatFailed = 1;
+OfxStatusValue kOfxStatErrFatal = 2;
+OfxStatusValue kOfxStatErrUnknown = 3;
+OfxStatusValue kOfxStatErrMissingHostFeature = 4;
+OfxStatusValue kOfxStatErrUnsupported = 5;
+OfxStatusValue kOfxStatErrExists = 6;
+OfxStatusValue kOfxStatErrFormat = 7;
+OfxStatusValue kOfxStatErrMemory = 8;
+OfxStatusValue kOfxStatErrBadHandle = 9;
+OfxStatusValue kOfxStatErrBadIndex = 10;
+OfxStatusValue kOfxStatErrValue = 11;
+OfxStatusValue kOfxStatReplyYes = 12;
+OfxStatusValue kOfxStatReplyNo = 13;
+OfxStatusValue kOfxStatReplyDefault = 14;
 
-inline constexpr const char* kOfxActionLoad = "OfxActionLoad";
-inline constexpr const char* kOfxActionUnload = "OfxActionUnload";
-inline constexpr const char* kOfxActionDescribe = "OfxActionDescribe";
-inline constexpr const char* kOfxActionCreateInstance = "OfxActionCreateInstance";
-inline constexpr const char* kOfxActionDestroyInstance = "OfxActionDestroyInstance";
-inline constexpr const char* kOfxActionPurgeCaches = "OfxActionPurgeCaches";
-inline constexpr const char* kOfxActionSyncPrivateData = "OfxActionSyncPrivateData";
-inline constexpr const char* kOfxActionBeginInstanceEdit = "OfxActionBeginInstanceEdit";
-inline constexpr const char* kOfxActionEndInstanceEdit = "OfxActionEndInstanceEdit";
-inline constexpr const char* kOfxActionBeginInstanceChanged = "OfxActionBeginInstanceChanged";
-inline constexpr const char* kOfxActionInstanceChanged = "OfxActionInstanceChanged";
-inline constexpr const char* kOfxActionEndInstanceChanged = "OfxActionEndInstanceChanged";
+OfxName kOfxActionLoad = "OfxActionLoad";
+OfxName kOfxActionUnload = "OfxActionUnload";
+OfxName kOfxActionDescribe = "OfxActionDescribe";
+OfxName kOfxActionCreateInstance = "OfxActionCreateInstance";
+OfxName kOfxActionDestroyInstance = "OfxActionDestroyInstance";
+OfxName kOfxActionPurgeCaches = "OfxActionPurgeCaches";
+OfxName kOfxActionSyncPrivateData = "OfxActionSyncPrivateData";
+OfxName kOfxActionBeginInstanceEdit = "OfxActionBeginInstanceEdit";
+OfxName kOfxActionEndInstanceEdit = "OfxActionEndInstanceEdit";
+OfxName kOfxActionBeginInstanceChanged = "OfxActionBeginInstanceChanged";
+OfxName kOfxActionInstanceChanged = "OfxActionInstanceChanged";
+OfxName kOfxActionEndInstanceChanged = "OfxActionEndInstanceChanged";
 
-inline constexpr const char* kOfxPropType = "OfxPropType";
-inline constexpr const char* kOfxPropName = "OfxPropName";
-inline constexpr const char* kOfxPropLabel = "OfxPropLabel";
-inline constexpr const char* kOfxPropVersion = "OfxPropVersion";
-inline constexpr const char* kOfxPropVersionLabel = "OfxPropVersionLabel";
-inline constexpr const char* kOfxPropAPIVersion = "OfxPropAPIVersion";
-inline constexpr const char* kOfxPropTime = "OfxPropTime";
-inline constexpr const char* kOfxPropIsInteractive = "OfxPropIsInteractive";
-inline constexpr const char* kOfxPropInstanceData = "OfxPropInstanceData";
-inline constexpr const char* kOfxPropEffectInstance = "OfxPropEffectInstance";
-inline constexpr const char* kOfxPropChangeReason = "OfxPropChangeReason";
+OfxName kOfxPropType = "OfxPropType";
+OfxName kOfxPropName = "OfxPropName";
+OfxName kOfxPropLabel = "OfxPropLabel";
+OfxName kOfxPropVersion = "OfxPropVersion";
+OfxName kOfxPropVersionLabel = "OfxPropVersionLabel";
+OfxName kOfxPropAPIVersion = "OfxPropAPIVersion";
+OfxName kOfxPropTime = "OfxPropTime";
+OfxName kOfxPropIsInteractive = "OfxPropIsInteractive";
+OfxName kOfxPropInstanceData = "OfxPropInstanceData";
+OfxName kOfxPropEffectInstance = "OfxPropEffectInstance";
+OfxName kOfxPropChangeReason = "OfxPropChangeReason";
 
-inline constexpr const char* kOfxChangeUserEdited = "OfxChangeUserEdited";
-inline constexpr const char* kOfxChangePluginEdited = "OfxChangePluginEdited";
-inline constexpr const char* kOfxChangeTime = "OfxChangeTime";
+OfxName kOfxChangeUserEdited = "OfxChangeUserEdited";
+OfxName kOfxChangePluginEdited = "OfxChangePluginEdited";
+OfxName kOfxChangeTime = "OfxChangeTime";
 
-inline constexpr const char* kOfxBitDepthNone = "OfxBitDepthNone";
-inline constexpr const char* kOfxBitDepthByte = "OfxBitDepthByte";
-inline constexpr const char* kOfxBitDepthShort = "OfxBitDepthShort";
-inline constexpr const char* kOfxBitDepthHalf = "OfxBitDepthHalf";
-inline constexpr const char* kOfxBitDepthFloat = "OfxBitDepthFloat";
+OfxName kOfxBitDepthNone = "OfxBitDepthNone";
+OfxName kOfxBitDepthByte = "OfxBitDepthByte";
+OfxName kOfxBitDepthShort = "OfxBitDepthShort";
+OfxName kOfxBitDepthHalf = "OfxBitDepthHalf";
+OfxName kOfxBitDepthFloat = "OfxBitDepthFloat";
 
+#ifdef __cplusplus
 static_assert(sizeof(OfxPointI) == 8 && sizeof(OfxPointD) == 16);
 static_assert(sizeof(OfxRangeI) == 8 && sizeof(OfxRangeD) == 16);
 static_assert(sizeof(OfxRectI) == 16 && alignof(OfxRectI) == 4 && sizeof(OfxRectD) == 32);
@@ -133,3 +149,4 @@ static_assert(offsetof(OfxPlugin, pluginVersionMinor) == (sizeof(void*) == 8 ? 2
 static_assert(offsetof(OfxPlugin, setHost) == (sizeof(void*) == 8 ? 32 : 20));
 static_assert(offsetof(OfxPlugin, mainEntry) == (sizeof(void*) == 8 ? 40 : 24));
 static_assert(sizeof(OfxPlugin) == (sizeof(void*) == 8 ? 48 : 28));
+#endif

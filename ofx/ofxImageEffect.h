@@ -5,173 +5,139 @@
 
 #include "ofx/ofxCore.h"
 
-inline constexpr const char* kOfxImageEffectSuite = "OfxImageEffectSuite";
-inline constexpr const char* kOfxImageEffectPluginApi = "OfxImageEffectPluginAPI";
-inline constexpr int kOfxImageEffectPluginApiVersion = 1;
+OfxName kOfxImageEffectSuite = "OfxImageEffectSuite";
+OfxName kOfxImageEffectPluginApi = "OfxImageEffectPluginAPI";
+OfxIntValue kOfxImageEffectPluginApiVersion = 1;
 
-inline constexpr const char* kOfxImageEffectActionDescribeInContext =
-    "OfxImageEffectActionDescribeInContext";
-inline constexpr const char* kOfxImageEffectActionGetRegionOfDefinition =
-    "OfxImageEffectActionGetRegionOfDefinition";
-inline constexpr const char* kOfxImageEffectActionGetRegionsOfInterest =
-    "OfxImageEffectActionGetRegionsOfInterest";
-inline constexpr const char* kOfxImageEffectActionGetTimeDomain =
-    "OfxImageEffectActionGetTimeDomain";
-inline constexpr const char* kOfxImageEffectActionGetFramesNeeded =
-    "OfxImageEffectActionGetFramesNeeded";
-inline constexpr const char* kOfxImageEffectActionGetClipPreferences =
-    "OfxImageEffectActionGetClipPreferences";
-inline constexpr const char* kOfxImageEffectActionIsIdentity = "OfxImageEffectActionIsIdentity";
-inline constexpr const char* kOfxImageEffectActionRender = "OfxImageEffectActionRender";
-inline constexpr const char* kOfxImageEffectActionBeginSequenceRender =
-    "OfxImageEffectActionBeginSequenceRender";
-inline constexpr const char* kOfxImageEffectActionEndSequenceRender =
-    "OfxImageEffectActionEndSequenceRender";
+OfxName kOfxImageEffectActionDescribeInContext = "OfxImageEffectActionDescribeInContext";
+OfxName kOfxImageEffectActionGetRegionOfDefinition = "OfxImageEffectActionGetRegionOfDefinition";
+OfxName kOfxImageEffectActionGetRegionsOfInterest = "OfxImageEffectActionGetRegionsOfInterest";
+OfxName kOfxImageEffectActionGetTimeDomain = "OfxImageEffectActionGetTimeDomain";
+OfxName kOfxImageEffectActionGetFramesNeeded = "OfxImageEffectActionGetFramesNeeded";
+OfxName kOfxImageEffectActionGetClipPreferences = "OfxImageEffectActionGetClipPreferences";
+OfxName kOfxImageEffectActionIsIdentity = "OfxImageEffectActionIsIdentity";
+OfxName kOfxImageEffectActionRender = "OfxImageEffectActionRender";
+OfxName kOfxImageEffectActionBeginSequenceRender = "OfxImageEffectActionBeginSequenceRender";
+OfxName kOfxImageEffectActionEndSequenceRender = "OfxImageEffectActionEndSequenceRender";
 
 // Contexts
-inline constexpr const char* kOfxImageEffectContextGenerator = "OfxImageEffectContextGenerator";
-inline constexpr const char* kOfxImageEffectContextFilter = "OfxImageEffectContextFilter";
-inline constexpr const char* kOfxImageEffectContextTransition = "OfxImageEffectContextTransition";
-inline constexpr const char* kOfxImageEffectContextPaint = "OfxImageEffectContextPaint";
-inline constexpr const char* kOfxImageEffectContextGeneral = "OfxImageEffectContextGeneral";
-inline constexpr const char* kOfxImageEffectContextRetimer = "OfxImageEffectContextRetimer";
+OfxName kOfxImageEffectContextGenerator = "OfxImageEffectContextGenerator";
+OfxName kOfxImageEffectContextFilter = "OfxImageEffectContextFilter";
+OfxName kOfxImageEffectContextTransition = "OfxImageEffectContextTransition";
+OfxName kOfxImageEffectContextPaint = "OfxImageEffectContextPaint";
+OfxName kOfxImageEffectContextGeneral = "OfxImageEffectContextGeneral";
+OfxName kOfxImageEffectContextRetimer = "OfxImageEffectContextRetimer";
 
 // Types of object (kOfxPropType)
-inline constexpr const char* kOfxTypeImageEffectHost = "OfxTypeImageEffectHost";
-inline constexpr const char* kOfxTypeImageEffect = "OfxTypeImageEffect";
-inline constexpr const char* kOfxTypeImageEffectInstance = "OfxTypeImageEffectInstance";
-inline constexpr const char* kOfxTypeClip = "OfxTypeClip";
-inline constexpr const char* kOfxTypeImage = "OfxTypeImage";
+OfxName kOfxTypeImageEffectHost = "OfxTypeImageEffectHost";
+OfxName kOfxTypeImageEffect = "OfxTypeImageEffect";
+OfxName kOfxTypeImageEffectInstance = "OfxTypeImageEffectInstance";
+OfxName kOfxTypeClip = "OfxTypeClip";
+OfxName kOfxTypeImage = "OfxTypeImage";
 
 // The host record
-inline constexpr const char* kOfxImageEffectHostPropIsBackground =
-    "OfxImageEffectHostPropIsBackground";
-inline constexpr const char* kOfxImageEffectPropSupportsOverlays =
-    "OfxImageEffectPropSupportsOverlays";
-inline constexpr const char* kOfxImageEffectPropSupportsMultiResolution =
-    "OfxImageEffectPropSupportsMultiResolution";
-inline constexpr const char* kOfxImageEffectPropSupportsTiles = "OfxImageEffectPropSupportsTiles";
-inline constexpr const char* kOfxImageEffectPropTemporalClipAccess =
-    "OfxImageEffectPropTemporalClipAccess";
-inline constexpr const char* kOfxImageEffectPropSupportsMultipleClipDepths =
-    "OfxImageEffectPropMultipleClipDepths";
-inline constexpr const char* kOfxImageEffectPropSupportsMultipleClipPARs =
-    "OfxImageEffectPropSupportsMultipleClipPARs";
-inline constexpr const char* kOfxImageEffectPropSetableFrameRate =
-    "OfxImageEffectPropSetableFrameRate";
-inline constexpr const char* kOfxImageEffectPropSetableFielding =
-    "OfxImageEffectPropSetableFielding";
-inline constexpr const char* kOfxImageEffectInstancePropSequentialRender =
-    "OfxImageEffectInstancePropSequentialRender";
-inline constexpr const char* kOfxImageEffectPropSupportedComponents =
-    "OfxImageEffectPropSupportedComponents";
-inline constexpr const char* kOfxImageEffectPropSupportedContexts =
-    "OfxImageEffectPropSupportedContexts";
-inline constexpr const char* kOfxImageEffectPropSupportedPixelDepths =
-    "OfxImageEffectPropSupportedPixelDepths";
+OfxName kOfxImageEffectHostPropIsBackground = "OfxImageEffectHostPropIsBackground";
+OfxName kOfxImageEffectPropSupportsOverlays = "OfxImageEffectPropSupportsOverlays";
+OfxName kOfxImageEffectPropSupportsMultiResolution = "OfxImageEffectPropSupportsMultiResolution";
+OfxName kOfxImageEffectPropSupportsTiles = "OfxImageEffectPropSupportsTiles";
+OfxName kOfxImageEffectPropTemporalClipAccess = "OfxImageEffectPropTemporalClipAccess";
+OfxName kOfxImageEffectPropSupportsMultipleClipDepths = "OfxImageEffectPropMultipleClipDepths";
+OfxName kOfxImageEffectPropSupportsMultipleClipPARs = "OfxImageEffectPropSupportsMultipleClipPARs";
+OfxName kOfxImageEffectPropSetableFrameRate = "OfxImageEffectPropSetableFrameRate";
+OfxName kOfxImageEffectPropSetableFielding = "OfxImageEffectPropSetableFielding";
+OfxName kOfxImageEffectInstancePropSequentialRender = "OfxImageEffectInstancePropSequentialRender";
+OfxName kOfxImageEffectPropSupportedComponents = "OfxImageEffectPropSupportedComponents";
+OfxName kOfxImageEffectPropSupportedContexts = "OfxImageEffectPropSupportedContexts";
+OfxName kOfxImageEffectPropSupportedPixelDepths = "OfxImageEffectPropSupportedPixelDepths";
 
 // Effect descriptors
-inline constexpr const char* kOfxImageEffectPluginPropGrouping = "OfxImageEffectPluginPropGrouping";
-inline constexpr const char* kOfxImageEffectPluginPropSingleInstance =
-    "OfxImageEffectPluginPropSingleInstance";
-inline constexpr const char* kOfxImageEffectPluginRenderThreadSafety =
-    "OfxImageEffectPluginRenderThreadSafety";
-inline constexpr const char* kOfxImageEffectPluginPropHostFrameThreading =
-    "OfxImageEffectPluginPropHostFrameThreading";
-inline constexpr const char* kOfxImageEffectPluginPropOverlayInteractV1 =
-    "OfxImageEffectPluginPropOverlayInteractV1";
-inline constexpr const char* kOfxImageEffectPluginPropFieldRenderTwiceAlways =
+OfxName kOfxImageEffectPluginPropGrouping = "OfxImageEffectPluginPropGrouping";
+OfxName kOfxImageEffectPluginPropSingleInstance = "OfxImageEffectPluginPropSingleInstance";
+OfxName kOfxImageEffectPluginRenderThreadSafety = "OfxImageEffectPluginRenderThreadSafety";
+OfxName kOfxImageEffectPluginPropHostFrameThreading = "OfxImageEffectPluginPropHostFrameThreading";
+OfxName kOfxImageEffectPluginPropOverlayInteractV1 = "OfxImageEffectPluginPropOverlayInteractV1";
+OfxName kOfxImageEffectPluginPropFieldRenderTwiceAlways =
     "OfxImageEffectPluginPropFieldRenderTwiceAlways";
-inline constexpr const char* kOfxImageEffectPropClipPreferencesSlaveParam =
+OfxName kOfxImageEffectPropClipPreferencesSlaveParam =
     "OfxImageEffectPropClipPreferencesSlaveParam";
-inline constexpr const char* kOfxImageEffectRenderUnsafe = "OfxImageEffectRenderUnsafe";
-inline constexpr const char* kOfxImageEffectRenderInstanceSafe = "OfxImageEffectRenderInstanceSafe";
-inline constexpr const char* kOfxImageEffectRenderFullySafe = "OfxImageEffectRenderFullySafe";
+OfxName kOfxImageEffectRenderUnsafe = "OfxImageEffectRenderUnsafe";
+OfxName kOfxImageEffectRenderInstanceSafe = "OfxImageEffectRenderInstanceSafe";
+OfxName kOfxImageEffectRenderFullySafe = "OfxImageEffectRenderFullySafe";
 
 // Effect instances and action arguments
-inline constexpr const char* kOfxImageEffectPropContext = "OfxImageEffectPropContext";
-inline constexpr const char* kOfxImageEffectPropProjectSize = "OfxImageEffectPropProjectSize";
-inline constexpr const char* kOfxImageEffectPropProjectOffset = "OfxImageEffectPropProjectOffset";
-inline constexpr const char* kOfxImageEffectPropProjectExtent = "OfxImageEffectPropProjectExtent";
-inline constexpr const char* kOfxImageEffectPropProjectPixelAspectRatio =
-    "OfxImageEffectPropPixelAspectRatio";
-inline constexpr const char* kOfxImageEffectInstancePropEffectDuration =
-    "OfxImageEffectInstancePropEffectDuration";
-inline constexpr const char* kOfxImageEffectPropFrameRate = "OfxImageEffectPropFrameRate";
-inline constexpr const char* kOfxImageEffectPropUnmappedFrameRate =
-    "OfxImageEffectPropUnmappedFrameRate";
-inline constexpr const char* kOfxImageEffectPropFrameRange = "OfxImageEffectPropFrameRange";
-inline constexpr const char* kOfxImageEffectPropUnmappedFrameRange =
-    "OfxImageEffectPropUnmappedFrameRange";
-inline constexpr const char* kOfxImageEffectPropFrameStep = "OfxImageEffectPropFrameStep";
-inline constexpr const char* kOfxImageEffectPropRenderScale = "OfxImageEffectPropRenderScale";
-inline constexpr const char* kOfxImageEffectPropRenderWindow = "OfxImageEffectPropRenderWindow";
-inline constexpr const char* kOfxImageEffectPropFieldToRender = "OfxImageEffectPropFieldToRender";
-inline constexpr const char* kOfxImageEffectPropRegionOfDefinition =
-    "OfxImageEffectPropRegionOfDefinition";
-inline constexpr const char* kOfxImageEffectPropRegionOfInterest =
-    "OfxImageEffectPropRegionOfInterest";
-inline constexpr const char* kOfxImageEffectPropSequentialRenderStatus =
-    "OfxImageEffectPropSequentialRenderStatus";
-inline constexpr const char* kOfxImageEffectPropInteractiveRenderStatus =
-    "OfxImageEffectPropInteractiveRenderStatus";
-inline constexpr const char* kOfxImageEffectFrameVarying = "OfxImageEffectFrameVarying";
+OfxName kOfxImageEffectPropContext = "OfxImageEffectPropContext";
+OfxName kOfxImageEffectPropProjectSize = "OfxImageEffectPropProjectSize";
+OfxName kOfxImageEffectPropProjectOffset = "OfxImageEffectPropProjectOffset";
+OfxName kOfxImageEffectPropProjectExtent = "OfxImageEffectPropProjectExtent";
+OfxName kOfxImageEffectPropProjectPixelAspectRatio = "OfxImageEffectPropPixelAspectRatio";
+OfxName kOfxImageEffectInstancePropEffectDuration = "OfxImageEffectInstancePropEffectDuration";
+OfxName kOfxImageEffectPropFrameRate = "OfxImageEffectPropFrameRate";
+OfxName kOfxImageEffectPropUnmappedFrameRate = "OfxImageEffectPropUnmappedFrameRate";
+OfxName kOfxImageEffectPropFrameRange = "OfxImageEffectPropFrameRange";
+OfxName kOfxImageEffectPropUnmappedFrameRange = "OfxImageEffectPropUnmappedFrameRange";
+OfxName kOfxImageEffectPropFrameStep = "OfxImageEffectPropFrameStep";
+OfxName kOfxImageEffectPropRenderScale = "OfxImageEffectPropRenderScale";
+OfxName kOfxImageEffectPropRenderWindow = "OfxImageEffectPropRenderWindow";
+OfxName kOfxImageEffectPropFieldToRender = "OfxImageEffectPropFieldToRender";
+OfxName kOfxImageEffectPropRegionOfDefinition = "OfxImageEffectPropRegionOfDefinition";
+OfxName kOfxImageEffectPropRegionOfInterest = "OfxImageEffectPropRegionOfInterest";
+OfxName kOfxImageEffectPropSequentialRenderStatus = "OfxImageEffectPropSequentialRenderStatus";
+OfxName kOfxImageEffectPropInteractiveRenderStatus = "OfxImageEffectPropInteractiveRenderStatus";
+OfxName kOfxImageEffectFrameVarying = "OfxImageEffectFrameVarying";
 
 // Argument names made at run time: these prefixes, then the clip's name
-inline constexpr const char* kOfxImageClipPropRoIPrefix = "OfxImageClipPropRoI_";
-inline constexpr const char* kOfxImageClipPropFrameRangePrefix = "OfxImageClipPropFrameRange_";
-inline constexpr const char* kOfxImageClipPropComponentsPrefix = "OfxImageClipPropComponents_";
-inline constexpr const char* kOfxImageClipPropDepthPrefix = "OfxImageClipPropDepth_";
-inline constexpr const char* kOfxImageClipPropPARPrefix = "OfxImageClipPropPAR_";
+OfxName kOfxImageClipPropRoIPrefix = "OfxImageClipPropRoI_";
+OfxName kOfxImageClipPropFrameRangePrefix = "OfxImageClipPropFrameRange_";
+OfxName kOfxImageClipPropComponentsPrefix = "OfxImageClipPropComponents_";
+OfxName kOfxImageClipPropDepthPrefix = "OfxImageClipPropDepth_";
+OfxName kOfxImageClipPropPARPrefix = "OfxImageClipPropPAR_";
 
 // Clips
-inline constexpr const char* kOfxImageEffectOutputClipName = "Output";
-inline constexpr const char* kOfxImageEffectSimpleSourceClipName = "Source";
-inline constexpr const char* kOfxImageClipPropConnected = "OfxImageClipPropConnected";
-inline constexpr const char* kOfxImageClipPropOptional = "OfxImageClipPropOptional";
-inline constexpr const char* kOfxImageClipPropIsMask = "OfxImageClipPropIsMask";
-inline constexpr const char* kOfxImageClipPropFieldExtraction = "OfxImageClipPropFieldExtraction";
-inline constexpr const char* kOfxImageClipPropFieldOrder = "OfxImageClipPropFieldOrder";
-inline constexpr const char* kOfxImageClipPropContinuousSamples =
-    "OfxImageClipPropContinuousSamples";
-inline constexpr const char* kOfxImageClipPropUnmappedPixelDepth =
-    "OfxImageClipPropUnmappedPixelDepth";
-inline constexpr const char* kOfxImageClipPropUnmappedComponents =
-    "OfxImageClipPropUnmappedComponents";
-inline constexpr const char* kOfxImageEffectPropPixelDepth = "OfxImageEffectPropPixelDepth";
-inline constexpr const char* kOfxImageEffectPropComponents = "OfxImageEffectPropComponents";
-inline constexpr const char* kOfxImageEffectPropPreMultiplication =
-    "OfxImageEffectPropPreMultiplication";
-inline constexpr const char* kOfxImageComponentNone = "OfxImageComponentNone";
-inline constexpr const char* kOfxImageComponentRGBA = "OfxImageComponentRGBA";
-inline constexpr const char* kOfxImageComponentRGB = "OfxImageComponentRGB";
-inline constexpr const char* kOfxImageComponentAlpha = "OfxImageComponentAlpha";
-inline constexpr const char* kOfxImageFieldNone = "OfxFieldNone";
-inline constexpr const char* kOfxImageFieldBoth = "OfxFieldBoth";
-inline constexpr const char* kOfxImageFieldLower = "OfxFieldLower";
-inline constexpr const char* kOfxImageFieldUpper = "OfxFieldUpper";
-inline constexpr const char* kOfxImageFieldSingle = "OfxFieldSingle";
-inline constexpr const char* kOfxImageFieldDoubled = "OfxFieldDoubled";
-inline constexpr const char* kOfxImageOpaque = "OfxImageAlphaOpaque";
-inline constexpr const char* kOfxImagePreMultiplied = "OfxImageAlphaPremultiplied";
-inline constexpr const char* kOfxImageUnPreMultiplied = "OfxImageAlphaUnPremultiplied";
+OfxName kOfxImageEffectOutputClipName = "Output";
+OfxName kOfxImageEffectSimpleSourceClipName = "Source";
+OfxName kOfxImageClipPropConnected = "OfxImageClipPropConnected";
+OfxName kOfxImageClipPropOptional = "OfxImageClipPropOptional";
+OfxName kOfxImageClipPropIsMask = "OfxImageClipPropIsMask";
+OfxName kOfxImageClipPropFieldExtraction = "OfxImageClipPropFieldExtraction";
+OfxName kOfxImageClipPropFieldOrder = "OfxImageClipPropFieldOrder";
+OfxName kOfxImageClipPropContinuousSamples = "OfxImageClipPropContinuousSamples";
+OfxName kOfxImageClipPropUnmappedPixelDepth = "OfxImageClipPropUnmappedPixelDepth";
+OfxName kOfxImageClipPropUnmappedComponents = "OfxImageClipPropUnmappedComponents";
+OfxName kOfxImageEffectPropPixelDepth = "OfxImageEffectPropPixelDepth";
+OfxName kOfxImageEffectPropComponents = "OfxImageEffectPropComponents";
+OfxName kOfxImageEffectPropPreMultiplication = "OfxImageEffectPropPreMultiplication";
+OfxName kOfxImageComponentNone = "OfxImageComponentNone";
+OfxName kOfxImageComponentRGBA = "OfxImageComponentRGBA";
+OfxName kOfxImageComponentRGB = "OfxImageComponentRGB";
+OfxName kOfxImageComponentAlpha = "OfxImageComponentAlpha";
+OfxName kOfxImageFieldNone = "OfxFieldNone";
+OfxName kOfxImageFieldBoth = "OfxFieldBoth";
+OfxName kOfxImageFieldLower = "OfxFieldLower";
+OfxName kOfxImageFieldUpper = "OfxFieldUpper";
+OfxName kOfxImageFieldSingle = "OfxFieldSingle";
+OfxName kOfxImageFieldDoubled = "OfxFieldDoubled";
+OfxName kOfxImageOpaque = "OfxImageAlphaOpaque";
+OfxName kOfxImagePreMultiplied = "OfxImageAlphaPremultiplied";
+OfxName kOfxImageUnPreMultiplied = "OfxImageAlphaUnPremultiplied";
 
 // Images
-inline constexpr const char* kOfxImagePropData = "OfxImagePropData";
-inline constexpr const char* kOfxImagePropBounds = "OfxImagePropBounds";
-inline constexpr const char* kOfxImagePropRegionOfDefinition = "OfxImagePropRegionOfDefinition";
-inline constexpr const char* kOfxImagePropRowBytes = "OfxImagePropRowBytes";
-inline constexpr const char* kOfxImagePropField = "OfxImagePropField";
-inline constexpr const char* kOfxImagePropPixelAspectRatio = "OfxImagePropPixelAspectRatio";
-inline constexpr const char* kOfxImagePropUniqueIdentifier = "OfxImagePropUniqueIdentifier";
+OfxName kOfxImagePropData = "OfxImagePropData";
+OfxName kOfxImagePropBounds = "OfxImagePropBounds";
+OfxName kOfxImagePropRegionOfDefinition = "OfxImagePropRegionOfDefinition";
+OfxName kOfxImagePropRowBytes = "OfxImagePropRowBytes";
+OfxName kOfxImagePropField = "OfxImagePropField";
+OfxName kOfxImagePropPixelAspectRatio = "OfxImagePropPixelAspectRatio";
+OfxName kOfxImagePropUniqueIdentifier = "OfxImagePropUniqueIdentifier";
 
-extern "C" {
+OFX_BEGIN
 
-using OfxImageEffectHandle = struct OfxImageEffectStruct*;
-using OfxImageClipHandle = struct OfxImageClipStruct*;
-using OfxImageMemoryHandle = struct OfxImageMemoryStruct*;
+typedef struct OfxImageEffectStruct* OfxImageEffectHandle;
+typedef struct OfxImageClipStruct* OfxImageClipHandle;
+typedef struct OfxImageMemoryStruct* OfxImageMemoryHandle;
 
-struct OfxImageEffectSuiteV1 {
+struct OfxParamSetStruct;  // ofxParam.h
+
+typedef struct OfxImageEffectSuiteV1 {
     OfxStatus (*getPropertySet)(OfxImageEffectHandle, OfxPropertySetHandle* propertySet);
     OfxStatus (*getParamSet)(OfxImageEffectHandle, struct OfxParamSetStruct** paramSet);
     OfxStatus (*clipDefine)(OfxImageEffectHandle, const char* name,
@@ -186,13 +152,15 @@ struct OfxImageEffectSuiteV1 {
     OfxStatus (*clipReleaseImage)(OfxPropertySetHandle image);
     OfxStatus (*clipGetRegionOfDefinition)(OfxImageClipHandle, OfxTime time, OfxRectD* bounds);
     int (*abort)(OfxImageEffectHandle);  ///< 0 go on, else stop
-    OfxStatus (*imageMemoryAlloc)(OfxImageEffectHandle, std::size_t nBytes,
+    OfxStatus (*imageMemoryAlloc)(OfxImageEffectHandle, size_t nBytes,
                                   OfxImageMemoryHandle* memory);
     OfxStatus (*imageMemoryFree)(OfxImageMemoryHandle);
     OfxStatus (*imageMemoryLock)(OfxImageMemoryHandle, void** data);  ///< aligned to 16 bytes
     OfxStatus (*imageMemoryUnlock)(OfxImageMemoryHandle);
-};
+} OfxImageEffectSuiteV1;
 
-}  // extern "C"
+OFX_END
 
+#ifdef __cplusplus
 static_assert(sizeof(OfxImageEffectSuiteV1) == 13 * sizeof(void*));
+#endif

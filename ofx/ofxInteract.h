@@ -4,39 +4,40 @@
 
 #include "ofx/ofxCore.h"
 
-inline constexpr const char* kOfxInteractSuite = "OfxInteractSuite";
+OfxName kOfxInteractSuite = "OfxInteractSuite";
 
-inline constexpr const char* kOfxInteractActionDraw = "OfxInteractActionDraw";
-inline constexpr const char* kOfxInteractActionPenMotion = "OfxInteractActionPenMotion";
-inline constexpr const char* kOfxInteractActionPenDown = "OfxInteractActionPenDown";
-inline constexpr const char* kOfxInteractActionPenUp = "OfxInteractActionPenUp";
-inline constexpr const char* kOfxInteractActionKeyDown = "OfxInteractActionKeyDown";
-inline constexpr const char* kOfxInteractActionKeyUp = "OfxInteractActionKeyUp";
-inline constexpr const char* kOfxInteractActionKeyRepeat = "OfxInteractActionKeyRepeat";
-inline constexpr const char* kOfxInteractActionGainFocus = "OfxInteractActionGainFocus";
-inline constexpr const char* kOfxInteractActionLoseFocus = "OfxInteractActionLoseFocus";
+OfxName kOfxInteractActionDraw = "OfxInteractActionDraw";
+OfxName kOfxInteractActionPenMotion = "OfxInteractActionPenMotion";
+OfxName kOfxInteractActionPenDown = "OfxInteractActionPenDown";
+OfxName kOfxInteractActionPenUp = "OfxInteractActionPenUp";
+OfxName kOfxInteractActionKeyDown = "OfxInteractActionKeyDown";
+OfxName kOfxInteractActionKeyUp = "OfxInteractActionKeyUp";
+OfxName kOfxInteractActionKeyRepeat = "OfxInteractActionKeyRepeat";
+OfxName kOfxInteractActionGainFocus = "OfxInteractActionGainFocus";
+OfxName kOfxInteractActionLoseFocus = "OfxInteractActionLoseFocus";
 
-inline constexpr const char* kOfxInteractPropSlaveToParam = "OfxInteractPropSlaveToParam";
-inline constexpr const char* kOfxInteractPropPixelScale = "OfxInteractPropPixelScale";
-inline constexpr const char* kOfxInteractPropBackgroundColour = "OfxInteractPropBackgroundColour";
-inline constexpr const char* kOfxInteractPropPenPosition = "OfxInteractPropPenPosition";
-inline constexpr const char* kOfxInteractPropPenViewportPosition =
-    "OfxInteractPropPenViewportPosition";
-inline constexpr const char* kOfxInteractPropPenPressure = "OfxInteractPropPenPressure";
-inline constexpr const char* kOfxInteractPropViewportSize = "OfxInteractPropViewport";
-inline constexpr const char* kOfxPropKeySym = "kOfxPropKeySym";
-inline constexpr const char* kOfxPropKeyString = "kOfxPropKeyString";
+OfxName kOfxInteractPropSlaveToParam = "OfxInteractPropSlaveToParam";
+OfxName kOfxInteractPropPixelScale = "OfxInteractPropPixelScale";
+OfxName kOfxInteractPropBackgroundColour = "OfxInteractPropBackgroundColour";
+OfxName kOfxInteractPropPenPosition = "OfxInteractPropPenPosition";
+OfxName kOfxInteractPropPenViewportPosition = "OfxInteractPropPenViewportPosition";
+OfxName kOfxInteractPropPenPressure = "OfxInteractPropPenPressure";
+OfxName kOfxInteractPropViewportSize = "OfxInteractPropViewport";
+OfxName kOfxPropKeySym = "kOfxPropKeySym";
+OfxName kOfxPropKeyString = "kOfxPropKeyString";
 
-extern "C" {
+OFX_BEGIN
 
-using OfxInteractHandle = struct OfxInteract*;
+typedef struct OfxInteract* OfxInteractHandle;
 
-struct OfxInteractSuiteV1 {
+typedef struct OfxInteractSuiteV1 {
     OfxStatus (*interactSwapBuffers)(OfxInteractHandle);
     OfxStatus (*interactRedraw)(OfxInteractHandle);
     OfxStatus (*interactGetPropertySet)(OfxInteractHandle, OfxPropertySetHandle* propertySet);
-};
+} OfxInteractSuiteV1;
 
-}  // extern "C"
+OFX_END
 
+#ifdef __cplusplus
 static_assert(sizeof(OfxInteractSuiteV1) == 3 * sizeof(void*));
+#endif

@@ -4,15 +4,17 @@
 
 #include "ofx/ofxCore.h"
 
-inline constexpr const char* kOfxMemorySuite = "OfxMemorySuite";
+OfxName kOfxMemorySuite = "OfxMemorySuite";
 
-extern "C" {
+OFX_BEGIN
 
-struct OfxMemorySuiteV1 {
-    OfxStatus (*memoryAlloc)(void* handle, std::size_t nBytes, void** allocatedData);
+typedef struct OfxMemorySuiteV1 {
+    OfxStatus (*memoryAlloc)(void* handle, size_t nBytes, void** allocatedData);
     OfxStatus (*memoryFree)(void* allocatedData);
-};
+} OfxMemorySuiteV1;
 
-}  // extern "C"
+OFX_END
 
+#ifdef __cplusplus
 static_assert(sizeof(OfxMemorySuiteV1) == 2 * sizeof(void*));
+#endif

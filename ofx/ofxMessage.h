@@ -5,22 +5,24 @@
 
 #include "ofx/ofxCore.h"
 
-inline constexpr const char* kOfxMessageSuite = "OfxMessageSuite";
+OfxName kOfxMessageSuite = "OfxMessageSuite";
 
-inline constexpr const char* kOfxMessageFatal = "OfxMessageFatal";
-inline constexpr const char* kOfxMessageError = "OfxMessageError";
-inline constexpr const char* kOfxMessageWarning = "OfxMessageWarning";
-inline constexpr const char* kOfxMessageMessage = "OfxMessageMessage";
-inline constexpr const char* kOfxMessageLog = "OfxMessageLog";
-inline constexpr const char* kOfxMessageQuestion = "OfxMessageQuestion";
+OfxName kOfxMessageFatal = "OfxMessageFatal";
+OfxName kOfxMessageError = "OfxMessageError";
+OfxName kOfxMessageWarning = "OfxMessageWarning";
+OfxName kOfxMessageMessage = "OfxMessageMessage";
+OfxName kOfxMessageLog = "OfxMessageLog";
+OfxName kOfxMessageQuestion = "OfxMessageQuestion";
 
-extern "C" {
+OFX_BEGIN
 
-struct OfxMessageSuiteV1 {
+typedef struct OfxMessageSuiteV1 {
     OfxStatus (*message)(void* handle, const char* messageType, const char* messageId,
                          const char* format, ...);
-};
+} OfxMessageSuiteV1;
 
-}  // extern "C"
+OFX_END
 
+#ifdef __cplusplus
 static_assert(sizeof(OfxMessageSuiteV1) == sizeof(void*));
+#endif

@@ -6,14 +6,15 @@
 
 #include "ofx/ofxCore.h"
 
-inline constexpr const char* kOfxMultiThreadSuite = "OfxMultiThreadSuite";
+OfxName kOfxMultiThreadSuite = "OfxMultiThreadSuite";
 
-extern "C" {
+OFX_BEGIN
 
-using OfxMutexHandle = struct OfxMutex*;
-using OfxThreadFunctionV1 = void(unsigned int threadIndex, unsigned int threadMax, void* customArg);
+typedef struct OfxMutex* OfxMutexHandle;
+typedef void(OfxThreadFunctionV1)(unsigned int threadIndex, unsigned int threadMax,
+                                  void* customArg);
 
-struct OfxMultiThreadSuiteV1 {
+typedef struct OfxMultiThreadSuiteV1 {
     OfxStatus (*multiThread)(OfxThreadFunctionV1 function, unsigned int nThreads, void* customArg);
     OfxStatus (*multiThreadNumCPUs)(unsigned int* nCPUs);
     OfxStatus (*multiThreadIndex)(unsigned int* threadIndex);
@@ -23,8 +24,10 @@ struct OfxMultiThreadSuiteV1 {
     OfxStatus (*mutexLock)(OfxMutexHandle mutex);
     OfxStatus (*mutexUnLock)(OfxMutexHandle mutex);
     OfxStatus (*mutexTryLock)(OfxMutexHandle mutex);
-};
+} OfxMultiThreadSuiteV1;
 
-}  // extern "C"
+OFX_END
 
+#ifdef __cplusplus
 static_assert(sizeof(OfxMultiThreadSuiteV1) == 9 * sizeof(void*));
+#endif

@@ -7,107 +7,97 @@
 
 #include "ofx/ofxCore.h"
 
-inline constexpr const char* kOfxParameterSuite = "OfxParameterSuite";
+OfxName kOfxParameterSuite = "OfxParameterSuite";
 
-inline constexpr const char* kOfxParamTypeInteger = "OfxParamTypeInteger";
-inline constexpr const char* kOfxParamTypeDouble = "OfxParamTypeDouble";
-inline constexpr const char* kOfxParamTypeBoolean = "OfxParamTypeBoolean";
-inline constexpr const char* kOfxParamTypeChoice = "OfxParamTypeChoice";
-inline constexpr const char* kOfxParamTypeRGBA = "OfxParamTypeRGBA";
-inline constexpr const char* kOfxParamTypeRGB = "OfxParamTypeRGB";
-inline constexpr const char* kOfxParamTypeDouble2D = "OfxParamTypeDouble2D";
-inline constexpr const char* kOfxParamTypeInteger2D = "OfxParamTypeInteger2D";
-inline constexpr const char* kOfxParamTypeDouble3D = "OfxParamTypeDouble3D";
-inline constexpr const char* kOfxParamTypeInteger3D = "OfxParamTypeInteger3D";
-inline constexpr const char* kOfxParamTypeString = "OfxParamTypeString";
-inline constexpr const char* kOfxParamTypeCustom = "OfxParamTypeCustom";
-inline constexpr const char* kOfxParamTypeGroup = "OfxParamTypeGroup";
-inline constexpr const char* kOfxParamTypePage = "OfxParamTypePage";
-inline constexpr const char* kOfxParamTypePushButton = "OfxParamTypePushButton";
+OfxName kOfxParamTypeInteger = "OfxParamTypeInteger";
+OfxName kOfxParamTypeDouble = "OfxParamTypeDouble";
+OfxName kOfxParamTypeBoolean = "OfxParamTypeBoolean";
+OfxName kOfxParamTypeChoice = "OfxParamTypeChoice";
+OfxName kOfxParamTypeRGBA = "OfxParamTypeRGBA";
+OfxName kOfxParamTypeRGB = "OfxParamTypeRGB";
+OfxName kOfxParamTypeDouble2D = "OfxParamTypeDouble2D";
+OfxName kOfxParamTypeInteger2D = "OfxParamTypeInteger2D";
+OfxName kOfxParamTypeDouble3D = "OfxParamTypeDouble3D";
+OfxName kOfxParamTypeInteger3D = "OfxParamTypeInteger3D";
+OfxName kOfxParamTypeString = "OfxParamTypeString";
+OfxName kOfxParamTypeCustom = "OfxParamTypeCustom";
+OfxName kOfxParamTypeGroup = "OfxParamTypeGroup";
+OfxName kOfxParamTypePage = "OfxParamTypePage";
+OfxName kOfxParamTypePushButton = "OfxParamTypePushButton";
 
-inline constexpr const char* kOfxTypeParameter = "OfxTypeParameter";
+OfxName kOfxTypeParameter = "OfxTypeParameter";
 
-inline constexpr const char* kOfxParamHostPropSupportsCustomAnimation =
-    "OfxParamHostPropSupportsCustomAnimation";
-inline constexpr const char* kOfxParamHostPropSupportsStringAnimation =
-    "OfxParamHostPropSupportsStringAnimation";
-inline constexpr const char* kOfxParamHostPropSupportsBooleanAnimation =
-    "OfxParamHostPropSupportsBooleanAnimation";
-inline constexpr const char* kOfxParamHostPropSupportsChoiceAnimation =
-    "OfxParamHostPropSupportsChoiceAnimation";
-inline constexpr const char* kOfxParamHostPropSupportsCustomInteract =
-    "OfxParamHostPropSupportsCustomInteract";
-inline constexpr const char* kOfxParamHostPropMaxParameters = "OfxParamHostPropMaxParameters";
-inline constexpr const char* kOfxParamHostPropMaxPages = "OfxParamHostPropMaxPages";
-inline constexpr const char* kOfxParamHostPropPageRowColumnCount =
-    "OfxParamHostPropPageRowColumnCount";
+OfxName kOfxParamHostPropSupportsCustomAnimation = "OfxParamHostPropSupportsCustomAnimation";
+OfxName kOfxParamHostPropSupportsStringAnimation = "OfxParamHostPropSupportsStringAnimation";
+OfxName kOfxParamHostPropSupportsBooleanAnimation = "OfxParamHostPropSupportsBooleanAnimation";
+OfxName kOfxParamHostPropSupportsChoiceAnimation = "OfxParamHostPropSupportsChoiceAnimation";
+OfxName kOfxParamHostPropSupportsCustomInteract = "OfxParamHostPropSupportsCustomInteract";
+OfxName kOfxParamHostPropMaxParameters = "OfxParamHostPropMaxParameters";
+OfxName kOfxParamHostPropMaxPages = "OfxParamHostPropMaxPages";
+OfxName kOfxParamHostPropPageRowColumnCount = "OfxParamHostPropPageRowColumnCount";
 
-inline constexpr const char* kOfxParamPropType = "OfxParamPropType";
-inline constexpr const char* kOfxParamPropAnimates = "OfxParamPropAnimates";
-inline constexpr const char* kOfxParamPropCanUndo = "OfxParamPropCanUndo";
-inline constexpr const char* kOfxParamPropPluginMayWrite = "OfxParamPropPluginMayWrite";
-inline constexpr const char* kOfxParamPropPersistant = "OfxParamPropPersistant";
-inline constexpr const char* kOfxParamPropCacheInvalidation = "OfxParamPropCacheInvalidation";
-inline constexpr const char* kOfxParamPropEvaluateOnChange = "OfxParamPropEvaluateOnChange";
-inline constexpr const char* kOfxParamPropSecret = "OfxParamPropSecret";
-inline constexpr const char* kOfxParamPropEnabled = "OfxParamPropEnabled";
-inline constexpr const char* kOfxParamPropScriptName = "OfxParamPropScriptName";
-inline constexpr const char* kOfxParamPropHint = "OfxParamPropHint";
-inline constexpr const char* kOfxParamPropParent = "OfxParamPropParent";
-inline constexpr const char* kOfxParamPropDefault = "OfxParamPropDefault";
-inline constexpr const char* kOfxParamPropMin = "OfxParamPropMin";
-inline constexpr const char* kOfxParamPropMax = "OfxParamPropMax";
-inline constexpr const char* kOfxParamPropDisplayMin = "OfxParamPropDisplayMin";
-inline constexpr const char* kOfxParamPropDisplayMax = "OfxParamPropDisplayMax";
-inline constexpr const char* kOfxParamPropIncrement = "OfxParamPropIncrement";
-inline constexpr const char* kOfxParamPropDigits = "OfxParamPropDigits";
-inline constexpr const char* kOfxParamPropDoubleType = "OfxParamPropDoubleType";
-inline constexpr const char* kOfxParamPropChoiceOption = "OfxParamPropChoiceOption";
-inline constexpr const char* kOfxParamPropStringMode = "OfxParamPropStringMode";
-inline constexpr const char* kOfxParamPropPageChild = "OfxParamPropPageChild";
-inline constexpr const char* kOfxPluginPropParamPageOrder = "OfxPluginPropParamPageOrder";
+OfxName kOfxParamPropType = "OfxParamPropType";
+OfxName kOfxParamPropAnimates = "OfxParamPropAnimates";
+OfxName kOfxParamPropCanUndo = "OfxParamPropCanUndo";
+OfxName kOfxParamPropPluginMayWrite = "OfxParamPropPluginMayWrite";
+OfxName kOfxParamPropPersistant = "OfxParamPropPersistant";
+OfxName kOfxParamPropCacheInvalidation = "OfxParamPropCacheInvalidation";
+OfxName kOfxParamPropEvaluateOnChange = "OfxParamPropEvaluateOnChange";
+OfxName kOfxParamPropSecret = "OfxParamPropSecret";
+OfxName kOfxParamPropEnabled = "OfxParamPropEnabled";
+OfxName kOfxParamPropScriptName = "OfxParamPropScriptName";
+OfxName kOfxParamPropHint = "OfxParamPropHint";
+OfxName kOfxParamPropParent = "OfxParamPropParent";
+OfxName kOfxParamPropDefault = "OfxParamPropDefault";
+OfxName kOfxParamPropMin = "OfxParamPropMin";
+OfxName kOfxParamPropMax = "OfxParamPropMax";
+OfxName kOfxParamPropDisplayMin = "OfxParamPropDisplayMin";
+OfxName kOfxParamPropDisplayMax = "OfxParamPropDisplayMax";
+OfxName kOfxParamPropIncrement = "OfxParamPropIncrement";
+OfxName kOfxParamPropDigits = "OfxParamPropDigits";
+OfxName kOfxParamPropDoubleType = "OfxParamPropDoubleType";
+OfxName kOfxParamPropChoiceOption = "OfxParamPropChoiceOption";
+OfxName kOfxParamPropStringMode = "OfxParamPropStringMode";
+OfxName kOfxParamPropPageChild = "OfxParamPropPageChild";
+OfxName kOfxPluginPropParamPageOrder = "OfxPluginPropParamPageOrder";
 
-inline constexpr const char* kOfxParamPageSkipRow = "OfxParamPageSkipRow";
-inline constexpr const char* kOfxParamPageSkipColumn = "OfxParamPageSkipColumn";
+OfxName kOfxParamPageSkipRow = "OfxParamPageSkipRow";
+OfxName kOfxParamPageSkipColumn = "OfxParamPageSkipColumn";
 
-inline constexpr const char* kOfxParamInvalidateValueChange = "OfxParamInvalidateValueChange";
-inline constexpr const char* kOfxParamInvalidateValueChangeToEnd =
-    "OfxParamInvalidateValueChangeToEnd";
-inline constexpr const char* kOfxParamInvalidateAll = "OfxParamInvalidateAll";
+OfxName kOfxParamInvalidateValueChange = "OfxParamInvalidateValueChange";
+OfxName kOfxParamInvalidateValueChangeToEnd = "OfxParamInvalidateValueChangeToEnd";
+OfxName kOfxParamInvalidateAll = "OfxParamInvalidateAll";
 
-inline constexpr const char* kOfxParamStringIsSingleLine = "OfxParamStringIsSingleLine";
-inline constexpr const char* kOfxParamStringIsMultiLine = "OfxParamStringIsMultiLine";
-inline constexpr const char* kOfxParamStringIsFilePath = "OfxParamStringIsFilePath";
-inline constexpr const char* kOfxParamStringIsDirectoryPath = "OfxParamStringIsDirectoryPath";
-inline constexpr const char* kOfxParamStringIsLabel = "OfxParamStringIsLabel";
+OfxName kOfxParamStringIsSingleLine = "OfxParamStringIsSingleLine";
+OfxName kOfxParamStringIsMultiLine = "OfxParamStringIsMultiLine";
+OfxName kOfxParamStringIsFilePath = "OfxParamStringIsFilePath";
+OfxName kOfxParamStringIsDirectoryPath = "OfxParamStringIsDirectoryPath";
+OfxName kOfxParamStringIsLabel = "OfxParamStringIsLabel";
 
-inline constexpr const char* kOfxParamDoubleTypePlain = "OfxParamDoubleTypePlain";
-inline constexpr const char* kOfxParamDoubleTypeAngle = "OfxParamDoubleTypeAngle";
-inline constexpr const char* kOfxParamDoubleTypeScale = "OfxParamDoubleTypeScale";
-inline constexpr const char* kOfxParamDoubleTypeTime = "OfxParamDoubleTypeTime";
-inline constexpr const char* kOfxParamDoubleTypeAbsoluteTime = "OfxParamDoubleTypeAbsoluteTime";
-inline constexpr const char* kOfxParamDoubleTypeX = "OfxParamDoubleTypeX";
-inline constexpr const char* kOfxParamDoubleTypeY = "OfxParamDoubleTypeY";
-inline constexpr const char* kOfxParamDoubleTypeXAbsolute = "OfxParamDoubleTypeXAbsolute";
-inline constexpr const char* kOfxParamDoubleTypeYAbsolute = "OfxParamDoubleTypeYAbsolute";
-inline constexpr const char* kOfxParamDoubleTypeXY = "OfxParamDoubleTypeXY";
-inline constexpr const char* kOfxParamDoubleTypeXYAbsolute = "OfxParamDoubleTypeXYAbsolute";
-inline constexpr const char* kOfxParamDoubleTypeNormalisedX = "OfxParamDoubleTypeNormalisedX";
-inline constexpr const char* kOfxParamDoubleTypeNormalisedY = "OfxParamDoubleTypeNormalisedY";
-inline constexpr const char* kOfxParamDoubleTypeNormalisedXAbsolute =
-    "OfxParamDoubleTypeNormalisedXAbsolute";
-inline constexpr const char* kOfxParamDoubleTypeNormalisedYAbsolute =
-    "OfxParamDoubleTypeNormalisedYAbsolute";
-inline constexpr const char* kOfxParamDoubleTypeNormalisedXY = "OfxParamDoubleTypeNormalisedXY";
-inline constexpr const char* kOfxParamDoubleTypeNormalisedXYAbsolute =
-    "OfxParamDoubleTypeNormalisedXYAbsolute";
+OfxName kOfxParamDoubleTypePlain = "OfxParamDoubleTypePlain";
+OfxName kOfxParamDoubleTypeAngle = "OfxParamDoubleTypeAngle";
+OfxName kOfxParamDoubleTypeScale = "OfxParamDoubleTypeScale";
+OfxName kOfxParamDoubleTypeTime = "OfxParamDoubleTypeTime";
+OfxName kOfxParamDoubleTypeAbsoluteTime = "OfxParamDoubleTypeAbsoluteTime";
+OfxName kOfxParamDoubleTypeX = "OfxParamDoubleTypeX";
+OfxName kOfxParamDoubleTypeY = "OfxParamDoubleTypeY";
+OfxName kOfxParamDoubleTypeXAbsolute = "OfxParamDoubleTypeXAbsolute";
+OfxName kOfxParamDoubleTypeYAbsolute = "OfxParamDoubleTypeYAbsolute";
+OfxName kOfxParamDoubleTypeXY = "OfxParamDoubleTypeXY";
+OfxName kOfxParamDoubleTypeXYAbsolute = "OfxParamDoubleTypeXYAbsolute";
+OfxName kOfxParamDoubleTypeNormalisedX = "OfxParamDoubleTypeNormalisedX";
+OfxName kOfxParamDoubleTypeNormalisedY = "OfxParamDoubleTypeNormalisedY";
+OfxName kOfxParamDoubleTypeNormalisedXAbsolute = "OfxParamDoubleTypeNormalisedXAbsolute";
+OfxName kOfxParamDoubleTypeNormalisedYAbsolute = "OfxParamDoubleTypeNormalisedYAbsolute";
+OfxName kOfxParamDoubleTypeNormalisedXY = "OfxParamDoubleTypeNormalisedXY";
+OfxName kOfxParamDoubleTypeNormalisedXYAbsolute = "OfxParamDoubleTypeNormalisedXYAbsolute";
 
-extern "C" {
+OFX_BEGIN
 
-using OfxParamHandle = struct OfxParamStruct*;
-using OfxParamSetHandle = struct OfxParamSetStruct*;
+typedef struct OfxParamStruct* OfxParamHandle;
+typedef struct OfxParamSetStruct* OfxParamSetHandle;
 
-struct OfxParameterSuiteV1 {
+typedef struct OfxParameterSuiteV1 {
     OfxStatus (*paramDefine)(OfxParamSetHandle, const char* paramType, const char* name,
                              OfxPropertySetHandle* propertySet);
     /// propertySet may be null.
@@ -131,8 +121,10 @@ struct OfxParameterSuiteV1 {
                            const OfxRangeD* frameRange);
     OfxStatus (*paramEditBegin)(OfxParamSetHandle, const char* name);  ///< may be null
     OfxStatus (*paramEditEnd)(OfxParamSetHandle);                      ///< may be null
-};
+} OfxParameterSuiteV1;
 
-}  // extern "C"
+OFX_END
 
+#ifdef __cplusplus
 static_assert(sizeof(OfxParameterSuiteV1) == 18 * sizeof(void*));
+#endif

@@ -5,11 +5,11 @@
 
 #include "ofx/ofxCore.h"
 
-inline constexpr const char* kOfxPropertySuite = "OfxPropertySuite";
+OfxName kOfxPropertySuite = "OfxPropertySuite";
 
-extern "C" {
+OFX_BEGIN
 
-struct OfxPropertySuiteV1 {
+typedef struct OfxPropertySuiteV1 {
     OfxStatus (*propSetPointer)(OfxPropertySetHandle, const char* property, int index, void* value);
     OfxStatus (*propSetString)(OfxPropertySetHandle, const char* property, int index,
                                const char* value);
@@ -38,8 +38,10 @@ struct OfxPropertySuiteV1 {
     OfxStatus (*propGetIntN)(OfxPropertySetHandle, const char* property, int count, int* value);
     OfxStatus (*propReset)(OfxPropertySetHandle, const char* property);
     OfxStatus (*propGetDimension)(OfxPropertySetHandle, const char* property, int* count);
-};
+} OfxPropertySuiteV1;
 
-}  // extern "C"
+OFX_END
 
+#ifdef __cplusplus
 static_assert(sizeof(OfxPropertySuiteV1) == 18 * sizeof(void*));
+#endif

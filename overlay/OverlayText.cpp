@@ -1,5 +1,6 @@
 #include "overlay/OverlayText.h"
 
+#include <atomic>
 #include <cstring>
 
 #include "overlay/Draw.h"
@@ -10,8 +11,9 @@ namespace {
 
 constexpr int kBuiltHeight = 18;
 
-GLuint fontBase = 0;
-int fontHeight = 11;
+// Atomic: hosts unload from several threads at once.
+std::atomic<GLuint> fontBase = 0;
+std::atomic<int> fontHeight = 11;
 
 }  // namespace
 
@@ -44,10 +46,9 @@ void ensureOverlayFont()
 
 void deleteOverlayFont()
 {
-    if (fontBase == 0) return;
-    // A font exists, so the entry points were found when it was built.
-    openGL()->glDeleteLists(fontBase, kFontListCount);
-    setOverlayFont(0);
+    const GLuint base = fontBase.exchange(0);
+    // Where a font exists, the entry points were found when it was built.
+    if (base != 0) openGL()->glDeleteLists(base, kFontListCount);
 }
 
 void drawText(const char* text, int length, float x, float y)

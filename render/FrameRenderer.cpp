@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "effect/ParameterNames.h"
+#include "host/EmbeddedHost.h"
 #include "host/HostError.h"
 #include "render/Interrupt.h"
 #include "render/JobError.h"
@@ -106,6 +107,11 @@ void FrameRenderer::endSequence()
 Picture FrameRenderer::render(const RenderRequest& request, const FramePictures& pictures,
                               const PreparedMatte* matte)
 {
+    if (std::exchange(hasRendered_, true) &&
+        instance().host().behaviour().makesInstancePerFrame()) {
+        slots_.clear();
+        slots_.push_back(makeSlot());
+    }
     FrameSource& source = *slots_.front().clips.at(Names::kSource);
     source.show(frameOf(request), pictures.at(Names::kSource).picture);
     Picture output = source.picture(request.time, request.scale)->copied(request.window, {});
@@ -192,6 +198,11 @@ void FrameRenderer::renderOn(Slot& slot, const RenderRequest& request, Picture& 
 {
     const Running abortable(*this, *slot.instance);
     const InterruptTarget interruptible(*slot.instance);
+    const unsigned int times = slot.instance->host().behaviour().rendersPerFrame();
+    for (unsigned int i = 1; i < times; ++i) {
+        Picture earlier = output.copied();
+        slot.instance->render(request, earlier);
+    }
     const OfxStatus status = slot.instance->render(request, output);
     if (slot.instance->isAborted()) throw Interrupted("interrupted");
     if (status != kOfxStatOK) throw Host::HostError(Host::statusText(status), status);
@@ -252,12 +263,15 @@ void FrameRenderer::followAreas(const RenderRequest& request, const PreparedMatt
 FrameRenderer::Slot& FrameRenderer::slotFor(std::size_t area)
 {
     const std::size_t slot = setup_.repeatsBlocks() ? area : 0;
-    while (slots_.size() <= slot) {
-        slots_.push_back(setup_.make());
-        if (sequence_)
-            slots_.back().instance->beginSequence(sequence_->frames, 1.0, sequence_->first);
-    }
+    while (slots_.size() <= slot) slots_.push_back(makeSlot());
     return slots_[slot];
+}
+
+FrameRenderer::Slot FrameRenderer::makeSlot() const
+{
+    Slot made = setup_.make();
+    if (sequence_) made.instance->beginSequence(sequence_->frames, 1.0, sequence_->first);
+    return made;
 }
 
 }  // namespace Tesseret::Render

@@ -52,6 +52,7 @@ private:
     void followAreas(const Host::RenderRequest& request, const PreparedMatte& matte,
                      std::size_t count);
     Slot& slotFor(std::size_t area);
+    Slot makeSlot() const;
 
     InstanceSetup setup_;
     JobListener& listener_;
@@ -61,6 +62,7 @@ private:
     std::optional<Sequence> sequence_;
     std::vector<OfxRectI> recorded_;  ///< boxes of the areas with recorded blocks
     std::vector<OfxRectI> reached_;   ///< unions of these and the boxes of all frames since
+    bool hasRendered_ = false;
     bool reportedEmptyMatte_ = false, reportedAreasChange_ = false;
     std::mutex mutex_;  ///< guards the members below
     bool isAborted_ = false;

@@ -37,12 +37,13 @@ RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
     : settings_(std::move(settings)),
       listener_(listener),
       warnings_(listener),
+      host_(settings_.hostLike),
       inputs_(settings_),
-      depth_(settings_.depth.value_or(inputs_.source().depth)),
+      depth_(host_.depthFor(settings_.depth, inputs_.source().depth)),
       first_(std::async(std::launch::async,
                         [this] { return readPictures(inputs_.frames().front()); })),
       messages_(listener, warnings_),
-      session_(settings_.plugin, messages_.hostOptions(settings_.threads)),
+      session_(settings_.plugin, host_.adapted(messages_.hostOptions(settings_.threads))),
       renderer_(settings_, InstanceSetup(session_, settings_, inputs_, depth_), listener, warnings_)
 {
     if (fillRegion().source == MaskSource::Matte) {
@@ -50,6 +51,10 @@ RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
     }
     for (const std::string& text : clippedBoxes(settings_, inputs_)) {
         listener_.note(instance(), text);
+    }
+    const Depth source = inputs_.source().depth;
+    if (!settings_.depth && depth_ != source) {
+        listener_.note(instance(), host_.depthNote(depth_, source));
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include "files/PictureWriter.h"
 #include "render/FrameRenderer.h"
+#include "render/JobHost.h"
 #include "render/JobInputs.h"
 #include "render/JobListener.h"
 #include "render/PluginMessages.h"
@@ -34,6 +35,8 @@ public:
     /// The first instance; the areas of a matte may have more.
     Host::Instance& instance() { return renderer_.instance(); }
     PluginSession& session() { return session_; }
+    /// The known host that is imitated, or empty.
+    const std::string& hostLike() const { return settings_.hostLike; }
 
 private:
     struct ReadFrame {
@@ -62,6 +65,7 @@ private:
     RenderSettings settings_;
     JobListener& listener_;
     WarningFilter warnings_;
+    JobHost host_;
     JobInputs inputs_;
     Depth depth_;
     std::future<ReadPictures> first_;  ///< the first frame is read while the plug-in is loaded

@@ -39,6 +39,7 @@ struct RenderSettings {
     double renderScale = 1.0;
     unsigned int threads = 0;  ///< 0: one for each processor
     std::filesystem::path plugin;
+    std::string hostLike;                 ///< a known host to imitate; empty: none
     std::string compression;              ///< empty: the default of the output's format
     std::filesystem::path parameterFile;  ///< empty: none
     std::vector<std::string> parameters;  ///< "name=value", before the file's

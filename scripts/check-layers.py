@@ -39,6 +39,7 @@ ARROWS = {
     "effect": ["effect/ParameterNames.h", "overlay", "products/OFX/Support", "ofx", "engine", "libraries", "platform"],
     "picture": ["ofx"],
     "host": ["picture", "ofx", "platform"],
+    "host/imitation": ["host", "picture", "ofx"],
     "files": ["picture", "ofx"],
     # The module round OpenImageIO; the rest of files/ knows its interface only.
     "files/oiio": ["files", "picture", "ofx"],

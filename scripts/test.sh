@@ -8,7 +8,7 @@ preset=${1:-release}
 scripts/install-deps.sh
 scripts/build.sh "$preset"
 
-git ls-files --cached -- '*.h' '*.cpp' | while read -r file; do [[ ! -f $file ]] || echo "$file"; done |
+git ls-files --cached -- '*.h' '*.c' '*.cpp' | while read -r file; do [[ ! -f $file ]] || echo "$file"; done |
     xargs clang-format --dry-run --Werror
 
 results=$(mktemp)

@@ -19,6 +19,7 @@ using Host::ContextDescription;
 using Host::ParameterDescription;
 using ::testing::AllOf;
 using ::testing::Each;
+using ::testing::ElementsAre;
 using ::testing::Field;
 using ::testing::IsEmpty;
 
@@ -170,6 +171,42 @@ TEST(Description, OnABackgroundHostIsForRenderingOnly)
                                                Field(&ParameterDescription::secret, true))));
     EXPECT_EQ(context.parameter("seed")->scriptName, "seed");
     EXPECT_EQ(context.clip("Source")->label, "Source");
+}
+
+TEST(Description, IsForAUserWhereTheHostClaimsToBeInTheBackground)
+{
+    HostQuirks quirks;
+    quirks.identity.name = "MLT";
+    quirks.identity.isBackground = true;
+    TestHost test(quirks);
+    for (const char* context : {kFilter, kGeneral}) {
+        const ContextDescription& description = described(test, context);
+        EXPECT_THAT(description.parameters, Each(Field(&ParameterDescription::secret, false)));
+        EXPECT_EQ(description.parameter("seed")->label, "Random Seed");
+    }
+    test.create(kFilter);
+    EXPECT_NE(test.instance().set("seed", 5), kOfxStatErrFatal);  // it has a user
+}
+
+/// The defaults written for the choice while describing in the Filter context.
+std::vector<Host::PropertyValue> filterChoiceDefaults(const char* hostName)
+{
+    HostQuirks quirks;
+    quirks.identity.name = hostName;
+    TestHost test(quirks);
+    described(test, kFilter);
+    std::vector<Host::PropertyValue> values;
+    for (const PropertyWrite& write : test.calls().propertyWrites()) {
+        const bool isDefault = write.property == kOfxParamPropDefault;
+        if (isDefault && write.set == "param fillRegion") values.push_back(write.value);
+    }
+    return values;
+}
+
+TEST(Description, HasADefaultForEveryChoiceOnlyWhereTheHostNeedsIt)
+{
+    EXPECT_THAT(filterChoiceDefaults("MLT"), ElementsAre(Host::PropertyValue(0)));
+    EXPECT_THAT(filterChoiceDefaults("another host"), IsEmpty());
 }
 
 TEST(Description, SurvivesAHostThatRefusesSingleProperties)

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "ofx/ofxMessage.h"
 #include "tests/fixtures/PluginMemory.h"
 #include "tests/fixtures/TestHost.h"
 
@@ -205,6 +206,42 @@ TEST(EffectInstance, LeavesNothingBehindWhereTheHostRefusesAWrite)
         test.quirks().refusedWrites.clear();
         EXPECT_EQ(instance.action(kOfxActionCreateInstance), kOfxStatOK);
     }
+}
+
+TEST(EffectInstance, ReportsOnceThatAFrameRangeLeavesNothingToRender)
+{
+    HostQuirks quirks;
+    quirks.frameRange = FrameRangeQuirk::Wrong;  // 1 to 10
+    TestHost test(quirks);
+    for (int instance = 0; instance < 2; ++instance) {
+        test.create(kFilter);
+        test.calls().reset();
+        for (const double time : {42.0, 42.0, 43.5}) {
+            const Picture output = test.render(time);
+            EXPECT_TRUE(samePixels(output, Picture(output.bounds(), Depth::Byte)));
+        }
+        test.render(10.0);
+        const auto messages = test.calls().messages();
+        ASSERT_EQ(messages.size(), 1u);
+        EXPECT_EQ(messages[0].type, kOfxMessageLog);
+        EXPECT_EQ(messages[0].text,
+                  "Tesseret renders nothing at frame 42: the host reports frames "
+                  "1 to 10 for the clip Output.");
+        EXPECT_EQ(messages[0].instance, &test.instance());
+    }
+    test.destroyInstance();
+    test.expectClean();
+}
+
+TEST(EffectInstance, ReportsNoFrameRangeForAnImageThatIsMissingInIt)
+{
+    TestHost test;
+    test.create(kFilter);
+    test.instance().connect("Source", nullptr);
+    test.calls().reset();
+    Picture output({0, 0, 64, 48}, Depth::Byte);
+    EXPECT_EQ(test.instance().renderOnly({.window = output.bounds()}, &output), kOfxStatOK);
+    EXPECT_THAT(test.calls().messages(), IsEmpty());
 }
 
 TEST(EffectInstance, ForgetsItsBlocksWhenTheHostPurges)

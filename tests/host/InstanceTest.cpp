@@ -411,7 +411,7 @@ TEST(BuiltPluginTest, StartsAsTheSwitchesHaveIt)
     EXPECT_THAT(startingActions(again), ElementsAre(kOfxActionLoad, kOfxActionDescribe,
                                                     kOfxActionLoad, kOfxActionDescribe, context));
     HostQuirks strict;
-    strict.loadMustReturnOK = true;
+    strict.load = LoadAnswer::OkOnly;
     // The built plug-in returns 14 to a host of this name.
     EXPECT_THROW(startingActions(strict), HostError);
 }

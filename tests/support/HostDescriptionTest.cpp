@@ -128,7 +128,7 @@ TEST(HostDescription, RefusesToDescribeWhatTheHostCannotDo)
 TEST(Load, ReturnsOKOnlyWhereNothingElseIsAccepted)
 {
     HostQuirks quirks;
-    quirks.loadMustReturnOK = true;
+    quirks.load = LoadAnswer::OkOnly;
     quirks.identity.name = "MLT";
     TinyHost tiny(quirks);
     EXPECT_EQ(tiny.effect().sendLoad(), kOfxStatOK);

@@ -1,4 +1,5 @@
 #include <array>
+#include <limits>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -257,6 +258,28 @@ TEST_F(HostWrapper, UsesTheSourcesRegionWhereTheProjectHasNoSize)
                                      OfxRectI{4, 10, 24, 50}, Depth::Byte)));
     // Canonical (14, 30), at scale (0.5, 0.25); the aspect ratio cannot be read either.
     EXPECT_EQ(wrapper.double2DAt("position", 0.0f), (OvPoint{7.0f, 7.5f}));
+}
+
+TEST_F(HostWrapper, UsesTheSourcesAspectWhereTheProjectHasNone)
+{
+    for (const double unusable : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN()}) {
+        OvOfxHostWrapper& wrapper = start();
+        EXPECT_TRUE(wrapper.hasProjectAspect());
+        auto picture = std::make_shared<Picture>(OfxRectI{4, 10, 24, 50}, Depth::Byte);
+        picture->setPixelAspectRatio(1.5);
+        instance().connect("Source", std::make_shared<Host::StillSource>(picture));
+        Host::Project project = instance().project();
+        project.pixelAspectRatio = unusable;
+        instance().setProject(project);
+        instance().beginEdit();
+        EXPECT_FALSE(wrapper.hasProjectAspect());
+        EXPECT_EQ(wrapper.pixelAspectRatio(), 1.5);  // the clip's
+        wrapper.setSourceAspect(1.25);
+        EXPECT_EQ(wrapper.pixelAspectRatio(), 1.25);  // the image's
+        wrapper.setSourceAspect(std::nullopt);
+        rig_->quirks().refusedReads[kOfxImagePropPixelAspectRatio] = kOfxStatErrUnknown;
+        EXPECT_EQ(wrapper.pixelAspectRatio(), 1.0);
+    }
 }
 
 }  // namespace

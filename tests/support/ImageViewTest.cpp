@@ -189,11 +189,19 @@ TEST_F(ImageView, IsFetchedOnlyInsideAFrameRangeThatCanBeRead)
     start(quirks, kBounds);
     EXPECT_EQ(image("Source", 0.0), nullptr);
     EXPECT_EQ(rig_->calls().counters().fetchCalls, 1u);  // the request reached the host
-    float first = 5.0f;
-    float last = 5.0f;
-    EXPECT_FALSE(effect_->findClip("Source")->frameRange(first, last));
-    EXPECT_EQ(first, 0.0f);
-    EXPECT_EQ(last, 0.0f);
+    EXPECT_FALSE(effect_->findClip("Source")->frameRange());
+}
+
+TEST_F(ImageView, IsFetchedAtAnyTimeWhereRangesSayNothingAboutImages)
+{
+    for (const char* name : {"fr.inria.Natron", "pyofx", "openfx-driver", "Natron"}) {
+        Fixtures::HostQuirks quirks;
+        quirks.identity.name = name;
+        start(quirks, kBounds);
+        EXPECT_EQ(image("Source", 0.0), nullptr);  // nor has this host an image there
+        EXPECT_EQ(rig_->calls().counters().fetchCalls, name == std::string("Natron") ? 0u : 1u);
+        EXPECT_TRUE(effect_->findClip("Source")->frameRange());
+    }
 }
 
 TEST_F(ImageView, IsReleasedOnceWhereTheHostReturnsOneSetForEveryFetch)
@@ -221,7 +229,7 @@ TEST_F(ImageView, ClipsReturnNothingUnboundOrOutOfUse)
     for (const OvOfxClip* silent : {&unbound, &source}) {
         EXPECT_FALSE(silent->isConnected());
         EXPECT_EQ(silent->regionOfDefinition(1.0), OvRect());
-        EXPECT_EQ(silent->accessor().pixelRegionOfDefinition(1.0), OvRect());
+        EXPECT_EQ(silent->accessor().pixelRegionOfDefinition(1.0, 2.0), OvRect());
         EXPECT_EQ(silent->frameRate(), 0.0);
         EXPECT_EQ(silent->components(), OvComponents::None);
         EXPECT_EQ(silent->pixelDepth(), OvDepth::None);

@@ -46,7 +46,7 @@ TEST(InstanceRecord, ReadsTheProjectOrReturnsDefaults)
         EXPECT_EQ(record.projectSize(), OvPoint());
         EXPECT_EQ(record.projectOffset(), OvPoint());
         EXPECT_EQ(record.projectExtent(), OvPoint());
-        EXPECT_EQ(record.pixelAspectRatio(), 1.0);
+        EXPECT_EQ(record.pixelAspectRatio(), std::nullopt);
     });
 }
 

@@ -44,21 +44,23 @@ OvOfxClipHandle::OvOfxClipHandle(const OvOfxInstanceRecord& record, std::string 
     properties_ = OvOfxPropertySet(properties);
 }
 
-std::unique_ptr<Engine::ClipImage> OvOfxClipAccessor::image(double time, const OvRect* region) const
+std::unique_ptr<Engine::ClipImage> OvOfxClipAccessor::image(double time, const OvRect* region,
+                                                            std::optional<double>* aspect) const
 {
-    float first = 0.0f;
-    float last = 0.0f;
-    // The host's range is kept in single precision, so the time is compared in single precision.
-    const auto frame = static_cast<float>(time);
-    if (clip_.frameRange(first, last) && !(first <= frame && frame <= last)) return nullptr;
-    return clip_.imageAsMap(time, region);
+    return excludingRange(time) ? nullptr : clip_.imageAsMap(time, region, aspect);
 }
 
-OvRect OvOfxClipAccessor::pixelRegionOfDefinition(double time) const
+std::optional<OvFrameRange> OvOfxClipAccessor::excludingRange(double time) const
 {
-    const OvOfxClipHandle* bound = clip_.boundHandle();
-    if (bound == nullptr) return {};
-    const double aspect = bound->record().pixelAspectRatio();
+    if (!hostDescription().quirks.frameRangesDecide) return std::nullopt;
+    const std::optional<OvFrameRange> range = clip_.frameRange();
+    // The range is kept in single precision, so the time is compared in single precision.
+    const auto frame = static_cast<float>(time);
+    return range && !(range->first <= frame && frame <= range->last) ? range : std::nullopt;
+}
+
+OvRect OvOfxClipAccessor::pixelRegionOfDefinition(double time, double aspect) const
+{
     OvRect region = clip_.regionOfDefinition(time);
     region.xMin = static_cast<float>(region.xMin / aspect);
     region.xMax = static_cast<float>(region.xMax / aspect);
@@ -89,15 +91,16 @@ OvRect OvOfxClip::regionOfDefinition(double time) const
     return status == kOfxStatOK ? fromOfx(region) : OvRect{};
 }
 
-bool OvOfxClip::frameRange(float& first, float& last) const
+std::optional<OvFrameRange> OvOfxClip::frameRange() const
 {
     std::array<double, 2> range{};
     const OvOfxClipHandle* bound = boundHandle();
-    const bool known = bound != nullptr && bound->properties().getDoubles(
-                                               kOfxImageEffectPropFrameRange, range) == kOfxStatOK;
-    first = static_cast<float>(range[0]);
-    last = static_cast<float>(range[1]);
-    return known;
+    if (bound == nullptr ||
+        bound->properties().getDoubles(kOfxImageEffectPropFrameRange, range) != kOfxStatOK) {
+        return std::nullopt;
+    }
+    return OvFrameRange{.first = static_cast<float>(range[0]),
+                        .last = static_cast<float>(range[1])};
 }
 
 double OvOfxClip::frameRate() const
@@ -121,12 +124,22 @@ OvDepth OvOfxClip::pixelDepth() const
     return depthFromName(bound->properties().stringOr(kOfxImageEffectPropPixelDepth, "").c_str());
 }
 
-std::unique_ptr<Engine::ClipImage> OvOfxClip::imageAsMap(double time, const OvRect* region) const
+std::optional<double> OvOfxClip::pixelAspectRatio() const
+{
+    const OvOfxClipHandle* bound = boundHandle();
+    if (bound == nullptr) return std::nullopt;
+    return aspectOf(bound->properties(), kOfxImagePropPixelAspectRatio);
+}
+
+std::unique_ptr<Engine::ClipImage> OvOfxClip::imageAsMap(double time, const OvRect* region,
+                                                         std::optional<double>* aspect) const
 {
     const OvOfxClipHandle* bound = boundHandle();
     if (bound == nullptr) return nullptr;
     std::unique_ptr<OvOfxImage> image = OvOfxImage::fetch(*bound, time, region);
-    return image != nullptr ? makeImageView(std::move(image), *this) : nullptr;
+    if (image == nullptr) return nullptr;
+    if (aspect != nullptr) *aspect = image->pixelAspectRatio();
+    return makeImageView(std::move(image), *this);
 }
 
 void OvOfxClip::bind(const OvOfxInstanceRecord& record, const char* boundName)

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,13 @@ class OvOfxClip;
 
 /// What lies outside an image: the edge colour, or the image clamped, mirrored or repeated.
 enum class OvEdgeMethod { Colour = 0, Repeat = 1, Reflect = 2, Wrap = 3 };
+
+/// First and last frame, both included. In single precision, as times are that are compared with
+/// it.
+struct OvFrameRange {
+    float first = 0.0f;
+    float last = 0.0f;
+};
 
 /// The host's side of one clip of an instance. The record outlives it.
 class OvOfxClipHandle {
@@ -44,11 +52,16 @@ class OvOfxClipAccessor {
 public:
     explicit OvOfxClipAccessor(const OvOfxClip& clip) : clip_(clip) {}
 
-    /// The image at that time, or null outside the clip's frame range. Without a range from the
-    /// host no time is outside. `region` is canonical and may be null.
-    [[nodiscard]] std::unique_ptr<Engine::ClipImage> image(double time, const OvRect* region) const;
-    /// The region of definition with x divided by the project's pixel aspect ratio.
-    [[nodiscard]] OvRect pixelRegionOfDefinition(double time) const;
+    /// The image at that time, or null outside the clip's frame range. `region` is canonical and
+    /// may be null. `aspect` may be null too; else it receives the pixel aspect ratio of an image
+    /// that reports one, and none otherwise.
+    [[nodiscard]] std::unique_ptr<Engine::ClipImage> image(
+        double time, const OvRect* region, std::optional<double>* aspect = nullptr) const;
+    /// The clip's frame range when the time is outside it. Without a range from the host no time
+    /// is outside, nor in hosts whose ranges say nothing about the images to be had.
+    [[nodiscard]] std::optional<OvFrameRange> excludingRange(double time) const;
+    /// The region of definition with x divided by a pixel aspect ratio.
+    [[nodiscard]] OvRect pixelRegionOfDefinition(double time, double aspect) const;
     [[nodiscard]] bool isConnected() const;
 
 private:
@@ -63,16 +76,17 @@ public:
     [[nodiscard]] bool isConnected() const;
     /// Canonical units.
     [[nodiscard]] OvRect regionOfDefinition(double time) const;
-    /// First and last frame, both included. Returns false when the host does not report them; both
-    /// are then 0.
-    bool frameRange(float& first, float& last) const;
+    /// None when the host does not report it.
+    [[nodiscard]] std::optional<OvFrameRange> frameRange() const;
     [[nodiscard]] double frameRate() const;
     [[nodiscard]] OvComponents components() const;
     [[nodiscard]] OvDepth pixelDepth() const;
-    /// The image at that time as a view of the host's memory, or null. `region` is canonical and
-    /// may be null.
-    [[nodiscard]] std::unique_ptr<Engine::ClipImage> imageAsMap(double time,
-                                                                const OvRect* region) const;
+    /// Width over height of a pixel, or none.
+    [[nodiscard]] std::optional<double> pixelAspectRatio() const;
+    /// The image at that time as a view of the host's memory, or null. The arguments are those of
+    /// `OvOfxClipAccessor::image`.
+    [[nodiscard]] std::unique_ptr<Engine::ClipImage> imageAsMap(
+        double time, const OvRect* region, std::optional<double>* aspect = nullptr) const;
     [[nodiscard]] const OvOfxClipAccessor& accessor() const { return accessor_; }
 
     /// Creates the handle object under the given name.

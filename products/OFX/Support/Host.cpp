@@ -1,7 +1,6 @@
 #include "products/OFX/Support/Host.h"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <deque>
 #include <mutex>
@@ -10,18 +9,6 @@
 
 namespace Orvane {
 namespace {
-
-/// A host's deviation from the standard, by its name.
-struct HostQuirk {
-    const char* host;
-    OfxStatus loadStatus;
-};
-
-constexpr std::array kQuirks{
-    // Treats every other status of the load action, "default" included, as a failure and drops the
-    // plug-in.
-    HostQuirk{.host = "MLT", .loadStatus = kOfxStatOK},
-};
 
 std::atomic<OfxHost*> record{nullptr};
 
@@ -96,6 +83,7 @@ bool areComplete(const OvOfxSuites& suites)
 void readCapabilities(const HostProperties& host, OvOfxHost& description)
 {
     description.name = host.text(kOfxPropName);
+    description.quirks = quirksOf(description.name);
     description.supportsOverlays = host.flag(kOfxImageEffectPropSupportsOverlays);
     description.supportsMultiResolution = host.flag(kOfxImageEffectPropSupportsMultiResolution);
     description.supportsTiles = host.flag(kOfxImageEffectPropSupportsTiles);
@@ -113,7 +101,8 @@ void readCapabilities(const HostProperties& host, OvOfxHost& description)
     description.maxPages = host.number(kOfxParamHostPropMaxPages, -1);
     description.pageRows = host.number(kOfxParamHostPropPageRowColumnCount, -1, 0);
     description.pageColumns = host.number(kOfxParamHostPropPageRowColumnCount, -1, 1);
-    description.isBackground = host.flag(kOfxImageEffectHostPropIsBackground);
+    description.isBackground =
+        host.flag(kOfxImageEffectHostPropIsBackground) && !description.quirks.isNeverBackground;
 }
 
 /// Publishes a description, or a kept one that is equal. Needs the lock.
@@ -171,13 +160,9 @@ const OvOfxHost& hostDescription()
 OfxStatus loadStatus(const OfxHost* host)
 {
     const auto* suite = fetch<OfxPropertySuiteV1>(host, kOfxPropertySuite);
-    if (suite != nullptr && suite->propGetString != nullptr) {
-        const std::string name = HostProperties(*suite, host->host).text(kOfxPropName);
-        for (const HostQuirk& quirk : kQuirks) {
-            if (name == quirk.host) return quirk.loadStatus;
-        }
-    }
-    return kOfxStatReplyDefault;
+    const bool canRead = suite != nullptr && suite->propGetString != nullptr;
+    return quirksOf(canRead ? HostProperties(*suite, host->host).text(kOfxPropName) : "")
+        .loadStatus;
 }
 
 }  // namespace Orvane

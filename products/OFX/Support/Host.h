@@ -10,6 +10,7 @@
 #include "ofx/ofxMultiThread.h"
 #include "ofx/ofxParam.h"
 #include "ofx/ofxProperty.h"
+#include "products/OFX/Support/Quirks.h"
 
 namespace Orvane {
 
@@ -30,6 +31,7 @@ struct OvOfxSuites {
 struct OvOfxHost {
     OvOfxSuites suites;
     std::string name;
+    OvHostQuirks quirks;  ///< known of a host of that name
     bool supportsOverlays = false;
     bool supportsMultiResolution = false;
     bool supportsTiles = false;
@@ -47,7 +49,7 @@ struct OvOfxHost {
     int maxPages = -1;
     int pageRows = -1;
     int pageColumns = -1;
-    bool isBackground = false;
+    bool isBackground = false;  ///< unless the quirks deny it
     friend bool operator==(const OvOfxHost&, const OvOfxHost&) = default;
 };
 

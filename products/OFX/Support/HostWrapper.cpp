@@ -216,7 +216,17 @@ double OvOfxHostWrapper::frameRate() const
 double OvOfxHostWrapper::pixelAspectRatio() const
 {
     const OvOfxInstanceRecord* record = effect_.instance();
-    return record != nullptr ? record->pixelAspectRatio() : 1.0;
+    if (record == nullptr) return 1.0;
+    if (const std::optional<double> project = record->pixelAspectRatio()) return *project;
+    if (sourceAspect_) return *sourceAspect_;
+    const OvOfxClip* source = effect_.findClip(kOfxImageEffectSimpleSourceClipName);
+    return source != nullptr ? source->pixelAspectRatio().value_or(1.0) : 1.0;
+}
+
+bool OvOfxHostWrapper::hasProjectAspect() const
+{
+    const OvOfxInstanceRecord* record = effect_.instance();
+    return record != nullptr && record->pixelAspectRatio().has_value();
 }
 
 double OvOfxHostWrapper::fieldScale() const

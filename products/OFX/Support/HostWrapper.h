@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 
 #include "libraries/Processor/RenderStatus.h"
 #include "ofx/ofxImageEffect.h"
@@ -54,8 +55,12 @@ public:
     void setInt(const char* name, int value);  ///< an integer or the index of a choice
     [[nodiscard]] double time();
     [[nodiscard]] double frameRate() const;
-    /// Width over height of a pixel of the project.
+    /// Width over height of a pixel of the project. Where the host reports none, that of the
+    /// source's image once it is known, else of the source clip, else 1.
     [[nodiscard]] double pixelAspectRatio() const;
+    [[nodiscard]] bool hasProjectAspect() const;
+    /// The source's image of this action has that pixel aspect ratio.
+    void setSourceAspect(std::optional<double> aspect) { sourceAspect_ = aspect; }
     /// 0.5 while a single field is rendered from single-field images, else 1.
     [[nodiscard]] double fieldScale() const;
     [[nodiscard]] OvPoint renderScale() const;
@@ -91,6 +96,7 @@ private:
     const OvOfxPropertySet* inArgs_;
     const OvOfxPropertySet* outArgs_;
     int frameRangeCount_ = 0;
+    std::optional<double> sourceAspect_;
     bool timeKnown_ = false;
     double time_ = 0.0;
 };

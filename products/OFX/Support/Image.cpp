@@ -12,6 +12,7 @@
 #include "engine/map/Map.h"
 #include "products/OFX/Support/Clip.h"
 #include "products/OFX/Support/Host.h"
+#include "products/OFX/Support/InstanceRecord.h"
 
 namespace Orvane {
 namespace {
@@ -190,9 +191,9 @@ OfxRectI OvOfxImage::regionOfDefinition() const
     return rectOf(properties_, kOfxImagePropRegionOfDefinition);
 }
 
-double OvOfxImage::pixelAspectRatio() const
+std::optional<double> OvOfxImage::pixelAspectRatio() const
 {
-    return properties_.doubleOr(kOfxImagePropPixelAspectRatio, 0.0);
+    return aspectOf(properties_, kOfxImagePropPixelAspectRatio);
 }
 
 OvField OvOfxImage::field() const

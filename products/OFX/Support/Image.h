@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "engine/map/ClipImage.h"
 #include "ofx/ofxImageEffect.h"
@@ -33,7 +34,8 @@ public:
     [[nodiscard]] OfxRectI bounds() const;
     /// In pixels of the image; may be infinite.
     [[nodiscard]] OfxRectI regionOfDefinition() const;
-    [[nodiscard]] double pixelAspectRatio() const;
+    /// Width over height of a pixel, or none.
+    [[nodiscard]] std::optional<double> pixelAspectRatio() const;
     [[nodiscard]] OvField field() const;
     /// The pixel kind, from the depth and components of the image, or of the clip where the image
     /// reports none. None for a kind that maps do not support.

@@ -1,24 +1,25 @@
 #include "products/OFX/Support/InstanceRecord.h"
 
 #include <array>
+#include <cmath>
 #include <string>
 
 #include "products/OFX/Support/Host.h"
 #include "products/OFX/Support/Message.h"
 
 namespace Orvane {
-namespace {
-
-/// Part of the name of hosts whose message statuses are meaningless.
-constexpr const char* kSilentHost = "film master";
-
-}  // namespace
 
 OvPoint pointOf(const OvOfxPropertySet& properties, const char* name)
 {
     std::array<double, 2> values{};
     if (properties.getDoubles(name, values) != kOfxStatOK) return {};
     return {.x = static_cast<float>(values[0]), .y = static_cast<float>(values[1])};
+}
+
+std::optional<double> aspectOf(const OvOfxPropertySet& properties, const char* name)
+{
+    const double aspect = properties.doubleOr(name, 0.0);
+    return aspect > 0.0 && std::isfinite(aspect) ? std::optional(aspect) : std::nullopt;
 }
 
 OvOfxChangeRecord readChangeRecord(const OvOfxPropertySet& inArgs, bool withTime)
@@ -106,9 +107,9 @@ OvPoint OvOfxInstanceRecord::projectOffset() const
     return pointOf(*this, kOfxImageEffectPropProjectOffset);
 }
 
-double OvOfxInstanceRecord::pixelAspectRatio() const
+std::optional<double> OvOfxInstanceRecord::pixelAspectRatio() const
 {
-    return doubleOr(kOfxImageEffectPropProjectPixelAspectRatio, 1.0);
+    return aspectOf(*this, kOfxImageEffectPropProjectPixelAspectRatio);
 }
 
 void OvOfxInstanceRecord::addInteract(OfxInteractHandle interact)
@@ -129,8 +130,7 @@ void OvOfxInstanceRecord::setSequentialRender(bool sequential) const
 OfxStatus OvOfxInstanceRecord::postMessage(const char* type, const char* id, const char* text) const
 {
     const OfxStatus status = postToHost(effect_, type, id, text != nullptr ? text : "");
-    const bool silent = hostDescription().name.find(kSilentHost) != std::string::npos;
-    return silent ? kOfxStatFailed : status;
+    return hostDescription().quirks.answersMessages ? status : kOfxStatFailed;
 }
 
 OvOfxParamEdit::OvOfxParamEdit(const OvOfxInstanceRecord& record, const char* name)

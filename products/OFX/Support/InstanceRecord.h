@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <optional>
 #include <vector>
 
 #include "ofx/ofxImageEffect.h"
@@ -23,6 +24,9 @@ struct OvOfxChangeRecord {
 
 /// Two doubles as floats; (0, 0) where the property cannot be read.
 [[nodiscard]] OvPoint pointOf(const OvOfxPropertySet& properties, const char* name);
+
+/// A pixel aspect ratio; none where it cannot be read or is not a positive number.
+[[nodiscard]] std::optional<double> aspectOf(const OvOfxPropertySet& properties, const char* name);
 
 /// Fetches the properties of an effect descriptor or instance. Returns the host's status, or
 /// kOfxStatErrBadHandle when the host reports success but gives no property set.
@@ -72,8 +76,8 @@ public:
     [[nodiscard]] OvPoint projectSize() const;
     [[nodiscard]] OvPoint projectExtent() const;
     [[nodiscard]] OvPoint projectOffset() const;
-    /// Width over height of a pixel; 1 where the host reports nothing.
-    [[nodiscard]] double pixelAspectRatio() const;
+    /// Width over height of a pixel of the project, or none.
+    [[nodiscard]] std::optional<double> pixelAspectRatio() const;
 
     /// The instance's overlays; removing one that is not there does nothing.
     void addInteract(OfxInteractHandle interact);

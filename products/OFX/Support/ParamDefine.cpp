@@ -98,7 +98,9 @@ void writeChoice(const OvOfxParam& param, const OvOfxPropertySet& properties)
         properties.setString(kOfxParamPropChoiceOption, option.c_str(), index++);
     }
     // Without a default among the options the host chooses, namely the first one.
-    if (choice.initialIndex() >= 0) properties.setInt(kOfxParamPropDefault, choice.initialIndex());
+    const bool isNeeded = hostDescription().quirks.needsChoiceDefaults && !choice.options.empty();
+    const int initial = isNeeded ? std::max(choice.initialIndex(), 0) : choice.initialIndex();
+    if (initial >= 0) properties.setInt(kOfxParamPropDefault, initial);
 }
 
 void writeNothing(const OvOfxParam&, const OvOfxPropertySet&) {}
