@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <type_traits>
 
@@ -14,6 +15,7 @@
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
 #include "engine/map/PixelMix.h"
+#include "engine/pass/SharedWork.h"
 #include "engine/quilt/BlockReplay.h"
 
 namespace Orvane::Engine {
@@ -99,18 +101,23 @@ void copyColours(const Pixel* from, const Pixel* alphaFrom, Pixel* to, int count
     }
 }
 
-/// Whether alpha is M everywhere.
+/// Whether alpha is M everywhere. Looks at bands of rows, on all workers; false after an abort.
 template <typename Pixel>
-bool isOpaque(const Rows<Pixel>& rows, int width, int height)
+bool isOpaque(const Rows<Pixel>& rows, int width, int height, SharedWork& work)
 {
     constexpr auto kOpaque = PixelTraits<Pixel>::stored(PixelTraits<Pixel>::kMax);
-    for (int y = 0; y < height; ++y) {
-        const Pixel* row = rows.at(y);
-        int other = 0;
-        for (int x = 0; x < width; ++x) other |= row[x].a != kOpaque ? 1 : 0;
-        if (other != 0) return false;
-    }
-    return true;
+    constexpr int kBandRows = 64;
+    std::atomic<bool> isAll{true};
+    const bool isDone = work.run((height + kBandRows - 1) / kBandRows, [&](int band, int) {
+        const int end = std::min((band + 1) * kBandRows, height);
+        for (int y = band * kBandRows; y < end && isAll; ++y) {
+            const Pixel* row = rows.at(y);
+            int other = 0;
+            for (int x = 0; x < width; ++x) other |= row[x].a != kOpaque ? 1 : 0;
+            if (other != 0) isAll = false;
+        }
+    });
+    return isDone && isAll;
 }
 
 /// Part of a row to composite, from its first pixel on.
@@ -307,6 +314,7 @@ bool SynthesisNode<Pixel>::mayLeaveOut(const Region& fillRect) const
 template <typename Pixel>
 bool SynthesisNode<Pixel>::texturesAreOpaque() const
 {
+    SharedWork work(this->statusRecord());
     const Region& box = settings_.sampleBox;
     const bool usesBox = !settings_.avoidFillRegion && !box.isEmpty();
     return std::ranges::all_of(textures_, [&](const Map<Pixel>* texture) {
@@ -315,9 +323,11 @@ bool SynthesisNode<Pixel>::texturesAreOpaque() const
         const int width = box.x1 - box.x0, height = box.y1 - box.y0;
         const Pixel* inBox =
             usesBox ? texture->interiorPixels(box.x0, box.y0, width, height) : nullptr;
-        if (inBox != nullptr) return isOpaque(Rows<Pixel>{inBox, texture->stride()}, width, height);
+        if (inBox != nullptr) {
+            return isOpaque(Rows<Pixel>{inBox, texture->stride()}, width, height, work);
+        }
         return isOpaque(Rows<Pixel>{texture->pixelAt(0, 0), texture->stride()}, texture->width(),
-                        texture->height());
+                        texture->height(), work);
     });
 }
 

@@ -62,10 +62,13 @@ bool PathCells::make(const MapDomain& map)
     const auto columns = static_cast<std::size_t>(width());
     const auto rows = static_cast<std::size_t>(height());
     stateBlock_ = allocateImageBlock(columns, rows, sizeof(CellState));
+    octantBlock_ = allocateImageBlock(columns, rows, sizeof(std::uint8_t));
     costBlock_ = allocateImageBlock(columns, rows, sizeof(PathCost));
-    if (stateBlock_ == nullptr || costBlock_ == nullptr) return false;
+    if (stateBlock_ == nullptr || octantBlock_ == nullptr || costBlock_ == nullptr) return false;
     states_ = reinterpret_cast<CellState*>(stateBlock_.get());
     std::uninitialized_fill_n(states_, columns * rows, CellState::NotReached);
+    octants_ = reinterpret_cast<std::uint8_t*>(octantBlock_.get());
+    std::uninitialized_fill_n(octants_, columns * rows, kUnknown);
     costs_ = reinterpret_cast<PathCost*>(costBlock_.get());
     return true;
 }
@@ -73,6 +76,7 @@ bool PathCells::make(const MapDomain& map)
 void PathCells::release()
 {
     stateBlock_.reset();
+    octantBlock_.reset();
     costBlock_.reset();
 }
 
@@ -138,9 +142,15 @@ bool PathSearch<Pixel>::blockCells()
     const Region part = in_.work.within(in_.band->storedExtent());
     for (int y = part.y0; y < part.y1; ++y) {
         const RowReader band(*in_.band, y);
-        CellState* cell = cells_.find({part.x0, y});
-        for (int x = part.x0; x < part.x1; ++x, ++cell) {
-            if (band[x] == 0.0f) *cell = CellState::Blocked;
+        CellState* const cells = cells_.find({part.x0, y});
+        const int count = part.x1 - part.x0;
+        const auto stateOf = [](float value) {
+            return value == 0.0f ? CellState::Blocked : CellState::NotReached;
+        };
+        if (const float* values = band.span(part.x0, count)) {
+            std::transform(values, values + count, cells, stateOf);
+        } else {
+            for (int i = 0; i < count; ++i) cells[i] = stateOf(band[part.x0 + i]);
         }
     }
     return true;
@@ -168,7 +178,7 @@ bool PathSearch<Pixel>::cutBand(PixelPoint start)
         if (CellState* cell = cells_.find(p)) {
             cut_.push_back(p);
             *cell = CellState::OnCut;
-            cells_.costOf(cell) = {pixelCost(p), 1};
+            cells_.costOf(cell) = PathCost::of(pixelCost(p), 1);
         }
         position = {position.x + d.x, position.y + d.y};
     }
@@ -244,7 +254,7 @@ void PathSearch<Pixel>::finalise(PixelPoint q)
     if (!best) return;
     const PathCost& before = cells_.costOf(cells_.find(*best));
     CellState* cell = cells_.find(q);
-    cells_.costOf(cell) = {pixelCost(q) + before.sum, before.count + 1};
+    cells_.costOf(cell) = PathCost::of(pixelCost(q) + before.sum, before.count + 1);
     *cell = CellState::Reached;
 }
 
@@ -312,10 +322,13 @@ bool PathSearch<Pixel>::pathEndsAt(PixelPoint p) const
     return cell != nullptr && hasPath(*cell);
 }
 
+/// The pixels before one that has a cell.
 template <typename Pixel>
 std::array<PixelPoint, 3> PathSearch<Pixel>::predecessors(PixelPoint q) const
 {
-    const std::size_t k = octantOf(gradientAt(q));
+    std::uint8_t& octant = cells_.octantAt(cells_.find(q));
+    if (octant == PathCells::kUnknown) octant = static_cast<std::uint8_t>(octantOf(gradientAt(q)));
+    const std::size_t k = octant;
     return {q + kDirections[(k + 7) % 8], q + kDirections[k], q + kDirections[(k + 1) % 8]};
 }
 
@@ -332,7 +345,7 @@ std::optional<PixelPoint> PathSearch<Pixel>::bestPredecessor(PixelPoint q,
         if (cell == nullptr || !hasPath(*cell)) continue;
         const PathCost& cost = cells_.costOf(cell);
         if (!accept(cost)) continue;
-        const float mean = cost.mean();
+        const float mean = cost.mean;
         if (best && !(mean < bestMean)) continue;
         best = p;
         bestMean = mean;

@@ -41,10 +41,14 @@ enum class CellState : std::uint8_t {
 
 /// The best path that ends at a pixel.
 struct PathCost {
-    float sum = 0.0f;  ///< the costs of the path's pixels
-    int count = 0;     ///< of the path's pixels
+    float sum = 0.0f;   ///< the costs of the path's pixels
+    int count = 0;      ///< of the path's pixels
+    float mean = 0.0f;  ///< the sum divided by the count
 
-    float mean() const { return sum / static_cast<float>(count); }
+    static PathCost of(float sum, int count)
+    {
+        return {sum, count, sum / static_cast<float>(count)};
+    }
 };
 
 inline bool mayBeReached(CellState state)
@@ -57,8 +61,8 @@ inline bool hasPath(CellState state)
     return state == CellState::OnCut || state == CellState::Reached;
 }
 
-/// The cells of a rectangle, one for each pixel, in image memory. States and costs are stored
-/// apart: of the costs only those along the band are ever touched.
+/// The cells of a rectangle, one for each pixel, in image memory. Their parts are stored apart: of
+/// the costs only those along the band are ever touched.
 class PathCells {
 public:
     /// Makes cells where a map has pixels, all of them not reached. False without memory for them.
@@ -70,11 +74,15 @@ public:
     /// The cell of a pixel in absolute coordinates, or null.
     CellState* find(PixelPoint p) const;
     PathCost& costOf(const CellState* cell) const { return costs_[cell - states_]; }
+    /// The octant of the gradient at a cell, or kUnknown until it is set.
+    std::uint8_t& octantAt(const CellState* cell) const { return octants_[cell - states_]; }
+    static constexpr std::uint8_t kUnknown = 255;
 
 private:
     Region region_;
-    ImageBlock stateBlock_, costBlock_;
+    ImageBlock stateBlock_, octantBlock_, costBlock_;
     CellState* states_ = nullptr;
+    std::uint8_t* octants_ = nullptr;
     PathCost* costs_ = nullptr;
 };
 
@@ -118,7 +126,7 @@ private:
     float bandAt(PixelPoint p) const { return band_(p.x, p.y); }
     PixelVec2f gradientAt(PixelPoint p) const { return gradient_(p.x, p.y); }
     bool pathEndsAt(PixelPoint p) const;
-    float meanAt(PixelPoint p) const { return cells_.costOf(cells_.find(p)).mean(); }
+    float meanAt(PixelPoint p) const { return cells_.costOf(cells_.find(p)).mean; }
     std::array<PixelPoint, 3> predecessors(PixelPoint q) const;
     template <typename Accept>
     std::optional<PixelPoint> bestPredecessor(PixelPoint q, const Accept& accept) const;

@@ -96,7 +96,8 @@ public:
           before_(spread.knownAfter(pass - 1)),
           now_(spread.knownAfter(pass)),
           gain_(gain),
-          gained_(gain.isUsable() ? spread.settings_.needed.within(gain.storedExtent()) : Region{})
+          stored_(gain.storedExtent()),
+          gained_(gain.isUsable() ? spread.settings_.needed.within(stored_) : Region{})
     {}
 
     bool read(int y, int x0, int x1, float* first, float* second) const override
@@ -149,11 +150,13 @@ private:
         const bool isWhole = width == Tiles::kSide && x >= readable_.x0 &&
                              x + width <= readable_.x1 && before != nullptr;
         if (isWhole && std::memcmp(now, before, Tiles::kSide) == 0) return;
-        RowWriter gain(gain_, y);
-        for (int i = std::max(gained_.x0 - x, 0); i < std::min(width, gained_.x1 - x); ++i) {
+        const int begin = std::max(gained_.x0 - x, 0), end = std::min(width, gained_.x1 - x);
+        if (begin >= end) return;
+        float* const gain = gain_.pixelAt(x + begin - stored_.x0, y - stored_.y0) - begin;
+        for (int i = begin; i < end; ++i) {
             const bool wasRead = x + i >= readable_.x0 && x + i < readable_.x1;
             const bool wasKnown = before != nullptr && wasRead && before[i] != 0;
-            if (now[i] != 0 && !wasKnown) gain[x + i] = ratio[i];
+            if (now[i] != 0 && !wasKnown) gain[i] = ratio[i];
         }
     }
 
@@ -163,6 +166,7 @@ private:
     const Map<Pixel8>& before_;
     const Map<Pixel8>& now_;
     Map<Pixel32f>& gain_;
+    Region stored_;  ///< of the map of gains
     Region gained_;  ///< where gains are needed and the map has pixels
 };
 

@@ -23,6 +23,21 @@ int pixelWithin(int first, int end, float coordinate)
     return static_cast<int>(wanted > low ? std::min(wanted, high) : low);
 }
 
+/// The end of a run of targets that starts at i, of `count` pixels.
+template <typename Pixel>
+int targetEnd(const Pixel* row, int i, int count, Pixel target)
+{
+    // Whole groups first, which compilers compare at once.
+    constexpr int kGroup = 16;
+    for (; i + kGroup <= count; i += kGroup) {
+        int others = 0;
+        for (int j = 0; j < kGroup; ++j) others |= row[i + j] != target ? 1 : 0;
+        if (others != 0) break;
+    }
+    while (i < count && row[i] == target) ++i;
+    return i;
+}
+
 }  // namespace
 
 template <typename Pixel>
@@ -91,29 +106,24 @@ void FloodFill<Pixel>::fillRunsTouching(int y, int left, int right)
     const Region& region = this->region();
     if (y < region.y0 || y >= region.y1) return;
     const RowReader read(this->other(), y);
-    if (const Pixel* row = read.span(region.x0, region.x1 - region.x0)) {
-        fillRunsTouching(y, left, right, [this, row, &region](int x) {
-            return row[x - region.x0] == targetValue_;
-        });
-    } else {
-        fillRunsTouching(y, left, right, [this, &read](int x) { return read[x] == targetValue_; });
-    }
-}
-
-template <typename Pixel>
-template <typename IsTarget>
-void FloodFill<Pixel>::fillRunsTouching(int y, int left, int right, const IsTarget& isTarget)
-{
-    const Region& region = this->region();
-    for (int x = left; x < right; ++x) {
-        if (!isTarget(x)) continue;
-        Run run{y, x, x + 1};
-        while (run.right < region.x1 && isTarget(run.right)) ++run.right;
-        if (!*mark(x, y)) {
-            while (run.left > region.x0 && isTarget(run.left - 1)) --run.left;
-            fillRun(run);
+    const int count = region.x1 - region.x0;
+    const Pixel* row = read.span(region.x0, count);
+    if (row == nullptr) {  // some pixels need edge handling
+        copy_.resize(static_cast<std::size_t>(count));
+        for (int i = 0; i < count; ++i) {
+            copy_[static_cast<std::size_t>(i)] = read[region.x0 + i];
         }
-        x = run.right;  // not a target
+        row = copy_.data();
+    }
+    for (int x = left; x < right; ++x) {
+        if (row[x - region.x0] != targetValue_) continue;
+        const int end = region.x0 + targetEnd(row, x - region.x0, count, targetValue_);
+        if (!*mark(x, y)) {
+            int begin = x;
+            while (begin > region.x0 && row[begin - 1 - region.x0] == targetValue_) --begin;
+            fillRun({y, begin, end});
+        }
+        x = end;  // not a target
     }
 }
 
@@ -125,7 +135,7 @@ void FloodFill<Pixel>::fillRun(const Run& run)
     std::fill_n(mark(run.left, run.y), count, true);
     std::fill_n(RowWriter(this->target(), run.y).from(run.left), count, paintValue_);
     filledCount_ += count;
-    for (int x = run.left; x < run.right; ++x) pixelFilled(x, run.y);
+    runFilled(run.y, run.left, run.right);
 }
 
 template class FloodFill<Pixel32f>;

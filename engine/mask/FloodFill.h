@@ -41,8 +41,8 @@ public:
     void begin() override;
 
 protected:
-    /// Called once for every filled pixel.
-    virtual void pixelFilled(int /*x*/, int /*y*/) {}
+    /// Called once for every run of filled pixels, [left, right) of a row.
+    virtual void runFilled(int /*y*/, int /*left*/, int /*right*/) {}
 
 private:
     /// Consecutive filled pixels of one row: x from left to right, right exclusive.
@@ -53,8 +53,6 @@ private:
     void clear();
     void forgetRuns();
     void fillRunsTouching(int y, int left, int right);
-    template <typename IsTarget>
-    void fillRunsTouching(int y, int left, int right, const IsTarget& isTarget);
     void fillRun(const Run& run);
     std::vector<bool>::iterator mark(int x, int y);
 
@@ -67,6 +65,7 @@ private:
     std::vector<Run> runs_;    ///< all runs of the last fill, unprocessed ones last
     std::vector<bool> marks_;  ///< set on the pixels of the runs, over `marked_`
     Region marked_;
+    std::vector<Pixel> copy_;  ///< of a row that needs edge handling
 };
 
 }  // namespace Orvane::Engine

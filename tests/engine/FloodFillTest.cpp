@@ -188,7 +188,10 @@ TEST(FloodFill, ReportsEveryPixelOnce)
     class Counting final : public FloodFill<Pixel32f> {
     public:
         using FloodFill::FloodFill;
-        void pixelFilled(int x, int y) override { reported.emplace_back(x, y); }
+        void runFilled(int y, int left, int right) override
+        {
+            for (int x = left; x < right; ++x) reported.emplace_back(x, y);
+        }
         std::vector<Point> reported;
     };
     const FakeServices services(4);
