@@ -370,17 +370,52 @@ void SynthesisNode<Pixel>::fillMasked(const Region& fillRect)
     const int reach = blurReach(settings_.pathWidth) + blurReach(settings_.edgeBlend);
     shown_ = boundsOf(*settings_.fillMask, reach);
     prepareBand(fillRect);
-    const Region read = {shown_.x0 - kReadBeyond, shown_.y0 - kReadBeyond, shown_.x1 + kReadBeyond,
-                         shown_.y1 + kReadBeyond};
-    const bool leavesOut = mayLeaveOut(fillRect);
+    const bool isInPlace = readsTargetInPlace();
+    const Region read = isInPlace ? Region{shown_.x0 - kReadBeyond, shown_.y0 - kReadBeyond,
+                                           shown_.x1 + kReadBeyond, shown_.y1 + kReadBeyond}
+                                  : fillRect;
+    const bool leavesOut = isInPlace && mayLeaveOut(fillRect);
     quilt(fillRect, leavesOut ? read : Region{});
     if (this->pollAbort()) return;
-    copyLaid(read);
     if (!leavesOut) copyLaidOutside();
     reports_.reportGuides(*settings_.fillMask, pathBand_);
+    if (isInPlace && !settings_.luminanceMatch && laid_.isUsable()) {
+        Map<Pixel> placed = laidInTarget(read);
+        fitBoundary(fillRect, placed);
+        return;
+    }
+    copyLaid(read);
     if (settings_.luminanceMatch) matchLuminance(fillRect);
     if (this->pollAbort()) return;
-    fitBoundary(fillRect);
+    fitBoundary(fillRect, this->target());
+}
+
+/// Whether the later stages read the target's pixels where they lie. The luminance match reads it
+/// from the window's corner on, and what follows that from (0, 0) on.
+template <typename Pixel>
+bool SynthesisNode<Pixel>::readsTargetInPlace() const
+{
+    const auto isInPlace = [this](const MapAxis& axis, int corner) {
+        const bool isAtOrigin = axis.origin == 0 && corner == 0;
+        return axis.offset == axis.origin && (isAtOrigin || !settings_.luminanceMatch);
+    };
+    return isInPlace(this->target().xAxis(), this->region().x0) &&
+           isInPlace(this->target().yAxis(), this->region().y0);
+}
+
+/// A view that reads as the target would with a part of what was laid in it.
+template <typename Pixel>
+Map<Pixel> SynthesisNode<Pixel>::laidInTarget(const Region& part)
+{
+    const Region common = part.within(laidPart_).within(this->target().storedExtent());
+    Map<Pixel> view;
+    view.copyGeometry(this->target());
+    view.setFillValue(this->target().fillValue());
+    if (common.isEmpty()) return view;
+    view.storeOnly(common);
+    const Region extent = laid_.storedExtent();
+    view.borrow(laid_.pixelAt(common.x0 - extent.x0, common.y0 - extent.y0), laid_.stride());
+    return view;
 }
 
 /// Blurs the mask over the rectangle, computes its gradient, and keeps the part outside the region.
@@ -436,12 +471,12 @@ void SynthesisNode<Pixel>::matchLuminance(const Region& fillRect)
 
 /// Fits the boundary between texture and source and makes the composite mask.
 template <typename Pixel>
-void SynthesisNode<Pixel>::fitBoundary(const Region& fillRect)
+void SynthesisNode<Pixel>::fitBoundary(const Region& fillRect, const Map<Pixel>& placed)
 {
     const ObservedStage stage(observer_, "boundary");
     BoundaryInputs<Pixel> inputs;
-    inputs.search = {fillRect,        &pathBand_,     &bandGradient_,
-                     &this->target(), &this->other(), this->statusRecord()};
+    inputs.search = {fillRect, &pathBand_,     &bandGradient_,
+                     &placed,  &this->other(), this->statusRecord()};
     inputs.fillMask = settings_.fillMask;
     inputs.seed = settings_.seed;
     inputs.edgeBlend = settings_.edgeBlend;

@@ -66,7 +66,9 @@ private:
     void fillMasked(const Region& fillRect);
     void prepareBand(const Region& fillRect);
     void matchLuminance(const Region& fillRect);
-    void fitBoundary(const Region& fillRect);
+    bool readsTargetInPlace() const;
+    Map<Pixel> laidInTarget(const Region& part);
+    void fitBoundary(const Region& fillRect, const Map<Pixel>& placed);
     Region placedRegion() const;
     void copyLaid(const Region& part);
     void copyLaidOutside();

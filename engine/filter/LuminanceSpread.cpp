@@ -84,6 +84,26 @@ bool findNew(const Pixel8* now, const Pixel8* before, Pixel8* became, int count)
     return any != 0;
 }
 
+// Tiles are mostly whole, and a fixed count lets compilers work on several pixels at once.
+
+/// ratio[i] = first[i] / second[i]
+void divide(const float* __restrict first, const float* __restrict second, float* __restrict ratio,
+            int count)
+{
+    if (count == Tiles::kSide) {
+        for (int i = 0; i < Tiles::kSide; ++i) ratio[i] = first[i] / second[i];
+    } else {
+        for (int i = 0; i < count; ++i) ratio[i] = first[i] / second[i];
+    }
+}
+
+/// The gains of a tile's row become the ratios where `now` is 1 and `before` is 0.
+void takeNew(const Pixel8* __restrict now, const Pixel8* __restrict before,
+             const float* __restrict ratio, float* __restrict gain)
+{
+    for (int i = 0; i < Tiles::kSide; ++i) gain[i] = now[i] > before[i] ? ratio[i] : gain[i];
+}
+
 }  // namespace
 
 /// The ratios of known pixels, 0 elsewhere, and how much is known; gives known pixels their mean.
@@ -130,11 +150,7 @@ public:
         for (int j = 0; j < height; ++j, first += Tiles::kSide, second += Tiles::kSide) {
             // Unknown pixels get something as well, which nobody reads.
             float* ratio = rowAt(spread_.ratio_, x, y + j);
-            if (width == Tiles::kSide) {
-                for (int i = 0; i < Tiles::kSide; ++i) ratio[i] = first[i] / second[i];
-            } else {
-                for (int i = 0; i < width; ++i) ratio[i] = first[i] / second[i];
-            }
+            divide(first, second, ratio, width);
             writeGains(x, y + j, width, ratio);
         }
     }
@@ -153,6 +169,10 @@ private:
         const int begin = std::max(gained_.x0 - x, 0), end = std::min(width, gained_.x1 - x);
         if (begin >= end) return;
         float* const gain = gain_.pixelAt(x + begin - stored_.x0, y - stored_.y0) - begin;
+        if (isWhole && end - begin == Tiles::kSide) {
+            takeNew(now, before, ratio, gain);
+            return;
+        }
         for (int i = begin; i < end; ++i) {
             const bool wasRead = x + i >= readable_.x0 && x + i < readable_.x1;
             const bool wasKnown = before != nullptr && wasRead && before[i] != 0;

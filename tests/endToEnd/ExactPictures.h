@@ -68,6 +68,12 @@ inline ExactValue grain(unsigned int seed)
     };
 }
 
+/// The same without transparency.
+inline ExactValue opaqueGrain(unsigned int seed)
+{
+    return [values = grain(seed)](int x, int y, int c) { return c == 3 ? 65535 : values(x, y, c); };
+}
+
 /// Patches that are all red or not at all, with a little green and blue: many errors differ in
 /// their last bits only.
 inline ExactValue patches(unsigned int seed)

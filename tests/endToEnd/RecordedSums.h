@@ -45,6 +45,11 @@ inline constexpr RecordedSums kRecordedSums[] = {
     {"LuminanceBlur5", {0x733d0574e7aaf471, 0x91b6cf1f64df8c3a, 0x4b26ffa73842e0af}},
     {"LuminanceBlur24", {0x93d735ddb10c9a25, 0x158c0d3bce4f1e96, 0xa22645f7fa058b27}},
     {"LuminanceBlur61", {0x3126b9e909a49622, 0x0f92bab5b17433ed, 0xf32050989ef85225}},
+    {"FarFromTheRegion", {0x032762cdc8681ca6, 0xdc5412cb00180a35, 0xf7b25ed0ea75a1cb}},
+    {"FarFromTheRegionWithLuminance", {0x572d36ca89909174, 0x3f7b7154fc52862b, 0x090a759429658b1b}},
+    {"FarFromTheRegionWithLuminanceOffTheOrigin",
+     {0x89b10eaf7148c811, 0x555977272ae8d1a0, 0x879c042a39c92a3d}},
+    {"FarFromTheRegionInAWindow", {0x6920c145aedcfd27, 0x06c13f8e2e71c825, 0xb43eab82aaa82fb0}},
     {"ReplayedRegion", {0xc341583734f3091d, 0x3859add110ae869e, 0x1b7c8ca801212c6c}},
     {"ReplayedRegionWithTextures", {0x2f179702e5e5fdf3, 0xa580281816fcb2e7, 0xd99ba99cb0ffc1d7}},
 };
