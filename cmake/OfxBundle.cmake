@@ -28,6 +28,9 @@ function(tesseret_ofx_bundle target)
     target_link_options(${target} PRIVATE -static)
   elseif(NOT MSVC AND NOT TESSERET_SANITIZE)
     target_link_options(${target} PRIVATE -static-libgcc -static-libstdc++)
+    if(CMAKE_SYSTEM_NAME STREQUAL Linux AND CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
+      tesseret_older_glibc(${target})
+    endif()
   endif()
   if(NOT WIN32 AND NOT APPLE)
     target_link_options(${target} PRIVATE
@@ -38,4 +41,16 @@ function(tesseret_ofx_bundle target)
       target_link_options(${target} PRIVATE "LINKER:--no-undefined")
     endif()
   endif()
+endfunction()
+
+# tesseret_older_glibc(target): the static runtime refers to the C library of the build machine. What the
+# plug-in does not use of it is left out, and the rest is redirected to old versions of its functions.
+function(tesseret_older_glibc target)
+  target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/platform/OlderGlibc.cpp")
+  # Before glibc 2.34 threads and loading are in libraries of their own. A newer glibc has only empty ones,
+  # without the links that -lpthread and -ldl would need.
+  target_link_options(${target} PRIVATE LINKER:--gc-sections)
+  target_link_libraries(
+    ${target} PRIVATE -Wl,--push-state,--no-as-needed -l:libpthread.so.0 -l:libdl.so.2
+                      -Wl,--pop-state)
 endfunction()
