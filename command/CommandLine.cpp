@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "command/DescribeCommand.h"
+#include "command/InspectCommand.h"
 #include "command/RenderCommand.h"
 #include "command/ViewCommand.h"
 #include "files/FileError.h"
@@ -50,6 +51,7 @@ int run(int argc, const char* const* argv)
     addRenderCommand(app, action);
     addViewCommand(app, action);
     addDescribeCommand(app, action);
+    addInspectCommand(app, action);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& request) {
