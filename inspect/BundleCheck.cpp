@@ -104,7 +104,7 @@ fs::path checkContents(const fs::path& bundle, const std::string& library, Repor
     checkFolders(contents, report);
     checkInfo(contents, library, report);
     const std::string system(Host::bundleArchitecture());
-    const fs::path file = contents / system / library;
+    fs::path file = contents / system / library;
     if (fs::is_regular_file(file, ignored)) return file;
     const std::vector<std::string> others = entriesOf(contents / system);
     const std::string found = others.empty() ? "" : "; its folder holds " + others.front();

@@ -94,7 +94,10 @@ void checkGlibc(const ElfFile& elf, const std::string& newestAllowed, const std:
     std::vector<std::string> tooNew;
     for (const auto& [version, functions] : symbols) {
         if (!isNewer(version, newestAllowed)) continue;
-        for (const std::string& function : functions) tooNew.push_back(function + "@" + version);
+        for (const std::string& function : functions) {
+            tooNew.push_back(function);
+            tooNew.back().append("@").append(version);
+        }
     }
     report.warning(about,
                    "it needs glibc " + newest->first + " (" + names(tooNew, 4) + "), newer than " +

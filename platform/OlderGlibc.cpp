@@ -20,7 +20,8 @@
 #error "state the first version of glibc for this processor"
 #endif
 
-// NOLINTBEGIN(bugprone-reserved-identifier): these are the names that the runtime refers to.
+// These are the names that the runtime refers to, and the addresses that the loader gives.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming,performance-no-int-to-ptr)
 
 extern "C" {
 
@@ -98,4 +99,4 @@ int _dl_find_object(void* code, dl_find_object* result) noexcept
 
 }  // extern "C"
 
-// NOLINTEND(bugprone-reserved-identifier)
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming,performance-no-int-to-ptr)

@@ -2,6 +2,7 @@
 /// installation. Usage: tesseret_pages FOLDER
 
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -22,6 +23,19 @@ bool write(const std::filesystem::path& file, const std::string& text)
     return bool(stream);
 }
 
+bool writePages(const std::filesystem::path& folder)
+{
+    using namespace Tesseret::Command;
+    CLI::App app;
+    Action action;
+    buildApp(app, action);
+    const CommandModel program = modelOf(app);
+    return write(folder / "tesseret.1", manualPage(program, TESSERET_VERSION)) &&
+           write(folder / "tesseret.bash", bashCompletion(program)) &&
+           write(folder / "_tesseret", zshCompletion(program)) &&
+           write(folder / "tesseret.fish", fishCompletion(program));
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -30,15 +44,10 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: tesseret_pages FOLDER\n");
         return 2;
     }
-    using namespace Tesseret::Command;
-    CLI::App app;
-    Action action;
-    buildApp(app, action);
-    const CommandModel program = modelOf(app);
-    const std::filesystem::path folder(argv[1]);
-    const bool isDone = write(folder / "tesseret.1", manualPage(program, TESSERET_VERSION)) &&
-                        write(folder / "tesseret.bash", bashCompletion(program)) &&
-                        write(folder / "_tesseret", zshCompletion(program)) &&
-                        write(folder / "tesseret.fish", fishCompletion(program));
-    return isDone ? 0 : 1;
+    try {
+        return writePages(argv[1]) ? 0 : 1;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "tesseret_pages: %s\n", error.what());
+        return 1;
+    }
 }
