@@ -35,7 +35,7 @@ check_prefix() {
     check_hardened "$bundle/Contents/Linux-x86-64/Tesseret.ofx"
     quietly "$prefix/bin/tesseret" inspect "$bundle" --glibc 2.17
     # Only the plug-in of the package can be found.
-    quietly env -u OFX_PLUGIN_PATH "$prefix/bin/tesseret" render --source "$work/source.png" --output "$out" blockSize=16
+    quietly env -u OFX_PLUGIN_PATH "$prefix/bin/tesseret" render --source "$work/source.png" --output "$out" blockSize=30
     [[ -s $out ]] || fail "nothing was rendered from $prefix"
     zcat "$prefix/share/man/man1/tesseret.1.gz" >"$work/tesseret.1"
     bash -n "$prefix/share/bash-completion/completions/tesseret"
@@ -44,7 +44,7 @@ check_prefix() {
     [[ -s $prefix/share/doc/tesseret/copyright ]] || fail "the licence is missing"
 }
 
-gm convert -size 64x48 plasma:fractal "$work/source.png"
+gm convert -size 160x120 plasma:fractal "$work/source.png"
 quietly cpack --config "$build/CPackConfig.cmake" -B "$work/packages"
 
 deb=$(find "$work/packages" -maxdepth 1 -name '*.deb')
