@@ -6,8 +6,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include "command/App.h"
 #include "command/DescribeCommand.h"
 #include "command/HostsCommand.h"
+#include "command/InspectCommand.h"
 #include "command/RenderCommand.h"
 #include "command/ViewCommand.h"
 #include "files/FileError.h"
@@ -42,16 +44,9 @@ int runAction(const Action& action)
 
 int run(int argc, const char* const* argv)
 {
-    CLI::App app("Fills pictures with quilted texture, using the Tesseret OFX plug-in");
-    app.name("tesseret");
-    app.set_version_flag("--version", "tesseret " TESSERET_VERSION);
-    app.require_subcommand(1);
-    app.footer("Run \"tesseret render --help\" for its options and examples.");
+    CLI::App app;
     Action action;
-    addRenderCommand(app, action);
-    addViewCommand(app, action);
-    addDescribeCommand(app, action);
-    addHostsCommand(app, action);
+    buildApp(app, action);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& request) {
@@ -63,6 +58,20 @@ int run(int argc, const char* const* argv)
 }
 
 }  // namespace
+
+void buildApp(CLI::App& app, Action& action)
+{
+    app.description("Fills pictures with quilted texture, using the Tesseret OFX plug-in");
+    app.name("tesseret");
+    app.set_version_flag("--version", "tesseret " TESSERET_VERSION);
+    app.require_subcommand(1);
+    app.footer("Run \"tesseret render --help\" for its options and examples.");
+    addRenderCommand(app, action);
+    addViewCommand(app, action);
+    addDescribeCommand(app, action);
+    addHostsCommand(app, action);
+    addInspectCommand(app, action);
+}
 
 int runCommandLine(int argc, const char* const* argv)
 {

@@ -14,11 +14,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The module lies beside the program.
+/// The module lies beside the program where that was built, else in the installation's folder.
 fs::path moduleFile()
 {
+    constexpr const char* kName = "tesseret_oiio.so";
     std::error_code ignored;
-    return fs::read_symlink("/proc/self/exe", ignored).parent_path() / "tesseret_oiio.so";
+    const fs::path folder = fs::read_symlink("/proc/self/exe", ignored).parent_path();
+    const fs::path installed = folder.parent_path() / "lib" / "tesseret" / kName;
+    return !fs::exists(folder / kName, ignored) && fs::exists(installed, ignored) ? installed
+                                                                                : folder / kName;
 }
 
 PictureLibrary& load(const fs::path& neededBy)

@@ -25,7 +25,11 @@ std::vector<fs::path> searchFolders()
     std::vector<fs::path> folders;
     std::error_code ignored;
     const fs::path program = fs::read_symlink("/proc/self/exe", ignored);
-    if (!program.empty()) folders.push_back(program.parent_path().parent_path());
+    if (!program.empty()) {
+        // In the build folder, and as installed with any prefix.
+        folders.push_back(program.parent_path().parent_path());
+        folders.push_back(program.parent_path().parent_path() / "OFX" / "Plugins");
+    }
     const char* const variable = std::getenv("OFX_PLUGIN_PATH");
     std::string_view rest = variable == nullptr ? "" : variable;
     while (!rest.empty()) {

@@ -46,8 +46,9 @@ ARROWS = {
     "render": ["effect/ParameterNames.h", "host", "files", "picture", "ofx", "platform"],
     "viewer/model": ["effect/ParameterNames.h", "render", "host", "files", "picture", "ofx"],
     "viewer/window": ["effect/ParameterNames.h", "viewer/model", "render", "host", "files", "picture", "ofx"],
-    "command": ["effect/ParameterNames.h", "viewer/model", "viewer/window", "render", "host", "files", "picture",
-                "ofx"],
+    "inspect": ["host", "picture", "ofx"],
+    "command": ["effect/ParameterNames.h", "viewer/model", "viewer/window", "inspect", "render", "host", "files",
+                "picture", "ofx"],
 }
 # Tests and benchmarks may include anything; no other folder includes them.
 FREE = ["tests", "bench"]

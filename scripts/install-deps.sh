@@ -5,10 +5,11 @@
 set -euo pipefail
 
 packages=(
-    ccache clang-format cmake fonts-dejavu-core g++ git graphicsmagick libbenchmark-dev libcli11-dev
-    libfreetype-dev libgl-dev libgl1-mesa-dri libglfw3-dev libglu1-mesa libgmock-dev libgtest-dev
-    libimgui-dev libopengl-dev libopenimageio-dev libosmesa6-dev libpng-dev ninja-build nlohmann-json3-dev pkgconf
-    python3 xdotool xvfb zlib1g-dev "$@"
+    ccache clang-format cmake dpkg-dev fish fonts-dejavu-core g++ git graphicsmagick groff-base
+    libbenchmark-dev libcli11-dev libelf-dev libfreetype-dev libgl-dev libgl1-mesa-dri
+    libglfw3-dev libglu1-mesa libgmock-dev libgtest-dev libimgui-dev libopengl-dev
+    libopenimageio-dev libosmesa6-dev libpng-dev libpugixml-dev librsvg2-bin ninja-build
+    nlohmann-json3-dev pkgconf python3 xdotool xvfb zlib1g-dev zsh "$@"
 )
 
 installed() {

@@ -82,7 +82,8 @@ TEST(Plugin, NeedsNoLibraryButTheSystems)
 {
     const auto needed = lastWords(linesOf("readelf --dynamic --wide"), "(NEEDED)");
     ASSERT_THAT(needed, Not(IsEmpty()));
-    EXPECT_THAT(needed, Each(MatchesRegex("\\[(libc|libm|ld-linux.*)\\.so\\.[0-9]+\\]")));
+    EXPECT_THAT(needed,
+                Each(MatchesRegex("\\[(libc|libm|libpthread|libdl|ld-linux.*)\\.so\\.[0-9]+\\]")));
     const auto resolved = linesOf("ldd -r 2>&1");
     ASSERT_THAT(resolved, Not(IsEmpty()));
     EXPECT_THAT(resolved, Each(Not(AnyOf(HasSubstr("not found"), HasSubstr("undefined")))));

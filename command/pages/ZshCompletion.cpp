@@ -1,0 +1,81 @@
+#include <sstream>
+#include <string_view>
+
+#include "command/pages/Pages.h"
+
+namespace Tesseret::Command {
+
+namespace {
+
+/// Inside single quotes, and with the characters escaped that end a part of a specification.
+std::string escaped(const std::string& text, std::string_view special)
+{
+    std::string result;
+    for (const char c : text) {
+        if (c == '\'') {
+            result += "'\\''";
+            continue;
+        }
+        if (special.find(c) != std::string_view::npos) result += '\\';
+        result += c;
+    }
+    return result;
+}
+
+/// ":value:what completes it", or nothing for a flag.
+std::string valuePart(const OptionModel& option)
+{
+    if (option.value.empty()) return "";
+    std::string text = ":" + escaped(option.value, ":\\") + ":";
+    if (option.takesPath()) return text + "_files";
+    if (option.choices.empty()) return text + " ";
+    text += "(";
+    for (std::size_t i = 0; i < option.choices.size(); ++i)
+        text += (i == 0 ? "" : " ") + option.choices[i];
+    return text + ")";
+}
+
+/// One argument of _arguments for each name; two names exclude each other.
+void writeOption(std::ostringstream& script, const OptionModel& option)
+{
+    if (option.isPositional) {
+        script << "                '" << (option.isRepeated ? "*" : "1") << ":"
+               << escaped(option.value, ":\\") << ":" << (option.takesPath() ? "_files" : " ")
+               << "' \\\n";
+        return;
+    }
+    std::string all;
+    for (const std::string& name : option.names) all += (all.empty() ? "" : " ") + name;
+    for (const std::string& name : option.names) {
+        script << "                '(" << all << ")" << name << "["
+               << escaped(option.brief(), "[]\\") << "]" << valuePart(option) << "' \\\n";
+    }
+}
+
+}  // namespace
+
+std::string zshCompletion(const CommandModel& program)
+{
+    std::ostringstream script;
+    script << "#compdef tesseret\n"
+           << "# Completion of tesseret for zsh. Written by the build from the program's own "
+              "options.\n\n_tesseret()\n{\n    local -a commands=(\n";
+    for (const CommandModel& command : program.commands) {
+        script << "        '" << command.name << ":" << escaped(command.description, ":\\")
+               << "'\n";
+    }
+    script << "    )\n    if (( CURRENT == 2 )); then\n"
+           << "        _describe -t commands command commands\n        _arguments \\\n";
+    for (const OptionModel& option : program.options) writeOption(script, option);
+    script << "                && return\n    fi\n    local command=$words[2]\n"
+           << "    shift words\n    (( CURRENT-- ))\n    case $command in\n";
+    for (const CommandModel& command : program.commands) {
+        script << "        " << command.name << ")\n            _arguments \\\n";
+        for (const OptionModel& option : command.options) writeOption(script, option);
+        script << "                && return ;;\n";
+    }
+    script << "    esac\n}\n\n_tesseret \"$@\"\n";
+    return script.str();
+}
+
+}  // namespace Tesseret::Command
