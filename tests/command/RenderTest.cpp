@@ -293,23 +293,30 @@ TEST_F(RenderTest, AFullDiskLeavesTheResultOfBefore)
 // Without the module beside the program, PNGs are rendered all the same.
 TEST_F(RenderTest, OnlyOtherFormatsNeedOpenImageIo)
 {
-    paint("a.png", 64, 48, noise(1));
-    paint("b.tif", 64, 48, noise(1));
-    paint("matte.png", 64, 48, [](int x, int) { return std::vector{x < 20 ? 255 : 0}; });
-    fs::create_directory("alone");
-    fs::copy_file(TESSERET_COMMAND, "alone/tesseret");
-    const auto run = [](const std::string& arguments) {
-        const std::string command = "alone/tesseret " + arguments + " >out 2>err";
+    paint(in("a.png"), 64, 48, noise(1));
+    paint(in("b.tif"), 64, 48, noise(1));
+    paint(in("matte.png"), 64, 48, [](int x, int) { return std::vector{x < 20 ? 255 : 0}; });
+    const std::string program = in("tesseret");
+    fs::copy_file(TESSERET_COMMAND, program);
+    const auto run = [&](const std::string& arguments) {
+        const std::string command =
+            program + " " + arguments + " >" + in("out") + " 2>" + in("err");
         return WEXITSTATUS(std::system(command.c_str()));
     };
-    const auto errors = [] { return contents("err"); };
-    const std::string plugin = std::string(" --plugin ") + TESSERET_BUNDLE;
+    const auto errors = [&] { return contents(in("err")); };
+    const auto render = [&](const char* source, const char* output) {
+        return run("render --source " + in(source) + " --output " + in(output) + " --plugin " +
+                   TESSERET_BUNDLE);
+    };
     EXPECT_EQ(run("--version"), 0);
-    EXPECT_EQ(run("render -s a.png -m matte.png -o c.png" + plugin), 0) << errors();
-    EXPECT_EQ(load("c.png").width, 64);
-    EXPECT_EQ(run("render -s b.tif -o c.png" + plugin), 2);
+    EXPECT_EQ(run("render -s " + in("a.png") + " -m " + in("matte.png") + " -o " + in("c.png") +
+                  " --plugin " + TESSERET_BUNDLE),
+              0)
+        << errors();
+    EXPECT_EQ(load(in("c.png")).width, 64);
+    EXPECT_EQ(render("b.tif", "c.png"), 2);
     EXPECT_THAT(errors(), HasSubstr("b.tif: OpenImageIO cannot be loaded: "));
-    EXPECT_EQ(run("render -s a.png -o c.exr" + plugin), 1);
+    EXPECT_EQ(render("a.png", "c.exr"), 1);
     EXPECT_THAT(errors(), HasSubstr("c.exr: OpenImageIO cannot be loaded: "));
 }
 

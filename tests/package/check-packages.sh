@@ -24,7 +24,9 @@ check_hardened() {
     grep -q BIND_NOW <<<"$all" || fail "$1 resolves its symbols late"
     grep -Eq 'GNU_STACK.* RW ' <<<"$all" || fail "$1 has an executable stack"
     grep -q __stack_chk_fail <<<"$all" || fail "$1 has no protected stack"
-    grep -Eq '__[a-z]+_chk@' <<<"$all" || fail "$1 has no checked calls"
+}
+check_calls() {
+    grep -Eq '__[a-z]+_chk@' <<<"$(readelf --wide --dyn-syms "$1")" || fail "$1 has no checked calls"
 }
 
 # Uses what was unpacked below the prefix $1.
@@ -34,6 +36,8 @@ check_prefix() {
     check_hardened "$prefix/bin/tesseret"
     check_hardened "$prefix/lib/tesseret/tesseret_oiio.so"
     check_hardened "$bundle/Contents/Linux-x86-64/Tesseret.ofx"
+    check_calls "$prefix/bin/tesseret"
+    check_calls "$bundle/Contents/Linux-x86-64/Tesseret.ofx"
     quietly "$prefix/bin/tesseret" inspect "$bundle" --glibc 2.17
     # Only the plug-in of the package can be found.
     quietly env -u OFX_PLUGIN_PATH "$prefix/bin/tesseret" render --source "$work/source.png" --output "$out" blockSize=30
