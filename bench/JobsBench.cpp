@@ -22,6 +22,7 @@
 #include "host/Effect.h"
 #include "host/EmbeddedHost.h"
 #include "host/HostBehaviour.h"
+#include "host/ImageMemory.h"
 #include "host/Instance.h"
 #include "host/Plugin.h"
 
@@ -229,6 +230,14 @@ public:
         ++polls_;
         return isAborted || std::chrono::duration<double>(now - begin_).count() >= moment_;
     }
+    void memoryAllocated(Host::ImageBytes& bytes) override
+    {
+        allocated_ += bytes.size();
+        peak_ = std::max(peak_, allocated_);
+    }
+    void memoryFreed(std::size_t bytes) override { allocated_ -= bytes; }
+    /// Of image memory, bytes.
+    std::size_t peak() const { return peak_; }
     /// Seconds since the moment of the abort.
     double late() const
     {
@@ -239,6 +248,7 @@ public:
 
 private:
     Clock::time_point begin_, last_;
+    std::size_t allocated_ = 0, peak_ = 0;
     double moment_ = 0.0, longestGap_ = 0.0;
     int polls_ = 0;
 };
@@ -440,9 +450,11 @@ void runAborts(const Job& job, const Options& options, unsigned threads)
         rig.tryRender();
         latest = std::max(latest, watch.late());
     }
-    std::printf("%-7s %-5s %u threads  %9.2f ms, %d polls, %.2f ms apart; aborted: %.2f ms late\n",
-                job.name, options.depth.c_str(), threads, whole * 1e3, polls, longestGap * 1e3,
-                latest * 1e3);
+    std::printf(
+        "%-7s %-5s %u threads  %9.2f ms, %d polls, %.2f ms apart; aborted: %.2f ms late; "
+        "image memory %.1f MiB\n",
+        job.name, options.depth.c_str(), threads, whole * 1e3, polls, longestGap * 1e3,
+        latest * 1e3, static_cast<double>(watch.peak()) / (1 << 20));
     std::fflush(stdout);
 }
 
