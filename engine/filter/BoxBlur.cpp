@@ -301,7 +301,8 @@ void BoxBlur::blurColumns()
         const int lanes = std::min(kLanes, columns.end - x);
         float* sample = batch.samples();
         for (int i = 0; i < batch.sampleCount(); ++i, sample += kLanes) {
-            const int row = rows_[static_cast<std::size_t>(liveRows_.begin + i)];
+            const int row =
+                rows_[static_cast<std::size_t>(liveRows_.begin) + static_cast<std::size_t>(i)];
             if (row >= 0) {
                 std::copy_n(temporary_.pixelAt(x - live_.begin, row), lanes, sample);
             } else {

@@ -24,9 +24,9 @@
 
 namespace Tesseret::Host {
 
-static void PrintTo(const KnownHost& host, std::ostream* out)
+static std::ostream& operator<<(std::ostream& out, const KnownHost& host)
 {
-    *out << host.name;
+    return out << host.name;
 }
 
 }  // namespace Tesseret::Host

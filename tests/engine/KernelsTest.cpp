@@ -45,7 +45,8 @@ protected:
     float value(float full)
     {
         constexpr float kInfinity = std::numeric_limits<float>::infinity();
-        constexpr float kOdd[] = {0.0f,       -0.0f, kInfinity, -kInfinity, std::nanf(""), 1e-42f,
+        constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+        constexpr float kOdd[] = {0.0f,       -0.0f, kInfinity, -kInfinity, kNan, 1e-42f,
                                   -1.17e-38f, kHuge, -3.0f,     0.01f,      1e-6f};
         if (odd_ && below(12) == 0) return kOdd[below(std::size(kOdd))];
         return static_cast<float>(below(1 << 20)) / (1 << 20) * full;
@@ -181,7 +182,8 @@ TEST(KernelMeansTest, AThirdOfASixteenBitSumIsTruncated)
         std::vector<float> means(pixels.size());
         table->rgba16.luma(pixels.data(), means.data(), static_cast<int>(pixels.size()));
         for (std::size_t sum = 0; sum < means.size(); ++sum) {
-            ASSERT_EQ(means[sum], static_cast<float>(sum / 3)) << table->name << " " << sum;
+            const std::size_t mean = sum / 3;
+            ASSERT_EQ(means[sum], static_cast<float>(mean)) << table->name << " " << sum;
         }
     }
 }
@@ -194,7 +196,7 @@ TEST(SeamLineTest, EveryTableFindsTheSameCosts)
     };
     for (int round = 0; round < 600; ++round) {
         const int count = 1 + below(60), step = below(5);
-        const auto padded = static_cast<std::size_t>(count + 2 * kSeamPadding);
+        const auto padded = static_cast<std::size_t>(count) + 2 * std::size_t{kSeamPadding};
         std::vector<float> error(padded), before(padded);
         for (auto* line : {&error, &before}) {
             for (float& v : *line) v = below(20) ? static_cast<float>(below(40)) : std::nanf("");
@@ -208,7 +210,7 @@ TEST(SeamLineTest, EveryTableFindsTheSameCosts)
             table->plane.seamLine(error.data() + kSeamPadding, before.data() + kSeamPadding,
                                   got.data() + kSeamPadding, count, step);
             for (int s = 0; s < count; ++s) {
-                const auto i = static_cast<std::size_t>(s + kSeamPadding);
+                const auto i = static_cast<std::size_t>(s) + kSeamPadding;
                 ASSERT_TRUE(same(wanted[i], got[i])) << table->name << " " << s << " of " << count;
             }
         }
@@ -222,7 +224,7 @@ TEST(BoxSegmentTest, EveryTableFindsTheSameSums)
         return static_cast<int>(random() % static_cast<unsigned>(n));
     };
     constexpr float kOdd[] = {-0.0f,
-                              std::nanf(""),
+                              std::numeric_limits<float>::quiet_NaN(),
                               std::numeric_limits<float>::infinity(),
                               -std::numeric_limits<float>::infinity(),
                               kHuge,
@@ -244,10 +246,13 @@ TEST(BoxSegmentTest, EveryTableFindsTheSameSums)
             for (int i = 0; i < count; ++i) {
                 double sum = 0.0;
                 for (int k = 0; k <= size + 1; ++k) {
-                    const float sample = samples[static_cast<std::size_t>((i + k) * kBoxLines + 3)];
+                    const float sample =
+                        samples[(static_cast<std::size_t>(i) + static_cast<std::size_t>(k)) *
+                                    kBoxLines +
+                                3];
                     sum += (k == 0 || k == size + 1 ? fraction : 1.0) * sample;
                 }
-                const float got = wanted[static_cast<std::size_t>(i * kBoxLines + 3)];
+                const float got = wanted[static_cast<std::size_t>(i) * kBoxLines + 3];
                 ASSERT_FLOAT_EQ(got, static_cast<float>(sum * box.norm)) << i;
             }
         }
