@@ -219,7 +219,7 @@ public:
         begin_ = last_ = Clock::now();
         moment_ = seconds;
         longestGap_ = 0.0;
-        polls_ = 0;
+        polls_ = passes_ = 0;
     }
     bool abortPolled(bool isAborted) override
     {
@@ -230,6 +230,14 @@ public:
         ++polls_;
         return isAborted || std::chrono::duration<double>(now - begin_).count() >= moment_;
     }
+    OfxStatus makeCalls(Host::EmbeddedHost& host, OfxThreadFunctionV1* function, unsigned int calls,
+                        void* argument) override
+    {
+        ++passes_;
+        return HostBehaviour::makeCalls(host, function, calls, argument);
+    }
+    /// Calls into the host's threads.
+    int passes() const { return passes_; }
     void memoryAllocated(Host::ImageBytes& bytes) override
     {
         allocated_ += bytes.size();
@@ -250,7 +258,7 @@ private:
     Clock::time_point begin_, last_;
     std::size_t allocated_ = 0, peak_ = 0;
     double moment_ = 0.0, longestGap_ = 0.0;
-    int polls_ = 0;
+    int polls_ = 0, passes_ = 0;
 };
 
 /// One plug-in in a host of its own, ready to render a job.
@@ -443,7 +451,7 @@ void runAborts(const Job& job, const Options& options, unsigned threads)
     watch.start(kNever);
     rig.tryRender();
     const double whole = watch.late() + kNever, longestGap = watch.longestGap();
-    const int polls = watch.polls();
+    const int polls = watch.polls(), passes = watch.passes();
     double latest = 0.0;
     for (int i = 0; i < options.aborts; ++i) {
         watch.start(whole * i / options.aborts);
@@ -451,9 +459,9 @@ void runAborts(const Job& job, const Options& options, unsigned threads)
         latest = std::max(latest, watch.late());
     }
     std::printf(
-        "%-7s %-5s %u threads  %9.2f ms, %d polls, %.2f ms apart; aborted: %.2f ms late; "
-        "image memory %.1f MiB\n",
-        job.name, options.depth.c_str(), threads, whole * 1e3, polls, longestGap * 1e3,
+        "%-7s %-5s %u threads  %9.2f ms, %d calls into the threads, %d polls, %.2f ms apart; "
+        "aborted: %.2f ms late; image memory %.1f MiB\n",
+        job.name, options.depth.c_str(), threads, whole * 1e3, passes, polls, longestGap * 1e3,
         latest * 1e3, static_cast<double>(watch.peak()) / (1 << 20));
     std::fflush(stdout);
 }

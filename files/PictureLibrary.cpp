@@ -22,7 +22,7 @@ fs::path moduleFile()
     const fs::path folder = fs::read_symlink("/proc/self/exe", ignored).parent_path();
     const fs::path installed = folder.parent_path() / "lib" / "tesseret" / kName;
     return !fs::exists(folder / kName, ignored) && fs::exists(installed, ignored) ? installed
-                                                                                : folder / kName;
+                                                                                  : folder / kName;
 }
 
 PictureLibrary& load(const fs::path& neededBy)
