@@ -13,8 +13,9 @@ namespace {
 /// Whether every render needs the clip's whole region of definition.
 bool isNeededWhole(std::string_view clip)
 {
-    return clip == Names::kSource ||
-           std::ranges::find(Names::kTextures, clip) != Names::kTextures.end();
+    // A copy, since GCC for 32-bit Windows gives the array itself two kinds of section.
+    constexpr auto kTextures = Names::kTextures;
+    return clip == Names::kSource || std::ranges::find(kTextures, clip) != kTextures.end();
 }
 
 }  // namespace
