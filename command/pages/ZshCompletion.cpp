@@ -7,7 +7,7 @@ namespace Tesseret::Command {
 
 namespace {
 
-/// Inside single quotes, and with the characters escaped that end a part of a specification.
+/// Inside single quotes, with the characters escaped that end a field of an argument to _arguments.
 std::string escaped(const std::string& text, std::string_view special)
 {
     std::string result;
