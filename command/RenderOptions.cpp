@@ -1,8 +1,12 @@
 #include "command/RenderOptions.h"
 
+#include <array>
 #include <cmath>
+#include <optional>
 #include <sstream>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "files/Sequence.h"
 #include "render/JobError.h"
@@ -11,20 +15,55 @@ namespace Tesseret::Command {
 
 namespace {
 
-std::optional<Render::ViewBox> boxFrom(const std::string& text, const char* option)
+/// Numbers separated by commas; nullopt for any other text.
+template <std::size_t Count>
+std::optional<std::array<double, Count>> numbersFrom(const std::string& text)
+{
+    std::istringstream stream(text);
+    std::array<double, Count> numbers{};
+    for (std::size_t i = 0; i < Count; ++i) {
+        char comma = ',';
+        if (i > 0) stream >> comma;
+        stream >> numbers.at(i);
+        if (!stream || comma != ',' || !std::isfinite(numbers.at(i))) return std::nullopt;
+    }
+    if (stream.peek() != EOF) return std::nullopt;
+    return numbers;
+}
+
+std::optional<Render::ViewBox> boxFrom(const std::string& text, const std::string& option)
 {
     if (text.empty()) return std::nullopt;
-    std::istringstream stream(text);
-    Render::ViewBox box{};
-    char comma1 = 0, comma2 = 0, comma3 = 0;
-    stream >> box.x1 >> comma1 >> box.y1 >> comma2 >> box.x2 >> comma3 >> box.y2;
-    const bool isComplete = stream && stream.peek() == EOF && comma1 == ',' && comma2 == ',' &&
-                            comma3 == ',' && std::isfinite(box.x2 - box.x1 + box.y2 - box.y1);
-    if (!isComplete)
-        throw Render::UsageError(std::string(option) + " " + text + ": expected x1,y1,x2,y2");
+    const auto edges = numbersFrom<4>(text);
+    if (!edges) throw Render::UsageError(option + " " + text + ": expected x1,y1,x2,y2");
+    const Render::ViewBox box{(*edges)[0], (*edges)[1], (*edges)[2], (*edges)[3]};
     if (box.x1 < box.x2 && box.y1 < box.y2) return box;
-    throw Render::UsageError(std::string(option) + " " + text +
-                             ": x1 must be left of x2, and y1 above y2");
+    throw Render::UsageError(option + " " + text + ": x1 must be left of x2, and y1 above y2");
+}
+
+std::optional<Render::LineSide> sideFrom(const std::string& text)
+{
+    if (text.empty()) return std::nullopt;
+    const auto numbers = numbersFrom<3>(text);
+    if (!numbers) throw Render::UsageError("--matte-side " + text + ": expected x,y,angle");
+    return Render::LineSide{(*numbers)[0], (*numbers)[1], (*numbers)[2]};
+}
+
+/// The areas by their numbers from 0; none for all and first.
+std::vector<std::size_t> areasFrom(const std::string& text)
+{
+    if (text == "all" || text == "first") return {};
+    try {
+        std::vector<std::size_t> areas;
+        for (const int number : Files::parseFrames(text)) {
+            if (number < 1) throw std::invalid_argument(text);
+            areas.push_back(static_cast<std::size_t>(number) - 1);
+        }
+        return areas;
+    } catch (const std::invalid_argument&) {
+        throw Render::UsageError("--areas " + text +
+                                 ": expected all, first, or numbers from 1 as in 1,3-5");
+    }
 }
 
 }  // namespace
@@ -48,6 +87,15 @@ void addFileOptions(CLI::App& command, RenderOptions& options, bool wantsOutput)
                         "General and useTexture" +
                             number + "=true")
             ->type_name("FILE");
+    }
+    for (std::size_t i = 0; i < settings.textures.size(); ++i) {
+        const std::string number = std::to_string(i + 1);
+        command
+            .add_option("--texture" + number + "-crop", options.textureCrops[i],
+                        "Uses only this part of the texture, or without --texture" + number +
+                            " this part of the source, as a texture: x1,y1,x2,y2 in pixels from "
+                            "the upper left corner, y downwards")
+            ->type_name("BOX");
     }
     command
         .add_option(
@@ -141,8 +189,8 @@ void addPluginOptions(CLI::App& command, RenderOptions& options)
         ->type_name("FILE");
     command
         .add_option("--parameters", settings.parameterFile,
-                    "JSON file with values for the plug-in's parameters; options and name=value "
-                    "override it")
+                    "JSON file with values for the plug-in's parameters, or such JSON itself; "
+                    "options and name=value override it")
         ->type_name("FILE");
     command.add_option("parameters", settings.parameters, "Values for the plug-in's parameters")
         ->type_name("name=value");
@@ -156,13 +204,19 @@ Render::RenderSettings settingsFrom(const RenderOptions& options)
     if (options.fillAlpha) settings.mask = Render::MaskOption::Alpha;
     if (options.fillAlphaInverted) settings.mask = Render::MaskOption::AlphaInverted;
     if (std::isnan(settings.matteGrow)) throw Render::UsageError("--matte-grow: expected a number");
-    settings.everyArea = options.areas == "all";
+    settings.everyArea = options.areas != "first";
+    settings.areas = areasFrom(options.areas);
+    settings.matteSide = sideFrom(options.matteSide);
     settings.cropsAreas = options.matteWindow == "area";
     if (options.depth == "byte") settings.depth = Depth::Byte;
     if (options.depth == "short") settings.depth = Depth::Short;
     if (options.depth == "float") settings.depth = Depth::Float;
     settings.window = boxFrom(options.window, "--window");
     settings.sampleBox = boxFrom(options.sampleBox, "--sample-box");
+    for (std::size_t i = 0; i < settings.textureCrops.size(); ++i) {
+        settings.textureCrops[i] =
+            boxFrom(options.textureCrops[i], "--texture" + std::to_string(i + 1) + "-crop");
+    }
     return settings;
 }
 

@@ -2,6 +2,7 @@
 
 /// The options shared by all subcommands that render.
 
+#include <array>
 #include <string>
 
 #include <CLI/CLI.hpp>
@@ -13,7 +14,8 @@ namespace Tesseret::Command {
 /// The options as written on the command line.
 struct RenderOptions {
     Render::RenderSettings settings;
-    std::string frames, depth, window, sampleBox, areas = "all", matteWindow = "area";
+    std::string frames, depth, window, sampleBox, areas = "all", matteWindow = "area", matteSide;
+    std::array<std::string, 3> textureCrops;
     bool matteInverted = false, fillAlpha = false, fillAlphaInverted = false;
 };
 

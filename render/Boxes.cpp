@@ -31,19 +31,6 @@ std::string boxText(const ViewBox& box)
            numberText(box.y2);
 }
 
-/// The pixels of the picture that a box covers, partly covered ones included. Throws `UsageError`.
-OfxRectI boxInPicture(const char* option, const ViewBox& box, const PictureInfo& picture)
-{
-    const double top = picture.displayWindow.y2;
-    const OfxRectI asked = toPixels({box.x1, top - box.y2, box.x2, top - box.y1}, {1.0, 1.0}, 1.0);
-    const OfxRectI inside = intersection(asked, picture.dataWindow);
-    if (!isEmpty(inside)) return inside;
-    throw UsageError(std::string(option) + ": the box " + boxText(box) + " lies outside " +
-                     picture.file.string() + ", which has " +
-                     std::to_string(picture.displayWindow.x2) + " x " +
-                     std::to_string(picture.displayWindow.y2) + " pixels");
-}
-
 /// The part of a box that lies in the picture.
 ViewBox clipped(const ViewBox& box, const PictureInfo& picture)
 {
@@ -150,6 +137,18 @@ bool hasBox(const ContextDescription& description)
 
 }  // namespace
 
+OfxRectI boxInPicture(const std::string& option, const ViewBox& box, const PictureInfo& picture)
+{
+    const double top = picture.displayWindow.y2;
+    const OfxRectI asked = toPixels({box.x1, top - box.y2, box.x2, top - box.y1}, {1.0, 1.0}, 1.0);
+    const OfxRectI inside = intersection(asked, picture.dataWindow);
+    if (!isEmpty(inside)) return inside;
+    throw UsageError(option + ": the box " + boxText(box) + " lies outside " +
+                     picture.file.string() + ", which has " +
+                     std::to_string(picture.displayWindow.x2) + " x " +
+                     std::to_string(picture.displayWindow.y2) + " pixels");
+}
+
 OfxRectI windowInSource(const RenderSettings& settings, const PictureInfo& source)
 {
     return settings.window ? boxInPicture(kWindowOption, *settings.window, source)
@@ -184,7 +183,10 @@ void setSampleBox(const ViewBox& box, const JobInputs& inputs, ParameterValues& 
 void avoidRegionByDefault(const ContextDescription& description, const JobInputs& inputs,
                           ParameterValues& values)
 {
-    if (!hasBox(description) || hasTexture(inputs) || hasCorners(values)) return;
+    const bool hasForeignTexture = std::ranges::any_of(Names::kTextures, [&](const char* clip) {
+        return inputs.has(clip) && !inputs.crops().isFromSource(clip);
+    });
+    if (!hasBox(description) || hasForeignTexture || hasCorners(values)) return;
     values.try_emplace(Names::kAvoidFillRegion, Host::ParameterValue(1));
 }
 

@@ -16,6 +16,11 @@ namespace Tesseret::Render {
 /// or the whole data window. Throws `UsageError` when the result is empty.
 OfxRectI windowInSource(const RenderSettings& settings, const Files::PictureInfo& source);
 
+/// The pixels of the picture that a box covers, partly covered ones included. Throws `UsageError`,
+/// which names the option, when there are none.
+OfxRectI boxInPicture(const std::string& option, const ViewBox& box,
+                      const Files::PictureInfo& picture);
+
 /// A line for each box of the settings that is clipped, with the part that is used. Throws
 /// `UsageError` when that part is empty.
 std::vector<std::string> clippedBoxes(const RenderSettings& settings, const JobInputs& inputs);

@@ -80,7 +80,8 @@ FrameRenderer::FrameRenderer(const RenderSettings& settings, InstanceSetup setup
       listener_(listener),
       warnings_(warnings),
       everyArea_(settings.everyArea),
-      cropsAreas_(settings.cropsAreas)
+      cropsAreas_(settings.cropsAreas),
+      chosenAreas_(settings.areas)
 {
     slots_.push_back(setup_.make());
 }
@@ -105,44 +106,52 @@ void FrameRenderer::endSequence()
 }
 
 Picture FrameRenderer::render(const RenderRequest& request, const FramePictures& pictures,
-                              const PreparedMatte* matte)
+                              const PreparedMatte* matte, const AreaCount& others)
 {
     if (std::exchange(hasRendered_, true) &&
         instance().host().behaviour().makesInstancePerFrame()) {
         slots_.clear();
         slots_.push_back(makeSlot());
     }
+    const ClipPicture& shown = pictures.at(Names::kSource);
     FrameSource& source = *slots_.front().clips.at(Names::kSource);
-    source.show(frameOf(request), pictures.at(Names::kSource).picture);
+    source.show(frameOf(request), shown.picture, shown.scale);
     Picture output = source.picture(request.time, request.scale)->copied(request.window, {});
     output.setRegionOfDefinition(request.window);
     if (matte != nullptr) {
-        fillAreas(request, pictures, *matte, output);
+        fillAreas(request, pictures, *matte, others, output);
         return output;
     }
-    for (const auto& [clip, picture] : pictures) {
-        slots_.front().clips.at(clip)->show(frameOf(request), picture.picture);
-    }
+    show(slots_.front(), request, pictures);
     renderOn(slots_.front(), request, output);
     return output;
 }
 
-void FrameRenderer::fillAreas(const RenderRequest& request, const FramePictures& pictures,
-                              const PreparedMatte& matte, Picture& output)
+std::size_t FrameRenderer::areasOf(const PreparedMatte& matte) const
 {
-    const std::size_t count = std::min(matte.areas.count(), everyArea_ ? matte.areas.count() : 1);
+    return everyArea_ ? matte.areas.count() : std::min<std::size_t>(matte.areas.count(), 1);
+}
+
+void FrameRenderer::show(Slot& slot, const RenderRequest& request,
+                         const FramePictures& pictures) const
+{
+    for (const auto& [clip, picture] : pictures) {
+        slot.clips.at(clip)->show(frameOf(request), picture.picture, picture.scale);
+    }
+}
+
+void FrameRenderer::fillAreas(const RenderRequest& request, FramePictures pictures,
+                              const PreparedMatte& matte, const AreaCount& others, Picture& output)
+{
+    const std::size_t count = areasOf(matte);
     remark(request, matte, count);
     followAreas(request, matte, count);
     std::shared_ptr<Picture> filled;  // the source with the earlier areas filled
     for (std::size_t area = 0; area < count; ++area) {
         if (isInterrupted()) throw Interrupted("interrupted");
-        listener_.areaBegan(area, count);
+        listener_.areaBegan(others.before + area, others.before + count + others.after);
         Slot& slot = slotFor(area);
-        for (const auto& [clip, picture] : pictures) {
-            slot.clips.at(clip)->show(frameOf(request), picture.picture);
-        }
-        FrameSource& source = *slot.clips.at(Names::kSource);
-        if (filled) source.show(frameOf(request), filled, request.scale);
+        show(slot, request, pictures);
         showMatte(slot, request, matte, area);
         RenderRequest part = request;
         part.window = areaWindow(request, matte, area);
@@ -150,13 +159,18 @@ void FrameRenderer::fillAreas(const RenderRequest& request, const FramePictures&
         renderOn(slot, part, changed);
         output.paste(changed);
         if (area + 1 < count) {
+            ClipPicture& source = pictures.at(Names::kSource);
             if (!filled) {
-                const auto unfilled = source.picture(request.time, request.scale);
+                const auto unfilled =
+                    slot.clips.at(Names::kSource)->picture(request.time, request.scale);
                 filled = std::make_shared<Picture>(unfilled->copied());
+                source.picture = filled;
+                source.scale = request.scale;
             }
             filled->paste(changed);  // no render reads it now
+            setup_.inputs().crops().cutFromSource(pictures);
         }
-        source.hide();  // instances keep no pictures between frames
+        slot.clips.at(Names::kSource)->hide();  // instances keep no pictures between frames
         slot.clips.at(Names::kMatte)->hide();
     }
 }
@@ -215,6 +229,11 @@ void FrameRenderer::remark(const RenderRequest& request, const PreparedMatte& ma
     const std::string file = matte.file.string();
     if (count == 0 && !std::exchange(reportedEmptyMatte_, true)) {
         warnings_.report(file + ": masks nothing, so nothing is filled");
+    }
+    for (const std::size_t area : chosenAreas_) {
+        if (area < matte.paintedAreas) continue;
+        warnings_.report(file + ": has " + std::to_string(matte.paintedAreas) +
+                         " areas, so there is no area " + std::to_string(area + 1) + " to fill");
     }
     if (count > kManyAreas) {
         warnings_.report(

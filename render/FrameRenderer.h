@@ -10,6 +10,11 @@
 
 namespace Tesseret::Render {
 
+/// The areas of a frame that other renderers fill.
+struct AreaCount {
+    std::size_t before = 0, after = 0;
+};
+
 /// Renders frames on instances of the plug-in. The separate areas of a matte are filled one after
 /// another, each over the result of the one before.
 class FrameRenderer {
@@ -25,10 +30,13 @@ public:
     void endSequence();
 
     /// The picture of the request's window, which starts as the source's. `matte` is null when the
-    /// plug-in does not fill from a matte. Throws `HostError` when the plug-in fails, and
+    /// plug-in does not fill from a matte; `others` are for
+    /// progress. Throws `HostError` when the plug-in fails, and
     /// `Interrupted`.
     Picture render(const Host::RenderRequest& request, const FramePictures& pictures,
-                   const PreparedMatte* matte);
+                   const PreparedMatte* matte, const AreaCount& others = {});
+    /// How many areas of a matte are filled.
+    std::size_t areasOf(const PreparedMatte& matte) const;
 
     /// Makes the running render and every later one end with `Interrupted`. From any thread.
     void abort();
@@ -41,8 +49,9 @@ private:
         Host::RenderRequest first;
     };
 
-    void fillAreas(const Host::RenderRequest& request, const FramePictures& pictures,
-                   const PreparedMatte& matte, Picture& output);
+    void fillAreas(const Host::RenderRequest& request, FramePictures pictures,
+                   const PreparedMatte& matte, const AreaCount& others, Picture& output);
+    void show(Slot& slot, const Host::RenderRequest& request, const FramePictures& pictures) const;
     OfxRectI areaWindow(const Host::RenderRequest& request, const PreparedMatte& matte,
                         std::size_t area) const;
     void showMatte(Slot& slot, const Host::RenderRequest& request, const PreparedMatte& matte,
@@ -63,6 +72,7 @@ private:
     std::vector<OfxRectI> recorded_;  ///< boxes of the areas with recorded blocks
     std::vector<OfxRectI> reached_;   ///< unions of these and the boxes of all frames since
     bool hasRendered_ = false;
+    std::vector<std::size_t> chosenAreas_;  ///< of the matte, from 0; empty: any
     bool reportedEmptyMatte_ = false, reportedAreasChange_ = false;
     std::mutex mutex_;  ///< guards the members below
     bool isAborted_ = false;

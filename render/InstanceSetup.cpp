@@ -98,7 +98,7 @@ InstanceSetup::InstanceSetup(PluginSession& session, const RenderSettings& setti
     ParameterValues filed;
     if (!settings.parameterFile.empty()) {
         const std::string plugin = session.effect().description().identifier;
-        filed = loadParameters(settings.parameterFile, plugin, description);
+        filed = loadParameters(settings.parameterFile, plugin, description, settings.step);
     }
     adopt(collectValues(settings, description, inputs, std::move(filed)));
 }

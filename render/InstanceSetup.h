@@ -34,6 +34,7 @@ public:
     /// Makes an instance, connects its clips and sets its parameters. Throws `UsageError`.
     ReadyInstance make() const;
 
+    const JobInputs& inputs() const { return inputs_; }
     /// The short name.
     const std::string& context() const { return context_; }
     /// The values of all parameters, defaults included.

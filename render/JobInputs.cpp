@@ -53,9 +53,21 @@ JobInputs::JobInputs(const RenderSettings& settings)
         checkOutputs();
     }
     for (const Input& input : inputs_) {
-        infos_.emplace(input.clip, Files::readInfo(input.pattern.file(frames_.front())));
+        read_.emplace(input.clip, Files::readInfo(input.pattern.file(frames_.front())));
     }
+    infos_ = read_;
+    crops_ = TextureCrops(settings, read_);
+    crops_.cut(infos_);
     if (has(Names::kMatte)) checkMatte(infos_.at(Names::kMatte), source());
+}
+
+JobInputs JobInputs::withCrops(const RenderSettings& settings) const
+{
+    JobInputs other = *this;
+    other.infos_ = read_;
+    other.crops_ = TextureCrops(settings, read_);
+    other.crops_.cut(other.infos_);
+    return other;
 }
 
 void JobInputs::checkFrames() const
@@ -135,6 +147,7 @@ FramePictures JobInputs::read(int frame, Depth depth)
     if (has(Names::kMatte)) {
         checkMatte(pictures.at(Names::kMatte).info, pictures.at(Names::kSource).info);
     }
+    crops_.cut(pictures);
     return pictures;
 }
 

@@ -13,21 +13,11 @@
 #include "files/PictureReader.h"
 #include "files/Sequence.h"
 #include "files/WholeFile.h"
+#include "render/FramePictures.h"
 #include "render/RenderSettings.h"
+#include "render/TextureCrops.h"
 
 namespace Tesseret::Render {
-
-/// A clip's picture of one frame.
-struct ClipPicture {
-    std::shared_ptr<const Picture> picture;
-    std::shared_ptr<const Files::FileRecord> record;
-    Files::PictureInfo info;
-    std::vector<std::string> warnings;
-    std::optional<Files::MatteFrom> matteFrom;  ///< of a matte; nullopt for other clips
-};
-
-/// By clip name.
-using FramePictures = std::map<std::string, ClipPicture>;
 
 class JobInputs {
 public:
@@ -35,6 +25,9 @@ public:
     /// `FileError`: a sequence without frames, missing frames (all of them listed), an output that
     /// is an input, files that cannot be used, a matte of another size than the source.
     explicit JobInputs(const RenderSettings& settings);
+    /// The same files with the textures cut as these settings say, and not as before. Throws
+    /// `UsageError` for a box outside its picture.
+    JobInputs withCrops(const RenderSettings& settings) const;
 
     const std::vector<int>& frames() const { return frames_; }
     bool isSequence() const { return isSequence_; }
@@ -46,8 +39,10 @@ public:
     /// Whether a file is an input of any frame, whatever name or link leads to it.
     bool reads(const std::filesystem::path& file) const;
 
-    /// All pictures of a frame at a depth. Stills are read once. Throws `FileError`, and
-    /// `UsageError` for a matte of another size. One call at a time.
+    const TextureCrops& crops() const { return crops_; }
+
+    /// All pictures of a frame at a depth, textures cut. Stills are read once. Throws `FileError`,
+    /// and `UsageError` for a matte of another size. One call at a time.
     FramePictures read(int frame, Depth depth);
 
 private:
@@ -67,7 +62,9 @@ private:
     std::vector<int> frames_;
     bool isSequence_;
     std::set<Files::FileIdentity> filesRead_;
-    std::map<std::string, Files::PictureInfo> infos_;
+    std::map<std::string, Files::PictureInfo> read_;   ///< as in the files
+    std::map<std::string, Files::PictureInfo> infos_;  ///< with the textures cut
+    TextureCrops crops_;
     FramePictures stills_;
     bool reportedFullAlpha_ = false;
 };

@@ -98,12 +98,15 @@ void MatteAreas::labelAreas()
     }
 }
 
-Picture MatteAreas::alone(std::size_t area, const OfxRectI& bounds) const
+Picture MatteAreas::only(const std::vector<std::size_t>& areas, const OfxRectI& bounds) const
 {
     Picture result(bounds, matte_->depth(), Components::Alpha);
     result.setPixelAspectRatio(matte_->pixelAspectRatio());
     result.setAlpha(matte_->alpha());
-    const auto wanted = static_cast<Label>(area + 1);
+    std::vector<char> isWanted(boxes_.size() + 1, 0);  // by label
+    for (const std::size_t area : areas) {
+        if (area < boxes_.size()) isWanted[area + 1] = 1;
+    }
     atDepth(matte_->depth(), [&]<typename Channel>(Channel zero) {
         const Channel unmasked = masking(zero, polarity_);
         const Channel full = masking(MatteScale<Channel>::kFull, polarity_);
@@ -113,7 +116,9 @@ Picture MatteAreas::alone(std::size_t area, const OfxRectI& bounds) const
             auto* to = result.pixel<Channel>(bounds.x1, y);
             for (int x = bounds.x1; x < bounds.x2; ++x, ++from, ++label, ++to) {
                 const bool isHole = !isMasked(masking(*from, polarity_));
-                *to = *label != wanted ? unmasked : isHole ? full : *from;
+                *to = isWanted[static_cast<std::size_t>(*label)] == 0 ? unmasked
+                      : isHole                                        ? full
+                                                                      : *from;
             }
         }
     });

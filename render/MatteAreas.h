@@ -25,7 +25,9 @@ public:
 
     /// A matte of the same polarity with only this area, its holes filled, over bounds that lie
     /// inside the matte's.
-    Picture alone(std::size_t area, const OfxRectI& bounds) const;
+    Picture alone(std::size_t area, const OfxRectI& bounds) const { return only({area}, bounds); }
+    /// Likewise with several areas; numbers of areas that do not exist are left out.
+    Picture only(const std::vector<std::size_t>& areas, const OfxRectI& bounds) const;
     /// Whether one of the first `count` areas has a pixel in the box.
     bool reachInto(const OfxRectI& box, std::size_t count) const;
 

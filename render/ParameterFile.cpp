@@ -28,9 +28,22 @@ namespace {
 constexpr const char* kPlugin = "plugin";
 constexpr const char* kContext = "context";
 constexpr const char* kParameters = "parameters";
+constexpr const char* kSteps = "steps";
+
+bool isText(const fs::path& file)
+{
+    return file.string().starts_with('{');
+}
+
+/// What messages call it.
+std::string nameOf(const fs::path& file)
+{
+    return isText(file) ? "--parameters" : file.string();
+}
 
 std::string readText(const fs::path& file)
 {
+    if (isText(file)) return file.string();
     std::error_code ignored;
     std::ifstream stream(file, std::ios::binary);
     if (!stream || fs::is_directory(file, ignored)) throw FileError(file, "cannot be read");
@@ -38,27 +51,15 @@ std::string readText(const fs::path& file)
     return text;
 }
 
-Json parse(const fs::path& file)
+bool hasParameters(const Json& json)
 {
-    const std::string text = readText(file);
-    Json json;
-    try {
-        json = Json::parse(text);
-    } catch (const Json::parse_error& error) {
-        const auto end =
-            text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
-        throw FileError(file, "is invalid JSON at line " +
-                                  std::to_string(1 + std::count(text.begin(), end, '\n')));
-    }
-    if (!json.is_object() || !json.contains(kParameters) || !json[kParameters].is_object()) {
-        throw FileError(file, "holds no parameters: expected {\"parameters\": {\"name\": value}}");
-    }
-    for (const char* key : {kPlugin, kContext}) {
-        if (json.contains(key) && !json[key].is_string()) {
-            throw FileError(file, std::string("\"") + key + "\" must be a string");
-        }
-    }
-    return json;
+    return json.is_object() && json.contains(kParameters) && json[kParameters].is_object();
+}
+
+bool hasSteps(const Json& json)
+{
+    return json.is_object() && json.contains(kSteps) && json[kSteps].is_array() &&
+           !json[kSteps].empty() && std::ranges::all_of(json[kSteps], hasParameters);
 }
 
 bool isPoint(const ParameterDescription& parameter, const Json& value)
@@ -120,33 +121,57 @@ Json jsonOf(const ParameterDescription& parameter, const ParameterValue& value)
 
 }  // namespace
 
+Json readParameterFile(const fs::path& file)
+{
+    const std::string text = readText(file);
+    Json json;
+    try {
+        json = Json::parse(text);
+    } catch (const Json::parse_error& error) {
+        const auto end =
+            text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
+        throw FileError(nameOf(file), "is invalid JSON at line " +
+                                          std::to_string(1 + std::count(text.begin(), end, '\n')));
+    }
+    if (!hasParameters(json) && !hasSteps(json)) {
+        throw FileError(nameOf(file),
+                        "holds no parameters: expected {\"parameters\": {\"name\": value}}");
+    }
+    for (const char* key : {kPlugin, kContext}) {
+        if (json.contains(key) && !json[key].is_string()) {
+            throw FileError(nameOf(file), std::string("\"") + key + "\" must be a string");
+        }
+    }
+    return json;
+}
+
 std::string contextOfParameters(const fs::path& file)
 {
-    return parse(file).value(kContext, "");
+    return readParameterFile(file).value(kContext, "");
 }
 
 ParameterValues loadParameters(const fs::path& file, const std::string& plugin,
-                               const ContextDescription& description)
+                               const ContextDescription& description, std::size_t step)
 {
-    const Json json = parse(file);
+    const Json json = readParameterFile(file);
     const std::string theirs = json.value(kPlugin, plugin);
     if (theirs != plugin) {
-        throw UsageError(file.string() + ": holds parameters of " + theirs + ", not of " + plugin);
+        throw UsageError(nameOf(file) + ": holds parameters of " + theirs + ", not of " + plugin);
     }
     ParameterValues values;
-    for (const auto& [name, value] : json[kParameters].items()) {
+    const Json& holder = hasSteps(json) ? json[kSteps].at(step) : json;
+    for (const auto& [name, value] : holder[kParameters].items()) {
         try {
             NamedValue understood = understand(name, value, description);
             values.insert_or_assign(std::move(understood.name), std::move(understood.value));
         } catch (const UsageError& error) {
-            throw UsageError(file.string() + ": " + error.what());
+            throw UsageError(nameOf(file) + ": " + error.what());
         }
     }
     return values;
 }
 
-void saveParameters(const fs::path& file, const std::string& plugin,
-                    const ContextDescription& description, const ParameterValues& values)
+Json parametersJson(const ContextDescription& description, const ParameterValues& values)
 {
     Json parameters = Json::object();
     for (const ParameterDescription& parameter : description.parameters) {
@@ -154,9 +179,19 @@ void saveParameters(const fs::path& file, const std::string& plugin,
         parameters[parameter.name] =
             jsonOf(parameter, valueOf(parameter.name, values, description));
     }
-    const Json json{{kPlugin, plugin},
-                    {kContext, shortContextName(description.context)},
-                    {kParameters, std::move(parameters)}};
+    return parameters;
+}
+
+void saveParameters(const fs::path& file, const std::string& plugin,
+                    const ContextDescription& description, const ParameterValues& values)
+{
+    writeJson(file, {{kPlugin, plugin},
+                     {kContext, shortContextName(description.context)},
+                     {kParameters, parametersJson(description, values)}});
+}
+
+void writeJson(const fs::path& file, const Json& json)
+{
     const std::string text = json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
     Files::writeWhole(file, std::as_bytes(std::span(text)));
 }

@@ -7,9 +7,11 @@
 
 #include "effect/ParameterNames.h"
 #include "files/FileError.h"
+#include "files/PictureScale.h"
 #include "files/PictureWriter.h"
 #include "host/HostError.h"
 #include "render/Boxes.h"
+#include "render/FillSteps.h"
 #include "render/FrameRequest.h"
 #include "render/Interrupt.h"
 #include "render/JobError.h"
@@ -31,23 +33,56 @@ private:
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
+/// Each step cuts its own textures.
+RenderSettings withoutCrops(RenderSettings settings)
+{
+    settings.textureCrops = {};
+    return settings;
+}
+
+/// The pictures of the next step, whose source is what this step made of it.
+void continueFrom(Picture filled, const Host::RenderRequest& request, FramePictures& pictures)
+{
+    ClipPicture& source = pictures.at(Names::kSource);
+    std::shared_ptr<const Picture> before = source.picture;
+    if (request.scale.x != source.scale.x || request.scale.y != source.scale.y) {
+        before = std::make_shared<const Picture>(Files::scaled(
+            *before, {request.scale.x / source.scale.x, request.scale.y / source.scale.y}));
+    }
+    Picture whole = before->copied();
+    whole.paste(filled);
+    source.picture = std::make_shared<const Picture>(std::move(whole));
+    source.scale = request.scale;
+}
+
 }  // namespace
+
+RenderJob::Step::Step(RenderJob& job, const RenderSettings& settings,
+                      std::shared_ptr<PaintedAreas> painted)
+    : inputs(job.inputs_.withCrops(settings)),
+      frames(settings, InstanceSetup(job.session_, settings, inputs, job.depth_), job.listener_,
+             job.warnings_)
+{
+    const FillRegion& region = frames.setup().fillRegion();
+    if (region.source != MaskSource::Matte) return;
+    mattes.emplace(settings, region.polarity, std::move(painted));
+}
 
 RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
     : settings_(std::move(settings)),
       listener_(listener),
       warnings_(listener),
       host_(settings_.hostLike),
-      inputs_(settings_),
+      inputs_(withoutCrops(settings_)),
       depth_(host_.depthFor(settings_.depth, inputs_.source().depth)),
       first_(std::async(std::launch::async,
                         [this] { return readPictures(inputs_.frames().front()); })),
       messages_(listener, warnings_),
-      session_(settings_.plugin, host_.adapted(messages_.hostOptions(settings_.threads))),
-      renderer_(settings_, InstanceSetup(session_, settings_, inputs_, depth_), listener, warnings_)
+      session_(settings_.plugin, host_.adapted(messages_.hostOptions(settings_.threads)))
 {
-    if (fillRegion().source == MaskSource::Matte) {
-        mattes_.emplace(settings_, fillRegion().polarity);
+    const auto painted = std::make_shared<PaintedAreas>();
+    for (const RenderSettings& step : stepsOf(settings_)) {
+        steps_.emplace_back(*this, step, painted);
     }
     for (const std::string& text : clippedBoxes(settings_, inputs_)) {
         listener_.note(instance(), text);
@@ -67,9 +102,10 @@ void RenderJob::run()
     std::future<ReadFrame> next = read(frames.front());
     std::future<void> written;  // the futures wait for their work on an exception
     const auto [first, last] = std::ranges::minmax(frames);
-    renderer_.beginSequence(
-        {double(first), double(last)},
-        requestFor(settings_, inputs_.isSequence(), frames.front(), inputs_.source()));
+    const OfxRangeD range{double(first), double(last)};
+    const Host::RenderRequest beginning =
+        requestFor(settings_, inputs_.isSequence(), frames.front(), inputs_.source());
+    for (Step& step : steps_) step.frames.beginSequence(range, beginning);
     for (std::size_t i = 0; i < frames.size(); ++i) {
         const ReadFrame current = next.get();
         if (i + 1 < frames.size()) next = read(frames[i + 1]);
@@ -79,7 +115,7 @@ void RenderJob::run()
             writeFrame(std::move(done));
         });
     }
-    renderer_.endSequence();
+    for (Step& step : steps_) step.frames.endSequence();
     written.get();
 }
 
@@ -99,7 +135,10 @@ RenderJob::ReadFrame RenderJob::readFrame(int frame)
     for (const auto& [clip, picture] : read.pictures) {
         for (const std::string& warning : picture.warnings) warnings_.report(warning);
     }
-    if (mattes_) read.matte = mattes_->prepare(read.pictures.at(Names::kMatte));
+    for (Step& step : steps_) {
+        read.mattes.push_back(step.mattes ? step.mattes->prepare(read.pictures.at(Names::kMatte))
+                                          : nullptr);
+    }
     read.seconds = taken.seconds + watch.seconds();
     return read;
 }
@@ -108,7 +147,7 @@ RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read
 {
     if (isInterrupted()) throw Interrupted("interrupted");
     listener_.frameBegan(frame);
-    if (read.matte) listener_.matteTaken(*read.pictures.at(Names::kMatte).matteFrom);
+    if (read.mattes.front()) listener_.matteTaken(*read.pictures.at(Names::kMatte).matteFrom);
     const ClipPicture& source = read.pictures.at(Names::kSource);
     const Host::RenderRequest request =
         requestFor(settings_, inputs_.isSequence(), frame, source.info);
@@ -116,7 +155,7 @@ RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read
     try {
         const Stopwatch watch;
         RenderedFrame rendered;
-        rendered.picture = renderer_.render(request, read.pictures, read.matte.get());
+        rendered.picture = renderSteps(request, read);
         rendered.record = source.record;
         rendered.result = {frame, inputs_.outputFile(frame), read.seconds, watch.seconds(), 0.0};
         rendered.options =
@@ -127,6 +166,28 @@ RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read
     } catch (const PictureError& error) {
         fail(frame, error.what());
     }
+}
+
+Picture RenderJob::renderSteps(const Host::RenderRequest& request, const ReadFrame& read)
+{
+    AreaCount others;
+    for (std::size_t i = 0; i < steps_.size(); ++i) {
+        if (read.mattes[i]) others.after += steps_[i].frames.areasOf(*read.mattes[i]);
+    }
+    FramePictures pictures = read.pictures;
+    Picture filled;
+    for (std::size_t i = 0; i < steps_.size(); ++i) {
+        Step& step = steps_[i];
+        const PreparedMatte* const matte = read.mattes[i].get();
+        const std::size_t count = matte != nullptr ? step.frames.areasOf(*matte) : 0;
+        others.after -= count;
+        if (i > 0) continueFrom(std::move(filled), request, pictures);
+        FramePictures shown = pictures;
+        step.inputs.crops().cut(shown);
+        filled = step.frames.render(request, shown, matte, others);
+        others.before += count;
+    }
+    return filled;
 }
 
 void RenderJob::writeFrame(RenderedFrame rendered)
