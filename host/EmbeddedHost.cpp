@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <thread>
+#include <utility>
 
 #include "host/HostError.h"
 #include "host/Instance.h"
@@ -17,6 +18,7 @@ namespace Tesseret::Host {
 namespace {
 
 thread_local EmbeddedHost* currentHost = nullptr;
+thread_local bool isAlone = false;
 
 std::mutex& hostsMutex()
 {
@@ -116,7 +118,14 @@ void EmbeddedHost::describeSelf(const HostIdentity& identity)
 
 unsigned int EmbeddedHost::threads() const
 {
-    return pool_->size();
+    return isAlone ? 1 : pool_->size();
+}
+
+EmbeddedHost::AloneScope::AloneScope() : previous_(std::exchange(isAlone, true)) {}
+
+EmbeddedHost::AloneScope::~AloneScope()
+{
+    isAlone = previous_;
 }
 
 bool EmbeddedHost::offers(const char* property, std::string_view value) const

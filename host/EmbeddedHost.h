@@ -40,6 +40,7 @@ public:
     OfxHost* record() { return &record_; }
     PropertySet& properties() { return properties_; }
     HostBehaviour& behaviour() const { return *behaviour_; }
+    /// For renders on the calling thread.
     unsigned int threads() const;
     /// Whether a list of the host's properties has a value, or the host does not report it.
     bool offers(const char* property, std::string_view value) const;
@@ -61,6 +62,19 @@ public:
 
     private:
         EmbeddedHost* previous_;
+    };
+
+    /// While it lives, renders on this thread use no other threads: for a program that renders many
+    /// pictures beside each other.
+    class AloneScope {
+    public:
+        AloneScope();
+        ~AloneScope();
+        AloneScope(const AloneScope&) = delete;
+        AloneScope& operator=(const AloneScope&) = delete;
+
+    private:
+        bool previous_;
     };
 
     // For the suites and the other classes of the host.

@@ -1,5 +1,6 @@
 #include "render/Interrupt.h"
 
+#include <array>
 #include <atomic>
 #include <csignal>
 
@@ -8,7 +9,7 @@ namespace Tesseret::Render {
 namespace {
 
 std::atomic<int> interrupts{0};
-std::atomic<Host::Instance*> target{nullptr};
+std::array<std::atomic<Host::Instance*>, kMaxTargets> targets{};
 static_assert(std::atomic<Host::Instance*>::is_always_lock_free, "used in a signal handler");
 
 extern "C" void handleInterrupt(int signal)
@@ -18,7 +19,9 @@ extern "C" void handleInterrupt(int signal)
         std::raise(signal);
         return;
     }
-    if (Host::Instance* const instance = target.load()) instance->abort();
+    for (const auto& target : targets) {
+        if (Host::Instance* const instance = target.load()) instance->abort();
+    }
 }
 
 }  // namespace
@@ -36,13 +39,16 @@ bool isInterrupted()
 
 InterruptTarget::InterruptTarget(Host::Instance& instance)
 {
-    target.store(&instance);
+    for (slot_ = 0; slot_ < kMaxTargets; ++slot_) {
+        Host::Instance* none = nullptr;
+        if (targets[std::size_t(slot_)].compare_exchange_strong(none, &instance)) break;
+    }
     if (isInterrupted()) instance.abort();  // it came before this object existed
 }
 
 InterruptTarget::~InterruptTarget()
 {
-    target.store(nullptr);
+    if (slot_ < kMaxTargets) targets[std::size_t(slot_)].store(nullptr);
 }
 
 }  // namespace Tesseret::Render

@@ -13,13 +13,18 @@ void catchInterrupts();
 /// Whether an interrupt has come.
 bool isInterrupted();
 
-/// The instance that an interrupt aborts while this object lives. One at a time.
+/// An instance that an interrupt aborts while this object lives. At most kMaxTargets at a time: of
+/// more, an interrupt ends the renders that it does not reach once they are done.
+inline constexpr int kMaxTargets = 64;
 class InterruptTarget {
 public:
     explicit InterruptTarget(Host::Instance& instance);
     ~InterruptTarget();
     InterruptTarget(const InterruptTarget&) = delete;
     InterruptTarget& operator=(const InterruptTarget&) = delete;
+
+private:
+    int slot_ = kMaxTargets;
 };
 
 }  // namespace Tesseret::Render

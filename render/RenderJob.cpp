@@ -7,7 +7,6 @@
 
 #include "effect/ParameterNames.h"
 #include "files/FileError.h"
-#include "files/PictureScale.h"
 #include "files/PictureWriter.h"
 #include "host/HostError.h"
 #include "render/Boxes.h"
@@ -40,33 +39,7 @@ RenderSettings withoutCrops(RenderSettings settings)
     return settings;
 }
 
-/// The pictures of the next step, whose source is what this step made of it.
-void continueFrom(Picture filled, const Host::RenderRequest& request, FramePictures& pictures)
-{
-    ClipPicture& source = pictures.at(Names::kSource);
-    std::shared_ptr<const Picture> before = source.picture;
-    if (request.scale.x != source.scale.x || request.scale.y != source.scale.y) {
-        before = std::make_shared<const Picture>(Files::scaled(
-            *before, {request.scale.x / source.scale.x, request.scale.y / source.scale.y}));
-    }
-    Picture whole = before->copied();
-    whole.paste(filled);
-    source.picture = std::make_shared<const Picture>(std::move(whole));
-    source.scale = request.scale;
-}
-
 }  // namespace
-
-RenderJob::Step::Step(RenderJob& job, const RenderSettings& settings,
-                      std::shared_ptr<PaintedAreas> painted)
-    : inputs(job.inputs_.withCrops(settings)),
-      frames(settings, InstanceSetup(job.session_, settings, inputs, job.depth_), job.listener_,
-             job.warnings_)
-{
-    const FillRegion& region = frames.setup().fillRegion();
-    if (region.source != MaskSource::Matte) return;
-    mattes.emplace(settings, region.polarity, std::move(painted));
-}
 
 RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
     : settings_(std::move(settings)),
@@ -78,12 +51,9 @@ RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
       first_(std::async(std::launch::async,
                         [this] { return readPictures(inputs_.frames().front()); })),
       messages_(listener, warnings_),
-      session_(settings_.plugin, host_.adapted(messages_.hostOptions(settings_.threads)))
+      session_(settings_.plugin, host_.adapted(messages_.hostOptions(settings_.threads))),
+      steps_(session_, inputs_, stepsOf(settings_), depth_, listener, warnings_)
 {
-    const auto painted = std::make_shared<PaintedAreas>();
-    for (const RenderSettings& step : stepsOf(settings_)) {
-        steps_.emplace_back(*this, step, painted);
-    }
     for (const std::string& text : clippedBoxes(settings_, inputs_)) {
         listener_.note(instance(), text);
     }
@@ -105,7 +75,7 @@ void RenderJob::run()
     const OfxRangeD range{double(first), double(last)};
     const Host::RenderRequest beginning =
         requestFor(settings_, inputs_.isSequence(), frames.front(), inputs_.source());
-    for (Step& step : steps_) step.frames.beginSequence(range, beginning);
+    steps_.beginSequence(range, beginning);
     for (std::size_t i = 0; i < frames.size(); ++i) {
         const ReadFrame current = next.get();
         if (i + 1 < frames.size()) next = read(frames[i + 1]);
@@ -115,7 +85,7 @@ void RenderJob::run()
             writeFrame(std::move(done));
         });
     }
-    for (Step& step : steps_) step.frames.endSequence();
+    steps_.endSequence();
     written.get();
 }
 
@@ -135,10 +105,7 @@ RenderJob::ReadFrame RenderJob::readFrame(int frame)
     for (const auto& [clip, picture] : read.pictures) {
         for (const std::string& warning : picture.warnings) warnings_.report(warning);
     }
-    for (Step& step : steps_) {
-        read.mattes.push_back(step.mattes ? step.mattes->prepare(read.pictures.at(Names::kMatte))
-                                          : nullptr);
-    }
+    read.mattes = steps_.prepare(read.pictures);
     read.seconds = taken.seconds + watch.seconds();
     return read;
 }
@@ -155,7 +122,7 @@ RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read
     try {
         const Stopwatch watch;
         RenderedFrame rendered;
-        rendered.picture = renderSteps(request, read);
+        rendered.picture = steps_.render(request, read.pictures, read.mattes);
         rendered.record = source.record;
         rendered.result = {frame, inputs_.outputFile(frame), read.seconds, watch.seconds(), 0.0};
         rendered.options =
@@ -166,28 +133,6 @@ RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read
     } catch (const PictureError& error) {
         fail(frame, error.what());
     }
-}
-
-Picture RenderJob::renderSteps(const Host::RenderRequest& request, const ReadFrame& read)
-{
-    AreaCount others;
-    for (std::size_t i = 0; i < steps_.size(); ++i) {
-        if (read.mattes[i]) others.after += steps_[i].frames.areasOf(*read.mattes[i]);
-    }
-    FramePictures pictures = read.pictures;
-    Picture filled;
-    for (std::size_t i = 0; i < steps_.size(); ++i) {
-        Step& step = steps_[i];
-        const PreparedMatte* const matte = read.mattes[i].get();
-        const std::size_t count = matte != nullptr ? step.frames.areasOf(*matte) : 0;
-        others.after -= count;
-        if (i > 0) continueFrom(std::move(filled), request, pictures);
-        FramePictures shown = pictures;
-        step.inputs.crops().cut(shown);
-        filled = step.frames.render(request, shown, matte, others);
-        others.before += count;
-    }
-    return filled;
 }
 
 void RenderJob::writeFrame(RenderedFrame rendered)

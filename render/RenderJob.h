@@ -3,21 +3,17 @@
 /// A whole render, from files through the plug-in to files. While a frame renders, the next one is
 /// read and the last one written.
 
-#include <deque>
 #include <future>
-#include <memory>
-#include <optional>
 #include <string>
-#include <vector>
 
 #include "files/PictureWriter.h"
-#include "render/FrameRenderer.h"
 #include "render/JobHost.h"
 #include "render/JobInputs.h"
 #include "render/JobListener.h"
 #include "render/PluginMessages.h"
 #include "render/PluginSession.h"
 #include "render/RenderSettings.h"
+#include "render/StepList.h"
 
 namespace Tesseret::Render {
 
@@ -34,26 +30,17 @@ public:
     void run();
 
     const JobInputs& inputs() const { return inputs_; }
-    const FillRegion& fillRegion() const { return steps_.front().frames.setup().fillRegion(); }
-    /// The first instance; the areas of a matte and further steps may have more.
-    Host::Instance& instance() { return steps_.front().frames.instance(); }
+    const FillRegion& fillRegion() const { return steps_.setup(0).fillRegion(); }
+    /// The first of them.
+    Host::Instance& instance() { return steps_.instance(); }
     PluginSession& session() { return session_; }
     /// The known host that is imitated, or empty.
     const std::string& hostLike() const { return settings_.hostLike; }
 
 private:
-    /// A fill over the result of the step before.
-    struct Step {
-        Step(RenderJob& job, const RenderSettings& settings, std::shared_ptr<PaintedAreas> painted);
-
-        JobInputs inputs;
-        FrameRenderer frames;
-        std::optional<MattePreparation> mattes;  ///< when the plug-in fills from a matte
-    };
     struct ReadFrame {
         FramePictures pictures;
-        /// For each step; null when it does not fill from a matte.
-        std::vector<std::shared_ptr<const PreparedMatte>> mattes;
+        StepList::Mattes mattes;
         double seconds = 0.0;
     };
     struct RenderedFrame {
@@ -71,7 +58,6 @@ private:
     ReadPictures readPictures(int frame);
     ReadFrame readFrame(int frame);
     RenderedFrame renderFrame(int frame, const ReadFrame& read);
-    Picture renderSteps(const Host::RenderRequest& request, const ReadFrame& read);
     void writeFrame(RenderedFrame rendered);
     [[noreturn]] void fail(int frame, const std::string& reason);
 
@@ -84,7 +70,7 @@ private:
     std::future<ReadPictures> first_;  ///< the first frame is read while the plug-in is loaded
     PluginMessages messages_;
     PluginSession session_;
-    std::deque<Step> steps_;  ///< at least one
+    StepList steps_;
 };
 
 }  // namespace Tesseret::Render

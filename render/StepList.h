@@ -1,0 +1,55 @@
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "render/FrameRenderer.h"
+#include "render/JobInputs.h"
+#include "render/PreparedMatte.h"
+
+namespace Tesseret::Render {
+
+/// Renders the steps of a fill, each over the result of the one before.
+class StepList {
+public:
+    /// For each step; null when it does not fill from a matte.
+    using Mattes = std::vector<std::shared_ptr<const PreparedMatte>>;
+
+    /// At least one step. Textures are cut as each step says; the inputs' own crops do not count.
+    /// Throws `UsageError`. Session, listener and warnings outlive the object.
+    StepList(PluginSession& session, const JobInputs& inputs,
+             const std::vector<RenderSettings>& steps, Depth depth, JobListener& listener,
+             WarningFilter& warnings,
+             const std::shared_ptr<PaintedAreas>& painted = std::make_shared<PaintedAreas>());
+    StepList(const StepList&) = delete;
+    StepList& operator=(const StepList&) = delete;
+
+    const InstanceSetup& setup(std::size_t step) const { return steps_[step].frames.setup(); }
+    /// The first of them; the areas of a matte and further steps may have more.
+    Host::Instance& instance() { return steps_.front().frames.instance(); }
+
+    void beginSequence(OfxRangeD frames, const Host::RenderRequest& first);
+    void endSequence();
+
+    /// One call at a time, but beside a render.
+    Mattes prepare(const FramePictures& pictures);
+    /// Throws as `FrameRenderer::render` does.
+    Picture render(const Host::RenderRequest& request, FramePictures pictures,
+                   const Mattes& mattes);
+
+private:
+    struct Step {
+        Step(PluginSession& session, const JobInputs& all, const RenderSettings& settings,
+             Depth depth, JobListener& listener, WarningFilter& warnings);
+
+        JobInputs inputs;
+        FrameRenderer frames;
+        std::optional<MattePreparation> mattes;  ///< when the plug-in fills from a matte
+    };
+
+    std::deque<Step> steps_;
+};
+
+}  // namespace Tesseret::Render
