@@ -17,7 +17,8 @@ float change(const PatchPyramid& pixels, int x, int y, int level)
             const std::int16_t* a = pixels.sample(x + dx, y + dy, level);
             const std::int16_t* right = pixels.sample(x + dx + apart, y + dy, level);
             const std::int16_t* above = pixels.sample(x + dx, y + dy + apart, level);
-            for (int c = 0; c < 3; ++c) sum += std::abs(a[c] - right[c]) + std::abs(a[c] - above[c]);
+            for (int c = 0; c < 3; ++c)
+                sum += std::abs(a[c] - right[c]) + std::abs(a[c] - above[c]);
             count += 6;
         }
     }

@@ -52,8 +52,7 @@ CopyIndex::CopyIndex(const PatchPyramid& picture, const std::vector<std::uint8_t
         const std::size_t first = std::size_t(bottom) * std::size_t(width_);
         for (std::size_t x = 0; x < std::size_t(columns); ++x) {
             if (allowed[first + x] == 0) continue;
-            places_[squareHash(low[x], middle[x], row[x]) >> shift_] =
-                std::uint32_t(first + x + 1);
+            places_[squareHash(low[x], middle[x], row[x]) >> shift_] = std::uint32_t(first + x + 1);
         }
     }
 }
@@ -65,7 +64,8 @@ std::optional<CopyIndex::Place> CopyIndex::find(const PatchPyramid& picture, int
                    rowHash(picture.sample(x, y + 2 * kApart, 0)));
     const std::uint32_t place = places_[hash >> shift_];
     if (place == 0) return std::nullopt;
-    return Place{int((place - 1) % std::uint32_t(width_)), int((place - 1) / std::uint32_t(width_))};
+    return Place{int((place - 1) % std::uint32_t(width_)),
+                 int((place - 1) / std::uint32_t(width_))};
 }
 
 }  // namespace Tesseret::Quality

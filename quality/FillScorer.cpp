@@ -9,8 +9,10 @@
 
 #include "quality/Activity.h"
 #include "quality/KnownPixels.h"
+#include "quality/Middle.h"
 #include "quality/Region.h"
 #include "quality/Repeats.h"
+#include "quality/Request.h"
 #include "quality/Steps.h"
 #include "quality/UsualDifference.h"
 
@@ -104,16 +106,7 @@ OfxRectI joined(const OfxRectI& a, const OfxRectI& b)
 {
     if (isEmpty(a)) return b;
     if (isEmpty(b)) return a;
-    return {std::min(a.x1, b.x1), std::min(a.y1, b.y1), std::max(a.x2, b.x2),
-            std::max(a.y2, b.y2)};
-}
-
-double median(std::vector<float> values)
-{
-    if (values.empty()) return 0;
-    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return double(*middle);
+    return {std::min(a.x1, b.x1), std::min(a.y1, b.y1), std::max(a.x2, b.x2), std::max(a.y2, b.y2)};
 }
 
 /// A part of the score: the root of how much worse than usual the mean excess is.
@@ -175,8 +168,8 @@ FillScorer::Judge::Judge(const Picture& source, const Picture& lost, OfxRectI ar
 {
     const OfxRectI box = fromFirst(area_);
     const int size = std::max(box.x2 - box.x1, box.y2 - box.y1);
-    const OfxRectI near = intersection(grown(box, size + kReach),
-                                       {0, 0, source_.width(), source_.height()});
+    const OfxRectI near =
+        intersection(grown(box, size + kReach), {0, 0, source_.width(), source_.height()});
     landmarks_ = Landmarks(activity_, levels_, source_.width(), near);
 
     std::vector<Region> regions;
@@ -191,7 +184,7 @@ FillScorer::Judge::Judge(const Picture& source, const Picture& lost, OfxRectI ar
         allSteps.insert(allSteps.end(), steps.back().inside.begin(), steps.back().inside.end());
     }
     usual_ = UsualDifference(activity_, matches);
-    usualStep_ = median(allSteps);
+    usualStep_ = double(middle(allSteps));
     for (std::size_t i = 0; i < regions.size(); ++i) {
         usualExcess_ += measure(regions[i], matches[i], steps[i]);
     }
@@ -202,16 +195,15 @@ Region FillScorer::Judge::knownRegion(const OfxRectI& square) const
 {
     Region region;
     region.pixels = &pixels_;
-    region.window =
-        intersection(grown(square, kMargin), {0, 0, source_.width(), source_.height()});
+    region.window = intersection(grown(square, kMargin), {0, 0, source_.width(), source_.height()});
     const OfxRectI& window = region.window;
     const int width = window.x2 - window.x1, height = window.y2 - window.y1;
     std::vector<std::uint8_t> changed(std::size_t(width) * std::size_t(height));
     std::vector<std::uint8_t> ignored(changed.size());
     for (int y = window.y1; y < window.y2; ++y) {
         const auto row = std::size_t(y - window.y1) * std::size_t(width);
-        const auto* gone = lost_.pixel<std::uint8_t>(lost_.bounds().x1 + window.x1,
-                                                     lost_.bounds().y1 + y);
+        const auto* gone =
+            lost_.pixel<std::uint8_t>(lost_.bounds().x1 + window.x1, lost_.bounds().y1 + y);
         std::copy_n(gone, width, ignored.begin() + std::ptrdiff_t(row));
         if (y < square.y1 || y >= square.y2) continue;
         std::fill_n(changed.begin() + std::ptrdiff_t(row) + (square.x1 - window.x1),
@@ -269,11 +261,13 @@ Excess FillScorer::Judge::measure(const Region&, const RegionMatches& matches,
         for (std::size_t i = 0; i < found.matches.size(); ++i) {
             const Match& match = found.matches[i];
             if (match.difference == Match::kNone) continue;
-            const double value =
-                excess(difference(match), usual_.at(match.x, match.y, level));
-            if (level >= 2) result.structure[level - 2].add(value);
-            else if (found.parts[i] == Part::Rim) result.rim[level].add(value);
-            else result.inside[level].add(value);
+            const double value = excess(difference(match), usual_.at(match.x, match.y, level));
+            if (level >= 2)
+                result.structure[level - 2].add(value);
+            else if (found.parts[i] == Part::Rim)
+                result.rim[level].add(value);
+            else
+                result.inside[level].add(value);
         }
     }
     for (const float step : steps.rim) result.stepRim.add(excess(double(step), usualStep_));
@@ -283,6 +277,11 @@ Excess FillScorer::Judge::measure(const Region&, const RegionMatches& matches,
 
 Visibility FillScorer::Judge::score(const Picture& filled) const
 {
+    const OfxRectI a = filled.bounds(), b = source_.bounds();
+    if (a.x1 != b.x1 || a.y1 != b.y1 || a.x2 != b.x2 || a.y2 != b.y2 ||
+        filled.depth() != source_.depth() || filled.components() != source_.components()) {
+        throw std::invalid_argument("the fill has other bounds or channels than the source");
+    }
     const OfxRectI where = intersection(grown(area_, kReach), source_.bounds());
     const OfxRectI seen = joined(area_, differentBox(source_, filled, where));
     const OfxRectI window = intersection(grown(seen, kMargin), source_.bounds());
@@ -299,7 +298,8 @@ Visibility FillScorer::Judge::score(const Picture& filled) const
     result.inside = both(found.inside, usualExcess_.inside);
     result.structure = both(found.structure, usualExcess_.structure);
     result.step = (part(found.stepRim, usualExcess_.stepRim) +
-                   part(found.stepInside, usualExcess_.stepInside)) / 2;
+                   part(found.stepInside, usualExcess_.stepInside)) /
+                  2;
     const OfxRectI box = fromFirst(area_);
     const int size = std::max(box.x2 - box.x1, box.y2 - box.y1);
     result.repeats =
@@ -314,16 +314,7 @@ Visibility FillScorer::Judge::score(const Picture& filled) const
 
 FillScorer::FillScorer(const Picture& source, const Picture& lost, OfxRectI area)
 {
-    const OfxRectI a = source.bounds(), b = lost.bounds();
-    if (a.x1 != b.x1 || a.y1 != b.y1 || a.x2 != b.x2 || a.y2 != b.y2) {
-        throw std::invalid_argument("the lost pixels have other bounds than the source");
-    }
-    if (lost.depth() != Depth::Byte || lost.components() != Components::Alpha) {
-        throw std::invalid_argument("the lost pixels are not one channel of bytes");
-    }
-    if (isEmpty(intersection(area, a))) {
-        throw std::invalid_argument("the area lies outside of the source");
-    }
+    checkRequest(source, lost, area);
     judge_ = std::make_unique<const Judge>(source, lost, area);
 }
 

@@ -15,8 +15,8 @@ std::vector<std::uint8_t> doubtful(const Picture& lost)
     const auto width = std::size_t(lost.width()), height = std::size_t(lost.height());
     std::vector<std::uint8_t> wide(width * height), result(width * height);
     for (std::size_t y = 0; y < height; ++y) {
-        const std::uint8_t* row = reinterpret_cast<const std::uint8_t*>(
-            lost.row(lost.bounds().y1 + int(y)));
+        const std::uint8_t* row =
+            reinterpret_cast<const std::uint8_t*>(lost.row(lost.bounds().y1 + int(y)));
         std::uint8_t* to = wide.data() + y * width;
         for (std::size_t x = 0; x < width; ++x) {
             if (row[x] == 0) continue;
@@ -50,8 +50,8 @@ std::vector<OfxRectI> squaresAround(const PixelSums& gone, OfxRectI area, int si
                        std::abs(other.y1 - kDoubtful - y) < room;
             });
             if (free) {
-                found.push_back({x + kDoubtful, y + kDoubtful, x + kDoubtful + side,
-                                 y + kDoubtful + side});
+                found.push_back(
+                    {x + kDoubtful, y + kDoubtful, x + kDoubtful + side, y + kDoubtful + side});
             }
         }
     }
@@ -77,8 +77,8 @@ std::vector<std::uint8_t> knownLevels(const Picture& lost, int levels)
         std::uint8_t* row = result.data() + std::size_t(y) * std::size_t(width);
         for (auto x = std::size_t(width); x-- > 0;) {
             sides[x] = row[x] != 0 ? 0
-                                   : std::min(largest, 1 + std::min({sides[x + 1], above[x],
-                                                                     above[x + 1]}));
+                                   : std::min(largest,
+                                              1 + std::min({sides[x + 1], above[x], above[x + 1]}));
             row[x] = levelOfSide[std::size_t(sides[x])];
         }
         sides.swap(above);
@@ -93,7 +93,7 @@ std::vector<OfxRectI> knownSquares(const Picture& lost, OfxRectI area, int large
     const int everywhere = std::max(gone.width(), gone.height());
     for (int side = std::clamp(size, 16, largest); side >= 8; side /= 2) {
         // Near the area, else further away.
-        for (int reach = 3 * side / 2; ; reach *= 2) {
+        for (int reach = 3 * side / 2;; reach *= 2) {
             std::vector<OfxRectI> all = squaresAround(gone, area, side, reach);
             if (int(all.size()) >= std::min(count, 4) || (reach > everywhere && !all.empty())) {
                 std::vector<OfxRectI> chosen;

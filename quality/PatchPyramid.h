@@ -16,7 +16,10 @@ inline constexpr int kPatch = 8;
 inline constexpr int kPatchValues = 3 * kPatch * kPatch;
 
 /// Side of a patch of this level in pixels.
-constexpr int patchSide(int level) { return kPatch << level; }
+constexpr int patchSide(int level)
+{
+    return kPatch << level;
+}
 
 /// The means are kept for squares at every pixel, not only at multiples of their side: a copy moved
 /// by one pixel is an exact copy in all levels. Squares that start at equal remainders of x and y

@@ -19,9 +19,9 @@ inline constexpr int kLevels = 4;
 /// What changed, or could have changed, in a picture.
 struct Region {
     const PatchPyramid* pixels = nullptr;
-    int x = 0, y = 0;      ///< the first of `pixels` in the source
-    OfxRectI window{};     ///< the part of `pixels` that is looked at
-    PixelSums changed;     ///< over the window
+    int x = 0, y = 0;                  ///< the first of `pixels` in the source
+    OfxRectI window{};                 ///< the part of `pixels` that is looked at
+    PixelSums changed;                 ///< over the window
     std::optional<PixelSums> ignored;  ///< what other areas lost, over the window
 };
 

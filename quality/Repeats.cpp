@@ -3,19 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "quality/Middle.h"
+
 namespace Tesseret::Quality {
 namespace {
 
 constexpr int kLevel = 1;  ///< patches as large as cells
-
-/// The middle of values; 0 without any.
-float median(std::vector<float>& values)
-{
-    if (values.empty()) return 0;
-    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
 
 }  // namespace
 
@@ -33,18 +26,18 @@ Landmarks::Landmarks(const Activity& activity, const std::vector<std::uint8_t>& 
         for (int row = near.y1 / kCell; row < std::min(near.y2 / kCell, activity.rows()); ++row) {
             for (int column = near.x1 / kCell; column < std::min(near.x2 / kCell, columns_);
                  ++column) {
-                const auto pixel = std::size_t(row * kCell) * std::size_t(width) +
-                                   std::size_t(column * kCell);
+                const auto pixel =
+                    std::size_t(row * kCell) * std::size_t(width) + std::size_t(column * kCell);
                 if (levels[pixel] > kLevel) {
                     values.push_back(feature(activity.cell(column, row), i));
                 }
             }
         }
-        const float middle = median(values);
-        for (float& value : values) value = std::abs(value - middle);
-        const float deviation = 1.5f * median(values) + 6.0f;
+        const float usual = middle(values);
+        for (float& value : values) value = std::abs(value - usual);
+        const float deviation = 1.5f * middle(values) + 6.0f;
         for (std::size_t cell = 0; cell < striking_.size(); ++cell) {
-            const float apart = std::abs(feature(activity.cells()[cell], i) - middle) / deviation;
+            const float apart = std::abs(feature(activity.cells()[cell], i) - usual) / deviation;
             striking_[cell] += apart * apart / kFeatures;
         }
     }

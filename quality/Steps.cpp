@@ -7,9 +7,9 @@
 namespace Tesseret::Quality {
 namespace {
 
-constexpr int kLevel = 3;                ///< squares of 8 pixels
-constexpr int kThick = 1 << kLevel;      ///< of a rectangle, across the edge
-constexpr int kLong = 4 * kThick;        ///< along the edge
+constexpr int kLevel = 3;            ///< squares of 8 pixels
+constexpr int kThick = 1 << kLevel;  ///< of a rectangle, across the edge
+constexpr int kLong = 4 * kThick;    ///< along the edge
 constexpr int kStep = 4;
 
 /// The difference across an edge from (x, y) of the pixels on, upright or level.

@@ -22,9 +22,15 @@ template <typename Work>
 void withChannel(Depth depth, Work&& work)
 {
     switch (depth) {
-        case Depth::Byte: work(std::uint8_t{}); break;
-        case Depth::Short: work(std::uint16_t{}); break;
-        case Depth::Float: work(float{}); break;
+        case Depth::Byte:
+            work(std::uint8_t{});
+            break;
+        case Depth::Short:
+            work(std::uint16_t{});
+            break;
+        case Depth::Float:
+            work(float{});
+            break;
     }
 }
 
@@ -87,8 +93,10 @@ template <typename Channel>
 void ToneCurve::applyRows(const Picture& picture, OfxRectI region, Tones& tones) const
 {
     const auto toneOf = [this](Channel value) {
-        if constexpr (std::is_floating_point_v<Channel>) return tone(value);
-        else return table_[value];
+        if constexpr (std::is_floating_point_v<Channel>)
+            return tone(value);
+        else
+            return table_[value];
     };
     const int channels = picture.channels();
     const int second = channels > 1 ? 1 : 0, third = channels > 1 ? 2 : 0;
@@ -107,9 +115,8 @@ Tones ToneCurve::apply(const Picture& picture, OfxRectI region) const
 {
     Tones tones{region.x2 - region.x1, region.y2 - region.y1, {}};
     tones.values.resize(3 * std::size_t(tones.width) * std::size_t(tones.height));
-    withChannel(picture.depth(), [&]<typename Channel>(Channel) {
-        applyRows<Channel>(picture, region, tones);
-    });
+    withChannel(picture.depth(),
+                [&]<typename Channel>(Channel) { applyRows<Channel>(picture, region, tones); });
     return tones;
 }
 

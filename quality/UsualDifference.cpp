@@ -25,8 +25,8 @@ UsualDifference::UsualDifference(const Activity& activity, const std::vector<Reg
                 const int x = found.grid.x + int(i) % found.grid.columns * found.grid.step + half;
                 const int y = found.grid.y + int(i) / found.grid.columns * found.grid.step + half;
                 if (x / kCell >= columns_ || y / kCell >= rows_) continue;
-                Sample& sample = byCell[std::size_t(y / kCell) * std::size_t(columns_) +
-                                        std::size_t(x / kCell)];
+                Sample& sample =
+                    byCell[std::size_t(y / kCell) * std::size_t(columns_) + std::size_t(x / kCell)];
                 sample.difference[std::size_t(level)] += float(difference(found.matches[i]));
                 ++sample.count[std::size_t(level)];
             }
