@@ -38,6 +38,7 @@ ARROWS = {
     "effect/ParameterNames.h": [],
     "effect": ["effect/ParameterNames.h", "overlay", "products/OFX/Support", "ofx", "engine", "libraries", "platform"],
     "picture": ["ofx"],
+    "quality": ["picture", "ofx"],
     "host": ["picture", "ofx", "platform"],
     "host/imitation": ["host", "picture", "ofx"],
     "files": ["picture", "ofx"],

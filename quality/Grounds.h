@@ -1,0 +1,27 @@
+#pragma once
+
+/// Cells sorted by what they look like.
+
+#include <optional>
+#include <vector>
+
+#include "quality/Activity.h"
+#include "quality/TextureScale.h"
+
+namespace Tesseret::Quality {
+
+struct PlacedLook {
+    CellLook look;
+    double x, y;  ///< middle of the cell in pixels
+};
+
+/// Two grounds and the line between them, when the cells look like that; empty when they are of one
+/// ground, of more than two, or mixed.
+std::optional<TwoGrounds> divide(const std::vector<PlacedLook>& cells);
+
+/// How alike two sets of cells are, 0 to 1: each cell of one has to be like some cell of the other,
+/// and the other way round (Simakov, Caspi, Shechtman and Irani, "Summarizing Visual Data Using
+/// Bidirectional Similarity", 2008).
+double alike(const std::vector<PlacedLook>& here, const std::vector<PlacedLook>& there);
+
+}  // namespace Tesseret::Quality
