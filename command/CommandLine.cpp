@@ -8,6 +8,7 @@
 
 #include "command/App.h"
 #include "command/DescribeCommand.h"
+#include "command/FillCommand.h"
 #include "command/HostsCommand.h"
 #include "command/InspectCommand.h"
 #include "command/RenderCommand.h"
@@ -66,6 +67,7 @@ void buildApp(CLI::App& app, Action& action)
     app.set_version_flag("--version", "tesseret " TESSERET_VERSION);
     app.require_subcommand(1);
     app.footer("Run \"tesseret render --help\" for its options and examples.");
+    addFillCommand(app, action);
     addRenderCommand(app, action);
     addViewCommand(app, action);
     addDescribeCommand(app, action);

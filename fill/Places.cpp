@@ -41,9 +41,10 @@ std::optional<Place> around(const Surroundings& area, double share, const char* 
 {
     const int side = std::max(widthOf(area.box), heightOf(area.box));
     const int margin = std::max(kLeastSide, static_cast<int>(share * side));
-    const OfxRectI box = clearPart(intersection(grownBox(area.box, margin), area.source), area.taboo);
-    const int room = std::max({area.box.x1 - box.x1, box.x2 - area.box.x2, area.box.y1 - box.y1,
-                               box.y2 - area.box.y2});
+    const OfxRectI box =
+        clearPart(intersection(grownBox(area.box, margin), area.source), area.taboo);
+    const int room = std::max(
+        {area.box.x1 - box.x1, box.x2 - area.box.x2, area.box.y1 - box.y1, box.y2 - area.box.y2});
     if (!isLargeEnough(box) || room < kLeastSide) return std::nullopt;
     return Place{name, {box}, static_cast<int>(kRoomShare * room)};
 }
@@ -117,9 +118,8 @@ std::vector<Place> best(std::vector<Candidate> candidates, std::size_t count, do
     for (Candidate& candidate : candidates) {
         if (places.size() == count || candidate.likeness < least) break;
         const OfxRectI& box = candidate.place.crops.front();
-        const bool isNew = std::ranges::none_of(places, [&](const Place& place) {
-            return overlapMostly(place.crops.front(), box);
-        });
+        const bool isNew = std::ranges::none_of(
+            places, [&](const Place& place) { return overlapMostly(place.crops.front(), box); });
         if (isNew) places.push_back(std::move(candidate.place));
     }
     return places;

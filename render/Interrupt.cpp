@@ -37,6 +37,11 @@ bool isInterrupted()
     return interrupts.load() > 0;
 }
 
+void forgetInterrupts()
+{
+    interrupts.store(0);
+}
+
 InterruptTarget::InterruptTarget(Host::Instance& instance)
 {
     for (slot_ = 0; slot_ < kMaxTargets; ++slot_) {

@@ -13,6 +13,9 @@ void catchInterrupts();
 /// Whether an interrupt has come.
 bool isInterrupted();
 
+/// Forgets the interrupts that came: what they asked for was done.
+void forgetInterrupts();
+
 /// An instance that an interrupt aborts while this object lives. At most kMaxTargets at a time: of
 /// more, an interrupt ends the renders that it does not reach once they are done.
 inline constexpr int kMaxTargets = 64;

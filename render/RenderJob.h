@@ -31,6 +31,7 @@ public:
 
     const JobInputs& inputs() const { return inputs_; }
     const FillRegion& fillRegion() const { return steps_.setup(0).fillRegion(); }
+    const InstanceSetup& setup() const { return steps_.setup(0); }  ///< of the first step
     /// The first of them.
     Host::Instance& instance() { return steps_.instance(); }
     PluginSession& session() { return session_; }

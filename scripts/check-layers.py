@@ -45,10 +45,11 @@ ARROWS = {
     # The module round OpenImageIO; the rest of files/ knows its interface only.
     "files/oiio": ["files", "picture", "ofx"],
     "render": ["effect/ParameterNames.h", "host", "files", "picture", "ofx", "platform"],
+    "fill": ["effect/ParameterNames.h", "quality", "render", "host", "files", "picture", "ofx"],
     "viewer/model": ["effect/ParameterNames.h", "render", "host", "files", "picture", "ofx"],
     "viewer/window": ["effect/ParameterNames.h", "viewer/model", "render", "host", "files", "picture", "ofx"],
     "inspect": ["host", "picture", "ofx"],
-    "command": ["effect/ParameterNames.h", "viewer/model", "viewer/window", "inspect", "render", "host", "files",
+    "command": ["effect/ParameterNames.h", "viewer/model", "viewer/window", "inspect", "fill", "quality", "render", "host", "files",
                 "picture", "ofx"],
 }
 # Tests and benchmarks may include anything; no other folder includes them.

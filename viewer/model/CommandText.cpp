@@ -83,6 +83,13 @@ std::string boxText(const Render::ViewBox& box)
     return text;
 }
 
+std::string areasText(const std::vector<std::size_t>& areas)
+{
+    std::string text;
+    for (const std::size_t area : areas) Render::appendItem(text, ",", std::to_string(area + 1));
+    return text;
+}
+
 /// Beside the source, with its extension and frame pattern.
 fs::path outputFor(const RenderSettings& settings)
 {
@@ -171,6 +178,11 @@ void CommandLine::addFiles(const RenderSettings& settings)
     file("--texture1", settings.textures[0]);
     file("--texture2", settings.textures[1]);
     file("--texture3", settings.textures[2]);
+    for (std::size_t i = 0; i < settings.textureCrops.size(); ++i) {
+        const auto& crop = settings.textureCrops[i];
+        const std::string name = "--texture" + std::to_string(i + 1) + "-crop";
+        if (crop) option(name.c_str(), boxText(*crop));
+    }
     if (!settings.frames.empty()) option("--frames", framesText(settings.frames));
     file("--output", settings.output);
     if (!settings.compression.empty()) option("--compression", settings.compression);
@@ -181,6 +193,11 @@ void CommandLine::addMatte(const RenderSettings& settings)
     if (settings.matte.empty()) return;
     file("--matte", settings.matte);
     if (!settings.everyArea) option("--areas", "first");
+    if (!settings.areas.empty()) option("--areas", areasText(settings.areas));
+    if (const auto& side = settings.matteSide) {
+        option("--matte-side",
+               exactText(side->x) + "," + exactText(side->y) + "," + exactText(side->angle));
+    }
     if (!settings.cropsAreas) option("--matte-window", "full");
     if (settings.matteGrow > 0.0) option("--matte-grow", exactText(settings.matteGrow));
 }
@@ -195,19 +212,35 @@ void CommandLine::addRender(const RenderSettings& settings)
     file("--plugin", settings.plugin);
 }
 
+/// With all options but those that set parameters.
+CommandLine lineOf(const RenderSettings& settings)
+{
+    CommandLine line;
+    line.word("tesseret");
+    line.word("render");
+    line.addFiles(settings);
+    line.addMatte(settings);
+    line.addRender(settings);
+    return line;
+}
+
 }  // namespace
+
+std::string commandWithFile(const RenderSettings& settings)
+{
+    CommandLine line = lineOf(settings);
+    const fs::path& file = settings.parameterFile;
+    const bool isText = file.string().starts_with('{');
+    line.option("--parameters", isText ? file.string() : fs::absolute(file).string());
+    return line.text();
+}
 
 std::string commandText(const RenderSettings& settings, const InstanceSetup& setup,
                         Render::PluginSession& session)
 {
     const CommandArguments arguments =
         minimalArguments(plainSettings(settings, setup.fillRegion()), setup, session);
-    CommandLine line;
-    line.word("tesseret");
-    line.word("render");
-    line.addFiles(arguments.settings);
-    line.addMatte(arguments.settings);
-    line.addRender(arguments.settings);
+    CommandLine line = lineOf(arguments.settings);
     for (const std::string& assignment : arguments.assignments) line.word(assignment);
     return line.text();
 }

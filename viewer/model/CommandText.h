@@ -12,4 +12,7 @@ namespace Tesseret::Viewer {
 std::string commandText(const Render::RenderSettings& settings, const Render::InstanceSetup& setup,
                         Render::PluginSession& session);
 
+/// Likewise for settings whose parameter file or text has all values, as it is.
+std::string commandWithFile(const Render::RenderSettings& settings);
+
 }  // namespace Tesseret::Viewer

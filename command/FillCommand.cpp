@@ -1,0 +1,148 @@
+#include "command/FillCommand.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include <nlohmann/json.hpp>
+
+#include "command/ProcessMemory.h"
+#include "command/RenderOptions.h"
+#include "command/RenderReporter.h"
+#include "command/SearchReporter.h"
+#include "files/FileThreads.h"
+#include "fill/FillPlan.h"
+#include "render/Interrupt.h"
+#include "render/JobError.h"
+#include "render/ParameterFile.h"
+#include "render/RenderJob.h"
+#include "viewer/model/CommandText.h"
+
+namespace Tesseret::Command {
+
+namespace {
+
+constexpr const char* kFooter =
+    R"(Renders trials of each area on its surroundings, keeps the settings whose fill shows
+least, and prints them as a "tesseret render" command. What is given stays as it is:
+name=value, --sample-box, --texture1, --matte-grow; the rest is chosen around it.
+Ctrl-C ends the search and writes the best fill found so far.
+
+Examples:
+  tesseret fill --source photo.png --matte hole.png --output clean.png
+  tesseret fill --source photo.png --matte hole.png --output clean.png --effort best
+  tesseret fill --source plate.####.exr --matte hole.png --frames 1001-1100 \
+      --output clean.####.exr temporalConsistancy=on)";
+
+struct CommandOptions {
+    RenderOptions render;
+    Fill::Effort effort = Fill::Effort::Normal;
+    std::filesystem::path saveParameters;  ///< empty: none
+    std::optional<int> chooseAt;
+    bool quiet = false, verbose = false;
+};
+
+void addOwnOptions(CLI::App& command, CommandOptions& options)
+{
+    const std::map<std::string, Fill::Effort> efforts{{"quick", Fill::Effort::Quick},
+                                                      {"normal", Fill::Effort::Normal},
+                                                      {"best", Fill::Effort::Best}};
+    command
+        .add_option(
+            "--effort", options.effort,
+            "How many trials to render for each area: quick (8), normal (40) or best (200); "
+            "default: normal")
+        ->transform(CLI::Transformer(efforts))
+        ->check(CLI::IsMember({0, 1, 2}))
+        ->type_name("EFFORT")
+        ->option_text("EFFORT");
+    command
+        .add_option(
+            "--save-parameters", options.saveParameters,
+            "Writes what was chosen as JSON, which --parameters of \"tesseret render\" takes")
+        ->type_name("FILE");
+    command
+        .add_option("--choose-at", options.chooseAt,
+                    "Frame of a sequence to choose the settings on (default: the first); they are "
+                    "used for all")
+        ->type_name("FRAME");
+    auto* const quiet =
+        command.add_flag("-q,--quiet", options.quiet, "Only notes, warnings and errors");
+    command
+        .add_flag("-v,--verbose", options.verbose, "Time by stage, number of blocks, peak memory")
+        ->excludes(quiet);
+}
+
+int frameToChooseAt(const CommandOptions& options, const Render::RenderSettings& settings)
+{
+    if (settings.frames.empty()) {
+        if (options.chooseAt)
+            throw Render::UsageError("--choose-at is for sequences: give --frames");
+        return 0;
+    }
+    const int frame = options.chooseAt.value_or(settings.frames.front());
+    if (std::ranges::find(settings.frames, frame) == settings.frames.end()) {
+        throw Render::UsageError("--choose-at " + std::to_string(frame) +
+                                 ": is not one of the frames");
+    }
+    return frame;
+}
+
+void printCommand(const Fill::FillPlan& plan, Render::RenderJob& job)
+{
+    const std::string text = plan.steps.size() > 1
+                                 ? Viewer::commandWithFile(plan.settings)
+                                 : Viewer::commandText(plan.settings, job.setup(), job.session());
+    std::printf("%s\n", text.c_str());
+    std::fflush(stdout);
+}
+
+void save(const std::filesystem::path& file, const Fill::FillPlan& plan,
+          Render::PluginSession& session)
+{
+    Render::writeJson(file,
+                      Render::stepsJson(plan.plugin, session.describe(plan.context), plan.steps));
+}
+
+int fill(const CommandOptions& options)
+{
+    const Render::RenderSettings settings = settingsFrom(options.render);
+    keepMemory();
+    Files::useThreads(settings.threads);
+    Render::catchInterrupts();
+    SearchReporter search(options.quiet);
+    const Fill::FillPlan plan =
+        Fill::planFill(settings, options.effort, frameToChooseAt(options, settings), search);
+    search.report(plan);
+    if (plan.wasEnded) Render::forgetInterrupts();
+    RenderReporter reporter(options.quiet     ? Verbosity::Quiet
+                            : options.verbose ? Verbosity::Verbose
+                                              : Verbosity::Normal);
+    Render::RenderJob job(plan.settings, reporter);
+    if (!options.saveParameters.empty()) save(options.saveParameters, plan, job.session());
+    reporter.begin(job);
+    job.run();
+    reporter.finish();
+    if (!options.quiet) printCommand(plan, job);
+    return 0;
+}
+
+}  // namespace
+
+void addFillCommand(CLI::App& app, Action& action)
+{
+    const auto options = std::make_shared<CommandOptions>();
+    CLI::App* const command =
+        app.add_subcommand("fill", "Fills a matte with settings that it finds by itself");
+    command->footer(kFooter);
+    addFileOptions(*command, options->render, /*wantsOutput=*/true);
+    addMatteOptions(*command, options->render);
+    command->get_option("--matte")->required();
+    addOwnOptions(*command, *options);
+    addPluginOptions(*command, options->render);
+    command->callback([options, &action] { action = [options] { return fill(*options); }; });
+}
+
+}  // namespace Tesseret::Command

@@ -1,0 +1,230 @@
+#include "fill/FillPlan.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <numeric>
+#include <thread>
+#include <utility>
+
+#include <nlohmann/json.hpp>
+
+#include "effect/ParameterNames.h"
+#include "fill/AreaSearch.h"
+#include "fill/LostPixels.h"
+#include "fill/Specks.h"
+#include "render/Interrupt.h"
+#include "render/JobError.h"
+#include "render/JobHost.h"
+#include "render/PluginMessages.h"
+
+namespace Tesseret::Fill {
+
+using Render::MatteAreas;
+using Render::RenderSettings;
+
+namespace {
+
+/// The part of a picture that an area is judged in.
+OfxRectI windowRound(const OfxRectI& box, const OfxRectI& source)
+{
+    constexpr double kShare = 1.25;
+    constexpr int kLeast = 64;
+    constexpr int kUsualSide = 1000;
+    const int side = std::max(widthOf(box), heightOf(box));
+    const int margin = std::max(static_cast<int>(kShare * side) + kLeast, (kUsualSide - side) / 2);
+    return intersection(grownBox(box, margin), source);
+}
+
+class Planner {
+public:
+    Planner(const RenderSettings& settings, Effort effort, int frame, SearchListener& listener)
+        : settings_(settings),
+          effort_(effort),
+          listener_(listener),
+          fixed_(settings),
+          warnings_(silence_),
+          messages_(silence_, warnings_),
+          host_(settings.hostLike),
+          inputs_(settings),
+          session_(settings.plugin, host_.adapted(messages_.hostOptions(settings.threads))),
+          polarity_(settings.mask == Render::MaskOption::MatteInverted ? Render::Polarity::Black
+                                                                       : Render::Polarity::White),
+          job_{session_,
+               inputs_,
+               settings_,
+               fixed_,
+               host_.depthFor(settings.depth, inputs_.source().depth),
+               frame,
+               {},
+               std::make_shared<Render::PaintedAreas>(),
+               session_.host().threads()}
+    {
+        if (!inputs_.has(Names::kMatte)) throw Render::UsageError("give --matte");
+        session_.describe("General");
+        job_.pictures = inputs_.read(frame, job_.depth);
+    }
+
+    FillPlan plan();
+
+private:
+    std::vector<std::size_t> chosenAreas(const MatteAreas& areas) const;
+    void planSpecks(const MatteAreas& areas, const std::vector<std::size_t>& specks);
+    void planArea(const MatteAreas& areas, std::size_t area, std::size_t trials);
+    void apply(const Trials& trials, const Choice& choice, const OfxRectI& window);
+    void add(const Choice& choice, const std::vector<std::size_t>& areas);
+    void finish(const MatteAreas& areas);
+
+    RenderSettings settings_;
+    Effort effort_;
+    SearchListener& listener_;
+    FixedValues fixed_;
+    Render::JobListener silence_;
+    Render::WarningFilter warnings_;
+    Render::PluginMessages messages_;
+    Render::JobHost host_;
+    Render::JobInputs inputs_;
+    Render::PluginSession session_;
+    Render::Polarity polarity_;
+    TrialJob job_;
+    std::shared_ptr<Picture> current_;  ///< the source with the areas filled so far
+    Picture lost_;
+    FillPlan plan_;
+    std::size_t searches_ = 0, searched_ = 0;  ///< areas that trials are made for
+    std::vector<RenderSettings> steps_;
+};
+
+std::vector<std::size_t> Planner::chosenAreas(const MatteAreas& areas) const
+{
+    if (!settings_.areas.empty()) return settings_.areas;
+    std::vector<std::size_t> all(settings_.everyArea ? areas.count()
+                                                     : std::min<std::size_t>(1, areas.count()));
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    return all;
+}
+
+FillPlan Planner::plan()
+{
+    const MatteAreas& areas = job_.painted->of(job_.pictures.at(Names::kMatte).picture, polarity_);
+    const std::shared_ptr<const Picture> source = job_.pictures.at(Names::kSource).picture;
+    lost_ = lostPixels(areas, polarity_, source->bounds());
+    current_ = std::make_shared<Picture>(source->copied());
+    job_.pictures.at(Names::kSource).picture = current_;
+    std::vector<std::size_t> specks, others;
+    for (const std::size_t area : chosenAreas(areas)) {
+        if (area >= areas.count()) continue;
+        const OfxRectI& box = areas.box(area);
+        (std::max(widthOf(box), heightOf(box)) <= kSpeckSide ? specks : others).push_back(area);
+    }
+    if (specks.size() <= kSeveralSpecks || fixed_.fixesPlace()) {
+        others.insert(others.end(), specks.begin(), specks.end());
+        specks.clear();
+    }
+    constexpr std::size_t kLeastTrials = 4;
+    const std::size_t trials = others.size() <= 2
+                                   ? trialsOf(effort_)
+                                   : std::max(kLeastTrials, 2 * trialsOf(effort_) / others.size());
+    searches_ = others.size();
+    for (const std::size_t area : others) {
+        planArea(areas, area, trials);
+        ++searched_;
+    }
+    planSpecks(areas, specks);
+    finish(areas);
+    return std::move(plan_);
+}
+
+void Planner::planSpecks(const MatteAreas& areas, const std::vector<std::size_t>& specks)
+{
+    std::vector<Speck> list;
+    for (const std::size_t area : specks) list.push_back({area, areas.box(area)});
+    for (const SpeckGroup& group : groupSpecks(list, lost_)) {
+        add(group.choice, group.areas);
+        plan_.areas.push_back({group.areas, group.box, captionOf(group.choice), std::nullopt});
+    }
+}
+
+void Planner::planArea(const MatteAreas& areas, std::size_t area, std::size_t count)
+{
+    const OfxRectI& box = areas.box(area);
+    const double thickness =
+        double(pixelsOf(areas, polarity_, area)) / std::max(widthOf(box), heightOf(box));
+    const Edge edge = edgeFor(thickness);
+    const double grow = settings_.matteGrow > 0.0 ? settings_.matteGrow : edge.grow;
+    Surroundings surroundings{grownBox(box, static_cast<int>(std::ceil(grow))),
+                              current_->bounds(),
+                              windowRound(box, current_->bounds()),
+                              {}};
+    for (std::size_t other = 0; other < areas.count(); ++other) {
+        if (other == area) continue;
+        const OfxRectI lost = grownBox(areas.box(other), static_cast<int>(std::ceil(grow)));
+        if (!isEmpty(intersection(lost, surroundings.window))) surroundings.taboo.push_back(lost);
+    }
+    const OfxRectI& window = surroundings.window;
+    const Picture known = current_->copied(window, {});
+    const Picture lost = lost_.copied(window, {});
+    const Quality::TextureScale texture(known, lost, box);
+    const Quality::FillScorer scorer(known, lost, box);
+    Trials trials(job_, {area, window, searched_, searches_}, scorer, listener_, count);
+    AreaSearch(surroundings, edge, texture, fixed_, job_.top(), trials).run();
+    plan_.trials += count - trials.left();
+    if (trials.hasEnded()) plan_.wasEnded = true;
+    const std::vector<Scored> ranked = trials.ranked();
+    if (ranked.empty()) {
+        Choice plain = firstGuess(edge, texture);
+        plain.parts = {{Place{"everywhere else", {}, 0}, std::nullopt}};
+        add(plain, {area});
+        plan_.areas.push_back({{area}, box, captionOf(plain), std::nullopt});
+        return;
+    }
+    const Scored& best = ranked.front();
+    add(best.choice, {area});
+    plan_.areas.push_back({{area}, box, captionOf(best.choice), best.visibility});
+    if (!trials.hasEnded()) current_->paste(trials.render(best.choice));
+}
+
+void Planner::add(const Choice& choice, const std::vector<std::size_t>& areas)
+{
+    for (RenderSettings& step : settingsOf(choice, areas, job_.top(), settings_, fixed_)) {
+        steps_.push_back(std::move(step));
+    }
+}
+
+void Planner::finish(const MatteAreas& areas)
+{
+    plan_.plugin = session_.effect().description().identifier;
+    const Host::ContextDescription& description = session_.describe("General");
+    plan_.context = "General";
+    // One step for all areas needs no list of them.
+    if (steps_.size() == 1 && steps_.front().areas.size() == areas.count()) {
+        steps_.front().areas = settings_.areas;
+    }
+    for (const RenderSettings& step : steps_) {
+        const Render::JobInputs inputs = inputs_.withCrops(step);
+        plan_.steps.push_back(
+            {step, Render::InstanceSetup(session_, step, inputs, job_.depth).values()});
+    }
+    if (steps_.empty()) {
+        plan_.settings = settings_;  // the matte masks nothing
+    } else if (steps_.size() == 1) {
+        plan_.settings = steps_.front();
+    } else {
+        plan_.settings = settings_;
+        plan_.settings.areas.clear();
+        plan_.settings.textureCrops = {};
+        plan_.settings.sampleBox.reset();
+        plan_.settings.parameters.clear();
+        plan_.settings.parameterFile =
+            Render::stepsJson(plan_.plugin, description, plan_.steps).dump();
+    }
+}
+
+}  // namespace
+
+FillPlan planFill(const RenderSettings& settings, Effort effort, int frame,
+                  SearchListener& listener)
+{
+    return Planner(settings, effort, frame, listener).plan();
+}
+
+}  // namespace Tesseret::Fill

@@ -1,0 +1,40 @@
+#pragma once
+
+/// Chooses the settings that fill a picture: runs trials for each area of its matte.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "fill/Effort.h"
+#include "fill/Trials.h"
+#include "render/RenderSettings.h"
+
+namespace Tesseret::Fill {
+
+/// What was chosen for an area, or for several small ones together.
+struct AreaChoice {
+    std::vector<std::size_t> areas;  ///< of the matte, from 0
+    OfxRectI box;                    ///< round them, in pixels
+    std::string caption;
+    std::optional<Quality::Visibility> visibility;  ///< none where nothing was tried
+};
+
+struct FillPlan {
+    /// Renders as planned: the given settings with the chosen values, or with a list of steps.
+    Render::RenderSettings settings;
+    std::vector<Render::FillStep> steps;  ///< the same, to be saved
+    std::string plugin, context;          ///< of the steps' values
+    std::vector<AreaChoice> areas;        ///< in the order in which they are filled
+    std::size_t trials = 0;
+    bool wasEnded = false;  ///< by the listener
+};
+
+/// Scores above this are told to the user.
+inline constexpr double kPoorScore = 1.6;
+
+/// The frame is one of the settings' frames; 0 for a still. Throws as `RenderJob` does.
+FillPlan planFill(const Render::RenderSettings& settings, Effort effort, int frame,
+                  SearchListener& listener);
+
+}  // namespace Tesseret::Fill
