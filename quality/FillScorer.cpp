@@ -1,20 +1,20 @@
 #include "quality/FillScorer.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
-#include <span>
 #include <stdexcept>
-#include <utility>
+#include <vector>
 
 #include "quality/Activity.h"
+#include "quality/Findings.h"
 #include "quality/KnownPixels.h"
 #include "quality/Middle.h"
 #include "quality/Region.h"
 #include "quality/Repeats.h"
 #include "quality/Request.h"
-#include "quality/Steps.h"
-#include "quality/UsualDifference.h"
+#include "quality/RimLook.h"
 
 namespace Tesseret::Quality {
 namespace {
@@ -25,56 +25,20 @@ constexpr int kReach = 96;
 constexpr int kMargin = 40;
 /// Known squares: at most so many, and so wide.
 constexpr int kSquares = 8, kSquareSide = 96;
-/// Differences that nobody sees, in tones.
-constexpr double kFloor = 6;
-/// A patch or a step counts at most as this many times the usual.
-constexpr double kWorst = 4;
+/// How far round a region cells tell what to expect within.
+constexpr int kAround = 64;
 
-struct Mean {
-    double sum = 0;
-    long count = 0;
+/// Tones that change by less than this are smooth anyway.
+constexpr double kSmooth = 8;
+/// Of what is expected, a fill should have at least and at most this much change.
+constexpr double kLeastChange = 0.8, kMostChange = 1.25;
 
-    void add(double value)
-    {
-        sum += value;
-        ++count;
-    }
-    Mean& operator+=(const Mean& other)
-    {
-        sum += other.sum;
-        count += other.count;
-        return *this;
-    }
-    double value() const { return count > 0 ? sum / double(count) : 0; }
-};
-
-/// How far a difference is above the usual one.
-double excess(double difference, double usual)
-{
-    const double ratio = std::min((difference + kFloor) / (usual + kFloor), kWorst);
-    return ratio * ratio;
-}
-
-/// Mean excesses of the patches and steps of a region.
-struct Excess {
-    Mean rim[2], inside[2];  ///< levels 0 and 1
-    Mean structure[2];       ///< levels 2 and 3
-    Mean stepRim, stepInside;
-    /// Sums of the change of the region's cells, and of what is expected there.
-    std::array<double, kScales> change{}, expected{};
-
-    Excess& operator+=(const Excess& other)
-    {
-        for (int i = 0; i < 2; ++i) {
-            rim[i] += other.rim[i];
-            inside[i] += other.inside[i];
-            structure[i] += other.structure[i];
-        }
-        stepRim += other.stepRim;
-        stepInside += other.stepInside;
-        return *this;
-    }
-};
+// Weights, chosen so that the total orders some two hundred fills as eyes do; docs/quality.md.
+constexpr double kRim = 1.0, kInside = 2.0, kStep = 1.3, kRepeats = 0.3, kStructure = 0.7;
+constexpr double kTooMuch = 0.3;  ///< too much change, against too little
+constexpr double kStepRim = 0.2, kStepInside = 0.4, kStrange = 0.4;
+/// A part below 1 counts by this share: what is better than untouched makes up for little.
+constexpr double kBetter = 0.4;
 
 OfxRectI grown(const OfxRectI& box, int by)
 {
@@ -109,11 +73,33 @@ OfxRectI joined(const OfxRectI& a, const OfxRectI& b)
     return {std::min(a.x1, b.x1), std::min(a.y1, b.y1), std::max(a.x2, b.x2), std::max(a.y2, b.y2)};
 }
 
-/// A part of the score: the root of how much worse than usual the mean excess is.
-double part(const Mean& mean, const Mean& usual)
+/// Of fourth powers, over two sizes of patches.
+double part(const std::array<Mean, 2>& found, const std::array<Mean, 2>& known)
 {
-    if (mean.count == 0 || usual.count == 0) return 1;
-    return std::sqrt(mean.value() / usual.value());
+    const double first = found[0].over(known[0]), second = found[1].over(known[1]);
+    return (std::sqrt(std::sqrt(first)) + std::sqrt(std::sqrt(second))) / 2;
+}
+
+/// 0 for as much change as expected at all scales; grows with blur, and with what is too busy.
+double wrongChange(const Findings& found)
+{
+    double wrong = 0;
+    for (std::size_t s = 0; s < kScales; ++s) {
+        const double share = (found.change[s] + kSmooth) / (found.expected[s] + kSmooth);
+        wrong += std::max(kLeastChange - share, 0.0);
+        wrong += kTooMuch * std::clamp(share - kMostChange, 0.0, 1.0);
+    }
+    return wrong;
+}
+
+double total(const Visibility& parts)
+{
+    const auto weighed = [](double weight, double value) {
+        return weight * (value < 1 ? 1 - kBetter * (1 - value) : std::min(value, 4.0));
+    };
+    return (weighed(kRim, parts.rim) + weighed(kInside, parts.inside) + weighed(kStep, parts.step) +
+            weighed(kRepeats, parts.repeats) + weighed(kStructure, parts.structure)) /
+           (kRim + kInside + kStep + kRepeats + kStructure);
 }
 
 }  // namespace
@@ -125,15 +111,18 @@ public:
     Visibility score(const Picture& filled) const;
 
 private:
+    void learn(const std::vector<OfxRectI>& squares);
+    Region knownRegion(const OfxRectI& square) const;
+    Region filledRegion(const PatchPyramid& pixels, const OfxRectI& window) const;
     Reference reference(OfxRectI except = {0, 0, 0, 0}) const
     {
         return {&pixels_, &copies_, &levels_, except};
     }
-    Region knownRegion(const OfxRectI& square) const;
-    Region filledRegion(const Picture& filled, const PatchPyramid& pixels,
-                        const OfxRectI& window) const;
-    Excess measure(const Region& region, const RegionMatches& matches,
-                   const StepSamples& steps) const;
+    RimLook around(const OfxRectI& box, const OfxRectI& except) const
+    {
+        return {activity_, levels_, source_.width(), grown(box, kAround), except};
+    }
+    /// A box in pixels from the source's first.
     OfxRectI fromFirst(const OfxRectI& box) const;
 
     Picture source_, lost_;
@@ -143,16 +132,16 @@ private:
     std::vector<std::uint8_t> levels_;
     CopyIndex copies_;
     Activity activity_;
+    RimLook around_;
     Landmarks landmarks_;
-    UsualDifference usual_;
-    double usualStep_ = 0;
-    Excess usualExcess_;
+    OfxRectI near_{};  ///< what is seen together with the area, from the source's first pixel
+    Usual usual_;
+    Findings known_;
 };
 
-/// A box in pixels from the source's first.
 OfxRectI FillScorer::Judge::fromFirst(const OfxRectI& box) const
 {
-    const OfxRectI& bounds = source_.bounds();
+    const OfxRectI bounds = source_.bounds();
     return {box.x1 - bounds.x1, box.y1 - bounds.y1, box.x2 - bounds.x1, box.y2 - bounds.y1};
 }
 
@@ -164,33 +153,38 @@ FillScorer::Judge::Judge(const Picture& source, const Picture& lost, OfxRectI ar
       pixels_(curve_.apply(source_), kLevels),
       levels_(knownLevels(lost_, kLevels)),
       copies_(pixels_, levels_),
-      activity_(pixels_)
+      activity_(pixels_),
+      around_(around(fromFirst(area_), {0, 0, 0, 0}))
 {
     const OfxRectI box = fromFirst(area_);
     const int size = std::max(box.x2 - box.x1, box.y2 - box.y1);
-    const OfxRectI near =
-        intersection(grown(box, size + kReach), {0, 0, source_.width(), source_.height()});
-    landmarks_ = Landmarks(activity_, levels_, source_.width(), near);
+    near_ = intersection(grown(box, size / 2), {0, 0, source_.width(), source_.height()});
+    landmarks_ = Landmarks(activity_, levels_, source_.width(), grown(near_, kReach));
+    learn(knownSquares(lost_, box, kSquareSide, kSquares));
+}
 
+/// Measures the squares as if they had been filled: that is what is usual.
+void FillScorer::Judge::learn(const std::vector<OfxRectI>& squares)
+{
     std::vector<Region> regions;
     std::vector<RegionMatches> matches;
     std::vector<StepSamples> steps;
     std::vector<float> allSteps;
-    for (const OfxRectI& square : knownSquares(lost_, box, kSquareSide, kSquares)) {
+    for (const OfxRectI& square : squares) {
         regions.push_back(knownRegion(square));
         matches.push_back(matchRegion(regions.back(), reference(grown(square, kDoubtful))));
         steps.push_back(measureSteps(regions.back()));
-        allSteps.insert(allSteps.end(), steps.back().rim.begin(), steps.back().rim.end());
-        allSteps.insert(allSteps.end(), steps.back().inside.begin(), steps.back().inside.end());
+        const StepSamples& last = steps.back();
+        allSteps.insert(allSteps.end(), last.rim.begin(), last.rim.end());
+        allSteps.insert(allSteps.end(), last.inside.begin(), last.inside.end());
     }
-    usual_ = UsualDifference(activity_, matches);
-    usualStep_ = double(middle(allSteps));
-    for (std::size_t i = 0; i < regions.size(); ++i) {
-        usualExcess_ += measure(regions[i], matches[i], steps[i]);
+    usual_ = {UsualDifference(activity_, matches), double(middle(allSteps))};
+    for (std::size_t i = 0; i < squares.size(); ++i) {
+        known_.add(
+            measure(regions[i], matches[i], steps[i], usual_, around(squares[i], squares[i])));
     }
 }
 
-/// As if the square had been filled.
 Region FillScorer::Judge::knownRegion(const OfxRectI& square) const
 {
     Region region;
@@ -201,23 +195,23 @@ Region FillScorer::Judge::knownRegion(const OfxRectI& square) const
     std::vector<std::uint8_t> changed(std::size_t(width) * std::size_t(height));
     std::vector<std::uint8_t> ignored(changed.size());
     for (int y = window.y1; y < window.y2; ++y) {
-        const auto row = std::size_t(y - window.y1) * std::size_t(width);
+        const auto row = std::ptrdiff_t(y - window.y1) * width;
         const auto* gone =
             lost_.pixel<std::uint8_t>(lost_.bounds().x1 + window.x1, lost_.bounds().y1 + y);
-        std::copy_n(gone, width, ignored.begin() + std::ptrdiff_t(row));
+        std::copy_n(gone, width, ignored.begin() + row);
         if (y < square.y1 || y >= square.y2) continue;
-        std::fill_n(changed.begin() + std::ptrdiff_t(row) + (square.x1 - window.x1),
-                    square.x2 - square.x1, std::uint8_t{1});
+        std::fill_n(changed.begin() + row + (square.x1 - window.x1), square.x2 - square.x1,
+                    std::uint8_t{1});
     }
     region.changed = PixelSums(changed, width, height);
     region.ignored.emplace(ignored, width, height);
     return region;
 }
 
-Region FillScorer::Judge::filledRegion(const Picture& filled, const PatchPyramid& pixels,
-                                       const OfxRectI& window) const
+/// `pixels` are those of the window. Changed is what the area lost, and every other pixel that
+/// looks different, except for what other areas lost.
+Region FillScorer::Judge::filledRegion(const PatchPyramid& pixels, const OfxRectI& window) const
 {
-    (void)filled;
     Region region;
     const OfxRectI first = fromFirst(window);
     const int width = pixels.width(), height = pixels.height();
@@ -233,46 +227,20 @@ Region FillScorer::Judge::filledRegion(const Picture& filled, const PatchPyramid
         const std::int16_t* after = pixels.sample(0, y, 0);
         const auto* gone = lost_.pixel<std::uint8_t>(window.x1, window.y1 + y);
         const bool inRows = window.y1 + y >= area_.y1 && window.y1 + y < area_.y2;
-        const auto row = std::size_t(y) * std::size_t(width);
-        for (int x = 0; x < width; ++x) {
-            const int apart = std::max({std::abs(before[3 * x] - after[3 * x]),
-                                        std::abs(before[3 * x + 1] - after[3 * x + 1]),
-                                        std::abs(before[3 * x + 2] - after[3 * x + 2])});
-            const bool ours = inRows && window.x1 + x >= area_.x1 && window.x1 + x < area_.x2;
-            if (gone[x] != 0 && !ours) {
-                ignored[row + std::size_t(x)] = 1;
-                others = true;
-            } else if (gone[x] != 0 || apart > kFloor) {
-                changed[row + std::size_t(x)] = 1;
-            }
+        auto at = std::size_t(y) * std::size_t(width);
+        for (int x = 0; x < width; ++x, ++at, before += 3, after += 3) {
+            const int apart =
+                std::max({std::abs(before[0] - after[0]), std::abs(before[1] - after[1]),
+                          std::abs(before[2] - after[2])});
+            const bool inArea = inRows && window.x1 + x >= area_.x1 && window.x1 + x < area_.x2;
+            ignored[at] = gone[x] != 0 && !inArea ? 1 : 0;
+            changed[at] = ignored[at] == 0 && (gone[x] != 0 || apart > kUnseen) ? 1 : 0;
+            others = others || ignored[at] != 0;
         }
     }
     region.changed = PixelSums(changed, width, height);
     if (others) region.ignored.emplace(ignored, width, height);
     return region;
-}
-
-Excess FillScorer::Judge::measure(const Region&, const RegionMatches& matches,
-                                  const StepSamples& steps) const
-{
-    Excess result;
-    for (int level = 0; level < kLevels; ++level) {
-        const LevelMatches& found = matches[std::size_t(level)];
-        for (std::size_t i = 0; i < found.matches.size(); ++i) {
-            const Match& match = found.matches[i];
-            if (match.difference == Match::kNone) continue;
-            const double value = excess(difference(match), usual_.at(match.x, match.y, level));
-            if (level >= 2)
-                result.structure[level - 2].add(value);
-            else if (found.parts[i] == Part::Rim)
-                result.rim[level].add(value);
-            else
-                result.inside[level].add(value);
-        }
-    }
-    for (const float step : steps.rim) result.stepRim.add(excess(double(step), usualStep_));
-    for (const float step : steps.inside) result.stepInside.add(excess(double(step), usualStep_));
-    return result;
 }
 
 Visibility FillScorer::Judge::score(const Picture& filled) const
@@ -286,29 +254,19 @@ Visibility FillScorer::Judge::score(const Picture& filled) const
     const OfxRectI seen = joined(area_, differentBox(source_, filled, where));
     const OfxRectI window = intersection(grown(seen, kMargin), source_.bounds());
     const PatchPyramid pixels(curve_.apply(filled, window), kLevels);
-    const Region region = filledRegion(filled, pixels, window);
+    const Region region = filledRegion(pixels, window);
     const RegionMatches matches = matchRegion(region, reference());
-    const Excess found = measure(region, matches, measureSteps(region));
+    const Findings found = measure(region, matches, measureSteps(region), usual_, around_);
 
     Visibility result;
-    const auto both = [](const Mean* mean, const Mean* usual) {
-        return (part(mean[0], usual[0]) + part(mean[1], usual[1])) / 2;
-    };
-    result.rim = both(found.rim, usualExcess_.rim);
-    result.inside = both(found.inside, usualExcess_.inside);
-    result.structure = both(found.structure, usualExcess_.structure);
-    result.step = (part(found.stepRim, usualExcess_.stepRim) +
-                   part(found.stepInside, usualExcess_.stepInside)) /
-                  2;
-    const OfxRectI box = fromFirst(area_);
-    const int size = std::max(box.x2 - box.x1, box.y2 - box.y1);
-    result.repeats =
-        1 + repeatedShare(matches, usual_, landmarks_, activity_, grown(box, size / 2));
-    const double parts[] = {result.rim, result.inside, result.step, result.repeats,
-                            result.structure};
-    double sum = 0;
-    for (const double value : parts) sum += value * value;
-    result.total = std::sqrt(sum / std::size(parts));
+    result.rim = part(found.rim, known_.rim);
+    result.inside = part(found.inside, known_.inside);
+    result.step = kStepRim * found.stepRim.over(known_.stepRim) +
+                  kStepInside * found.stepInside.over(known_.stepInside) +
+                  kStrange * std::sqrt(found.strange.over(known_.strange));
+    result.repeats = 1 + repeatedShare(matches, usual_.difference, landmarks_, activity_, near_);
+    result.structure = part(found.large, known_.large) + wrongChange(found);
+    result.total = total(result);
     return result;
 }
 

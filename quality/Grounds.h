@@ -5,15 +5,10 @@
 #include <optional>
 #include <vector>
 
-#include "quality/Activity.h"
+#include "quality/RimLook.h"
 #include "quality/TextureScale.h"
 
 namespace Tesseret::Quality {
-
-struct PlacedLook {
-    CellLook look;
-    double x, y;  ///< middle of the cell in pixels
-};
 
 /// Two grounds and the line between them, when the cells look like that; empty when they are of one
 /// ground, of more than two, or mixed.

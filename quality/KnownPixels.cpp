@@ -62,8 +62,12 @@ std::vector<OfxRectI> squaresAround(const PixelSums& gone, OfxRectI area, int si
 
 std::vector<std::uint8_t> knownLevels(const Picture& lost, int levels)
 {
-    const int width = lost.width(), height = lost.height();
-    std::vector<std::uint8_t> result = doubtful(lost);
+    return unmarkedLevels(doubtful(lost), lost.width(), lost.height(), levels);
+}
+
+std::vector<std::uint8_t> unmarkedLevels(std::vector<std::uint8_t> result, int width, int height,
+                                         int levels)
+{
     const int largest = patchSide(levels - 1);
     std::vector<std::uint8_t> levelOfSide(std::size_t(largest) + 1);
     for (int level = 0; level < levels; ++level) {

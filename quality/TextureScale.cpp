@@ -76,7 +76,6 @@ private:
     Shades shades(const OfxRectI& window, int level) const;
     void measureScale(const OfxRectI& area);
     void measureRoughness(const OfxRectI& area);
-    void collectCells(const OfxRectI& area);
     bool isKnown(int x, int y) const
     {
         return levels_[std::size_t(y) * std::size_t(pixels_.width()) + std::size_t(x)] > 0;
@@ -105,7 +104,7 @@ TextureScale::Surroundings::Surroundings(const Picture& source, const Picture& l
                           area.y2 - bounds_.y1};
     measureScale(box);
     measureRoughness(box);
-    collectCells(box);
+    cells_ = RimLook(activity_, levels_, pixels_.width(), within(box, kNear), {}).cells();
     grounds = divide(cells_);
     if (grounds) {
         grounds->offset += grounds->normalX * bounds_.x1 + grounds->normalY * bounds_.y1;
@@ -178,36 +177,12 @@ void TextureScale::Surroundings::measureRoughness(const OfxRectI& area)
     roughness = double(middle(differences)) / 1023;
 }
 
-void TextureScale::Surroundings::collectCells(const OfxRectI& area)
-{
-    const OfxRectI window = within(area, kNear);
-    for (int row = window.y1 / kCell; row < std::min(window.y2 / kCell, activity_.rows()); ++row) {
-        for (int column = window.x1 / kCell;
-             column < std::min(window.x2 / kCell, activity_.columns()); ++column) {
-            const auto pixel = std::size_t(row * kCell) * std::size_t(pixels_.width()) +
-                               std::size_t(column * kCell);
-            if (levels_[pixel] < 2) continue;
-            cells_.push_back(
-                {activity_.cell(column, row), (column + 0.5) * kCell, (row + 0.5) * kCell});
-        }
-    }
-}
-
 double TextureScale::Surroundings::likeness(const OfxRectI& box, int ground) const
 {
     const OfxRectI inside = intersection(
         {box.x1 - bounds_.x1, box.y1 - bounds_.y1, box.x2 - bounds_.x1, box.y2 - bounds_.y1},
         {0, 0, activity_.columns() * kCell, activity_.rows() * kCell});
-    std::vector<PlacedLook> there;
-    for (int row = (inside.y1 + kCell - 1) / kCell; row < inside.y2 / kCell; ++row) {
-        for (int column = (inside.x1 + kCell - 1) / kCell; column < inside.x2 / kCell; ++column) {
-            const auto pixel = std::size_t(row * kCell) * std::size_t(pixels_.width()) +
-                               std::size_t(column * kCell);
-            if (levels_[pixel] < 2) continue;
-            there.push_back(
-                {activity_.cell(column, row), (column + 0.5) * kCell, (row + 0.5) * kCell});
-        }
-    }
+    const RimLook there(activity_, levels_, pixels_.width(), inside, {});
     std::vector<PlacedLook> here;
     for (const PlacedLook& cell : cells_) {
         if (ground >= 0 && grounds) {
@@ -217,7 +192,7 @@ double TextureScale::Surroundings::likeness(const OfxRectI& box, int ground) con
         }
         here.push_back(cell);
     }
-    return alike(here, there);
+    return alike(here, there.cells());
 }
 
 TextureScale::TextureScale(const Picture& source, const Picture& lost, OfxRectI area)
