@@ -138,7 +138,7 @@ void Planner::planSpecks(const MatteAreas& areas, const std::vector<std::size_t>
 {
     std::vector<Speck> list;
     for (const std::size_t area : specks) list.push_back({area, areas.box(area)});
-    for (const SpeckGroup& group : groupSpecks(list, lost_)) {
+    for (const SpeckGroup& group : groupSpecks(list, *current_, lost_)) {
         add(group.choice, group.areas);
         plan_.areas.push_back({group.areas, group.box, captionOf(group.choice), std::nullopt});
     }

@@ -13,6 +13,9 @@ constexpr int kLeastSide = 48;
 /// Of the surroundings' thickness that a block may have, so that enough of them fit.
 constexpr double kRoomShare = 0.8;
 
+/// Sizes of boxes elsewhere, for the area's.
+constexpr double kShares[] = {1.0, 0.5};
+
 struct Candidate {
     Place place;
     double likeness = 0.0;
@@ -85,12 +88,12 @@ std::vector<Place> beside(const Surroundings& area)
     return places;
 }
 
-/// Boxes as large as the area all over the window.
-std::vector<Place> elsewhere(const Surroundings& area)
+/// Boxes all over the window, as large as the area times this.
+std::vector<Place> elsewhere(const Surroundings& area, double share)
 {
-    constexpr double kLeast = 96.0;
+    constexpr double kLeast = 56.0;
     constexpr double kStep = 0.5;
-    const double size = std::max({kLeast, double(widthOf(area.box)), double(heightOf(area.box))});
+    const double size = std::max(kLeast, share * std::max(widthOf(area.box), heightOf(area.box)));
     const OfxRectI& window = area.window;
     std::vector<Place> places;
     for (double y = window.y1; y + size <= window.y2; y += kStep * size) {
@@ -161,7 +164,7 @@ OfxRectI clearPart(OfxRectI box, const std::vector<OfxRectI>& taboo)
 
 std::vector<Place> placesFor(const Surroundings& area, const Quality::TextureScale& texture)
 {
-    constexpr std::size_t kElsewhere = 3;
+    constexpr std::size_t kElsewhere = 4;
     constexpr double kAlike = 0.3;
     std::vector<Place> places;
     if (auto place = around(area, 0.7, "surroundings")) places.push_back(std::move(*place));
@@ -174,9 +177,11 @@ std::vector<Place> placesFor(const Surroundings& area, const Quality::TextureSca
     for (Candidate& side : sides) places.push_back(std::move(side.place));
     if (auto place = around(area, 1.5, "wide surroundings")) places.push_back(std::move(*place));
     std::vector<Candidate> others;
-    for (Place& place : elsewhere(area)) {
-        const double likeness = texture.likeness(place.crops.front());
-        others.push_back({std::move(place), likeness});
+    for (const double share : kShares) {
+        for (Place& place : elsewhere(area, share)) {
+            const double likeness = texture.likeness(place.crops.front());
+            others.push_back({std::move(place), likeness});
+        }
     }
     for (Place& place : best(std::move(others), kElsewhere, kAlike)) {
         places.push_back(std::move(place));
@@ -194,7 +199,9 @@ std::vector<Place> placesOnGround(const Surroundings& area, const Quality::Textu
         candidates.push_back({std::move(place), likeness});
     };
     for (Place& place : beside(area)) add(std::move(place));
-    for (Place& place : elsewhere(area)) add(std::move(place));
+    for (const double share : kShares) {
+        for (Place& place : elsewhere(area, share)) add(std::move(place));
+    }
     return best(std::move(candidates), count, kAlike);
 }
 

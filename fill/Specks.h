@@ -24,8 +24,9 @@ struct SpeckGroup {
 inline constexpr int kSpeckSide = 24;
 inline constexpr std::size_t kSeveralSpecks = 6;
 
-/// Groups specks by tiles; each tile takes texture from clean squares close by. `lost` is not 0
-/// where any area is.
-std::vector<SpeckGroup> groupSpecks(const std::vector<Speck>& specks, const Picture& lost);
+/// Groups specks by tiles; each tile takes texture from clean squares close by. `lost`, as
+/// large as the source, is not 0 where any area is.
+std::vector<SpeckGroup> groupSpecks(const std::vector<Speck>& specks, const Picture& source,
+                                    const Picture& lost);
 
 }  // namespace Tesseret::Fill

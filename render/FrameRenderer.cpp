@@ -38,6 +38,16 @@ OfxRectI unionOf(const OfxRectI& a, const OfxRectI& b)
     return {std::min(a.x1, b.x1), std::min(a.y1, b.y1), std::max(a.x2, b.x2), std::max(a.y2, b.y2)};
 }
 
+bool areEqual(const OfxRectI& a, const OfxRectI& b)
+{
+    return a.x1 == b.x1 && a.y1 == b.y1 && a.x2 == b.x2 && a.y2 == b.y2;
+}
+
+bool areEqual(const OfxPointD& a, const OfxPointD& b)
+{
+    return a.x == b.x && a.y == b.y;
+}
+
 struct Span {
     int first, end;
 };
@@ -105,23 +115,32 @@ void FrameRenderer::endSequence()
     for (Slot& slot : slots_) slot.instance->endSequence();
 }
 
+void FrameRenderer::beginFrame()
+{
+    if (!std::exchange(hasRendered_, true)) return;
+    if (!instance().host().behaviour().makesInstancePerFrame()) return;
+    slots_.clear();
+    slots_.push_back(makeSlot());
+}
+
 Picture FrameRenderer::render(const RenderRequest& request, const FramePictures& pictures,
                               const PreparedMatte* matte, const AreaCount& others)
 {
-    if (std::exchange(hasRendered_, true) &&
-        instance().host().behaviour().makesInstancePerFrame()) {
-        slots_.clear();
-        slots_.push_back(makeSlot());
-    }
     const ClipPicture& shown = pictures.at(Names::kSource);
     FrameSource& source = *slots_.front().clips.at(Names::kSource);
     source.show(frameOf(request), shown.picture, shown.scale);
-    Picture output = source.picture(request.time, request.scale)->copied(request.window, {});
-    output.setRegionOfDefinition(request.window);
+    const std::shared_ptr<const Picture> scaled = source.picture(request.time, request.scale);
     if (matte != nullptr) {
-        fillAreas(request, pictures, *matte, others, output);
+        const auto filled = std::make_shared<Picture>(scaled->copied());
+        fill(request, pictures, *matte, others, filled);
+        const bool isWhole = areEqual(filled->bounds(), request.window);
+        Picture output = isWhole ? std::move(*filled) : filled->copied(request.window, {});
+        output.setRegionOfDefinition(request.window);
         return output;
     }
+    Picture output = scaled->copied(request.window, {});
+    output.setRegionOfDefinition(request.window);
+    beginFrame();
     show(slots_.front(), request, pictures);
     renderOn(slots_.front(), request, output);
     return output;
@@ -140,14 +159,23 @@ void FrameRenderer::show(Slot& slot, const RenderRequest& request,
     }
 }
 
-void FrameRenderer::fillAreas(const RenderRequest& request, FramePictures pictures,
-                              const PreparedMatte& matte, const AreaCount& others, Picture& output)
+void FrameRenderer::fill(const RenderRequest& request, FramePictures pictures,
+                         const PreparedMatte& matte, const AreaCount& others,
+                         const std::shared_ptr<Picture>& source)
 {
+    beginFrame();
     const std::size_t count = areasOf(matte);
     remark(request, matte, count);
     followAreas(request, matte, count);
-    std::shared_ptr<Picture> filled;  // the source with the earlier areas filled
+    ClipPicture& shown = pictures.at(Names::kSource);
     for (std::size_t area = 0; area < count; ++area) {
+        // Untouched, the source at full size has the more exact region.
+        const bool isTouched = others.before + area > 0;
+        if (isTouched || areEqual(shown.scale, request.scale)) {
+            shown.picture = source;
+            shown.scale = request.scale;
+        }
+        if (area > 0) setup_.inputs().crops().cutFromSource(pictures);
         if (isInterrupted()) throw Interrupted("interrupted");
         listener_.areaBegan(others.before + area, others.before + count + others.after);
         Slot& slot = slotFor(area);
@@ -155,21 +183,10 @@ void FrameRenderer::fillAreas(const RenderRequest& request, FramePictures pictur
         showMatte(slot, request, matte, area);
         RenderRequest part = request;
         part.window = areaWindow(request, matte, area);
-        Picture changed = output.copied(part.window, {});
+        Picture changed = source->copied(part.window, {});
+        changed.setRegionOfDefinition(request.window);
         renderOn(slot, part, changed);
-        output.paste(changed);
-        if (area + 1 < count) {
-            ClipPicture& source = pictures.at(Names::kSource);
-            if (!filled) {
-                const auto unfilled =
-                    slot.clips.at(Names::kSource)->picture(request.time, request.scale);
-                filled = std::make_shared<Picture>(unfilled->copied());
-                source.picture = filled;
-                source.scale = request.scale;
-            }
-            filled->paste(changed);  // no render reads it now
-            setup_.inputs().crops().cutFromSource(pictures);
-        }
+        source->paste(changed);                 // no render reads it now
         slot.clips.at(Names::kSource)->hide();  // instances keep no pictures between frames
         slot.clips.at(Names::kMatte)->hide();
     }

@@ -35,6 +35,11 @@ public:
     /// `Interrupted`.
     Picture render(const Host::RenderRequest& request, const FramePictures& pictures,
                    const PreparedMatte* matte, const AreaCount& others = {});
+    /// Likewise for a matte, in place: fills the areas in the frame's source, a picture of the
+    /// request's scale, as far as they lie in the window.
+    void fill(const Host::RenderRequest& request, FramePictures pictures,
+              const PreparedMatte& matte, const AreaCount& others,
+              const std::shared_ptr<Picture>& source);
     /// How many areas of a matte are filled.
     std::size_t areasOf(const PreparedMatte& matte) const;
 
@@ -49,8 +54,7 @@ private:
         Host::RenderRequest first;
     };
 
-    void fillAreas(const Host::RenderRequest& request, FramePictures pictures,
-                   const PreparedMatte& matte, const AreaCount& others, Picture& output);
+    void beginFrame();
     void show(Slot& slot, const Host::RenderRequest& request, const FramePictures& pictures) const;
     OfxRectI areaWindow(const Host::RenderRequest& request, const PreparedMatte& matte,
                         std::size_t area) const;

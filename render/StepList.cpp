@@ -9,19 +9,14 @@ namespace Tesseret::Render {
 
 namespace {
 
-/// The pictures of the next step, whose source is what this step made of it.
-void continueFrom(Picture filled, const Host::RenderRequest& request, FramePictures& pictures)
+/// A copy of the source in pixels of the request.
+std::shared_ptr<Picture> workingCopy(const ClipPicture& source, const Host::RenderRequest& request)
 {
-    ClipPicture& source = pictures.at(Names::kSource);
-    std::shared_ptr<const Picture> before = source.picture;
-    if (request.scale.x != source.scale.x || request.scale.y != source.scale.y) {
-        before = std::make_shared<const Picture>(Files::scaled(
-            *before, {request.scale.x / source.scale.x, request.scale.y / source.scale.y}));
+    if (request.scale.x == source.scale.x && request.scale.y == source.scale.y) {
+        return std::make_shared<Picture>(source.picture->copied());
     }
-    Picture whole = before->copied();
-    whole.paste(filled);
-    source.picture = std::make_shared<const Picture>(std::move(whole));
-    source.scale = request.scale;
+    return std::make_shared<Picture>(Files::scaled(
+        *source.picture, {request.scale.x / source.scale.x, request.scale.y / source.scale.y}));
 }
 
 }  // namespace
@@ -69,18 +64,33 @@ Picture StepList::render(const Host::RenderRequest& request, FramePictures pictu
     const auto areas = [&](std::size_t i) {
         return mattes[i] ? steps_[i].frames.areasOf(*mattes[i]) : 0;
     };
+    if (steps_.size() == 1) {
+        steps_.front().inputs.crops().cut(pictures);
+        return steps_.front().frames.render(request, pictures, mattes.front().get());
+    }
     AreaCount others;
     for (std::size_t i = 0; i < steps_.size(); ++i) others.after += areas(i);
-    Picture filled;
+    const std::shared_ptr<Picture> source = workingCopy(pictures.at(Names::kSource), request);
     for (std::size_t i = 0; i < steps_.size(); ++i) {
         others.after -= areas(i);
-        if (i > 0) continueFrom(std::move(filled), request, pictures);
         FramePictures shown = pictures;
-        steps_[i].inputs.crops().cut(shown);
-        filled = steps_[i].frames.render(request, shown, mattes[i].get(), others);
+        if (others.before > 0) {
+            shown.at(Names::kSource).picture = source;
+            shown.at(Names::kSource).scale = request.scale;
+        }
+        Step& step = steps_[i];
+        step.inputs.crops().cut(shown);
+        if (mattes[i]) {
+            step.frames.fill(request, std::move(shown), *mattes[i], others, source);
+        } else {
+            source->paste(step.frames.render(request, shown, nullptr, others));
+            ++others.before;  // what follows goes on from its result
+        }
         others.before += areas(i);
     }
-    return filled;
+    Picture output = source->copied(request.window, {});
+    output.setRegionOfDefinition(request.window);
+    return output;
 }
 
 }  // namespace Tesseret::Render
