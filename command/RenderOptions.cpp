@@ -146,6 +146,11 @@ void addMatteOptions(CLI::App& command, RenderOptions& options)
         ->needs(matte)
         ->check(CLI::Range(0.0, 1000.0))
         ->type_name("PIXELS");
+    command
+        .add_flag("--follow", settings.followsMatte,
+                  "With temporalConsistancy=on: moves the recorded blocks by whole pixels with "
+                  "the area that they fill")
+        ->needs(matte);
     auto* const alpha =
         command
             .add_flag("--fill-alpha", options.fillAlpha,

@@ -65,22 +65,24 @@ public:
 
     std::vector<OfxRectI> find(const OfxRectI& near) const
     {
+        constexpr int kLeast = 40;
         std::vector<OfxRectI> found;
-        for (const int side : {64, 48, 40}) {
-            found = squares(near, side);
-            if (found.size() == kTextures) break;
+        for (const int side : {64, 48, kLeast}) {
+            found = squares(near, side, Dirt::None);
+            if (found.size() == kTextures) return found;
         }
-        return found;
+        return found.empty() ? squares(near, kLeast, Dirt::Least) : found;
     }
 
 private:
+    enum class Dirt { None, Least };
     struct Square {
         OfxRectI box;
         int lost;
         double apart, distance;
     };
 
-    std::vector<OfxRectI> squares(const OfxRectI& near, int side) const
+    std::vector<OfxRectI> squares(const OfxRectI& near, int side, Dirt dirt) const
     {
         constexpr int kReach = 72;
         const Colour wanted = rimColour(source_, lost_, near);
@@ -91,6 +93,7 @@ private:
                 const OfxRectI box{x, y, x + side, y + side};
                 const int count = sums_.sum(box.x1 - bounds_.x1, box.y1 - bounds_.y1,
                                             box.x2 - bounds_.x1, box.y2 - bounds_.y1);
+                if (dirt == Dirt::None && count > 0) continue;
                 const double dx = box.x1 + box.x2 - near.x1 - near.x2;
                 const double dy = box.y1 + box.y2 - near.y1 - near.y2;
                 all.push_back(

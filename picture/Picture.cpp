@@ -285,6 +285,13 @@ Picture Picture::converted(Depth depth, Components components) const
     return result;
 }
 
+void Picture::move(int x, int y)
+{
+    for (OfxRectI* const box : {&bounds_, &regionOfDefinition_}) {
+        *box = {box->x1 + x, box->y1 + y, box->x2 + x, box->y2 + y};
+    }
+}
+
 void Picture::paste(const Picture& from)
 {
     if (from.depth_ != depth_ || from.components_ != components_) {

@@ -115,6 +115,8 @@ public:
     /// nearest and clamped for integers; a picture without alpha gets a full one; an alpha-only
     /// picture becomes black with that alpha.
     Picture converted(Depth depth, Components components) const;
+    /// Moves the bounds and the region of definition, and the pixels with them.
+    void move(int x, int y);
     /// Copies the pixels that both pictures have; depth and components must be equal.
     void paste(const Picture& from);
 

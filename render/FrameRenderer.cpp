@@ -91,6 +91,7 @@ FrameRenderer::FrameRenderer(const RenderSettings& settings, InstanceSetup setup
       warnings_(warnings),
       everyArea_(settings.everyArea),
       cropsAreas_(settings.cropsAreas),
+      followsMatte_(settings.followsMatte),
       chosenAreas_(settings.areas)
 {
     slots_.push_back(setup_.make());
@@ -179,17 +180,59 @@ void FrameRenderer::fill(const RenderRequest& request, FramePictures pictures,
         if (isInterrupted()) throw Interrupted("interrupted");
         listener_.areaBegan(others.before + area, others.before + count + others.after);
         Slot& slot = slotFor(area);
-        show(slot, request, pictures);
-        showMatte(slot, request, matte, area);
-        RenderRequest part = request;
-        part.window = areaWindow(request, matte, area);
-        Picture changed = source->copied(part.window, {});
-        changed.setRegionOfDefinition(request.window);
-        renderOn(slot, part, changed);
-        source->paste(changed);                 // no render reads it now
+        if (motionOf(matte, area) == PixelMotion{}) {
+            fillArea(slot, request, pictures, matte, area, *source);
+        } else {
+            fillMoved(slot, request, pictures, matte, area, *source);
+        }
         slot.clips.at(Names::kSource)->hide();  // instances keep no pictures between frames
         slot.clips.at(Names::kMatte)->hide();
     }
+}
+
+void FrameRenderer::fillArea(Slot& slot, const RenderRequest& request,
+                             const FramePictures& pictures, const PreparedMatte& matte,
+                             std::size_t area, Picture& source)
+{
+    show(slot, request, pictures);
+    showMatte(slot, request, matte, area);
+    RenderRequest part = request;
+    part.window = areaWindow(request, matte, area);
+    Picture changed = source.copied(part.window, {});
+    changed.setRegionOfDefinition(request.window);
+    renderOn(slot, part, changed);
+    source.paste(changed);  // no render reads it now
+}
+
+/// Renders the area where its blocks were recorded: everything but the textures from files is moved
+/// there, and the result back.
+void FrameRenderer::fillMoved(Slot& slot, const RenderRequest& request, FramePictures pictures,
+                              const PreparedMatte& matte, std::size_t area, Picture& source)
+{
+    const PixelMotion motion = motionOf(matte, area);
+    const PixelMotion back{-motion.x, -motion.y};
+    Picture moved = source.copied();
+    moved.move(back.x, back.y);
+    pictures.at(Names::kSource).picture = std::make_shared<const Picture>(std::move(moved));
+    pictures.at(Names::kSource).scale = request.scale;
+    setup_.inputs().crops().cutFromSource(pictures);
+    show(slot, request, pictures);
+    showMatte(slot, request, matte, area, back);
+    RenderRequest part = request;
+    const OfxRectI window = areaWindow(request, matte, area);
+    part.window = movedBox(window, back);
+    Picture changed = source.copied(window, {});
+    changed.setRegionOfDefinition(request.window);
+    changed.move(back.x, back.y);
+    renderOn(slot, part, changed);
+    changed.move(motion.x, motion.y);
+    source.paste(changed);
+}
+
+PixelMotion FrameRenderer::motionOf(const PreparedMatte& matte, std::size_t area) const
+{
+    const bool follows = followsMatte_ && setup_.repeatsBlocks() && !recorded_.isEmpty();
+    return follows ? recorded_.motion(matte.areas, area) : PixelMotion{};
 }
 
 /// The part of the window that filling an area can change; only this part is rendered.
@@ -213,16 +256,17 @@ OfxRectI FrameRenderer::areaWindow(const RenderRequest& request, const PreparedM
 }
 
 void FrameRenderer::showMatte(Slot& slot, const RenderRequest& request, const PreparedMatte& matte,
-                              std::size_t area) const
+                              std::size_t area, PixelMotion back) const
 {
     FrameSource& clip = *slot.clips.at(Names::kMatte);
-    if (!everyArea_ && !cropsAreas_) {
+    if (!everyArea_ && !cropsAreas_ && back == PixelMotion{}) {
         clip.show(frameOf(request), matte.whole);
         return;
     }
     const OfxRectI window = cropsAreas_ ? matte.areas.box(area) : matte.areas.matte().bounds();
-    clip.show(frameOf(request), std::make_shared<const Picture>(matte.areas.alone(area, window)),
-              request.scale);
+    Picture alone = matte.areas.alone(area, window);
+    alone.move(back.x, back.y);
+    clip.show(frameOf(request), std::make_shared<const Picture>(std::move(alone)), request.scale);
 }
 
 void FrameRenderer::renderOn(Slot& slot, const RenderRequest& request, Picture& output)
@@ -272,16 +316,13 @@ void FrameRenderer::followAreas(const RenderRequest& request, const PreparedMatt
                                 std::size_t count)
 {
     if (!setup_.repeatsBlocks() || count == 0) return;
-    std::vector<OfxRectI> boxes;
-    for (std::size_t area = 0; area < count; ++area) boxes.push_back(matte.areas.box(area));
-    const bool areSame = std::ranges::equal(
-        boxes, recorded_,
-        [](const OfxRectI& a, const OfxRectI& b) { return !isEmpty(intersection(a, b)); });
+    const bool areSame = recorded_.matches(matte.areas, count, followsMatte_);
     if (areSame && frameOf(request) != 0) {
-        std::ranges::transform(reached_, boxes, reached_.begin(), unionOf);
+        for (std::size_t area = 0; area < count; ++area) checkCovered(request, matte, area);
+        recorded_.advance(matte.areas, count);
         return;
     }
-    if (!areSame && !recorded_.empty()) {
+    if (!areSame && !recorded_.isEmpty()) {
         for (Slot& slot : slots_) slot.instance->purgeCaches();
         if (!std::exchange(reportedAreasChange_, true)) {
             warnings_.report(
@@ -290,8 +331,29 @@ void FrameRenderer::followAreas(const RenderRequest& request, const PreparedMatt
                 "temporalConsistancy starts again");
         }
     }
-    recorded_ = std::move(boxes);
-    reached_ = recorded_;
+    recorded_.begin(matte.areas, count);
+    recordedFrame_ = frameOf(request);
+    reached_.clear();
+    for (std::size_t area = 0; area < count; ++area) reached_.push_back(recorded_.box(area));
+}
+
+/// The recorded region is filled, not the matte of this frame: tells when some of it is left.
+void FrameRenderer::checkCovered(const RenderRequest& request, const PreparedMatte& matte,
+                                 std::size_t area)
+{
+    const PixelMotion motion = motionOf(matte, area);
+    reached_[area] = followsMatte_
+                         ? unionOf(movedBox(recorded_.box(area), motion), matte.areas.box(area))
+                         : unionOf(reached_[area], matte.areas.box(area));
+    if (reportedUncovered_ || recorded_.covers(matte.areas, area, motion)) return;
+    reportedUncovered_ = true;
+    const std::string advice =
+        followsMatte_ ? "make the matte of that frame large enough, with --matte-grow for instance"
+                      : "--follow moves the region with the matte";
+    warnings_.report(
+        matte.file.string() + ": frame " + std::to_string(frameOf(request)) +
+        " masks more than the region recorded in frame " + std::to_string(recordedFrame_) +
+        ", which temporalConsistancy fills again, so the rest stays as it is; " + advice);
 }
 
 /// Only an instance that repeats blocks keeps state of its area; otherwise one instance serves all

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <vector>
 
+#include "render/AreaRecord.h"
 #include "render/InstanceSetup.h"
 #include "render/JobListener.h"
 #include "render/PreparedMatte.h"
@@ -59,11 +60,18 @@ private:
     OfxRectI areaWindow(const Host::RenderRequest& request, const PreparedMatte& matte,
                         std::size_t area) const;
     void showMatte(Slot& slot, const Host::RenderRequest& request, const PreparedMatte& matte,
-                   std::size_t area) const;
+                   std::size_t area, PixelMotion back = {}) const;
     void renderOn(Slot& slot, const Host::RenderRequest& request, Picture& output);
     void remark(const Host::RenderRequest& request, const PreparedMatte& matte, std::size_t count);
     void followAreas(const Host::RenderRequest& request, const PreparedMatte& matte,
                      std::size_t count);
+    void checkCovered(const Host::RenderRequest& request, const PreparedMatte& matte,
+                      std::size_t area);
+    PixelMotion motionOf(const PreparedMatte& matte, std::size_t area) const;
+    void fillArea(Slot& slot, const Host::RenderRequest& request, const FramePictures& pictures,
+                  const PreparedMatte& matte, std::size_t area, Picture& source);
+    void fillMoved(Slot& slot, const Host::RenderRequest& request, FramePictures pictures,
+                   const PreparedMatte& matte, std::size_t area, Picture& source);
     Slot& slotFor(std::size_t area);
     Slot makeSlot() const;
 
@@ -73,10 +81,13 @@ private:
     bool everyArea_, cropsAreas_;
     std::deque<Slot> slots_;  ///< at least one
     std::optional<Sequence> sequence_;
-    std::vector<OfxRectI> recorded_;  ///< boxes of the areas with recorded blocks
-    std::vector<OfxRectI> reached_;   ///< unions of these and the boxes of all frames since
+    bool followsMatte_;
+    AreaRecord recorded_;            ///< the areas with recorded blocks
+    std::vector<OfxRectI> reached_;  ///< unions of their boxes and those of all frames since
+    int recordedFrame_ = 0;
     bool hasRendered_ = false;
     std::vector<std::size_t> chosenAreas_;  ///< of the matte, from 0; empty: any
+    bool reportedUncovered_ = false;
     bool reportedEmptyMatte_ = false, reportedAreasChange_ = false;
     std::mutex mutex_;  ///< guards the members below
     bool isAborted_ = false;

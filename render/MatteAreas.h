@@ -22,6 +22,7 @@ public:
     /// The smallest box round an area.
     const OfxRectI& box(std::size_t area) const { return boxes_[area]; }
     const Picture& matte() const { return *matte_; }
+    Polarity polarity() const { return polarity_; }
 
     /// A matte of the same polarity with only this area, its holes filled, over bounds that lie
     /// inside the matte's.

@@ -36,6 +36,7 @@ struct RenderSettings {
     std::vector<std::size_t> areas;     ///< only these areas of the matte, from 0; empty: any
     std::optional<LineSide> matteSide;  ///< only this part of the matte
     bool cropsAreas = true;             ///< an area's matte is cropped to its box
+    bool followsMatte = false;          ///< recorded blocks move with their area
     double matteGrow = 0.0;             ///< pixels at full size
     bool keepsClear = true;  ///< of the region to fill, where neither box nor texture is given
     std::array<std::filesystem::path, 3> textures;  ///< each empty: none

@@ -199,6 +199,7 @@ void CommandLine::addMatte(const RenderSettings& settings)
                exactText(side->x) + "," + exactText(side->y) + "," + exactText(side->angle));
     }
     if (!settings.cropsAreas) option("--matte-window", "full");
+    if (settings.followsMatte) word("--follow");
     if (settings.matteGrow > 0.0) option("--matte-grow", exactText(settings.matteGrow));
 }
 

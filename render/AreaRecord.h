@@ -1,0 +1,47 @@
+#pragma once
+
+/// The areas that an instance recorded blocks for, and where they have gone since.
+
+#include <vector>
+
+#include "render/MatteAreas.h"
+
+namespace Tesseret::Render {
+
+struct PixelMotion {
+    int x = 0, y = 0;
+    bool operator==(const PixelMotion&) const = default;
+};
+
+class AreaRecord {
+public:
+    bool isEmpty() const { return boxes_.empty(); }
+    /// Records the first `count` areas of a frame's matte.
+    void begin(const MatteAreas& areas, std::size_t count);
+    /// Whether these can be the recorded areas: there are as many, and each overlaps the place of
+    /// its own; in a picture that moves (`follows`), the place in the frame before.
+    bool matches(const MatteAreas& areas, std::size_t count, bool follows) const;
+    /// A later frame; matches.
+    void advance(const MatteAreas& areas, std::size_t count);
+
+    /// From where the area was recorded to where it is, in whole pixels: that of its middle.
+    PixelMotion motion(const MatteAreas& areas, std::size_t area) const;
+    /// Whether the recorded area, moved, has all pixels that the area has now.
+    bool covers(const MatteAreas& areas, std::size_t area, PixelMotion moved) const;
+    const OfxRectI& box(std::size_t area) const { return boxes_[area]; }
+
+private:
+    struct Point {
+        double x, y;
+    };
+
+    static Point middleOf(const MatteAreas& areas, std::size_t area);
+
+    std::vector<OfxRectI> boxes_, last_;
+    std::vector<Picture> masks_;  ///< the areas alone
+    std::vector<Point> middles_;
+};
+
+OfxRectI movedBox(const OfxRectI& box, PixelMotion motion);
+
+}  // namespace Tesseret::Render
