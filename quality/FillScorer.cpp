@@ -32,10 +32,13 @@ constexpr int kAround = 64;
 constexpr double kSmooth = 8;
 /// Of what is expected, a fill should have at least and at most this much change.
 constexpr double kLeastChange = 0.8, kMostChange = 1.25;
+/// A fill of which half has less than this share of the calmest surroundings' change was blurred.
+constexpr double kCalm = 0.98;
 
 // Weights, chosen so that the total orders some two hundred fills as eyes do; docs/quality.md.
 constexpr double kRim = 0.7, kInside = 4.0, kStep = 1.0, kRepeats = 0.4, kStructure = 0.6;
 constexpr double kTooMuch = 0.3;  ///< too much change, against too little
+constexpr double kBlur = 6;       ///< less change than nearly everywhere around
 constexpr double kStepRim = 0.2, kStepInside = 0.4, kStrange = 0.4;
 /// A part below 1 counts by this share: what is better than untouched makes up for little.
 constexpr double kBetter = 0.4;
@@ -88,6 +91,8 @@ double wrongChange(const Findings& found)
         const double share = (found.change[s] + kSmooth) / (found.expected[s] + kSmooth);
         wrong += std::max(kLeastChange - share, 0.0);
         wrong += kTooMuch * std::clamp(share - kMostChange, 0.0, 1.0);
+        const double calm = (found.middleChange[s] + kSmooth) / (found.calmest[s] + kSmooth);
+        wrong += kBlur * std::max(kCalm - calm, 0.0);
     }
     return wrong;
 }
