@@ -20,7 +20,8 @@ class Autocorrelation {
 public:
     Autocorrelation(const Shades& shades, int reach);
 
-    /// 1 for no shift; 0 for shifts with too few pairs. y may be negative.
+    /// 1 for no shift, less where there is hardly any texture; 0 for shifts with too few pairs. y
+    /// may be negative.
     float at(int x, int y) const;
     int reach() const { return reach_; }
     /// The mean over shifts of about this length.

@@ -33,7 +33,7 @@ CopyIndex::CopyIndex(const PatchPyramid& picture, const std::vector<std::uint8_t
     : width_(picture.width())
 {
     const auto pixels = std::size_t(width_) * std::size_t(picture.height());
-    const int bits = std::clamp(int(std::bit_width(pixels)), 10, 24);
+    const int bits = std::clamp(int(std::bit_width(pixels)) - 1, 10, 22);
     shift_ = 32 - bits;
     places_.resize(std::size_t{1} << bits);
     const int columns = width_ - kSpan + 1;

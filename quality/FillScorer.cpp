@@ -32,10 +32,13 @@ constexpr int kAround = 64;
 constexpr double kSmooth = 8;
 /// Of what is expected, a fill should have at least and at most this much change.
 constexpr double kLeastChange = 0.8, kMostChange = 1.25;
+/// A fill of which half has less than this share of the calmest surroundings' change was blurred.
+constexpr double kCalm = 0.98;
 
 // Weights, chosen so that the total orders some two hundred fills as eyes do; docs/quality.md.
-constexpr double kRim = 1.0, kInside = 2.0, kStep = 1.3, kRepeats = 0.3, kStructure = 0.7;
+constexpr double kRim = 0.7, kInside = 4.0, kStep = 1.0, kRepeats = 0.4, kStructure = 0.6;
 constexpr double kTooMuch = 0.3;  ///< too much change, against too little
+constexpr double kBlur = 6;       ///< less change than nearly everywhere around
 constexpr double kStepRim = 0.2, kStepInside = 0.4, kStrange = 0.4;
 /// A part below 1 counts by this share: what is better than untouched makes up for little.
 constexpr double kBetter = 0.4;
@@ -88,18 +91,26 @@ double wrongChange(const Findings& found)
         const double share = (found.change[s] + kSmooth) / (found.expected[s] + kSmooth);
         wrong += std::max(kLeastChange - share, 0.0);
         wrong += kTooMuch * std::clamp(share - kMostChange, 0.0, 1.0);
+        const double calm = (found.middleChange[s] + kSmooth) / (found.calmest[s] + kSmooth);
+        wrong += kBlur * std::max(kCalm - calm, 0.0);
     }
     return wrong;
 }
 
+/// What counts in a sum.
+double tempered(double value)
+{
+    return value < 1 ? 1 - kBetter * (1 - value) : std::min(value, 4.0);
+}
+
+/// Squares, so that one bad part is enough.
 double total(const Visibility& parts)
 {
-    const auto weighed = [](double weight, double value) {
-        return weight * (value < 1 ? 1 - kBetter * (1 - value) : std::min(value, 4.0));
-    };
-    return (weighed(kRim, parts.rim) + weighed(kInside, parts.inside) + weighed(kStep, parts.step) +
-            weighed(kRepeats, parts.repeats) + weighed(kStructure, parts.structure)) /
-           (kRim + kInside + kStep + kRepeats + kStructure);
+    const auto square = [](double value) { return tempered(value) * tempered(value); };
+    return std::sqrt((kRim * square(parts.rim) + kInside * square(parts.inside) +
+                      kStep * square(parts.step) + kRepeats * square(parts.repeats) +
+                      kStructure * square(parts.structure)) /
+                     (kRim + kInside + kStep + kRepeats + kStructure));
 }
 
 }  // namespace
@@ -111,8 +122,8 @@ public:
     Visibility score(const Picture& filled) const;
 
 private:
-    void learn(const std::vector<OfxRectI>& squares);
-    Region knownRegion(const OfxRectI& square) const;
+    void learn(const Picture& lost, const std::vector<OfxRectI>& squares);
+    Region knownRegion(const Picture& lost, const OfxRectI& square) const;
     Region filledRegion(const PatchPyramid& pixels, const OfxRectI& window) const;
     Reference reference(OfxRectI except = {0, 0, 0, 0}) const
     {
@@ -120,13 +131,19 @@ private:
     }
     RimLook around(const OfxRectI& box, const OfxRectI& except) const
     {
-        return {activity_, levels_, source_.width(), grown(box, kAround), except};
+        return {activity_, levels_, pixels_.width(), grown(box, kAround), except};
     }
     /// A box in pixels from the source's first.
     OfxRectI fromFirst(const OfxRectI& box) const;
+    OfxRectI inPicture(const OfxRectI& box) const
+    {
+        return intersection(box, {0, 0, pixels_.width(), pixels_.height()});
+    }
 
-    Picture source_, lost_;
+    OfxRectI bounds_;
     OfxRectI area_;
+    OfxRectI reach_;         ///< where a fill may change pixels
+    Picture source_, lost_;  ///< the part that can be looked at
     ToneCurve curve_;
     PatchPyramid pixels_;
     std::vector<std::uint8_t> levels_;
@@ -141,37 +158,38 @@ private:
 
 OfxRectI FillScorer::Judge::fromFirst(const OfxRectI& box) const
 {
-    const OfxRectI bounds = source_.bounds();
-    return {box.x1 - bounds.x1, box.y1 - bounds.y1, box.x2 - bounds.x1, box.y2 - bounds.y1};
+    return {box.x1 - bounds_.x1, box.y1 - bounds_.y1, box.x2 - bounds_.x1, box.y2 - bounds_.y1};
 }
 
 FillScorer::Judge::Judge(const Picture& source, const Picture& lost, OfxRectI area)
-    : source_(source.copied(source.bounds(), {})),
-      lost_(lost.copied(lost.bounds(), {})),
-      area_(intersection(area, source.bounds())),
-      curve_(source_, lost_),
-      pixels_(curve_.apply(source_), kLevels),
-      levels_(knownLevels(lost_, kLevels)),
+    : bounds_(source.bounds()),
+      area_(intersection(area, bounds_)),
+      reach_(intersection(grown(area_, kReach), bounds_)),
+      source_(source.copied(reach_, {})),
+      lost_(lost.copied(intersection(grown(reach_, kMargin), bounds_), {})),
+      curve_(source, lost),
+      pixels_(curve_.apply(source), kLevels),
+      levels_(knownLevels(lost, kLevels)),
       copies_(pixels_, levels_),
       activity_(pixels_),
       around_(around(fromFirst(area_), {0, 0, 0, 0}))
 {
     const OfxRectI box = fromFirst(area_);
     const int size = std::max(box.x2 - box.x1, box.y2 - box.y1);
-    near_ = intersection(grown(box, size / 2), {0, 0, source_.width(), source_.height()});
-    landmarks_ = Landmarks(activity_, levels_, source_.width(), grown(near_, kReach));
-    learn(knownSquares(lost_, box, kSquareSide, kSquares));
+    near_ = inPicture(grown(box, size / 2));
+    landmarks_ = Landmarks(activity_, levels_, pixels_.width(), inPicture(grown(near_, kReach)));
+    learn(lost, knownSquares(levels_, pixels_.width(), box, kSquareSide, kSquares));
 }
 
 /// Measures the squares as if they had been filled: that is what is usual.
-void FillScorer::Judge::learn(const std::vector<OfxRectI>& squares)
+void FillScorer::Judge::learn(const Picture& lost, const std::vector<OfxRectI>& squares)
 {
     std::vector<Region> regions;
     std::vector<RegionMatches> matches;
     std::vector<StepSamples> steps;
     std::vector<float> allSteps;
     for (const OfxRectI& square : squares) {
-        regions.push_back(knownRegion(square));
+        regions.push_back(knownRegion(lost, square));
         matches.push_back(matchRegion(regions.back(), reference(grown(square, kDoubtful))));
         steps.push_back(measureSteps(regions.back()));
         const StepSamples& last = steps.back();
@@ -185,19 +203,18 @@ void FillScorer::Judge::learn(const std::vector<OfxRectI>& squares)
     }
 }
 
-Region FillScorer::Judge::knownRegion(const OfxRectI& square) const
+Region FillScorer::Judge::knownRegion(const Picture& lost, const OfxRectI& square) const
 {
     Region region;
     region.pixels = &pixels_;
-    region.window = intersection(grown(square, kMargin), {0, 0, source_.width(), source_.height()});
+    region.window = inPicture(grown(square, kMargin));
     const OfxRectI& window = region.window;
     const int width = window.x2 - window.x1, height = window.y2 - window.y1;
     std::vector<std::uint8_t> changed(std::size_t(width) * std::size_t(height));
     std::vector<std::uint8_t> ignored(changed.size());
     for (int y = window.y1; y < window.y2; ++y) {
         const auto row = std::ptrdiff_t(y - window.y1) * width;
-        const auto* gone =
-            lost_.pixel<std::uint8_t>(lost_.bounds().x1 + window.x1, lost_.bounds().y1 + y);
+        const auto* gone = lost.pixel<std::uint8_t>(bounds_.x1 + window.x1, bounds_.y1 + y);
         std::copy_n(gone, width, ignored.begin() + row);
         if (y < square.y1 || y >= square.y2) continue;
         std::fill_n(changed.begin() + row + (square.x1 - window.x1), square.x2 - square.x1,
@@ -245,14 +262,14 @@ Region FillScorer::Judge::filledRegion(const PatchPyramid& pixels, const OfxRect
 
 Visibility FillScorer::Judge::score(const Picture& filled) const
 {
-    const OfxRectI a = filled.bounds(), b = source_.bounds();
-    if (a.x1 != b.x1 || a.y1 != b.y1 || a.x2 != b.x2 || a.y2 != b.y2 ||
-        filled.depth() != source_.depth() || filled.components() != source_.components()) {
+    const OfxRectI bounds = filled.bounds();
+    if (bounds.x1 != bounds_.x1 || bounds.y1 != bounds_.y1 || bounds.x2 != bounds_.x2 ||
+        bounds.y2 != bounds_.y2 || filled.depth() != source_.depth() ||
+        filled.components() != source_.components()) {
         throw std::invalid_argument("the fill has other bounds or channels than the source");
     }
-    const OfxRectI where = intersection(grown(area_, kReach), source_.bounds());
-    const OfxRectI seen = joined(area_, differentBox(source_, filled, where));
-    const OfxRectI window = intersection(grown(seen, kMargin), source_.bounds());
+    const OfxRectI seen = joined(area_, differentBox(source_, filled, reach_));
+    const OfxRectI window = intersection(grown(seen, kMargin), bounds_);
     const PatchPyramid pixels(curve_.apply(filled, window), kLevels);
     const Region region = filledRegion(pixels, window);
     const RegionMatches matches = matchRegion(region, reference());
@@ -261,9 +278,9 @@ Visibility FillScorer::Judge::score(const Picture& filled) const
     Visibility result;
     result.rim = part(found.rim, known_.rim);
     result.inside = part(found.inside, known_.inside);
-    result.step = kStepRim * found.stepRim.over(known_.stepRim) +
-                  kStepInside * found.stepInside.over(known_.stepInside) +
-                  kStrange * std::sqrt(found.strange.over(known_.strange));
+    result.step = kStepRim * tempered(found.stepRim.over(known_.stepRim)) +
+                  kStepInside * tempered(found.stepInside.over(known_.stepInside)) +
+                  kStrange * tempered(std::sqrt(found.strange.over(known_.strange)));
     result.repeats = 1 + repeatedShare(matches, usual_.difference, landmarks_, activity_, near_);
     result.structure = part(found.large, known_.large) + wrongChange(found);
     result.total = total(result);

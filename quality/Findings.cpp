@@ -1,16 +1,20 @@
 #include "quality/Findings.h"
 
 #include <algorithm>
+#include <vector>
+
+#include "quality/Middle.h"
 
 namespace Tesseret::Quality {
 namespace {
 
 /// A difference counts at most as this many times the usual.
 constexpr double kWorst = 4;
+constexpr double kLeast = 0.75;
 
 double timesUsual(double difference, double usual)
 {
-    return std::min((difference + kUnseen) / (usual + kUnseen), kWorst);
+    return std::clamp((difference + kUnseen) / (usual + kUnseen), kLeast, kWorst);
 }
 
 void addMatches(Findings& findings, const RegionMatches& matches, const UsualDifference& usual)
@@ -35,6 +39,7 @@ void addCells(Findings& findings, const Region& region, const RimLook& around)
     if (around.isEmpty()) return;
     const OfxRectI& window = region.window;
     int count = 0;
+    std::array<std::vector<float>, kScales> changes;
     for (int y = window.y1; y + kCell <= window.y2; y += kCell) {
         for (int x = window.x1; x + kCell <= window.x2; x += kCell) {
             const int column = x - window.x1, row = y - window.y1;
@@ -44,6 +49,7 @@ void addCells(Findings& findings, const Region& region, const RimLook& around)
                                      region.y + y + kCell / 2.0};
             const std::array<float, kScales> expected = around.expectedChange(cell.x, cell.y);
             for (std::size_t s = 0; s < kScales; ++s) {
+                changes[s].push_back(cell.look.change[s]);
                 findings.change[s] += double(cell.look.change[s]);
                 findings.expected[s] += double(expected[s]);
             }
@@ -55,6 +61,8 @@ void addCells(Findings& findings, const Region& region, const RimLook& around)
     for (std::size_t s = 0; s < kScales && count > 0; ++s) {
         findings.change[s] /= count;
         findings.expected[s] /= count;
+        findings.middleChange[s] = double(middle(changes[s]));
+        findings.calmest[s] = double(around.calmestChange()[s]);
     }
 }
 

@@ -34,8 +34,10 @@ struct Findings {
     Mean strange;  ///< squares of how unlike cells are to the known ones around, in tones
     /// Means over the cells: how much tones change, and how much they should.
     std::array<double, kScales> change{}, expected{};
+    /// The median of the cells' change, and what nearly all cells around exceed.
+    std::array<double, kScales> middleChange{}, calmest{};
 
-    /// Adds all but the last two.
+    /// Adds the means.
     void add(const Findings& other);
 };
 

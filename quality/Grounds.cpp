@@ -15,6 +15,8 @@ constexpr double kLeastShare = 0.15;
 constexpr double kMistaken = 0.12;
 /// In spreads of one ground.
 constexpr double kApart = 2.0;
+/// At most this share looks like neither: with more, one ground changes slowly.
+constexpr double kBetween = 0.12;
 /// Differences in tones that mean nothing.
 constexpr double kFloor = 8;
 /// Directions in a quarter turn.
@@ -63,6 +65,20 @@ std::vector<int> twoClusters(const std::vector<PlacedLook>& cells, std::array<Ce
         means = {meanLook(cells, ground, 0), meanLook(cells, ground, 1)};
     }
     return ground;
+}
+
+/// The share of cells that look neither like one mean nor like the other.
+double shareBetween(const std::vector<PlacedLook>& cells, const std::array<CellLook, 2>& means)
+{
+    int between = 0;
+    for (const PlacedLook& cell : cells) {
+        const float first = unlikeness(cell.look, means[0]);
+        const float second = unlikeness(cell.look, means[1]);
+        // The difference of the squares is linear from one mean to the other.
+        const float along = (first - second) / std::max(unlikeness(means[0], means[1]), 1.0f);
+        if (std::abs(along) < 0.35f) ++between;
+    }
+    return double(between) / double(cells.size());
 }
 
 /// The line with the fewest cells on the wrong side.
@@ -128,6 +144,7 @@ std::optional<TwoGrounds> divide(const std::vector<PlacedLook>& cells)
     const std::vector<int> ground = twoClusters(cells, means);
     const double share = double(std::count(ground.begin(), ground.end(), 1)) / double(cells.size());
     if (std::min(share, 1 - share) < kLeastShare) return std::nullopt;
+    if (shareBetween(cells, means) > kBetween) return std::nullopt;
     double spread = 0;
     for (std::size_t i = 0; i < cells.size(); ++i) {
         spread += double(unlikeness(cells[i].look, means[std::size_t(ground[i])]));

@@ -4,7 +4,6 @@
 #include <cstdlib>
 
 #include "quality/PatchPyramid.h"
-#include "quality/PixelSums.h"
 
 namespace Tesseret::Quality {
 namespace {
@@ -12,62 +11,81 @@ namespace {
 /// 1 for lost pixels and their surroundings.
 std::vector<std::uint8_t> doubtful(const Picture& lost)
 {
-    const auto width = std::size_t(lost.width()), height = std::size_t(lost.height());
-    std::vector<std::uint8_t> wide(width * height), result(width * height);
-    for (std::size_t y = 0; y < height; ++y) {
-        const std::uint8_t* row =
-            reinterpret_cast<const std::uint8_t*>(lost.row(lost.bounds().y1 + int(y)));
-        std::uint8_t* to = wide.data() + y * width;
-        for (std::size_t x = 0; x < width; ++x) {
+    const int width = lost.width(), height = lost.height();
+    std::vector<std::uint8_t> result(std::size_t(width) * std::size_t(height));
+    for (int y = 0; y < height; ++y) {
+        const auto* row = reinterpret_cast<const std::uint8_t*>(lost.row(lost.bounds().y1 + y));
+        for (int x = 0; x < width; ++x) {
             if (row[x] == 0) continue;
-            const std::size_t last = std::min(x + kDoubtful, width - 1);
-            for (std::size_t i = x < kDoubtful ? 0 : x - kDoubtful; i <= last; ++i) to[i] = 1;
-        }
-    }
-    for (std::size_t y = 0; y < height; ++y) {
-        std::uint8_t* to = result.data() + y * width;
-        const std::size_t last = std::min(y + kDoubtful, height - 1);
-        for (std::size_t i = y < kDoubtful ? 0 : y - kDoubtful; i <= last; ++i) {
-            const std::uint8_t* from = wide.data() + i * width;
-            for (std::size_t x = 0; x < width; ++x) to[x] |= from[x];
+            const int first = x;
+            while (x + 1 < width && row[x + 1] != 0) ++x;
+            const int from = std::max(first - kDoubtful, 0);
+            const int to = std::min(x + kDoubtful + 1, width);
+            for (int i = std::max(y - kDoubtful, 0); i < std::min(y + kDoubtful + 1, height); ++i) {
+                std::fill_n(result.begin() + std::ptrdiff_t(i) * width + from, to - from,
+                            std::uint8_t{1});
+            }
         }
     }
     return result;
 }
 
-/// Squares of this side on a grid round the area, in the order of their angles.
-std::vector<OfxRectI> squaresAround(const PixelSums& gone, OfxRectI area, int side, int reach)
-{
-    std::vector<OfxRectI> found;
-    const int room = side + 2 * kDoubtful;
-    // Twice as fine as the squares: more of them fit between mattes.
-    for (int y = area.y1 - reach; y < area.y2 + reach; y += room / 2) {
-        for (int x = area.x1 - reach; x < area.x2 + reach; x += room / 2) {
-            if (x < 0 || y < 0 || x + room > gone.width() || y + room > gone.height()) continue;
-            if (gone.sum(x, y, x + room, y + room) != 0) continue;
-            const bool free = std::none_of(found.begin(), found.end(), [&](const OfxRectI& other) {
-                return std::abs(other.x1 - kDoubtful - x) < room &&
-                       std::abs(other.y1 - kDoubtful - y) < room;
-            });
-            if (free) {
-                found.push_back(
-                    {x + kDoubtful, y + kDoubtful, x + kDoubtful + side, y + kDoubtful + side});
+/// Finds squares of one side in a map of known patches.
+class SquareFinder {
+public:
+    SquareFinder(const std::vector<std::uint8_t>& known, int width, int side)
+        : known_(known), width_(width), height_(int(known.size() / std::size_t(width))), side_(side)
+    {
+        while (patchSide(level_ + 1) <= side) ++level_;
+    }
+
+    /// In a box round the area, at least kDoubtful apart.
+    std::vector<OfxRectI> around(OfxRectI area, int reach) const
+    {
+        std::vector<OfxRectI> found;
+        const int room = side_ + 2 * kDoubtful;
+        // Twice as fine as the squares: more of them fit between mattes.
+        for (int y = area.y1 - reach; y + side_ <= area.y2 + reach; y += room / 2) {
+            for (int x = area.x1 - reach; x + side_ <= area.x2 + reach; x += room / 2) {
+                if (!isKnown(x, y)) continue;
+                const bool free =
+                    std::none_of(found.begin(), found.end(), [&](const OfxRectI& other) {
+                        return std::abs(other.x1 - x) < room && std::abs(other.y1 - y) < room;
+                    });
+                if (free) found.push_back({x, y, x + side_, y + side_});
             }
         }
+        return found;
     }
-    return found;
-}
+
+private:
+    /// Covers the square with patches.
+    bool isKnown(int x, int y) const
+    {
+        if (x < 0 || y < 0 || x + side_ > width_ || y + side_ > height_) return false;
+        const int patch = patchSide(level_);
+        for (int dy = 0; dy < side_; dy += patch) {
+            for (int dx = 0; dx < side_; dx += patch) {
+                const int px = x + std::min(dx, side_ - patch);
+                const int py = y + std::min(dy, side_ - patch);
+                const std::size_t at = std::size_t(py) * std::size_t(width_) + std::size_t(px);
+                if (known_[at] <= level_) return false;
+            }
+        }
+        return true;
+    }
+
+    const std::vector<std::uint8_t>& known_;
+    int width_, height_, side_;
+    int level_ = 0;
+};
 
 }  // namespace
 
 std::vector<std::uint8_t> knownLevels(const Picture& lost, int levels)
 {
-    return unmarkedLevels(doubtful(lost), lost.width(), lost.height(), levels);
-}
-
-std::vector<std::uint8_t> unmarkedLevels(std::vector<std::uint8_t> result, int width, int height,
-                                         int levels)
-{
+    const int width = lost.width(), height = lost.height();
+    std::vector<std::uint8_t> result = doubtful(lost);
     const int largest = patchSide(levels - 1);
     std::vector<std::uint8_t> levelOfSide(std::size_t(largest) + 1);
     for (int level = 0; level < levels; ++level) {
@@ -90,22 +108,24 @@ std::vector<std::uint8_t> unmarkedLevels(std::vector<std::uint8_t> result, int w
     return result;
 }
 
-std::vector<OfxRectI> knownSquares(const Picture& lost, OfxRectI area, int largest, int count)
+std::vector<OfxRectI> knownSquares(const std::vector<std::uint8_t>& known, int width, OfxRectI area,
+                                   int largest, int count)
 {
-    const PixelSums gone(lost);
     const int size = std::max(area.x2 - area.x1, area.y2 - area.y1);
-    const int everywhere = std::max(gone.width(), gone.height());
+    const int everywhere = std::max(width, int(known.size() / std::size_t(width)));
     for (int side = std::clamp(size, 16, largest); side >= 8; side /= 2) {
+        const SquareFinder finder(known, width, side);
         // Near the area, else further away.
         for (int reach = 3 * side / 2;; reach *= 2) {
-            std::vector<OfxRectI> all = squaresAround(gone, area, side, reach);
-            if (int(all.size()) >= std::min(count, 4) || (reach > everywhere && !all.empty())) {
+            const std::vector<OfxRectI> all = finder.around(area, reach);
+            const bool last = reach > everywhere;
+            if (int(all.size()) >= std::min(count, 4) || (last && !all.empty())) {
                 std::vector<OfxRectI> chosen;
                 const std::size_t n = std::min(all.size(), std::size_t(count));
                 for (std::size_t i = 0; i < n; ++i) chosen.push_back(all[i * all.size() / n]);
                 return chosen;
             }
-            if (reach > everywhere) break;
+            if (last) break;
         }
     }
     return {};

@@ -41,21 +41,25 @@ PatchPyramid::PatchPyramid(Tones tones, int levels)
     : width_(tones.width), height_(tones.height), levels_(std::size_t(levels))
 {
     int width = width_, height = height_;
-    levels_[0] = {3 * std::size_t(width), tones.values.size(), std::move(tones.values)};
+    levels_[0] = {3 * std::size_t(width), 3 * std::size_t(width) * std::size_t(height),
+                  std::move(tones.values)};
     for (int l = 1; l < levels; ++l) {
         const Level& below = levels_[std::size_t(l - 1)];
         Level& level = levels_[std::size_t(l)];
         const int halfWidth = (width + 1) / 2, halfHeight = (height + 1) / 2;
         level.rowValues = 3 * std::size_t(halfWidth);
         level.planeValues = level.rowValues * std::size_t(halfHeight);
-        const int side = 1 << l, half = side / 2;
-        level.values.resize(level.planeValues * std::size_t(side) * std::size_t(side));
-        for (int y = 0; y < side; ++y) {
-            for (int x = 0; x < side; ++x) {
-                const auto plane = std::size_t((y % half) * half + x % half);
-                halve(below.values.data() + plane * below.planeValues, width, height, x / half,
-                      y / half, level.values.data() + std::size_t(y * side + x) * level.planeValues,
-                      halfWidth, halfHeight);
+        const int half = 1 << (l - 1), step = 1 << skipped(l), planes = 2 * half / step;
+        level.values = std::make_unique_for_overwrite<std::int16_t[]>(
+            level.planeValues * std::size_t(planes) * std::size_t(planes));
+        std::int16_t* to = level.values.get();
+        for (int y = 0; y < 2 * half; y += step) {
+            for (int x = 0; x < 2 * half; x += step, to += level.planeValues) {
+                const int skip = skipped(l - 1);
+                const auto plane =
+                    std::size_t(((y % half) >> skip) * (half >> skip) + ((x % half) >> skip));
+                halve(below.values.get() + plane * below.planeValues, width, height, x / half,
+                      y / half, to, halfWidth, halfHeight);
             }
         }
         width = halfWidth;

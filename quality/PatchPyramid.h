@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "quality/Tones.h"
@@ -21,9 +22,10 @@ constexpr int patchSide(int level)
     return kPatch << level;
 }
 
-/// The means are kept for squares at every pixel, not only at multiples of their side: a copy moved
-/// by one pixel is an exact copy in all levels. Squares that start at equal remainders of x and y
-/// lie side by side in one plane, so the rows of a patch are contiguous.
+/// The means are kept for squares at every pixel (in level 3, every second), not only at multiples
+/// of their side: a copy moved by a pixel is an exact copy in all levels. Squares that start at
+/// equal remainders of x and y lie side by side in one plane, so the rows of a patch are
+/// contiguous.
 class PatchPyramid {
 public:
     PatchPyramid() = default;
@@ -36,10 +38,10 @@ public:
     const std::int16_t* sample(int x, int y, int level) const
     {
         const Level& l = levels_[std::size_t(level)];
-        const int remainder = (1 << level) - 1;
-        const std::size_t plane =
-            std::size_t(y & remainder) * std::size_t(remainder + 1) + std::size_t(x & remainder);
-        return l.values.data() + plane * l.planeValues + std::size_t(y >> level) * l.rowValues +
+        const int remainder = (1 << level) - 1, skip = skipped(level);
+        const std::size_t plane = (std::size_t(y & remainder) >> skip << (level - skip)) +
+                                  (std::size_t(x & remainder) >> skip);
+        return l.values.get() + plane * l.planeValues + std::size_t(y >> level) * l.rowValues +
                3 * std::size_t(x >> level);
     }
     /// Values from one row of samples to the next.
@@ -49,8 +51,11 @@ private:
     struct Level {
         std::size_t rowValues = 0;
         std::size_t planeValues = 0;
-        std::vector<std::int16_t> values;
+        std::unique_ptr<std::int16_t[]> values;
     };
+
+    /// Bits of a remainder that have no planes of their own.
+    static constexpr int skipped(int level) { return level < 2 ? 0 : level - 1; }
 
     int width_ = 0;
     int height_ = 0;

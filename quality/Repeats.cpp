@@ -79,7 +79,7 @@ double repeatedShare(const RegionMatches& matches, const UsualDifference& usual,
             const bool visible = column * kCell >= near.x1 && column * kCell < near.x2 &&
                                  row * kCell >= near.y1 && row * kCell < near.y2;
             const double copies = double(count) / perCell + (visible ? 1 : 0);
-            repeated += (0.1 + landmarks.at(column, row)) * std::max(copies - 1.25, 0.0);
+            repeated += landmarks.at(column, row) * std::max(copies - 1.25, 0.0);
         }
     }
     return repeated * perCell / inside;

@@ -32,6 +32,13 @@ RimLook::RimLook(const Activity& activity, const std::vector<std::uint8_t>& leve
             cells_.push_back({activity.cell(column, row), x + kCell / 2.0, y + kCell / 2.0});
         }
     }
+    for (std::size_t s = 0; s < kScales && !cells_.empty(); ++s) {
+        std::vector<float> changes;
+        for (const PlacedLook& cell : cells_) changes.push_back(cell.look.change[s]);
+        const auto tenth = changes.begin() + std::ptrdiff_t(changes.size() / 10);
+        std::nth_element(changes.begin(), tenth, changes.end());
+        calmest_[s] = *tenth;
+    }
 }
 
 std::array<float, kScales> RimLook::expectedChange(double x, double y) const

@@ -27,12 +27,15 @@ public:
     const std::vector<PlacedLook>& cells() const { return cells_; }
     /// How much the tones change at each scale in the cells around, the nearer the more it counts.
     std::array<float, kScales> expectedChange(double x, double y) const;
+    /// What all but a tenth of the cells exceed: below it, something was blurred.
+    const std::array<float, kScales>& calmestChange() const { return calmest_; }
     /// How unlike all cells around a look is at this place, in tones; cells that are further away
     /// than the nearest count as less alike.
     double strangeness(const PlacedLook& cell) const;
 
 private:
     std::vector<PlacedLook> cells_;
+    std::array<float, kScales> calmest_{};
 };
 
 }  // namespace Tesseret::Quality

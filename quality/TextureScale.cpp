@@ -26,6 +26,46 @@ int brightness(const std::int16_t* p)
     return (p[0] + 2 * p[1] + p[2]) / 4;
 }
 
+/// Takes off the plane that fits the known samples best: the slope of a sky is no texture.
+void level(Shades& shades)
+{
+    // Sums of products, with x and y from the middle of the known samples.
+    double n = 0, meanX = 0, meanY = 0, mean = 0, xx = 0, xy = 0, yy = 0, xv = 0, yv = 0;
+    const auto each = [&shades](auto&& visit) {
+        std::size_t i = 0;
+        for (int y = 0; y < shades.height; ++y) {
+            for (int x = 0; x < shades.width; ++x, ++i) {
+                if (shades.known[i] != 0) visit(x, y, shades.values[i]);
+            }
+        }
+    };
+    each([&](int x, int y, float& value) {
+        n += 1;
+        meanX += x;
+        meanY += y;
+        mean += double(value);
+    });
+    if (n == 0) return;
+    meanX /= n;
+    meanY /= n;
+    mean /= n;
+    each([&](int x, int y, float& value) {
+        const double dx = x - meanX, dy = y - meanY;
+        xx += dx * dx;
+        xy += dx * dy;
+        yy += dy * dy;
+        xv += dx * double(value);
+        yv += dy * double(value);
+    });
+    const double determinant = xx * yy - xy * xy;
+    if (determinant <= 0) return;
+    const double slopeX = (xv * yy - yv * xy) / determinant;
+    const double slopeY = (yv * xx - xv * xy) / determinant;
+    each([&](int x, int y, float& value) {
+        value -= float(mean + slopeX * (x - meanX) + slopeY * (y - meanY));
+    });
+}
+
 /// The mean brightness of the known samples within `radius` of each sample is taken off, so that
 /// slow shades do not hide the texture.
 void flatten(Shades& shades, int radius)
@@ -132,6 +172,7 @@ void TextureScale::Surroundings::measureScale(const OfxRectI& area)
     // At a quarter of the size first: that finds everything but fine patterns.
     const OfxRectI window = within(area, kWide);
     Shades coarse = shades(window, 2);
+    level(coarse);
     flatten(coarse, 16);
     const Autocorrelation far(coarse, kLongest / 4);
     int crossing = 1;
@@ -139,6 +180,7 @@ void TextureScale::Surroundings::measureScale(const OfxRectI& area)
     elementSize = std::min(8.0 * crossing, double(kLongest));
 
     Shades fine = shades(within(area, kWide / 4), 1);
+    level(fine);
     flatten(fine, 16);
     const Autocorrelation close(fine, 24);
     // The period lies beyond the first valley.

@@ -114,7 +114,8 @@ void ToneCurve::applyRows(const Picture& picture, OfxRectI region, Tones& tones)
 Tones ToneCurve::apply(const Picture& picture, OfxRectI region) const
 {
     Tones tones{region.x2 - region.x1, region.y2 - region.y1, {}};
-    tones.values.resize(3 * std::size_t(tones.width) * std::size_t(tones.height));
+    tones.values = std::make_unique_for_overwrite<std::int16_t[]>(3 * std::size_t(tones.width) *
+                                                                  std::size_t(tones.height));
     withChannel(picture.depth(),
                 [&]<typename Channel>(Channel) { applyRows<Channel>(picture, region, tones); });
     return tones;

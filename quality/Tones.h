@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "picture/Picture.h"
@@ -15,15 +16,15 @@ namespace Tesseret::Quality {
 struct Tones {
     int width = 0;
     int height = 0;
-    std::vector<std::int16_t> values;
+    std::unique_ptr<std::int16_t[]> values;
 
     const std::int16_t* at(int x, int y) const
     {
-        return values.data() + 3 * (std::size_t(y) * std::size_t(width) + std::size_t(x));
+        return values.get() + 3 * (std::size_t(y) * std::size_t(width) + std::size_t(x));
     }
     std::int16_t* at(int x, int y)
     {
-        return values.data() + 3 * (std::size_t(y) * std::size_t(width) + std::size_t(x));
+        return values.get() + 3 * (std::size_t(y) * std::size_t(width) + std::size_t(x));
     }
 };
 
