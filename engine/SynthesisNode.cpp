@@ -503,7 +503,7 @@ void SynthesisNode<Pixel>::beginPass()
 {
     reports_.reportComposite(textures_.size(), placedRegion(), boundary_);
     compositing_.emplace(observer_, "composite");
-    if (laidPart_ == laid_.storedExtent()) return;
+    if (laidPart_ == laid_.extent()) return;
     Pixel opaque{};
     opaque.a = PixelTraits<Pixel>::stored(kMax);
     opaque_.assign(static_cast<std::size_t>(this->region().x1 - this->region().x0), opaque);
@@ -532,6 +532,15 @@ void SynthesisNode<Pixel>::processPass()
     for (int y = yBegin; y < yEnd; ++y) compositeRow(y);
 }
 
+/// The part of a row of the window that blocks cover, also where they were left out.
+template <typename Pixel>
+Region SynthesisNode<Pixel>::coveredIn(int y) const
+{
+    const Region row{this->region().x0, y, this->region().x1, y + 1};
+    const Region covered = laid_.isUsable() ? laid_.extent().within(row) : Region{};
+    return covered.isEmpty() ? Region{row.x0, y, row.x0, y} : covered;
+}
+
 /// Composites one row. The gain and the mask are read as EdgeNone: outside them there is no gain,
 /// and the mask has its fill value.
 template <typename Pixel>
@@ -540,17 +549,16 @@ void SynthesisNode<Pixel>::compositeRow(int y)
     const Region& region = this->region();
     const RowReader source(this->other(), y);
     RowWriter out(this->target(), y);
-    const auto covered = RowReader(laid_, y).interior(region.x0, region.x1);
-    const Region part = laidPart_.within({covered.begin, y, covered.end, y + 1});
-    const PixelSpan<Pixel> laid =
-        part.isEmpty()
-            ? PixelSpan<Pixel>{covered.begin, covered.begin, nullptr}
-            : PixelSpan<Pixel>{part.x0, part.x1, covered.pixels + (part.x0 - covered.begin)};
+    const Region covered = coveredIn(y);
+    const Region part = laidPart_.within(covered);
+    const PixelSpan<Pixel> laid = part.isEmpty()
+                                      ? PixelSpan<Pixel>{region.x0, region.x0, nullptr}
+                                      : RowReader(laid_, y).interior(part.x0, part.x1);
     const auto gain = RowReader(state_->luminanceGain, y).interior(region.x0, region.x1);
     const auto mask = RowReader(state_->compositeMask, y).interior(region.x0, region.x1);
     // Between these the same maps have pixels.
-    std::array ends{region.x0,  covered.begin, covered.end, laid.begin, laid.end,
-                    gain.begin, gain.end,      mask.begin,  mask.end,   region.x1};
+    std::array ends{region.x0,  covered.x0, covered.x1, laid.begin, laid.end,
+                    gain.begin, gain.end,   mask.begin, mask.end,   region.x1};
     std::ranges::sort(ends);
     for (std::size_t i = 1; i < ends.size(); ++i) {
         const int x = ends[i - 1];
@@ -559,7 +567,7 @@ void SynthesisNode<Pixel>::compositeRow(int y)
             return x >= span.begin && x < span.end ? span.pixels + (x - span.begin) : nullptr;
         };
         const Pixel* texture = within(laid);
-        if (texture == nullptr && within(covered) != nullptr) {
+        if (texture == nullptr && x >= covered.x0 && x < covered.x1) {
             texture = opaque_.data() + (x - region.x0);
         }
         composite<Pixel>(source, {.begin = x,

@@ -73,6 +73,7 @@ private:
     void copyLaid(const Region& part);
     void copyLaidOutside();
     void keepLaid();
+    Region coveredIn(int y) const;
     void compositeRow(int y);
 
     SynthesisSettings<Pixel> settings_;
@@ -82,7 +83,7 @@ private:
     std::optional<ObservedStage> compositing_;
     std::vector<Map<Pixel>*> textures_;
     Map<Pixel> laid_;                   ///< texture for the composite; elsewhere, the target's
-    Region laidPart_;                   ///< of `laid_`; the rest is opaque and does not show
+    Region laidPart_;                   ///< what it stores; the rest is opaque and does not show
     std::vector<Pixel> opaque_;         ///< a row of it, as wide as the window
     Region shown_;                      ///< where texture can show; all masks are 0 beyond it
     Map<Pixel32f> pathBand_;            ///< positive on known pixels round the fill region

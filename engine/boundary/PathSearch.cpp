@@ -10,6 +10,7 @@
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
 #include "engine/map/PixelTraits.h"
+#include "engine/pass/SharedWork.h"
 
 namespace Orvane::Engine {
 namespace {
@@ -26,6 +27,9 @@ constexpr int kLeavingSteps = 8;
 
 /// Pixels that the front moves over between two polls for an abort; a few milliseconds.
 constexpr std::size_t kPixelsBetweenPolls = 1 << 15;
+
+/// Rows of cells that a worker fills at once.
+constexpr int kTaskRows = 32;
 
 /// The neighbours by angle: entry k is at 45 degrees times k, x to the right and y down the rows.
 constexpr std::array<PixelPoint, 8> kDirections{
@@ -59,16 +63,17 @@ PixelVec2f normalised(const PixelVec2f& v)
 bool PathCells::make(const MapDomain& map)
 {
     region_ = map.storedExtent();
-    const auto columns = static_cast<std::size_t>(width());
-    const auto rows = static_cast<std::size_t>(height());
+    stride_ = std::ptrdiff_t{width()} + 2;
+    const auto columns = static_cast<std::size_t>(stride_);
+    const auto rows = static_cast<std::size_t>(height()) + 2;
     stateBlock_ = allocateImageBlock(columns, rows, sizeof(CellState));
     octantBlock_ = allocateImageBlock(columns, rows, sizeof(std::uint8_t));
     costBlock_ = allocateImageBlock(columns, rows, sizeof(PathCost));
     if (stateBlock_ == nullptr || octantBlock_ == nullptr || costBlock_ == nullptr) return false;
     states_ = reinterpret_cast<CellState*>(stateBlock_.get());
-    std::uninitialized_fill_n(states_, columns * rows, CellState::NotReached);
+    std::uninitialized_fill_n(rowAt(region_.y0 - 1), columns, CellState::Blocked);
+    std::uninitialized_fill_n(rowAt(region_.y1), columns, CellState::Blocked);
     octants_ = reinterpret_cast<std::uint8_t*>(octantBlock_.get());
-    std::uninitialized_fill_n(octants_, columns * rows, kUnknown);
     costs_ = reinterpret_cast<PathCost*>(costBlock_.get());
     return true;
 }
@@ -85,8 +90,14 @@ CellState* PathCells::find(PixelPoint p) const
     if (p.x < region_.x0 || p.x >= region_.x1 || p.y < region_.y0 || p.y >= region_.y1) {
         return nullptr;
     }
-    const std::ptrdiff_t row = std::ptrdiff_t{p.y} - region_.y0;
-    return states_ + row * width() + (std::ptrdiff_t{p.x} - region_.x0);
+    return rowAt(p.y) + (std::ptrdiff_t{p.x} - region_.x0 + 1);
+}
+
+PixelPoint PathCells::placeOf(const CellState* cell) const
+{
+    const std::ptrdiff_t index = cell - states_;
+    return {region_.x0 + static_cast<int>(index % stride_) - 1,
+            region_.y0 + static_cast<int>(index / stride_) - 1};
 }
 
 template <typename Pixel>
@@ -103,7 +114,7 @@ PathOutcome PathSearch<Pixel>::search(PixelPoint start)
     cut_.clear();
     arrivals_.clear();
     path_.clear();
-    if (!blockCells() || !cutBand(start)) return PathOutcome::NotReached;
+    if (!makeCells() || !cutBand(start)) return PathOutcome::NotReached;
     orientCut();
     advanceFront();
     const std::optional<PixelPoint> end = endPoint();
@@ -134,26 +145,42 @@ float PathSearch<Pixel>::pixelCost(PixelPoint p) const
     }
 }
 
-/// Makes the cells and blocks those off the band. False without memory for them.
+/// Makes the cells. False without memory for them, and after an abort.
 template <typename Pixel>
-bool PathSearch<Pixel>::blockCells()
+bool PathSearch<Pixel>::makeCells()
 {
     if (!cells_.make(*in_.band)) return false;
-    const Region part = in_.work.within(in_.band->storedExtent());
-    for (int y = part.y0; y < part.y1; ++y) {
-        const RowReader band(*in_.band, y);
-        CellState* const cells = cells_.find({part.x0, y});
-        const int count = part.x1 - part.x0;
-        const auto stateOf = [](float value) {
-            return value == 0.0f ? CellState::Blocked : CellState::NotReached;
-        };
-        if (const float* values = band.span(part.x0, count)) {
-            std::transform(values, values + count, cells, stateOf);
-        } else {
-            for (int i = 0; i < count; ++i) cells[i] = stateOf(band[part.x0 + i]);
-        }
+    std::ranges::transform(kDirections, neighbours_.begin(),
+                           [this](PixelPoint o) { return cells_.distanceTo(o); });
+    const Region& region = cells_.region();
+    SharedWork work(in_.statusRecord);
+    return work.run((cells_.height() + kTaskRows - 1) / kTaskRows, [&](int task, int) {
+        const int begin = region.y0 + task * kTaskRows;
+        for (int y = begin; y < std::min(begin + kTaskRows, region.y1); ++y) fillCells(y);
+    });
+}
+
+/// Blocks the cells of a row that are off the band. The others get what does not depend on the
+/// search, since that is work for all threads.
+template <typename Pixel>
+void PathSearch<Pixel>::fillCells(int y)
+{
+    const Region& region = cells_.region();
+    CellState* cell = cells_.rowAt(y);
+    *cell++ = CellState::Blocked;
+    // Usually all of them are in place. Outside the work region the band is not read.
+    const float* band = RowReader(*in_.band, y).span(region.x0, cells_.width());
+    const bool isInWork = y >= in_.work.y0 && y < in_.work.y1;
+    for (int x = region.x0; x < region.x1; ++x, ++cell) {
+        const bool mayBeOff = isInWork && x >= in_.work.x0 && x < in_.work.x1;
+        const bool isOff =
+            mayBeOff && (band != nullptr ? band[x - region.x0] : bandAt({x, y})) == 0.0f;
+        *cell = isOff ? CellState::Blocked : CellState::NotReached;
+        if (isOff) continue;
+        cells_.octantAt(cell) = static_cast<std::uint8_t>(octantOf(gradientAt({x, y})));
+        cells_.costOf(cell).sum = pixelCost({x, y});
     }
-    return true;
+    *cell = CellState::Blocked;
 }
 
 /// Makes the cut from the band's outer edge to the fill region. False when a walk cannot end, as
@@ -212,8 +239,8 @@ void PathSearch<Pixel>::orientCut()
 template <typename Pixel>
 void PathSearch<Pixel>::advanceFront()
 {
-    std::vector<PixelPoint> front = cut_;
-    std::vector<PixelPoint> next;
+    std::vector<CellState*> front, next;
+    for (const PixelPoint p : cut_) front.push_back(cells_.find(p));
     std::size_t moved = 0;
     while (!front.empty()) {
         moved += front.size();
@@ -222,39 +249,38 @@ void PathSearch<Pixel>::advanceFront()
             if (in_.statusRecord != nullptr && in_.statusRecord->pollAbort()) return;
         }
         collectFront(front, next);
-        for (const PixelPoint q : next) finalise(q);
+        for (CellState* cell : next) finalise(cell);
         front.swap(next);
         next.clear();
     }
 }
 
 template <typename Pixel>
-void PathSearch<Pixel>::collectFront(const std::vector<PixelPoint>& front,
-                                     std::vector<PixelPoint>& next)
+void PathSearch<Pixel>::collectFront(const std::vector<CellState*>& front,
+                                     std::vector<CellState*>& next)
 {
-    for (const PixelPoint p : front) {
-        for (const PixelPoint o : kDirections) {
-            const PixelPoint q = p + o;
-            CellState* cell = cells_.find(q);
-            if (cell == nullptr || !mayBeReached(*cell)) continue;
-            const auto before = predecessors(q);
-            if (!std::ranges::any_of(before, [this](PixelPoint b) { return pathEndsAt(b); })) {
+    for (CellState* const cell : front) {
+        for (const std::ptrdiff_t distance : neighbours_) {
+            CellState* const neighbour = cell + distance;
+            if (!mayBeReached(*neighbour)) continue;
+            if (!hasPath(*predecessor(neighbour, 0)) && !hasPath(*predecessor(neighbour, 1)) &&
+                !hasPath(*predecessor(neighbour, 2))) {
                 continue;
             }
-            next.push_back(q);
-            *cell = CellState::Queued;
+            next.push_back(neighbour);
+            *neighbour = CellState::Queued;
         }
     }
 }
 
 template <typename Pixel>
-void PathSearch<Pixel>::finalise(PixelPoint q)
+void PathSearch<Pixel>::finalise(CellState* cell)
 {
-    const auto best = bestPredecessor(q, [](const PathCost&) { return true; });
-    if (!best) return;
-    const PathCost& before = cells_.costOf(cells_.find(*best));
-    CellState* cell = cells_.find(q);
-    cells_.costOf(cell) = PathCost::of(pixelCost(q) + before.sum, before.count + 1);
+    const CellState* best = bestPredecessor(cell, [](const PathCost&) { return true; });
+    if (best == nullptr) return;
+    const PathCost& before = cells_.costOf(best);
+    PathCost& cost = cells_.costOf(cell);
+    cost = PathCost::of(cost.sum + before.sum, before.count + 1);
     *cell = CellState::Reached;
 }
 
@@ -282,11 +308,10 @@ bool PathSearch<Pixel>::trace(PixelPoint end)
     while (*cell != CellState::OnCut) {
         if (path_.size() > cells) return false;
         const int limit = cells_.costOf(cell).count + kTraceSlack;
-        const auto next = bestPredecessor(
-            path_.back(), [limit](const PathCost& before) { return before.count < limit; });
-        if (!next) return false;
-        path_.push_back(*next);
-        cell = cells_.find(*next);
+        cell =
+            bestPredecessor(cell, [limit](const PathCost& before) { return before.count < limit; });
+        if (cell == nullptr) return false;
+        path_.push_back(cells_.placeOf(cell));
     }
     return true;
 }
@@ -322,32 +347,30 @@ bool PathSearch<Pixel>::pathEndsAt(PixelPoint p) const
     return cell != nullptr && hasPath(*cell);
 }
 
-/// The pixels before one that has a cell.
+/// The cells before one, i below 3: in the direction along the band, and next to that.
 template <typename Pixel>
-std::array<PixelPoint, 3> PathSearch<Pixel>::predecessors(PixelPoint q) const
+const CellState* PathSearch<Pixel>::predecessor(const CellState* cell, std::size_t i) const
 {
-    std::uint8_t& octant = cells_.octantAt(cells_.find(q));
-    if (octant == PathCells::kUnknown) octant = static_cast<std::uint8_t>(octantOf(gradientAt(q)));
-    const std::size_t k = octant;
-    return {q + kDirections[(k + 7) % 8], q + kDirections[k], q + kDirections[(k + 1) % 8]};
+    return cell + neighbours_[(cells_.octantAt(cell) + 7 + i) % 8];
 }
 
-/// The predecessor of minimum mean cost among those with an accepted path; ties go to the first.
+/// The predecessor of minimum mean cost among those with an accepted path, or null; ties go to the
+/// first.
 template <typename Pixel>
 template <typename Accept>
-std::optional<PixelPoint> PathSearch<Pixel>::bestPredecessor(PixelPoint q,
-                                                             const Accept& accept) const
+const CellState* PathSearch<Pixel>::bestPredecessor(const CellState* cell,
+                                                    const Accept& accept) const
 {
-    std::optional<PixelPoint> best;
+    const CellState* best = nullptr;
     float bestMean = 0.0f;
-    for (const PixelPoint p : predecessors(q)) {
-        const CellState* cell = cells_.find(p);
-        if (cell == nullptr || !hasPath(*cell)) continue;
-        const PathCost& cost = cells_.costOf(cell);
+    for (std::size_t i = 0; i < 3; ++i) {
+        const CellState* before = predecessor(cell, i);
+        if (!hasPath(*before)) continue;
+        const PathCost& cost = cells_.costOf(before);
         if (!accept(cost)) continue;
         const float mean = cost.mean;
         if (best && !(mean < bestMean)) continue;
-        best = p;
+        best = before;
         bestMean = mean;
     }
     return best;

@@ -41,7 +41,7 @@ enum class CellState : std::uint8_t {
 
 /// The best path that ends at a pixel.
 struct PathCost {
-    float sum = 0.0f;   ///< the costs of the path's pixels
+    float sum = 0.0f;   ///< the costs of the path's pixels; before there is one, the pixel's own
     int count = 0;      ///< of the path's pixels
     float mean = 0.0f;  ///< the sum divided by the count
 
@@ -61,25 +61,41 @@ inline bool hasPath(CellState state)
     return state == CellState::OnCut || state == CellState::Reached;
 }
 
-/// The cells of a rectangle, one for each pixel, in image memory. Their parts are stored apart: of
-/// the costs only those along the band are ever touched.
+/// The cells of a rectangle, one for each pixel, with blocked ones around it, in image memory.
+/// Their parts are stored apart: of the octants and costs only those along the band are ever
+/// touched.
 class PathCells {
 public:
-    /// Makes cells where a map has pixels, all of them not reached. False without memory for them.
+    /// Makes cells where a map has pixels, contents undefined but for the rows around them. False
+    /// without memory for them.
     bool make(const MapDomain& map);
     void release();
 
+    const Region& region() const { return region_; }
     int width() const { return region_.x1 - region_.x0; }
     int height() const { return region_.y1 - region_.y0; }
     /// The cell of a pixel in absolute coordinates, or null.
     CellState* find(PixelPoint p) const;
+    /// The row of cells at y, from the blocked one before the first pixel's on; it is followed by
+    /// one behind the last.
+    CellState* rowAt(int y) const
+    {
+        return states_ + (std::ptrdiff_t{y} - region_.y0 + 1) * stride_;
+    }
+    /// The pixel of a cell.
+    PixelPoint placeOf(const CellState* cell) const;
+    /// How far the cell of a neighbour is from that of a pixel.
+    std::ptrdiff_t distanceTo(PixelPoint direction) const
+    {
+        return direction.y * stride_ + direction.x;
+    }
     PathCost& costOf(const CellState* cell) const { return costs_[cell - states_]; }
-    /// The octant of the gradient at a cell, or kUnknown until it is set.
+    /// The octant of the gradient at a cell.
     std::uint8_t& octantAt(const CellState* cell) const { return octants_[cell - states_]; }
-    static constexpr std::uint8_t kUnknown = 255;
 
 private:
     Region region_;
+    std::ptrdiff_t stride_ = 0;
     ImageBlock stateBlock_, octantBlock_, costBlock_;
     CellState* states_ = nullptr;
     std::uint8_t* octants_ = nullptr;
@@ -113,12 +129,13 @@ public:
 
 private:
     PathOutcome search(PixelPoint start);
-    bool blockCells();
+    bool makeCells();
+    void fillCells(int y);
     bool cutBand(PixelPoint start);
     void orientCut();
     void advanceFront();
-    void collectFront(const std::vector<PixelPoint>& front, std::vector<PixelPoint>& next);
-    void finalise(PixelPoint q);
+    void collectFront(const std::vector<CellState*>& front, std::vector<CellState*>& next);
+    void finalise(CellState* cell);
     std::optional<PixelPoint> endPoint() const;
     bool trace(PixelPoint end);
     bool closeLoop(PixelPoint end);
@@ -127,15 +144,16 @@ private:
     PixelVec2f gradientAt(PixelPoint p) const { return gradient_(p.x, p.y); }
     bool pathEndsAt(PixelPoint p) const;
     float meanAt(PixelPoint p) const { return cells_.costOf(cells_.find(p)).mean; }
-    std::array<PixelPoint, 3> predecessors(PixelPoint q) const;
+    const CellState* predecessor(const CellState* cell, std::size_t i) const;
     template <typename Accept>
-    std::optional<PixelPoint> bestPredecessor(PixelPoint q, const Accept& accept) const;
+    const CellState* bestPredecessor(const CellState* cell, const Accept& accept) const;
 
     PathSearchInputs<Pixel> in_;
     PointReader<Pixel32f> band_;
     PointReader<PixelVec2f> gradient_;
     PointReader<Pixel> synthesised_, source_;
     PathCells cells_;
+    std::array<std::ptrdiff_t, 8> neighbours_{};  ///< of a cell, by direction
     std::vector<PixelPoint> cut_, arrivals_, path_;
 };
 

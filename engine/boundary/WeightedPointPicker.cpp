@@ -42,6 +42,20 @@ double addedTo(double sum, float weight, std::ptrdiff_t times)
     return sum;
 }
 
+/// The first value of a range that is not 0. Whole groups first, which compilers compare at once.
+template <typename Iterator>
+Iterator firstNonzero(Iterator begin, Iterator end)
+{
+    constexpr std::ptrdiff_t kGroup = 16;
+    for (; end - begin >= kGroup; begin += kGroup) {
+        int others = 0;
+        for (std::ptrdiff_t i = 0; i < kGroup; ++i) others |= begin[i] != 0.0f ? 1 : 0;
+        if (others != 0) break;
+    }
+    while (begin != end && *begin == 0.0f) ++begin;
+    return begin;
+}
+
 }  // namespace
 
 void WeightedPointPicker::setNumPoints(int count)
@@ -78,6 +92,10 @@ double WeightedPointPicker::sumWith(double sum, std::span<const float> values) c
 {
     for (auto run = values.begin(); run != values.end();) {
         const float value = *run;
+        if (value == 0.0f && low_ == 0.0f) {  // most of a mask has no weight
+            run = firstNonzero(run, values.end());
+            continue;
+        }
         const auto end = std::find_if(run, values.end(), [value](float v) { return v != value; });
         const auto next = end == run ? run + 1 : end;  // NaN differs from itself
         sum = addedTo(sum, weight(value), next - run);

@@ -107,6 +107,16 @@ void gatherRows(const Map<Pixel32f>& map, int firstRow, int lanes, std::span<con
     }
 }
 
+/// Copies `lanes` samples. Batches are mostly full, and a fixed count needs no call.
+void copyLanes(const float* from, int lanes, float* to)
+{
+    if (lanes == kLanes) {
+        std::copy_n(from, kLanes, to);
+    } else {
+        std::copy_n(from, lanes, to);
+    }
+}
+
 /// A batch of lines that the box is applied to several times. Each worker has its own.
 class LineBatch {
 public:
@@ -304,14 +314,14 @@ void BoxBlur::blurColumns()
             const int row =
                 rows_[static_cast<std::size_t>(liveRows_.begin) + static_cast<std::size_t>(i)];
             if (row >= 0) {
-                std::copy_n(temporary_.pixelAt(x - live_.begin, row), lanes, sample);
+                copyLanes(temporary_.pixelAt(x - live_.begin, row), lanes, sample);
             } else {
                 std::fill_n(sample, kLanes, other().fillValue());
             }
         }
         batch.filter();
         for (std::size_t i = 0; i < to.size(); ++i) {
-            std::copy_n(batch.samples() + i * kLanes, lanes, to[i] + x);
+            copyLanes(batch.samples() + i * kLanes, lanes, to[i] + x);
         }
     }
 }

@@ -28,12 +28,16 @@ private:
     void countRows(const Map<Pixel8>& before, const Region& readable, Map<Pixel8>& after,
                    const Region& part, int rowBegin, int rowEnd, std::vector<Count>& counts);
     void spreadRow(int width, unsigned char* to);
+    void sumBoxes(int begin, int end, unsigned char* to);
+    void sumInTurn(int begin, int end, unsigned char* to);
+    void sumByDoubling(int begin, int end, unsigned char* to);
 
     int radius_;
     int enough_;  ///< pixels
     // The box's columns of one row: the pixels counted in each, up to `enough_`, and their sums
-    // over more and more columns.
-    std::vector<unsigned char> columns_, sums_, wider_;
+    // over more and more columns, and over whole boxes.
+    std::vector<unsigned char> columns_, sums_, wider_, boxes_;
+    std::vector<unsigned char> nothing_;  ///< a row of zeros
     std::vector<std::uint8_t> counts_;
     std::vector<std::uint32_t> wideCounts_;
 };

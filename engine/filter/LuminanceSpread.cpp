@@ -68,8 +68,19 @@ RowRange onesOf(const Pixel8* bytes, int count)
         count > 0 ? std::memchr(bytes, 1, static_cast<std::size_t>(count)) : nullptr;
     if (first == nullptr) return {0, 0};
     int end = count;
+    constexpr int kWord = sizeof(std::uint64_t);
+    for (; end >= kWord; end -= kWord) {
+        std::uint64_t word;
+        std::memcpy(&word, bytes + end - kWord, kWord);
+        if (word != 0) break;
+    }
     while (bytes[end - 1] == 0) --end;
     return {static_cast<int>(static_cast<const Pixel8*>(first) - bytes), end};
+}
+
+bool isSame(const Pixel8* a, const Pixel8* b, int count)
+{
+    return std::memcmp(a, b, static_cast<std::size_t>(count)) == 0;
 }
 
 /// became = 1 where `now` is and `before` is not; `before` may be null. Returns whether any is.
@@ -295,13 +306,13 @@ void LuminanceSpread::judgeRow(int pass, const Region& active, int y, Outcome& o
     // Before the first two passes nothing counts as known.
     if (pass > 2) {
         const Pixel8* earlier = rowAt(knownAfter(pass - 2), active.x0, y);
-        if (std::memcmp(now, earlier, static_cast<std::size_t>(width)) != 0)
-            outcome.leftEarlier = true;
+        outcome.leftEarlier = outcome.leftEarlier || !isSame(now, earlier, width);
     } else if (!known.isEmpty()) {
         outcome.leftEarlier = true;
     }
+    const Pixel8* before = pass > 1 ? rowAt(knownAfter(pass - 1), active.x0, y) : nullptr;
     const bool isNew =
-        findNew(now, pass > 1 ? rowAt(knownAfter(pass - 1), active.x0, y) : nullptr, became, width);
+        (before == nullptr || !isSame(now, before, width)) && findNew(now, before, became, width);
     if (isNew) outcome.becameKnown = true;
     if (y < settings_.needed.y0 || y >= settings_.needed.y1) return;
     const int begin = std::max(settings_.needed.x0 - active.x0, 0);
@@ -371,6 +382,7 @@ void LuminanceSpread::stepTiles(int pass, int task, int worker, Tiles& tiles)
     for (int y = begin; y < end; ++y) {
         const Pixel8* row = rowAt(knownAfter(pass), part.x0, y);
         for (int column = 0; column < tiles.columns(); ++column) {
+            if (tiles.isWanted(column, (y - part.y0) / Tiles::kSide)) continue;
             const int x = column * Tiles::kSide;
             const int count = std::min(Tiles::kSide, part.x1 - part.x0 - x);
             if (!onesOf(row + x, count).isEmpty()) tiles.want(column, (y - part.y0) / Tiles::kSide);

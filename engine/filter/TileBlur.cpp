@@ -9,6 +9,8 @@ namespace Orvane::Engine {
 namespace {
 
 constexpr int kSide = Tiles::kSide;
+/// A column's rows have one more before and after them, which a filter in place may touch.
+constexpr int kSpareRows = 2;
 
 /// The number of tiles that cover a length.
 int tilesFor(int length)
@@ -46,7 +48,7 @@ TileBlur::TileBlur(SharedWork& work) : work_(work), lines_(static_cast<std::size
 bool TileBlur::makeRoom(int width, int height)
 {
     for (Map<Pixel32f>* map : {&first_, &second_}) {
-        map->setSize(tilesFor(width) * kSide, tilesFor(height) * kSide);
+        map->setSize(tilesFor(width) * kSide, tilesFor(height) * kSide + kSpareRows);
         map->allocate();
         if (!map->isUsable()) return false;
     }
@@ -162,8 +164,9 @@ void TileBlur::blurRowRun(int firstY, int rows, Span columns, Lines& lines)
 /// The samples of a column of tiles from a row on.
 float* TileBlur::blurredRows(Map<Pixel32f>& plane, int column, int row)
 {
-    const std::ptrdiff_t stride = std::ptrdiff_t{tilesFor(rows_.end - rows_.begin)} * kSide;
-    return plane.pixelAt(0, 0) + (column * stride + row) * kSide;
+    const std::ptrdiff_t stride =
+        std::ptrdiff_t{tilesFor(rows_.end - rows_.begin)} * kSide + kSpareRows;
+    return plane.pixelAt(0, 0) + (column * stride + 1 + row) * kSide;
 }
 
 /// Blurs along y the wanted tiles of a column.
@@ -183,24 +186,34 @@ void TileBlur::blurColumnRun(int column, Span rows, Lines& lines)
     const int y = rect.y0 + rows.begin * kSide;
     const int outputs = std::min(rect.y0 + rows.end * kSide, rect.y1) - y;
     const int samples = outputs + 2 * box_.radius + 2;
-    const auto plane = static_cast<std::size_t>(samples) * kSide;
-    lines.samples.resize(2 * plane);
-    float* first = lines.samples.data();
-    float* second = first + plane;
-    // Rows out of reach are 0.
+    // Other runs of the column are so far away that none reads what a filter leaves in place.
     const int firstY = y - box_.radius - 1;
-    const int before = std::clamp(rows_.begin - firstY, 0, samples);
-    const int end = std::clamp(rows_.end - firstY, before, samples);
-    for (const auto& [map, to] : {std::pair{&first_, first}, std::pair{&second_, second}}) {
-        std::fill_n(to, before * kSide, 0.0f);
-        std::copy_n(blurredRows(*map, column, firstY + before - rows_.begin),
-                    (end - before) * kSide, to + before * kSide);
-        std::fill_n(to + end * kSide, (samples - end) * kSide, 0.0f);
+    const bool isWhole = firstY >= rows_.begin - 1 && firstY + samples <= rows_.end + 1;
+    float* first = isWhole ? blurredRows(first_, column, firstY - rows_.begin) : nullptr;
+    float* second = isWhole ? blurredRows(second_, column, firstY - rows_.begin) : nullptr;
+    if (!isWhole) {
+        const auto plane = static_cast<std::size_t>(samples) * kSide;
+        lines.samples.resize(2 * plane);
+        first = lines.samples.data();
+        second = first + plane;
+        copyReadable(first_, column, firstY, samples, first);
+        copyReadable(second_, column, firstY, samples, second);
     }
     filterSamples(first, y - box_.cornerY, outputs);
     filterSamples(second, y - box_.cornerY, outputs);
     const int x = rect.x0 + column * kSide;
     planes_->write(x, y, std::min(kSide, rect.x1 - x), outputs, first, second);
+}
+
+/// Copies rows of samples; those out of reach are 0.
+void TileBlur::copyReadable(Map<Pixel32f>& plane, int column, int firstY, int count, float* to)
+{
+    const int before = std::clamp(rows_.begin - firstY, 0, count);
+    const int end = std::clamp(rows_.end - firstY, before, count);
+    std::fill_n(to, before * kSide, 0.0f);
+    std::copy_n(blurredRows(plane, column, firstY + before - rows_.begin), (end - before) * kSide,
+                to + before * kSide);
+    std::fill_n(to + end * kSide, (count - end) * kSide, 0.0f);
 }
 
 void TileBlur::filterSamples(float* samples, int phase, int outputs)

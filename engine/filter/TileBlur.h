@@ -90,13 +90,14 @@ private:
     void blurRowRun(int firstY, int rows, Span columns, Lines& lines);
     void blurColumn(int column, Lines& lines);
     void blurColumnRun(int column, Span rows, Lines& lines);
+    void copyReadable(Map<Pixel32f>& plane, int column, int firstY, int count, float* to);
     void filterSamples(float* samples, int phase, int outputs);
     float* blurredRows(Map<Pixel32f>& plane, int column, int row);
     Lines& linesOf(int worker);
 
     SharedWork& work_;
-    // The planes blurred along x: all rows in reach of a column of tiles, kSide samples each, then
-    // those of the next column.
+    // The planes blurred along x: all rows in reach of a column of tiles, kSide samples each, with
+    // spare ones before and after them, then those of the next column.
     Map<Pixel32f> first_, second_;
     std::vector<std::unique_ptr<Lines>> lines_;
 

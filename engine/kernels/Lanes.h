@@ -427,6 +427,10 @@ struct RoughSums {
             b[part] += roughPower(d.b);
         }
     }
+    TESSERET_LANES void addLast(const Pixel* from, const Pixel* to, int rest)
+    {
+        add<true>(from, to, RoughMask::last(rest));
+    }
     TESSERET_LANES float total() const
     {
         float lanes[kRoughLanes];
@@ -461,6 +465,21 @@ struct WideRoughSums {
                 const int first = v * kPixels % kLanes;
                 Ints spread;
                 for (int i = 0; i < kLanes; ++i) spread[i] = ones[first + i / 4];
+                d = keep(spread, d);
+            }
+            sums[v] += roughPower(d);
+        }
+    }
+    /// Adds the last `rest` of kRoughLanes pixels. The others would add zeros.
+    TESSERET_LANES void addLast(const Pixel* from, const Pixel* to, int rest)
+    {
+        const int first = kRoughLanes - rest;
+        for (int v = 0; v < kVectors; ++v) {
+            if ((v + 1) * kPixels <= first) continue;
+            Floats d = difference(from + v * kPixels, to + v * kPixels);
+            if (v * kPixels < first) {  // a vector of two pixels, of which the second is selected
+                Ints spread;
+                for (int i = 0; i < kLanes; ++i) spread[i] = i < kLanes / 2 ? 0 : -1;
                 d = keep(spread, d);
             }
             sums[v] += roughPower(d);
@@ -521,7 +540,11 @@ TESSERET_LANES void addRow(Sums& sums, const Pixel* a, const Pixel* b, const flo
     }
     if (rest == 0) return;
     const int x = width - kRoughLanes;
-    sums.template add<true>(a + x, b + x, RoughMask::last(rest) & weightsAt(x));
+    if constexpr (kWeighted) {
+        sums.template add<true>(a + x, b + x, RoughMask::last(rest) & weightsAt(x));
+    } else {
+        sums.addLast(a + x, b + x, rest);
+    }
 }
 
 template <typename Pixel, bool kWeighted>

@@ -1,14 +1,17 @@
 #include "engine/mask/FillMask.h"
 
 #include <algorithm>
+#include <optional>
 #include <ranges>
 #include <span>
+#include <vector>
 
 #include "engine/map/ExactMath.h"
 #include "engine/map/MapRow.h"
 #include "engine/map/PixelTraits.h"
 #include "engine/map/Random.h"
 #include "engine/mask/RegionLabeller.h"
+#include "engine/pass/SharedWork.h"
 
 namespace Orvane::Engine {
 namespace {
@@ -46,12 +49,11 @@ public:
     }
 };
 
-/// The smallest region that holds every pixel of a mask whose byte is not 0.
+/// The smallest region that holds every pixel of some rows of a mask whose byte is not 0.
 template <typename MaskPixel>
-Region maskedBounds(const Map<MaskPixel>& mask)
+Region maskedBoundsOf(const Map<MaskPixel>& mask, int top, int bottom)
 {
     const int left = mask.xAxis().offset, right = left + mask.width();
-    const int top = mask.yAxis().offset, bottom = top + mask.height();
     Region bounds{right, bottom, left, top};
     // exact: a product of at least 1 does not truncate to 0; NaN does.
     const auto isMasked = [](MaskPixel value) {
@@ -68,6 +70,31 @@ Region maskedBounds(const Map<MaskPixel>& mask)
         const auto last = std::find_if(pixels.rbegin(), pixels.rend(), isMasked).base();
         bounds = {std::min(bounds.x0, row.begin + static_cast<int>(first)), std::min(bounds.y0, y),
                   std::max(bounds.x1, row.begin + static_cast<int>(last - pixels.begin())), y + 1};
+    }
+    return bounds;
+}
+
+/// The same for all rows, on all workers. Nothing after an abort.
+template <typename MaskPixel>
+std::optional<Region> maskedBounds(const Map<MaskPixel>& mask, RenderStatus* statusRecord)
+{
+    constexpr int kTaskRows = 64;
+    const int left = mask.xAxis().offset, right = left + mask.width();
+    const int top = mask.yAxis().offset, bottom = top + mask.height();
+    std::vector<Region> parts(
+        static_cast<std::size_t>((mask.height() + kTaskRows - 1) / kTaskRows));
+    SharedWork work(statusRecord);
+    const bool isDone = work.run(static_cast<int>(parts.size()), [&](int task, int) {
+        const int begin = top + task * kTaskRows;
+        parts[static_cast<std::size_t>(task)] =
+            maskedBoundsOf(mask, begin, std::min(begin + kTaskRows, bottom));
+    });
+    if (!isDone) return std::nullopt;
+    Region bounds{right, bottom, left, top};
+    for (const Region& part : parts) {
+        if (part.isEmpty()) continue;
+        bounds = {std::min(bounds.x0, part.x0), std::min(bounds.y0, part.y0),
+                  std::max(bounds.x1, part.x1), std::max(bounds.y1, part.y1)};
     }
     return bounds;
 }
@@ -214,10 +241,11 @@ std::optional<Map<Pixel32f>> prepareFillMask(Map<MaskPixel>& mask, int seed,
     Region part = whole;
     if (toByte(view.fillValue()) == kUnmasked) {
         // A border of unmasked pixels round the masked ones is connected with all beyond it.
-        const Region masked = maskedBounds(view);
-        part = masked.isEmpty()
+        const std::optional<Region> masked = maskedBounds(view, statusRecord);
+        if (!masked) return std::nullopt;
+        part = masked->isEmpty()
                    ? Region{whole.x0, whole.y0, whole.x0 + 1, whole.y0 + 1}
-                   : Region{masked.x0 - 1, masked.y0 - 1, masked.x1 + 1, masked.y1 + 1};
+                   : Region{masked->x0 - 1, masked->y0 - 1, masked->x1 + 1, masked->y1 + 1};
     }
     MaskPreparation<MaskPixel> preparation(view, seed, statusRecord);
     if (!preparation.label(part)) return std::nullopt;

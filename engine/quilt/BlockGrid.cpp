@@ -69,6 +69,19 @@ int BlockGrid::steps() const
     return rows_ == 0 ? 0 : lastStepOf(rows_ - 1) + 1;
 }
 
+int BlockGrid::openStrips() const
+{
+    // The strip of row `next` takes the place of the one of `row`.
+    const auto mayReplace = [this](int row, int next) {
+        return firstStepOf(next - 1) > lastStepOf(row) + 1;
+    };
+    int count = 1;
+    for (int row = 1; row < rows_; ++row) {
+        while (row + count < rows_ && !mayReplace(row, row + count)) ++count;
+    }
+    return count;
+}
+
 std::vector<BlockRun> BlockGrid::runsOf(int step) const
 {
     std::vector<BlockRun> runs;

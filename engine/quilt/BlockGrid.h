@@ -63,8 +63,13 @@ public:
     std::vector<BlockRun> runsOf(int step) const;
     /// The step that places the last block of a row.
     int lastStepOf(int row) const { return row + (columns_ - 1 + row) / runLength_; }
+    /// How many strips between rows are in use at once, at least 1: from the first block of the row
+    /// below until the step after the one that places the last block of the row.
+    int openStrips() const;
 
 private:
+    int firstStepOf(int row) const { return row + row / runLength_; }
+
     Region rect_;
     BlockSettings settings_;
     int rows_ = 0, columns_ = 0;

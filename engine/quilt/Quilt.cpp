@@ -103,11 +103,13 @@ bool Quilt<Pixel>::makeRoom()
     findWanted();
     fillBuffer_.setSize(rect.x1 - rect.x0, rect.y1 - rect.y0);
     fillBuffer_.placeAt(rect.x0, rect.y0);
+    fillBuffer_.storeOnly(wanted_);
     fillBuffer_.allocate();
     if (!fillBuffer_.isUsable()) return false;
-    const int stripRows = (grid_.rows() - 1) * blocks_.overlapH;
-    if (stripRows > 0) {
-        strips_.setSize(rect.x1 - rect.x0, stripRows);
+    keepsLower_ = wanted_ != rect;
+    openStrips_ = grid_.openStrips();
+    if (grid_.rows() > 1 && blocks_.overlapH > 0) {
+        strips_.setSize(rect.x1 - rect.x0, stripStart(openStrips_ - 1) + stripHeight());
         strips_.allocate();
         if (!strips_.isUsable()) return false;
     }
@@ -222,8 +224,7 @@ template <typename Pixel>
 Rows<Pixel> Quilt<Pixel>::below(const BlockPlace& place) const
 {
     if (place.overlapH < 1) return {};
-    return {fillBuffer_.pixelAt(place.x - in_.fillRect.x0, place.y - in_.fillRect.y0),
-            fillBuffer_.stride()};
+    return lowerStrip(place.row).from(place.x - in_.fillRect.x0, 0);
 }
 
 template <typename Pixel>
@@ -240,31 +241,40 @@ void Quilt<Pixel>::findVerticalSeam(const BlockPlace& place, const Rows<Pixel>& 
     bestFitPath({blocks_.seamStep, blocks_.blendW}, workspace.strip, workspace.path);
 }
 
-/// The pixel in a block's first column and its row y: in the strip where the row overlaps the one
-/// below, else in the fill buffer.
+/// The strip of a row of blocks, as this row has it.
 template <typename Pixel>
-Pixel* Quilt<Pixel>::pixelsAt(const BlockPlace& place, int y)
+Rows<Pixel> Quilt<Pixel>::upperStrip(int row) const
 {
-    const int column = place.x - in_.fillRect.x0;
-    if (y < place.overlapH) return stripAt(place.row, y) + column;
-    return fillBuffer_.pixelAt(column, place.y - in_.fillRect.y0 + y);
+    return {strips_.pixelAt(0, stripStart(row)), strips_.stride()};
 }
 
+/// The same pixels as the row below has them.
 template <typename Pixel>
-Pixel* Quilt<Pixel>::stripAt(int row, int y)
+Rows<Pixel> Quilt<Pixel>::lowerStrip(int row) const
 {
-    return strips_.pixelAt(0, (row - 1) * blocks_.overlapH + y);
+    if (!keepsLower_) {
+        return {fillBuffer_.pixelAt(0, grid_.rowY(row) - in_.fillRect.y0), fillBuffer_.stride()};
+    }
+    return {strips_.pixelAt(0, stripStart(row) + blocks_.overlapH), strips_.stride()};
 }
 
-/// Whether anything reads a block's row y: the strips in which rows of blocks overlap, and what is
-/// wanted.
+/// Where a block's row y goes: to the strips in which rows of blocks overlap, whole; to the fill
+/// buffer, as far as it is wanted.
 template <typename Pixel>
-bool Quilt<Pixel>::isRead(const BlockPlace& place, int y) const
+typename Quilt<Pixel>::KeptRow Quilt<Pixel>::keptRow(const BlockPlace& place, int y)
 {
-    if (y < place.overlapH || y >= blocks_.strideY()) return true;
-    const int at = place.y + y;
-    return at >= wanted_.y0 && at < wanted_.y1 && place.x < wanted_.x1 &&
-           place.x + place.width > wanted_.x0;
+    const auto inStrips = [&](int row) {
+        return KeptRow{strips_.pixelAt(place.x - in_.fillRect.x0, row), 0, place.width};
+    };
+    if (y < place.overlapH) return inStrips(stripStart(place.row) + y);
+    if (keepsLower_ && y >= blocks_.strideY()) {
+        return inStrips(stripStart(place.row + 1) + blocks_.overlapH + y - blocks_.strideY());
+    }
+    const Region part =
+        wanted_.within({place.x, place.y + y, place.x + place.width, place.y + y + 1});
+    if (part.isEmpty()) return {nullptr, 0, 0};
+    return {fillBuffer_.pixelAt(part.x0 - wanted_.x0, part.y0 - wanted_.y0), part.x0 - place.x,
+            part.x1 - place.x};
 }
 
 /// Pastes a block along its vertical seam; the first of a row has none.
@@ -275,22 +285,21 @@ void Quilt<Pixel>::pasteBlock(const BlockPlace& place, const Rows<Pixel>& block,
     const int blend = place.firstInRow() ? 0 : blocks_.blendW;
     const std::vector<float> ramp = blendRamp(blend);
     for (int y = 0; y < place.height; ++y) {
-        if (!isRead(place, y)) continue;
-        Pixel* to = pixelsAt(place, y);
+        const KeptRow to = keptRow(place, y);
         const Pixel* from = block.at(y);
         // Columns relative to the block's corner.
         const int cut =
             place.firstInRow()
                 ? 0
                 : cutAt(place.x, static_cast<float>(seam[static_cast<std::size_t>(y)])) - place.x;
-        const int begin = std::clamp(cut - blend, 0, place.width);
-        const int whole = std::clamp(cut + blend, 0, place.width);
+        const int begin = std::clamp(cut - blend, to.begin, to.end);
+        const int whole = std::clamp(cut + blend, to.begin, to.end);
         if (begin < whole) {
             Kernels::pixelKernels<Pixel>(Kernels::kernels())
-                .blend(to + begin, from + begin, ramp.data() + (begin - cut + blend),
-                       whole - begin);
+                .blend(to.pixels + (begin - to.begin), from + begin,
+                       ramp.data() + (begin - cut + blend), whole - begin);
         }
-        std::copy(from + whole, from + place.width, to + whole);
+        std::copy(from + whole, from + to.end, to.pixels + (whole - to.begin));
     }
 }
 
@@ -300,11 +309,11 @@ void Quilt<Pixel>::joinRow(int row, Workspace& workspace)
 {
     const int width = in_.fillRect.x1 - in_.fillRect.x0;
     const int overlap = grid_.rowOverlap(row);
+    const bool isWanted = grid_.rowY(row) < wanted_.y1 && grid_.rowY(row) + overlap > wanted_.y0;
+    if (!isWanted && in_.blockList == nullptr) return;
     workspace.path.assign(static_cast<std::size_t>(width), 0);
     if (overlap > 0) {
-        const Rows<Pixel> lower{fillBuffer_.pixelAt(0, grid_.rowY(row) - in_.fillRect.y0),
-                                fillBuffer_.stride()};
-        const Rows<Pixel> upper{stripAt(row, 0), strips_.stride()};
+        const Rows<Pixel> lower = lowerStrip(row), upper = upperStrip(row);
         workspace.errors.resize(static_cast<std::size_t>(width) *
                                 static_cast<std::size_t>(overlap));
         Kernels::pixelKernels<Pixel>(Kernels::kernels())
@@ -324,24 +333,40 @@ template <typename Pixel>
 void Quilt<Pixel>::pasteStrip(int row, std::span<const int> seam)
 {
     const int rowY = grid_.rowY(row);
-    const int blend = blocks_.blendH;
-    const std::vector<float> ramp = blendRamp(blend);
+    const std::vector<float> ramp = blendRamp(blocks_.blendH);
     std::vector<int> cuts;
     cuts.reserve(seam.size());
     for (const int y : seam) cuts.push_back(cutAt(rowY, static_cast<float>(y)) - rowY);
-    const auto begin = static_cast<std::size_t>(wanted_.x0 - in_.fillRect.x0);
-    const auto end = static_cast<std::size_t>(wanted_.x1 - in_.fillRect.x0);
     for (int y = 0; y < grid_.rowOverlap(row); ++y) {
-        if (rowY + y < wanted_.y0 || rowY + y >= wanted_.y1) continue;
-        const Pixel* from = stripAt(row, y);
-        Pixel* to = fillBuffer_.pixelAt(0, rowY - in_.fillRect.y0 + y);
-        for (std::size_t x = begin; x < end; ++x) {
-            const int inBand = y - cuts[x] + blend;  // from the band's first row on
-            if (inBand >= 2 * blend) {
-                to[x] = from[x];
-            } else if (inBand >= 0) {
-                to[x] = mixed(to[x], from[x], ramp[static_cast<std::size_t>(inBand)]);
-            }
+        if (rowY + y >= wanted_.y0 && rowY + y < wanted_.y1) pasteStripRow(row, y, cuts, ramp);
+    }
+}
+
+/// Pastes what is wanted of a strip's row y. On either side of the blend band pixels are copied in
+/// runs.
+template <typename Pixel>
+void Quilt<Pixel>::pasteStripRow(int row, int y, std::span<const int> cuts,
+                                 std::span<const float> ramp)
+{
+    const int blend = blocks_.blendH;
+    const Pixel* upper = upperStrip(row).at(y);
+    const Pixel* lower = lowerStrip(row).at(y);
+    const int begin = wanted_.x0 - in_.fillRect.x0, end = wanted_.x1 - in_.fillRect.x0;
+    Pixel* to = fillBuffer_.pixelAt(0, grid_.rowY(row) + y - wanted_.y0);
+    // The row within the band, from its first one on.
+    const auto inBand = [&](int x) { return y - cuts[static_cast<std::size_t>(x)] + blend; };
+    for (int x = begin; x < end;) {
+        const int first = x, at = inBand(x);
+        Pixel* const out = to + (x - begin);
+        if (at >= 2 * blend) {
+            while (x < end && inBand(x) >= 2 * blend) ++x;
+            std::copy(upper + first, upper + x, out);
+        } else if (at >= 0) {
+            *out = mixed(lower[x], upper[x], ramp[static_cast<std::size_t>(at)]);
+            ++x;
+        } else {
+            while (x < end && inBand(x) < 0) ++x;
+            if (keepsLower_) std::copy(lower + first, lower + x, out);  // else they are there
         }
     }
 }

@@ -20,10 +20,11 @@ struct QuiltInputs {
     Region fillRect;   ///< the area to cover
     Region wanted;     ///< where pixels are read; elsewhere some may be left out. Empty: all
     Region sampleBox;  ///< where candidates come from; may be empty
-    std::span<Map<Pixel>* const> textures;     ///< at least one
-    const Map<Pixel>* source = nullptr;        ///< known pixels, where `weightMap` is positive
-    Map<Pixel>* target = nullptr;              ///< written over the fill rectangle
-    Map<Pixel>* laid = nullptr;                ///< if not null, becomes the fill rectangle instead
+    std::span<Map<Pixel>* const> textures;  ///< at least one
+    const Map<Pixel>* source = nullptr;     ///< known pixels, where `weightMap` is positive
+    Map<Pixel>* target = nullptr;           ///< written over the fill rectangle
+    Map<Pixel>* laid =
+        nullptr;  ///< if not null, becomes the fill rectangle instead, storing `wanted`
     const Map<Pixel32f>* fillMask = nullptr;   ///< nonzero is to be filled; may be null
     const Map<Pixel32f>* weightMap = nullptr;  ///< positive on known pixels; unused with fillAll
     bool fillAll = true;                       ///< compare no candidate with the source
@@ -50,7 +51,8 @@ struct QuiltResult {
 /// `BlockGrid` schedules the blocks for several threads. A block is pasted over the one to its left
 /// immediately. The strip in which a row overlaps the one below is stored separately, since both
 /// rows are read there until the upper one is complete and its seam is found. The row above reads
-/// only outside that strip.
+/// only outside that strip. Where only part of the fill rectangle is wanted, strips hold the pixels
+/// of both rows and nothing else is stored outside of that part.
 ///
 /// An abort ends the quilt early and leaves the target unchanged.
 template <typename Pixel>
@@ -77,6 +79,12 @@ private:
         std::int64_t drawn;
     };
 
+    /// The columns [begin, end) of a block's row, and the pixel for the first of them.
+    struct KeptRow {
+        Pixel* pixels;
+        int begin, end;
+    };
+
     void findWanted();
     void clampSizes();
     bool makeRoom();
@@ -88,15 +96,20 @@ private:
     void findVerticalSeam(const BlockPlace& place, const Rows<Pixel>& block,
                           Workspace& workspace) const;
     void pasteBlock(const BlockPlace& place, const Rows<Pixel>& block, std::span<const int> seam);
-    bool isRead(const BlockPlace& place, int y) const;
+    KeptRow keptRow(const BlockPlace& place, int y);
     void joinRow(int row, Workspace& workspace);
     void pasteStrip(int row, std::span<const int> seam);
+    void pasteStripRow(int row, int y, std::span<const int> cuts, std::span<const float> ramp);
     void record(const BlockPlace& place, const Candidate& best, std::span<const int> seam);
     void recordRowSeam(int row, std::span<const int> seam);
     void reportRows(int rows);
     Workspace& workspace(int worker);
-    Pixel* pixelsAt(const BlockPlace& place, int y);
-    Pixel* stripAt(int row, int y);
+    /// The rows of `strips_` that belong to a row of blocks: as it has them, then maybe as the row
+    /// below has them.
+    int stripHeight() const { return (keepsLower_ ? 2 : 1) * blocks_.overlapH; }
+    int stripStart(int row) const { return row % openStrips_ * stripHeight(); }
+    Rows<Pixel> upperStrip(int row) const;
+    Rows<Pixel> lowerStrip(int row) const;
     Rows<Pixel> below(const BlockPlace& place) const;
     bool isAvoiding() const { return in_.avoidFillRegion && in_.fillMask != nullptr; }
 
@@ -113,8 +126,10 @@ private:
     AvoidFailure avoidFailure_;
     std::vector<std::unique_ptr<Workspace>> workspaces_;
     std::vector<Candidate> chosen_;  ///< for each block, row by row
-    Map<Pixel> fillBuffer_;          ///< over the fill rectangle
-    Map<Pixel> strips_;              ///< of each row but the first, bottom up
+    Map<Pixel> fillBuffer_;          ///< over the fill rectangle; stores what is wanted of it
+    Map<Pixel> strips_;              ///< in turn, those of the rows that are being laid
+    int openStrips_ = 1;             ///< how many there are
+    bool keepsLower_ = false;        ///< each holds what the row below has there, too
     int reportedRows_ = 0;
 };
 

@@ -1,5 +1,6 @@
 /// The stages of the luminance match against the blur that defines them, bit for bit.
 
+#include <algorithm>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -97,39 +98,65 @@ TEST(TileBlur, GivesWantedTilesTheBitsOfABlurOfTheWholeRegion)
     }
 }
 
+/// Steps maps of known pixels and compares with the blur.
+void expectSpreadLikeTheBlur(int radius, TestMap<Pixel8>& known)
+{
+    TestMap<Pixel8> next(kWidth, kHeight, kX, kY);
+    TestMap<Pixel32f> floats(kWidth, kHeight, kX, kY), support(kWidth, kHeight, kX, kY);
+    std::ranges::copy(known.pixels(), floats.pixels().begin());
+    BoxBlur(BoxBlur::OneApplication, static_cast<float>(radius)).process(*floats, *support);
+    const float k = 1.0f + static_cast<float>(radius);
+    const float threshold = 1.0f / (k * k);
+    const Region part{kX + 3, kY, kX + kWidth - 5, kY + kHeight};
+    KnownSpread spread(radius);
+    for (const auto& [begin, end] : {std::pair{part.y0, kY + 31}, std::pair{kY + 31, part.y1}}) {
+        spread.run(*known, {kX, kY, kX + kWidth, kY + kHeight}, *next, part, begin, end);
+    }
+    for (int y = part.y0; y < part.y1; ++y) {
+        for (int x = part.x0; x < part.x1; ++x) {
+            ASSERT_EQ(next->read(x, y), support->read(x, y) >= threshold ? 1 : 0)
+                << radius << ' ' << x << ' ' << y;
+        }
+    }
+}
+
 TEST(KnownSpread, CountsAsTheBlurredMapWouldTell)
 {
     const FakeServices services(1);
     std::mt19937 random(4);
     for (const int radius : {0, 1, 2, 3, 9, 20, 130}) {
-        TestMap<Pixel8> known(kWidth, kHeight, kX, kY), next(kWidth, kHeight, kX, kY);
-        TestMap<Pixel32f> floats(kWidth, kHeight, kX, kY), support(kWidth, kHeight, kX, kY);
-        for (std::size_t i = 0; i < known.pixels().size(); ++i) {
+        TestMap<Pixel8> known(kWidth, kHeight, kX, kY);
+        for (Pixel8& pixel : known.pixels()) {
             // Sparse, so that many boxes hold three or four.
-            known.pixels()[i] = random() % 100 < (radius < 4 ? 25u : radius < 40 ? 1u : 0u);
-            floats.pixels()[i] = known.pixels()[i];
+            pixel = random() % 100 < (radius < 4 ? 25u : radius < 40 ? 1u : 0u);
         }
-        if (radius == 130) {
-            for (int i = 0; i < 4; ++i) {
-                known.pixels()[static_cast<std::size_t>(i * 37)] = 1;
-                floats.pixels()[static_cast<std::size_t>(i * 37)] = 1.0f;
+        for (int i = 0; radius == 130 && i < 4; ++i) {
+            known.pixels()[static_cast<std::size_t>(i * 37)] = 1;
+        }
+        expectSpreadLikeTheBlur(radius, known);
+    }
+}
+
+TEST(KnownSpread, CountsTheSameAtTheEdgesOfAreas)
+{
+    const FakeServices services(1);
+    std::mt19937 random(6);
+    const auto below = [&random](int n) {
+        return static_cast<int>(random() % static_cast<unsigned>(n));
+    };
+    for (int round = 0; round < 60; ++round) {
+        // Areas of any height: columns that hold fewer than four, and columns that hold more.
+        TestMap<Pixel8> known(kWidth, kHeight, kX, kY);
+        for (int area = below(6); area >= 0; --area) {
+            const int x0 = below(kWidth), x1 = x0 + below(kWidth - x0) + 1;
+            const int y0 = below(kHeight),
+                      y1 = std::min(y0 + 1 + below(below(2) ? 4 : 60), kHeight);
+            for (int y = y0; y < y1; ++y) {
+                for (int x = x0; x < x1; ++x) known.at(x, y) = 1;
             }
         }
-        BoxBlur(BoxBlur::OneApplication, static_cast<float>(radius)).process(*floats, *support);
-        const float k = 1.0f + static_cast<float>(radius);
-        const float threshold = 1.0f / (k * k);
-        const Region part{kX + 3, kY, kX + kWidth - 5, kY + kHeight};
-        KnownSpread spread(radius);
-        for (const auto& [begin, end] :
-             {std::pair{part.y0, kY + 31}, std::pair{kY + 31, part.y1}}) {
-            spread.run(*known, {kX, kY, kX + kWidth, kY + kHeight}, *next, part, begin, end);
-        }
-        for (int y = part.y0; y < part.y1; ++y) {
-            for (int x = part.x0; x < part.x1; ++x) {
-                ASSERT_EQ(next->read(x, y), support->read(x, y) >= threshold ? 1 : 0)
-                    << radius << ' ' << x << ' ' << y;
-            }
-        }
+        for (const int radius : {1, 7, 15, 16, 20, 31, 60}) expectSpreadLikeTheBlur(radius, known);
+        if (HasFatalFailure()) return;
     }
 }
 

@@ -269,7 +269,7 @@ struct SmallQuilt {
         inputs.target = &*target;
         inputs.source = &*texture;
         inputs.blocks = blocks;
-        inputs.blockList = &list;
+        inputs.blockList = keepsList ? &list : nullptr;
         result = Quilt<PixelRGBA8>(inputs).run();
     }
 
@@ -277,6 +277,7 @@ struct SmallQuilt {
     TestMap<PixelRGBA8> target = solid<PixelRGBA8>(33, 21, 0.0f);
     BlockSettings blocks{10, 10, 3, 3, 0, 0, 2, 2};
     BlockList list;
+    bool keepsList = true;
     QuiltInputs<PixelRGBA8> inputs;
     QuiltResult result;
 };
@@ -339,6 +340,66 @@ TEST(Quilt, ManySamplesAreTheSameButMeasuredOnce)
     while (draw.next()) ++candidates;
     EXPECT_EQ(draw.drawn(), 1000000);
     EXPECT_EQ(candidates, 5 * 4);
+}
+
+/// Where nothing else is read, the rest may be left out and stored in turn.
+TEST(Quilt, APartIsThatOfTheWhole)
+{
+    for (const unsigned threads : {1u, 2u, 7u}) {
+        const FakeServices services(threads);
+        const auto lay = [](const Region& wanted, Map<PixelRGBA8>& laid) {
+            SmallQuilt quilt;
+            quilt.inputs.fillRect = {-7, 3, 150, 190};
+            quilt.inputs.wanted = wanted;
+            quilt.inputs.laid = &laid;
+            quilt.blocks = {10, 10, 4, 4, 1, 1, 2, 3};
+            quilt.keepsList = false;
+            quilt.run();
+        };
+        Map<PixelRGBA8> whole;
+        lay({}, whole);
+        ASSERT_EQ(whole.storedExtent(), (Region{-7, 3, 150, 190}));
+        for (const Region wanted : {Region{-7, 3, 150, 189}, Region{20, 41, 101, 97},
+                                    Region{-20, -20, 1, 9}, Region{60, 182, 900, 900}}) {
+            Map<PixelRGBA8> part;
+            lay(wanted, part);
+            EXPECT_EQ(part.extent(), whole.extent());
+            const Region stored = part.storedExtent();
+            ASSERT_EQ(stored, wanted.within(whole.extent()));
+            for (int y = stored.y0; y < stored.y1; ++y) {
+                for (int x = stored.x0; x < stored.x1; ++x) {
+                    ASSERT_EQ(part.read(x, y), whole.read(x, y)) << x << ' ' << y;
+                }
+            }
+        }
+    }
+}
+
+TEST(BlockGrid, StripsInTurnAreNeverInUseTogether)
+{
+    for (const int concurrent : {0, 2, 4, 14, 32, 500}) {
+        for (const auto& [width, height] :
+             {std::pair{1, 1}, {90, 2000}, {2000, 90}, {700, 700}, {2070, 1230}}) {
+            BlockGrid grid({0, 0, width, height}, {100, 100, 25, 25, 0, 0, 2, 1});
+            if (concurrent > 0) grid.splitRuns(concurrent);
+            // The steps from the first block of the row below to the one that joins the rows.
+            std::vector<std::pair<int, int>> uses(static_cast<std::size_t>(grid.rows()), {-1, -1});
+            for (int step = 0; step < grid.steps(); ++step) {
+                for (const BlockRun& run : grid.runsOf(step)) {
+                    const auto row = static_cast<std::size_t>(run.row);
+                    if (row + 1 < uses.size() && uses[row + 1].first < 0)
+                        uses[row + 1].first = step;
+                    uses[row].second = step + 1;
+                }
+            }
+            const auto strips = static_cast<std::size_t>(grid.openStrips());
+            ASSERT_GE(strips, 1u);
+            for (std::size_t row = 1; row + strips < uses.size(); ++row) {
+                ASSERT_GT(uses[row + strips].first, uses[row].second)
+                    << concurrent << ' ' << width << ' ' << height << ' ' << row;
+            }
+        }
+    }
 }
 
 TEST(Quilt, AvoidsTheFillRegion)
