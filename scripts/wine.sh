@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Runs a Windows program of a build folder in Wine, without a display unless DISPLAY is set, and with a Windows of its
+# own in PREFIX, which is made first where there is none. A test program that ends before its last test fails, whatever
+# its exit code. Usage: scripts/wine.sh PREFIX PROGRAM [ARGUMENT...]
+set -euo pipefail
+
+export WINEPREFIX=$1 WINEDEBUG=${WINEDEBUG:--all}
+# Neither .NET nor a browser: Wine would offer to download them.
+export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
+export WINELOADER=/usr/lib/wine/wine64
+shift
+
+# One program makes the folder and the others wait.
+mkdir -p "$WINEPREFIX"
+exec 9>"$WINEPREFIX/lock"
+flock 9
+if [[ ! -f $WINEPREFIX/made ]]; then
+    "$WINELOADER" wineboot --init >/dev/null 2>&1 9>&-
+    touch "$WINEPREFIX/made"
+fi
+exec 9>&-
+
+# GoogleTest makes this file as it starts and removes it at its end.
+unfinished=$(mktemp -u "$WINEPREFIX/unfinished.XXXXXX")
+trap 'rm -f "$unfinished"' EXIT
+TEST_PREMATURE_EXIT_FILE="Z:$unfinished" "$WINELOADER" "$@"
+[[ ! -e $unfinished ]] || { echo "wine: $1 ended early" >&2; exit 1; }
