@@ -5,8 +5,6 @@
 set -euo pipefail
 
 export WINEPREFIX=$1 WINEDEBUG=${WINEDEBUG:--all}
-# Neither .NET nor a browser: Wine would offer to download them.
-export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 export WINELOADER=/usr/lib/wine/wine64
 shift
 
@@ -15,10 +13,15 @@ mkdir -p "$WINEPREFIX"
 exec 9>"$WINEPREFIX/lock"
 flock 9
 if [[ ! -f $WINEPREFIX/made ]]; then
-    "$WINELOADER" wineboot --init >/dev/null 2>&1 9>&-
+    # Neither .NET nor a browser: Wine would offer to download them.
+    WINEDLLOVERRIDES=mscoree,mshtml= "$WINELOADER" wineboot --init >/dev/null 2>&1 9>&-
     touch "$WINEPREFIX/made"
 fi
 exec 9>&-
+
+# A program needs no services and no desktop. They take seconds to start, and on a busy machine a minute when the ones
+# before are still ending.
+export WINEDLLOVERRIDES=wineboot.exe,services.exe,explorer.exe,mscoree,mshtml=
 
 # GoogleTest makes this file as it starts and removes it at its end.
 unfinished=$(mktemp -u "$WINEPREFIX/unfinished.XXXXXX")
