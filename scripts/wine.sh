@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Runs a Windows program of a build folder in Wine, without a display unless DISPLAY is set, and with a Windows of its
-# own in PREFIX, which is made first where there is none. A test program that ends before its last test fails, whatever
-# its exit code. Usage: scripts/wine.sh PREFIX PROGRAM [ARGUMENT...]
+# Runs a Windows program of a build folder in Wine, without a display, and with a Windows of its own in PREFIX, which is
+# made first where there is none. A test program that ends before its last test fails, whatever its exit code.
+# Usage: scripts/wine.sh PREFIX PROGRAM [ARGUMENT...]
 set -euo pipefail
 
 export WINEPREFIX=$1 WINEDEBUG=${WINEDEBUG:--all}
 export WINELOADER=/usr/lib/wine/wine64
+unset DISPLAY
 shift
 
 # One program makes the folder and the others wait.
