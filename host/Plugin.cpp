@@ -1,13 +1,12 @@
 #include "host/Plugin.h"
 
 #include <cstring>
+#include <random>
 #include <string>
-
-#include <dlfcn.h>
-#include <unistd.h>
 
 #include "host/HostError.h"
 #include "ofx/ofxImageEffect.h"
+#include "platform/LibraryFile.h"
 
 namespace Tesseret::Host {
 
@@ -49,41 +48,32 @@ fs::path fileInBundle(const fs::path& given)
     return file;
 }
 
-/// A copy of the file that is loaded only here.
+/// A copy of the file that is loaded only here, alone in a new folder.
 fs::path temporaryCopy(const fs::path& file)
 {
-    std::string name = (fs::temp_directory_path() / "tesseret-plugin-XXXXXX").string();
-    const int descriptor = ::mkstemp(name.data());
-    if (descriptor < 0) refuse(file, "no temporary copy can be made");
-    ::close(descriptor);
     std::error_code error;
-    fs::copy_file(file, name, fs::copy_options::overwrite_existing, error);
+    const fs::path parent = fs::temp_directory_path(error);
+    fs::path folder;
+    std::random_device random;
+    do {
+        folder = parent / ("tesseret-plugin-" + std::to_string(random()));
+        // False without an error where another process has one of this name.
+    } while (!error && !fs::create_directory(folder, error));
+    if (error) refuse(file, "no temporary copy can be made: " + error.message());
+    fs::copy_file(file, folder / file.filename(), error);
     if (error) {
-        fs::remove(name);
-        refuse(file, "it cannot be copied: " + error.message());
+        const std::string reason = error.message();
+        fs::remove_all(folder, error);
+        refuse(file, "it cannot be copied: " + reason);
     }
-    return name;
-}
-
-/// The loader's message without the file name at its start.
-std::string loaderReason(const fs::path& file)
-{
-    const char* const text = ::dlerror();
-    std::string reason = text ? text : "unknown reason";
-    const std::string start = file.string() + ": ";
-    if (reason.compare(0, start.size(), start) == 0) reason.erase(0, start.size());
-    return reason;
+    return folder / file.filename();
 }
 
 }  // namespace
 
 std::string_view bundleArchitecture()
 {
-#if defined(__APPLE__)
-    return "MacOS";
-#else
-    return sizeof(void*) == 8 ? "Linux-x86-64" : "Linux-x86";
-#endif
+    return Orvane::bundleFolder();
 }
 
 std::shared_ptr<PluginLibrary> PluginLibrary::load(const fs::path& file, Copy copy)
@@ -97,7 +87,17 @@ std::shared_ptr<PluginLibrary> PluginLibrary::load(const fs::path& file, Copy co
 
 PluginLibrary::~PluginLibrary()
 {
-    if (library_ && !kStaysMapped) ::dlclose(library_);
+    if (library_ && !kStaysMapped) Orvane::closeLibrary(library_);
+    removeCopy();
+}
+
+/// Removed at once where the system allows that for a loaded library, else once it is closed.
+void PluginLibrary::removeCopy()
+{
+    if (copy_.empty()) return;
+    std::error_code error;
+    fs::remove_all(copy_.parent_path(), error);
+    if (!error) copy_.clear();
 }
 
 void PluginLibrary::open(const fs::path& file, Copy copy)
@@ -106,11 +106,11 @@ void PluginLibrary::open(const fs::path& file, Copy copy)
     if (!fs::exists(file, error)) refuse(file, "no such file");
     // An absolute path: the loader would search a bare name in the system's directories.
     file_ = fs::absolute(fs::is_directory(file) ? fileInBundle(file) : file);
-    const fs::path loaded = copy == Copy::Private ? temporaryCopy(file_) : file_;
-    library_ = ::dlopen(loaded.c_str(), RTLD_NOW | RTLD_LOCAL);
-    const std::string reason = library_ ? "" : loaderReason(loaded);
-    if (copy == Copy::Private) fs::remove(loaded, error);
-    if (!library_) refuse(file, reason);
+    if (copy == Copy::Private) copy_ = temporaryCopy(file_);
+    const Orvane::LibraryFile opened = Orvane::openLibrary(copy_.empty() ? file_ : copy_);
+    library_ = opened.handle;
+    removeCopy();
+    if (!library_) refuse(file, opened.reason);
 }
 
 void PluginLibrary::collectPlugins()
@@ -159,7 +159,7 @@ OfxPlugin& PluginLibrary::plugin(std::string_view identifier) const
 
 void* PluginLibrary::symbol(const char* name) const
 {
-    return ::dlsym(library_, name);
+    return Orvane::findExport(library_, name);
 }
 
 }  // namespace Tesseret::Host

@@ -40,8 +40,10 @@ private:
     PluginLibrary() = default;
     void open(const std::filesystem::path& file, Copy copy);
     void collectPlugins();
+    void removeCopy();
 
     std::filesystem::path file_;
+    std::filesystem::path copy_;  ///< of the file, while it is to be removed; else empty
     void* library_ = nullptr;
     std::vector<OfxPlugin*> plugins_;
 };

@@ -6,6 +6,7 @@
 
 #include "host/EmbeddedHost.h"
 #include "host/SuiteGuard.h"
+#include "platform/AtomicWait.h"
 
 namespace Tesseret::Host {
 
@@ -60,7 +61,7 @@ ThreadPool::ThreadPool(EmbeddedHost& host, unsigned int count)
 ThreadPool::~ThreadPool()
 {
     untaken_.store(kStop, std::memory_order_release);
-    untaken_.notify_all();
+    Orvane::wakeAll(untaken_);
     for (std::thread& thread : threads_) thread.join();
 }
 
@@ -85,13 +86,13 @@ bool ThreadPool::run(OfxThreadFunctionV1* function, unsigned int calls, void* ar
     failed_.store(false, std::memory_order_relaxed);
     unfinished_.store(calls, std::memory_order_relaxed);
     untaken_.store(calls - 1, std::memory_order_release);  // index 0 is the caller's
-    untaken_.notify_all();
+    Orvane::wakeAll(untaken_);
     callOne(0);
     for (unsigned int index = 0; takeCall(index);) callOne(index);
     const auto finished = [this] { return unfinished_.load(std::memory_order_acquire) == 0; };
     if (!spinUntil(finished)) {
         for (std::uint32_t left; (left = unfinished_.load(std::memory_order_acquire)) != 0;) {
-            unfinished_.wait(left, std::memory_order_acquire);
+            Orvane::sleepWhile(unfinished_, left);
         }
     }
     holdBack(takeHeld());
@@ -132,7 +133,7 @@ bool ThreadPool::waitForCalls()
 {
     const auto called = [this] { return untaken_.load(std::memory_order_acquire) != 0; };
     if (!spinUntil(called)) {
-        while (!called()) untaken_.wait(0, std::memory_order_acquire);
+        while (!called()) Orvane::sleepWhile(untaken_, 0);
     }
     return untaken_.load(std::memory_order_acquire) != kStop;
 }
@@ -160,7 +161,7 @@ void ThreadPool::callOne(unsigned int index)
         const std::lock_guard lock(heldMutex_);
         if (!held_) held_ = std::move(exception);
     }
-    if (unfinished_.fetch_sub(1, std::memory_order_acq_rel) == 1) unfinished_.notify_all();
+    if (unfinished_.fetch_sub(1, std::memory_order_acq_rel) == 1) Orvane::wakeAll(unfinished_);
 }
 
 }  // namespace Tesseret::Host

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# The checks of a change besides the tests: clang-tidy on the changed files, builds of the benchmarks and the 32-bit
-# Windows plug-in, and the recorded pictures under the address sanitizer. Prints nothing on success.
-# Usage: scripts/check.sh [tidy|bench|win32|asan ...]
+# The checks of a change besides the tests: clang-tidy on the changed files, a build of the benchmarks, the tests for
+# Windows in Wine, the 32-bit plug-in for it, the zip with both, the tests as 32-bit code, and the recorded pictures under
+# the address sanitizer. Prints nothing on success. Usage: scripts/check.sh [tidy|bench|win64|win32|winzip|linux32|asan ...]
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-[[ $# -gt 0 ]] || set -- tidy bench win32 asan
+[[ $# -gt 0 ]] || set -- tidy bench win64 win32 winzip linux32 asan
 
 # The base of the comparison: the last tag, else the newest commit from before the day of the last one.
 base() {
@@ -36,21 +36,50 @@ check_bench() {
     scripts/build.sh bench
 }
 
+# The tests of a preset, which print nothing unless one fails.
+run_tests() {
+    local preset=$1 log
+    shift
+    log=$(mktemp)
+    ctest --test-dir "build/$preset" --parallel "$(nproc)" --output-on-failure --no-tests=error "$@" >"$log" 2>&1 ||
+        { cat "$log" >&2; rm "$log"; exit 1; }
+    rm "$log"
+}
+
+check_win64() {
+    scripts/install-deps.sh g++-mingw-w64-x86-64-posix googletest wine64
+    scripts/build.sh win64
+    run_tests win64
+}
+
+# Debian has no Wine for 32-bit programs on amd64: the plug-in is only looked at, and its code is run on Linux.
 check_win32() {
-    scripts/install-deps.sh g++-mingw-w64-i686-posix
-    scripts/build.sh win32
+    scripts/install-deps.sh g++-mingw-w64-i686-posix googletest
+    scripts/build.sh win32 tesseret_plugin
+    scripts/check-windows.sh build/win32/Tesseret.ofx.bundle/Contents/Win32/Tesseret.ofx
+}
+
+check_winzip() {
+    local zip
+    scripts/install-deps.sh g++-mingw-w64-x86-64-posix googletest wine64
+    scripts/build.sh win64 tesseret_plugin test_endToEnd
+    zip=$(scripts/package-windows.sh)
+    tests/package/check-windows-zip.sh "$zip" build/win64 build/win64/package
+}
+
+check_linux32() {
+    scripts/install-deps.sh g++-multilib googletest qemu-user
+    scripts/build.sh release tesseret_plugin
+    scripts/build.sh linux32
+    run_tests linux32
 }
 
 # Only whole renders at every depth; scripts/sanitize.sh runs all tests.
 check_asan() {
     scripts/build.sh asan tesseret_plugin test_endToEnd
-    local log
-    log=$(mktemp)
     # Without its leak check, which now and then ends itself ("Tracer caught signal 11") after copies of the plug-in
     # were loaded and unloaded between threads. scripts/sanitize.sh has it.
-    ASAN_OPTIONS=detect_leaks=0 ctest --test-dir build/asan --parallel "$(nproc)" --output-on-failure --no-tests=error \
-        --tests-regex '^endToEnd/.*(Recorded|Masked)' >"$log" 2>&1 || { cat "$log" >&2; rm "$log"; exit 1; }
-    rm "$log"
+    ASAN_OPTIONS=detect_leaks=0 run_tests asan --tests-regex '^endToEnd/.*(Recorded|Masked)'
 }
 
 for check in "$@"; do

@@ -31,8 +31,8 @@ git ls-files '*.h' '*.cpp' | while read -r file; do [[ ! -f $file ]] || echo "$f
     tar -c --files-from=- | tar -x -C "$root/source"
 cat >"$root/source/Makefile" <<'MAKE'
 sources := $(filter-out host/ThreadPool.cpp,$(wildcard host/*.cpp picture/*.cpp tests/endToEnd/*.cpp)) \
-    tests/olderSystem/ThreadPool.cpp \
-    $(patsubst %,tests/fixtures/%.cpp,CallRecorder PluginMemory QuirkyHost TestHost)
+    tests/olderSystem/ThreadPool.cpp platform/LibraryFilePosix.cpp \
+    $(patsubst %,tests/fixtures/%.cpp,CallRecorder LibraryImportsPosix PluginMemory QuirkyHost TestHost)
 CXXFLAGS := -std=c++20 -O1 -ffp-contract=off -MMD -I. -DTESSERET_BUNDLE='"/Tesseret.ofx.bundle"' \
     -DTESSERET_PLUGIN_FILE='"/Tesseret.ofx.bundle/Contents/Linux-x86-64/Tesseret.ofx"'
 objects := $(sources:.cpp=.o)

@@ -170,7 +170,7 @@ private:
     QuirkyHost quirky_;
     EmbeddedHost host_{quirky_.options(3)};
     std::shared_ptr<PluginLibrary> library_ =
-        PluginLibrary::load(TESSERET_PLUGIN_FILE, PluginLibrary::Copy::Private);
+        PluginLibrary::load(pluginFile(), PluginLibrary::Copy::Private);
 };
 
 /// The picture in a host that keeps the standard, but offers the same contexts and depths.

@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
@@ -9,7 +10,8 @@
 
 namespace {
 
-thread_local bool hasNoMemory = false;
+std::atomic<unsigned int> shortage{1};
+thread_local unsigned int ownShortage = 0;
 
 }  // namespace
 
@@ -17,7 +19,7 @@ thread_local bool hasNoMemory = false;
 
 [[gnu::noinline]] void* operator new(std::size_t size)
 {
-    void* block = hasNoMemory ? nullptr : std::malloc(size > 0 ? size : 1);
+    void* block = ownShortage == shortage ? nullptr : std::malloc(size > 0 ? size : 1);
     if (block == nullptr) throw std::bad_alloc();
     return block;
 }
@@ -43,10 +45,10 @@ class Starved final : public MultiProcessor {
 public:
     void processPass() override
     {
-        hasNoMemory = true;
+        ownShortage = shortage;
         ::operator delete(::operator new(64));
     }
-    void endPass() override { hasNoMemory = false; }
+    void endPass() override { ++shortage; }
 };
 
 TEST(NoMemory, IsRecordedByEveryWorkerWithoutAny)

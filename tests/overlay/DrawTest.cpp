@@ -103,6 +103,9 @@ TEST(OverlayDrawing, RestoresEveryState)
     OffscreenGl gl(400, 300);
     OverlayRig rig;
     rig.overlay->draw();  // the first one makes the font
+#if defined(_WIN32)
+    glGetError();  // Wine's bitmaps of characters without pixels make one
+#endif
     const auto check = [&](const char* what) {
         for (const bool hovered : {false, true}) {
             rig.move(hovered ? 81 : 10, 150);
