@@ -26,6 +26,12 @@ struct ClipPicture {
     std::optional<Files::MatteFrom> matteFrom;  ///< of a matte; nullopt for other clips
 };
 
+/// Throws `UsageError` unless the matte is as large as the source; its data window may be smaller.
+void checkMatte(const Files::PictureInfo& matte, const Files::PictureInfo& source);
+
+/// A matte that is in memory, as if read from a grey PNG of this size.
+Files::PictureInfo paintedMatteInfo(const std::filesystem::path& name, const OfxRectI& window);
+
 /// By clip name.
 using FramePictures = std::map<std::string, ClipPicture>;
 
@@ -46,8 +52,8 @@ public:
     /// Whether a file is an input of any frame, whatever name or link leads to it.
     bool reads(const std::filesystem::path& file) const;
 
-    /// All pictures of a frame at a depth. Stills are read once. Throws `FileError`, and
-    /// `UsageError` for a matte of another size. One call at a time.
+    /// All pictures of a frame at a depth, without a painted matte. Stills are read once. Throws
+    /// `FileError`, and `UsageError` for a matte of another size. One call at a time.
     FramePictures read(int frame, Depth depth);
 
 private:

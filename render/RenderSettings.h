@@ -25,6 +25,7 @@ struct RenderSettings {
     std::filesystem::path source;  ///< in a sequence with a mark for the frame, like all files
     std::filesystem::path output;  ///< empty: nothing is written
     std::filesystem::path matte;   ///< empty: none
+    bool paintsMatte = false;  ///< its pictures come from the caller; `matte` is only their name
     MaskOption mask = MaskOption::None;
     bool everyArea = true;   ///< of the matte; else the first one
     bool cropsAreas = true;  ///< an area's matte is cropped to its box

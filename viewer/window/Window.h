@@ -1,9 +1,10 @@
 #pragma once
 
-#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "ofx/ofxCore.h"
 #include "viewer/model/InputQueue.h"
 
 struct GLFWwindow;
@@ -33,6 +34,10 @@ public:
     /// repeated ones. If more input is queued than one frame can take, `wait` returns at once.
     void beginFrame();
     const std::vector<KeyEvent>& keys() const { return keys_; }
+    /// Where the pointer has been since the last frame, in order, screen units.
+    const std::vector<OfxPointD>& motions() const { return motions_; }
+    /// Files dropped on the window since the last call.
+    std::vector<std::string> takeDrops() { return std::exchange(drops_, {}); }
     /// Whether the frame has any input.
     bool hadInput() const { return hadInput_; }
     /// Draws the user interface on top and shows the frame.
@@ -41,6 +46,7 @@ public:
     /// Whether the user has closed the window.
     bool isClosing() const;
     void close();
+    void setTitle(const std::string& title);
     void copyToClipboard(const std::string& text);
 
     /// In screen units.
@@ -49,6 +55,8 @@ public:
     double density() const;
 
 private:
+    friend struct WindowEvents;
+
     void listen();
     void pass(const InputEvent& event);
 
@@ -56,6 +64,8 @@ private:
     InputQueue input_;
     double pointerX_ = -1.0, pointerY_ = -1.0;
     std::vector<KeyEvent> keys_;
+    std::vector<OfxPointD> motions_;
+    std::vector<std::string> drops_;
     bool hadInput_ = false;
 };
 
