@@ -395,6 +395,19 @@ TEST_F(PaintSessionTest, APolygonIsClosedInThreeWays)
     EXPECT_FALSE(session.canUndo());
 }
 
+TEST_F(PaintSessionTest, TheSeedAfterTheLastIsTheFirst)
+{
+    ViewSession session(settings());
+    session.set("seed", 9000000 - 1);
+    session.nextSeed();
+    EXPECT_EQ(session.value("seed"), ParameterValue(9000000));
+    session.nextSeed();
+    EXPECT_EQ(session.value("seed"), ParameterValue(0));
+    session.undo();
+    EXPECT_EQ(session.value("seed"), ParameterValue(9000000));
+    ViewSession(foreign(INVERT_PLUGIN)).nextSeed();
+}
+
 TEST_F(PaintSessionTest, AListOfValuesIsOneStep)
 {
     ViewSession session(settings());

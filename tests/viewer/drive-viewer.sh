@@ -107,7 +107,8 @@ xdotool key e mousemove 400 330 mousedown 1 mousemove 420 335 mouseup 1
 save_as ctrl+m painted.png
 save_as ctrl+s filled.png
 shot 14-filled
-"$tesseret" render --quiet --source source.png --matte painted.png --output rendered.png
+"$tesseret" render --source source.png --matte painted.png --output rendered.png >render.log
+grep -q "2 areas to fill" render.log || fail "the matte has not two areas"
 cmp filled.png rendered.png || fail "the fill of what was painted is not that of the saved matte"
 ! gm compare -metric mse source.png filled.png | grep -q "Total: 0.0000000000" || fail "nothing was filled"
 

@@ -89,12 +89,12 @@ public:
         if (isChosen) ImGui::PopStyleColor(2);
         return isPressed;
     }
-    std::optional<UserCommand> command(UserCommand command, const ViewSession& session,
-                                       float gap = kGap)
+    std::optional<UserCommand> command(UserCommand command, const char* label,
+                                       const ViewSession& session, float gap)
     {
         const UserCommandRow& row = rowOf(command);
         ImGui::BeginDisabled(!isPossible(command, &session));
-        const bool isPressed = button(row.label, gap);
+        const bool isPressed = button(label, gap);
         ImGui::EndDisabled();
         tip(row.label, row.keys);
         return isPressed ? std::optional(command) : std::nullopt;
@@ -204,8 +204,8 @@ std::optional<UserCommand> drawToolbar(ViewSession& session, PictureLayers& laye
     ImGui::PushStyleVar(ImGuiStyleVar_FramePadding, kToolPadding);
     Flow flow;
     std::optional<UserCommand> chosen;
-    const auto offer = [&](UserCommand command, float gap = kGap) {
-        if (const auto pressed = flow.command(command, session, gap)) chosen = pressed;
+    const auto offer = [&](UserCommand command, const char* label, float gap = kGap) {
+        if (const auto pressed = flow.command(command, label, session, gap)) chosen = pressed;
     };
     drawLayers(flow, layers);
     drawTools(flow, session, tools);
@@ -213,16 +213,16 @@ std::optional<UserCommand> drawToolbar(ViewSession& session, PictureLayers& laye
         drawBrushSliders(flow, tools.brush());
     }
     if (session.paintObstacle().empty()) {
-        offer(UserCommand::GrowMatte, kGroupGap);
-        offer(UserCommand::ShrinkMatte);
+        offer(UserCommand::GrowMatte, "Grow", kGroupGap);
+        offer(UserCommand::ShrinkMatte, "Shrink");
         constexpr float kStepWidth = 66.0f;
         flow.next(kStepWidth);
         ImGui::SetNextItemWidth(kStepWidth);
         ImGui::DragFloat("##step", &tools.step(), 0.2f, 1.0f, 200.0f, "by %.0f px",
                          ImGuiSliderFlags_AlwaysClamp);
     }
-    offer(UserCommand::Undo, kGroupGap);
-    offer(UserCommand::Redo);
+    offer(UserCommand::Undo, "Undo", kGroupGap);
+    offer(UserCommand::Redo, "Redo");
     ImGui::PopStyleVar();
     return chosen;
 }

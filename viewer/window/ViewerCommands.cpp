@@ -43,7 +43,8 @@ std::filesystem::path besideSource(const ViewSession& session, const char* befor
 void Viewer::followKeys()
 {
     if (dialog_.isAsking()) return;
-    const bool isTyping = ImGui::GetIO().WantTextInput;
+    // In the frame after a text was confirmed the library still wants input for it.
+    const bool isTyping = ImGui::GetIO().WantTextInput && ImGui::IsAnyItemActive();
     for (const KeyEvent& key : window_.keys()) {
         if (const auto command = userCommandFor(key, isTyping)) {
             perform(*command);
@@ -164,8 +165,10 @@ void Viewer::askPicture()
 {
     std::filesystem::path folder;
     if (work_) folder = work_->session->inputs().source().file.parent_path() / "";
-    dialog_.ask("Open the picture", folder,
-                [this](const std::filesystem::path& file) { openPicture(file); });
+    const bool losesPaint = work_ && work_->session->needsMatteFile();
+    const char* const question =
+        losesPaint ? "Open the picture (the painted matte is not saved)" : "Open the picture";
+    dialog_.ask(question, folder, [this](const std::filesystem::path& file) { openPicture(file); });
 }
 
 /// The picture before stays until this one has been read.

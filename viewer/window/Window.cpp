@@ -1,5 +1,7 @@
 #include "viewer/window/Window.h"
 
+#include <algorithm>
+
 #include <GLFW/glfw3.h>
 #include <imgui/backends/imgui_impl_glfw.h>
 #include <imgui/backends/imgui_impl_opengl2.h>
@@ -123,6 +125,8 @@ void Window::pass(const InputEvent& event)
         pointerY_ = motion->y;
         motions_.push_back({motion->x, motion->y});
     } else if (const auto* const button = std::get_if<ButtonEvent>(&event)) {
+        const auto place = static_cast<std::size_t>(button->button);
+        if (place < buttons_.size()) buttons_[place] = button->action != GLFW_RELEASE;
         ImGui_ImplGlfw_MouseButtonCallback(window_, button->button, button->action,
                                            button->modifiers);
     } else if (const auto* const wheel = std::get_if<WheelEvent>(&event)) {
@@ -144,8 +148,9 @@ void Window::beginFrame()
     for (const InputEvent& event : events) pass(event);
     ImGui_ImplOpenGL2_NewFrame();
     ImGui_ImplGlfw_NewFrame();
-    // The backend uses the pointer's current position, which may be ahead of the button events.
+    // The backend uses the current position and buttons, which may be ahead of the frame's events.
     ImGui::GetIO().MousePos = ImVec2(float(pointerX_), float(pointerY_));
+    std::ranges::copy(buttons_, ImGui::GetIO().MouseDown);
     ImGui::NewFrame();
 }
 

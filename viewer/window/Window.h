@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <utility>
 #include <vector>
@@ -63,6 +64,7 @@ private:
     GLFWwindow* window_ = nullptr;
     InputQueue input_;
     double pointerX_ = -1.0, pointerY_ = -1.0;
+    std::array<bool, 5> buttons_{};  ///< down, after the frame's events
     std::vector<KeyEvent> keys_;
     std::vector<OfxPointD> motions_;
     std::vector<std::string> drops_;
