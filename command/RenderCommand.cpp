@@ -94,7 +94,7 @@ void addRenderCommand(CLI::App& app, Action& action)
     const auto options = std::make_shared<CommandOptions>();
     CLI::App* const command = app.add_subcommand("render", "Renders a picture or a sequence");
     command->footer(kFooter);
-    addFileOptions(*command, options->render, /*wantsOutput=*/true);
+    addFileOptions(*command, options->render, /*isRender=*/true);
     addMatteOptions(*command, options->render);
     addOwnOptions(*command, *options);
     addPluginOptions(*command, options->render);

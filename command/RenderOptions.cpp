@@ -68,16 +68,16 @@ std::vector<std::size_t> areasFrom(const std::string& text)
 
 }  // namespace
 
-void addFileOptions(CLI::App& command, RenderOptions& options, bool wantsOutput)
+void addFileOptions(CLI::App& command, RenderOptions& options, bool isRender)
 {
     Render::RenderSettings& settings = options.settings;
     command.add_option("-s,--source", settings.source, "Source picture")
-        ->required()
+        ->required(isRender)
         ->type_name("FILE");
     command
         .add_option("-o,--output", settings.output,
                     "File to write; its extension selects the format")
-        ->required(wantsOutput)
+        ->required(isRender)
         ->type_name("FILE");
     for (std::size_t i = 0; i < settings.textures.size(); ++i) {
         const std::string number = std::to_string(i + 1);

@@ -19,8 +19,8 @@ struct RenderOptions {
     bool matteInverted = false, fillAlpha = false, fillAlphaInverted = false;
 };
 
-/// Source, output, textures, frames and compression.
-void addFileOptions(CLI::App& command, RenderOptions& options, bool wantsOutput);
+/// Source, output, textures, frames and compression. A render requires source and output.
+void addFileOptions(CLI::App& command, RenderOptions& options, bool isRender);
 /// The region to fill.
 void addMatteOptions(CLI::App& command, RenderOptions& options);
 /// The plug-in, its setup, and values for its parameters.

@@ -3,10 +3,12 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <string>
 
 #include "command/RenderOptions.h"
 #include "files/FileThreads.h"
 #include "render/JobError.h"
+#include "viewer/window/UserCommand.h"
 #include "viewer/window/Viewer.h"
 
 namespace Tesseret::Command {
@@ -14,12 +16,15 @@ namespace Tesseret::Command {
 namespace {
 
 constexpr const char* kFooter =
-    R"(Files and parameters are the same as for "tesseret render". The wheel zooms, the
-middle button pans, F fits the picture; the box in the picture can be dragged.
+    R"(Files and parameters are the same as for "tesseret render". Without --source the
+window is empty, and a picture is opened there. Paint over what should go; the fill
+follows after each stroke.
 
 Examples:
   tesseret view --source plate.png
-  tesseret view --source plate.png --matte hole.png --output out.png blockSize=64)";
+  tesseret view --source plate.png --matte hole.png --output out.png blockSize=64
+
+Mouse and keys:)";
 
 struct ViewOptions {
     RenderOptions render;
@@ -39,15 +44,28 @@ Viewer::WindowSize sizeFrom(const std::string& text)
     return size;
 }
 
+/// Other files than the source mean nothing without it.
+void checkFiles(const Render::RenderSettings& settings)
+{
+    if (!settings.source.empty()) return;
+    const auto require = [](const std::filesystem::path& file, const char* option) {
+        if (!file.empty()) throw Render::UsageError(std::string(option) + " requires --source");
+    };
+    require(settings.matte, "--matte");
+    require(settings.textures[0], "--texture1");
+    require(settings.textures[1], "--texture2");
+    require(settings.textures[2], "--texture3");
+    require(settings.output, "--output");
+    if (!settings.frames.empty()) throw Render::UsageError("--frames requires --source");
+}
+
 int view(const ViewOptions& options)
 {
     const Viewer::WindowSize size = sizeFrom(options.size);
-    Render::RenderSettings settings = settingsFrom(options.render);
-    // The box is on screen, and dragging it changes the fill at once.
-    settings.keepsClear = false;
+    const Render::RenderSettings settings = settingsFrom(options.render);
+    checkFiles(settings);
     Files::useThreads(settings.threads);
-    Viewer::Viewer viewer(std::make_unique<Viewer::ViewSession>(settings),
-                          {settings.output, settings.parameterFile}, size);
+    Viewer::Viewer viewer(settings, size);
     viewer.run();
     return 0;
 }
@@ -59,8 +77,8 @@ void addViewCommand(CLI::App& app, Action& action)
     const auto options = std::make_shared<ViewOptions>();
     CLI::App* const command =
         app.add_subcommand("view", "Shows a picture, its fill and the parameters in a window");
-    command->footer(kFooter);
-    addFileOptions(*command, options->render, /*wantsOutput=*/false);
+    command->footer(kFooter + Viewer::keysText());
+    addFileOptions(*command, options->render, /*isRender=*/false);
     addMatteOptions(*command, options->render);
     addPluginOptions(*command, options->render);
     command->add_option("--size", options->size, "Size of the window (default: 1280x800)")

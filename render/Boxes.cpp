@@ -16,15 +16,6 @@ namespace {
 constexpr const char* kWindowOption = "--window";
 constexpr const char* kSampleBoxOption = "--sample-box";
 
-/// The picture that the sample box lies over.
-const PictureInfo& sampled(const JobInputs& inputs)
-{
-    for (const char* clip : Names::kTextures) {
-        if (inputs.has(clip)) return inputs.infos().at(clip);
-    }
-    return inputs.source();
-}
-
 std::string boxText(const ViewBox& box)
 {
     return numberText(box.x1) + "," + numberText(box.y1) + "," + numberText(box.x2) + "," +
@@ -57,37 +48,9 @@ bool hasTexture(const JobInputs& inputs)
                                [&](const char* clip) { return inputs.has(clip); });
 }
 
-/// Corners of the sample box for integer pixels. The plug-in computes in single precision and
-/// truncates, so a quarter of a pixel is added to keep a corner out of the pixel before it.
-void setCorners(const OfxRectD& pixels, const JobInputs& inputs, ParameterValues& values)
-{
-    constexpr double kInsidePixel = 0.25;
-    const OfxRectI project = inputs.source().displayWindow;
-    const auto normalised = [&](double x, double y) {
-        return std::vector<double>{(std::floor(x) + kInsidePixel) / project.x2,
-                                   (std::floor(y) + kInsidePixel) / project.y2};
-    };
-    values[Names::kSampleCorner1] = normalised(pixels.x1, pixels.y1);
-    values[Names::kSampleCorner2] = normalised(pixels.x2, pixels.y2);
-}
-
 bool hasCorners(const ParameterValues& values)
 {
     return values.contains(Names::kSampleCorner1) || values.contains(Names::kSampleCorner2);
-}
-
-/// The sample box in pixels, corners in order.
-OfxRectI sampleBoxOf(const ContextDescription& description, const JobInputs& inputs,
-                     const ParameterValues& values)
-{
-    const auto a =
-        std::get<std::vector<double>>(valueOf(Names::kSampleCorner1, values, description));
-    const auto b =
-        std::get<std::vector<double>>(valueOf(Names::kSampleCorner2, values, description));
-    const OfxRectI project = inputs.source().displayWindow;
-    const auto pixel = [](double part, int size) { return static_cast<int>(part * size); };
-    return {pixel(std::min(a[0], b[0]), project.x2), pixel(std::min(a[1], b[1]), project.y2),
-            pixel(std::max(a[0], b[0]), project.x2), pixel(std::max(a[1], b[1]), project.y2)};
 }
 
 bool covers(const OfxRectI& window, const OfxRectI& box)
@@ -110,7 +73,7 @@ const PictureInfo* uncovered(const JobInputs& inputs, const OfxRectI& box)
 OfxRectD middleOfTextures(const JobInputs& inputs)
 {
     constexpr double kMargin = 0.2;
-    OfxRectI common = sampled(inputs).dataWindow;
+    OfxRectI common = sampledPicture(inputs).dataWindow;
     for (const char* clip : Names::kTextures) {
         if (!inputs.has(clip)) continue;
         common = intersection(common, inputs.infos().at(clip).dataWindow);
@@ -149,6 +112,41 @@ OfxRectI boxInPicture(const std::string& option, const ViewBox& box, const Pictu
                      std::to_string(picture.displayWindow.y2) + " pixels");
 }
 
+const PictureInfo& sampledPicture(const JobInputs& inputs)
+{
+    for (const char* clip : Names::kTextures) {
+        if (inputs.has(clip)) return inputs.infos().at(clip);
+    }
+    return inputs.source();
+}
+
+/// The plug-in computes in single precision and truncates, so a quarter of a pixel is added to keep
+/// a corner out of the pixel before it.
+void setCorners(const OfxRectD& pixels, const JobInputs& inputs, ParameterValues& values)
+{
+    constexpr double kInsidePixel = 0.25;
+    const OfxRectI project = inputs.source().displayWindow;
+    const auto normalised = [&](double x, double y) {
+        return std::vector<double>{(std::floor(x) + kInsidePixel) / project.x2,
+                                   (std::floor(y) + kInsidePixel) / project.y2};
+    };
+    values[Names::kSampleCorner1] = normalised(pixels.x1, pixels.y1);
+    values[Names::kSampleCorner2] = normalised(pixels.x2, pixels.y2);
+}
+
+OfxRectI sampleBoxOf(const ContextDescription& description, const JobInputs& inputs,
+                     const ParameterValues& values)
+{
+    const auto a =
+        std::get<std::vector<double>>(valueOf(Names::kSampleCorner1, values, description));
+    const auto b =
+        std::get<std::vector<double>>(valueOf(Names::kSampleCorner2, values, description));
+    const OfxRectI project = inputs.source().displayWindow;
+    const auto pixel = [](double part, int size) { return static_cast<int>(part * size); };
+    return {pixel(std::min(a[0], b[0]), project.x2), pixel(std::min(a[1], b[1]), project.y2),
+            pixel(std::max(a[0], b[0]), project.x2), pixel(std::max(a[1], b[1]), project.y2)};
+}
+
 OfxRectI windowInSource(const RenderSettings& settings, const PictureInfo& source)
 {
     return settings.window ? boxInPicture(kWindowOption, *settings.window, source)
@@ -172,7 +170,7 @@ void setSampleBox(const ViewBox& box, const JobInputs& inputs, ParameterValues& 
             "--sample-box and the parameters sampleCorner1 and sampleCorner2 set the "
             "same box; give only one of them");
     }
-    const PictureInfo& picture = sampled(inputs);
+    const PictureInfo& picture = sampledPicture(inputs);
     boxInPicture(kSampleBoxOption, box, picture);
     // A texture has to cover the box; that is checked once all values are known.
     const ViewBox used = hasTexture(inputs) ? box : clipped(box, picture);

@@ -30,6 +30,16 @@ std::vector<std::string> clippedBoxes(const RenderSettings& settings, const JobI
 /// outside.
 void setSampleBox(const ViewBox& box, const JobInputs& inputs, ParameterValues& values);
 
+/// The picture that the sample box lies over: the first texture, else the source.
+const Files::PictureInfo& sampledPicture(const JobInputs& inputs);
+
+/// Sets the corners to a box in pixels of that picture, y upwards, which are rounded down.
+void setCorners(const OfxRectD& pixels, const JobInputs& inputs, ParameterValues& values);
+
+/// The sample box in pixels of that picture, y upwards, its corners in order.
+OfxRectI sampleBoxOf(const Host::ContextDescription& description, const JobInputs& inputs,
+                     const ParameterValues& values);
+
 /// Turns on avoiding the fill region where the user chose neither box nor texture: the plug-in's
 /// default box lies in the middle of the picture, where the object to remove mostly is.
 void avoidRegionByDefault(const Host::ContextDescription& description, const JobInputs& inputs,

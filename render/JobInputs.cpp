@@ -21,7 +21,8 @@ std::string sizeText(const OfxRectI& window)
     return std::to_string(window.x2 - window.x1) + " x " + std::to_string(window.y2 - window.y1);
 }
 
-/// A matte covers the source pixel by pixel; its data window may be smaller.
+}  // namespace
+
 void checkMatte(const PictureInfo& matte, const PictureInfo& source)
 {
     const std::string mine = sizeText(matte.displayWindow);
@@ -31,7 +32,13 @@ void checkMatte(const PictureInfo& matte, const PictureInfo& source)
                      wanted);
 }
 
-}  // namespace
+PictureInfo paintedMatteInfo(const std::filesystem::path& name, const OfxRectI& window)
+{
+    PictureInfo info;
+    info.file = name;
+    info.displayWindow = info.dataWindow = window;
+    return info;
+}
 
 JobInputs::JobInputs(const RenderSettings& settings)
     : output_(settings.output),
@@ -42,7 +49,7 @@ JobInputs::JobInputs(const RenderSettings& settings)
         if (!file.empty()) inputs_.push_back({clip, Files::SequencePattern(file), as});
     };
     add(Names::kSource, settings.source, Files::ReadAs::Picture);
-    add(Names::kMatte, settings.matte, Files::ReadAs::Matte);
+    if (!settings.paintsMatte) add(Names::kMatte, settings.matte, Files::ReadAs::Matte);
     for (std::size_t i = 0; i < settings.textures.size(); ++i) {
         add(Names::kTextures.at(i), settings.textures[i], Files::ReadAs::Picture);
     }
@@ -54,6 +61,10 @@ JobInputs::JobInputs(const RenderSettings& settings)
     }
     for (const Input& input : inputs_) {
         read_.emplace(input.clip, Files::readInfo(input.pattern.file(frames_.front())));
+    }
+    if (settings.paintsMatte) {
+        read_.emplace(Names::kMatte,
+                      paintedMatteInfo(settings.matte, read_.at(Names::kSource).displayWindow));
     }
     infos_ = read_;
     crops_ = TextureCrops(settings, read_);
@@ -144,7 +155,7 @@ FramePictures JobInputs::read(int frame, Depth depth)
         if (!input.pattern.isSequence() && isSequence_) stills_.emplace(input.clip, read[i]);
         pictures.emplace(input.clip, std::move(read[i]));
     }
-    if (has(Names::kMatte)) {
+    if (pictures.contains(Names::kMatte)) {
         checkMatte(pictures.at(Names::kMatte).info, pictures.at(Names::kSource).info);
     }
     crops_.cut(pictures);

@@ -19,6 +19,12 @@
 
 namespace Tesseret::Render {
 
+/// Throws `UsageError` unless the matte is as large as the source; its data window may be smaller.
+void checkMatte(const Files::PictureInfo& matte, const Files::PictureInfo& source);
+
+/// A matte that is in memory, as if read from a grey PNG of this size.
+Files::PictureInfo paintedMatteInfo(const std::filesystem::path& name, const OfxRectI& window);
+
 class JobInputs {
 public:
     /// Finds every file and reads the headers of the first frame. Throws `UsageError` or
@@ -41,8 +47,8 @@ public:
 
     const TextureCrops& crops() const { return crops_; }
 
-    /// All pictures of a frame at a depth, textures cut. Stills are read once. Throws `FileError`,
-    /// and `UsageError` for a matte of another size. One call at a time.
+    /// All pictures of a frame at a depth, without a painted matte, textures cut. Stills are read
+    /// once. Throws `FileError`, and `UsageError` for a matte of another size. One call at a time.
     FramePictures read(int frame, Depth depth);
 
 private:

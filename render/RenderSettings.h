@@ -31,6 +31,7 @@ struct RenderSettings {
     std::filesystem::path source;  ///< in a sequence with a mark for the frame, like all files
     std::filesystem::path output;  ///< empty: nothing is written
     std::filesystem::path matte;   ///< empty: none
+    bool paintsMatte = false;  ///< its pictures come from the caller; `matte` is only their name
     MaskOption mask = MaskOption::None;
     bool everyArea = true;              ///< of the matte; else the first one
     std::vector<std::size_t> areas;     ///< only these areas of the matte, from 0; empty: any

@@ -51,7 +51,7 @@ TEST_F(ViewTest, WhatIsWrongWithTheFilesComesFirst)
              {{"--source", "a.png", "blockSize=3"}, "blockSize"},
              {{"--source", "a.png", "--size", "20x20"}, "--size 20x20: expected WxH"},
              {{"--source", "a.png", "--size", "800x600x3"}, "--size 800x600x3: expected WxH"},
-             {{"blockSize=64"}, "--source is required"}}) {
+             {{"--matte", "a.png"}, "--matte requires --source"}}) {
         std::vector<std::string> all{"view"};
         all.insert(all.end(), arguments.begin(), arguments.end());
         const Outcome outcome = run(all);

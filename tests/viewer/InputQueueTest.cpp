@@ -72,6 +72,11 @@ TEST(InputQueueTest, EachKeyChangesOnceInAFrame)
     EXPECT_THAT(framesOf("1t12t2"), ElementsAre("1t", "12t", "2"));
 }
 
+TEST(InputQueueTest, AKeyComesBeforeTheButtonsOfItsFrame)
+{
+    EXPECT_THAT(framesOf("1mP2mR3"), ElementsAre("1mP", "2mR", "3"));
+}
+
 TEST(InputQueueTest, NothingIsAnEmptyFrame)
 {
     InputQueue queue;

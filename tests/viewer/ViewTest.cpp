@@ -78,6 +78,27 @@ TEST_F(ViewTest, KeepsFittingUntilItIsMoved)
     EXPECT_DOUBLE_EQ(view_.scale(), 0.5) << "and follows the window again once it was fitted";
 }
 
+TEST_F(ViewTest, ShowsAPartAtMostPixelByPixelAndAtLeastAsFitted)
+{
+    view_.setPicture({0, 0, 4000, 3000});
+    EXPECT_TRUE(view_.isLarge());
+    view_.show({1000, 2000, 1100, 2050});
+    EXPECT_DOUBLE_EQ(view_.scale(), 1.0);
+    EXPECT_THAT(view_.toScreen({1050, 2025}), At(516, 366));
+    view_.show({0, 0, 832, 632});
+    EXPECT_DOUBLE_EQ(view_.scale(), 0.4) << "with its surroundings";
+    view_.show({0, 0, 4000, 3000});
+    EXPECT_DOUBLE_EQ(view_.scale(), 0.2) << "all of it";
+    view_.setArea({0, 0, 100, 100});
+    EXPECT_DOUBLE_EQ(view_.scale(), 0.2) << "a view that was chosen keeps its scale";
+    const OfxPointD middle = view_.toCanonical({50, 50});
+    view_.showActualSize();
+    EXPECT_DOUBLE_EQ(view_.scale(), 1.0);
+    EXPECT_THAT(view_.toCanonical({50, 50}), At(middle.x, middle.y));
+    view_.setPicture({0, 0, 40, 30});
+    EXPECT_FALSE(view_.isLarge());
+}
+
 TEST_F(ViewTest, NothingToSeeIsNoDivisionByZero)
 {
     view_.setPicture({0, 0, 0, 0});

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Uses `tesseret view` like a user, in a real window on a virtual screen: drags the sample box, types
-# a value, undoes it, saves, quits. Screenshots and files stay in the folder.
+# a value, undoes it, saves, quits; then opens a picture in an empty window, paints a matte with the
+# pointer and saves matte and result. Screenshots and files stay in the folder.
 # Usage: drive-viewer.sh TESSERET FOLDER
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/screen.sh"
@@ -11,19 +12,19 @@ rm -rf "$folder"
 mkdir -p "$folder"
 cd "$folder"
 
-# A window of 1280 x 800 shows a picture of 600 x 400 in an area of 840 x 598 from (0, 70), with 16 free on
-# each side: 808 / 600 screen units a pixel about (420, 369). The box is at 0.2 and 0.8 of the picture.
-picture=840x598+0+70
-edge_x=178 edge_y=369  # on its left edge
+# A window of 1280 x 800 shows a picture of 600 x 400 in an area of 840 x 568 from (0, 100), with 16 free on
+# each side: 808 / 600 screen units a pixel about (420, 384). The box is at 0.2 and 0.8 of the picture.
+picture=840x568+0+100
+edge_x=178 edge_y=384  # on its left edge
 target_x=97            # 60 pixels to the left: 0.1 of the picture
 beside=250             # a place on the edge that the pointer does not cover
-block_size="1196 198"  # the field
+block_size="1196 269"  # the field
 
 # save_as KEYS FILE: in the dialog that the keys open.
 save_as() {
     shot before-dialog
-    changes 300x60+490+370 before-dialog dialog "the dialog for $2" key "$1"
-    xdotool type "$2"
+    changes 300x60+490+350 before-dialog dialog "the dialog for $2" key "$1"
+    xdotool key ctrl+a type "$2"
     xdotool key Return
     until_true "$2" test -s "$2"
 }
@@ -44,12 +45,13 @@ xdotool key ctrl+s
 until_true "the first result" test -s result.png
 mv result.png first.png
 
-# The edge lights up under the pointer, is held and dragged, and stays where it was let go.
-shot 1-start
+# The edge lights up near the pointer, is held and dragged, and stays where it was let go.
+xdotool key x
+until_true "the box" eval "shot 1-start && has_edge 1-start $edge_x"
 has_edge 1-start $edge_x || fail "the box is not where it should be"
-changes $picture 1-start 2-hover "the edge to light up" mousemove $edge_x $edge_y
+changes $picture 1-start 2-hover "the edge to light up" mousemove $((edge_x + 6)) $edge_y
 changes $picture 2-hover 3-held "the edge to be held" mousedown 1
-changes $picture 3-held 4-dragged "the box to move" mousemove 140 $edge_y mousemove $target_x $edge_y
+changes $picture 3-held 4-dragged "the box to move" mousemove 140 $edge_y mousemove $((target_x + 6)) $edge_y
 xdotool mouseup 1 mousemove 420 760
 until_true "the edge in its new place" eval "shot 5-released && has_edge 5-released $target_x"
 ! has_edge 5-released $edge_x || fail "the box is still in its old place"
@@ -80,3 +82,43 @@ quit_viewer
 "$tesseret" render --quiet --source source.png --output rendered.png --parameters redone.json
 cmp result.png rendered.png || fail "the viewer's result is not that of the command line"
 ! cmp -s result.png first.png || fail "the result has not changed"
+
+# An empty window says how to begin. A name that is no picture stays as typed, and the reason is shown.
+unset viewer
+rm -f display window
+start_viewer "$tesseret" 1280x800
+shot 8-empty
+changes 300x60+490+350 8-empty 9-open "the dialog for the picture" key ctrl+o
+xdotool type sourc
+changes 460x40+410+420 9-open 10-wrong "the reason" key Return
+xdotool type e.png
+xdotool key Return
+has_title() { xdotool getwindowname "$(<window)" | grep -q "$1"; }
+until_true "the picture" has_title source.png
+shot 11-opened
+
+# A stroke of the brush, one of the lasso, and one of the eraser; the fill follows.
+xdotool mousemove 300 300
+shot 12-before
+changes $picture 12-before 13-stroke "the stroke" mousedown 1 mousemove 340 310 mousemove 400 330
+xdotool mouseup 1
+xdotool key l mousemove 600 450 mousedown 1 mousemove 660 455 mousemove 640 520 mousemove 600 500 mouseup 1
+xdotool key e mousemove 400 330 mousedown 1 mousemove 420 335 mouseup 1
+save_as ctrl+m painted.png
+save_as ctrl+s filled.png
+shot 14-filled
+"$tesseret" render --source source.png --matte painted.png --output rendered.png >render.log
+grep -q "2 areas to fill" render.log || fail "the matte has not two areas"
+cmp filled.png rendered.png || fail "the fill of what was painted is not that of the saved matte"
+! gm compare -metric mse source.png filled.png | grep -q "Total: 0.0000000000" || fail "nothing was filled"
+
+# One stroke less; then nothing is left, and nothing is filled.
+xdotool key ctrl+z key ctrl+shift+m
+save_as ctrl+shift+m undone.png
+! cmp -s painted.png undone.png || fail "the stroke was not undone"
+xdotool key Delete
+save_as ctrl+shift+m cleared.png
+save_as ctrl+shift+s unfilled.png
+"$tesseret" render --quiet --source source.png --matte cleared.png --output rendered.png
+cmp unfilled.png rendered.png || fail "an erased matte fills something"
+quit_viewer

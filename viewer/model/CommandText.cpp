@@ -112,7 +112,10 @@ RenderSettings plainSettings(const RenderSettings& settings, const Render::FillR
     plain.parameters.clear();
     plain.mask = Render::MaskOption::None;
     plain.keepsClear = true;  // as the command does by itself
-    if (region.source != MaskSource::Matte) plain.matte.clear();
+    if (region.source != MaskSource::Matte) {
+        plain.matte.clear();
+        plain.paintsMatte = false;
+    }
     return plain;
 }
 
@@ -122,24 +125,40 @@ struct CommandArguments {
     std::vector<std::string> assignments;  ///< "name=value"
 };
 
+/// Whether values of one context can be given in another.
+bool fit(const ParameterValues& values, const Host::ContextDescription& from,
+         const Host::ContextDescription& to)
+{
+    return std::ranges::all_of(values, [&](const auto& value) {
+        const ParameterDescription* const parameter = to.parameter(value.first);
+        if (parameter == nullptr) return value.second == from.parameter(value.first)->initial;
+        const auto* const choice = std::get_if<int>(&value.second);
+        return parameter->options.empty() || choice == nullptr ||
+               *choice < static_cast<int>(parameter->options.size());
+    });
+}
+
 /// The fewest assignments that lead to the values. The command's own defaults may depend on an
 /// assignment, so this repeats until nothing differs.
 CommandArguments minimalArguments(RenderSettings settings, const InstanceSetup& wanted,
                                   Render::PluginSession& session)
 {
-    const Host::ContextDescription& description = session.describe(wanted.context());
     const JobInputs inputs(settings);
     const Depth depth = settings.depth.value_or(inputs.source().depth);
-    if (InstanceSetup(session, settings, inputs, depth).context() != wanted.context()) {
-        settings.context = wanted.context();
-    }
     const ParameterValues values = wanted.values();
+    const std::string context = InstanceSetup(session, settings, inputs, depth).context();
+    const bool fits = fit(values, session.describe(wanted.context()), session.describe(context));
+    if (!fits) settings.context = wanted.context();
+    const Host::ContextDescription& description =
+        session.describe(fits ? context : wanted.context());
     std::set<std::string> added;
     for (bool isComplete = false; !isComplete;) {
         const ParameterValues reached = InstanceSetup(session, settings, inputs, depth).values();
         isComplete = true;
         for (const auto& [name, value] : values) {
-            if (value == reached.at(name) || !added.insert(name).second) continue;
+            const auto there = reached.find(name);
+            if (there == reached.end() || value == there->second) continue;
+            if (!added.insert(name).second) continue;
             const std::string text = exactText(*description.parameter(name), value);
             settings.parameters.push_back(std::string(name).append("=").append(text));
             isComplete = false;

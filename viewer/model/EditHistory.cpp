@@ -1,25 +1,48 @@
 #include "viewer/model/EditHistory.h"
 
 #include <algorithm>
+#include <ranges>
 #include <utility>
 
 namespace Tesseret::Viewer {
 
-using Render::NamedValue;
+namespace {
+
+bool isNothing(const ValueChange& change)
+{
+    return change.before == change.after;
+}
+
+}  // namespace
+
+std::size_t EditHistory::Edit::bytes() const
+{
+    std::size_t sum = 0;
+    for (const MattePatch& patch : patches) sum += patch.bytes();
+    return sum;
+}
 
 void EditHistory::record(std::vector<ValueChange> changes)
 {
-    std::erase_if(changes, [](const ValueChange& change) { return change.before == change.after; });
+    std::erase_if(changes, isNothing);
     if (changes.empty()) return;
     undone_.clear();
     for (ValueChange& change : changes) {
-        const auto earlier = std::ranges::find(open_, change.name, &ValueChange::name);
-        if (earlier == open_.end()) {
-            open_.push_back(std::move(change));
+        const auto earlier = std::ranges::find(open_.values, change.name, &ValueChange::name);
+        if (earlier == open_.values.end()) {
+            open_.values.push_back(std::move(change));
         } else {
             earlier->after = std::move(change.after);
         }
     }
+    if (groups_ == 0) closeGroups();
+}
+
+void EditHistory::record(MattePatch patch)
+{
+    if (patch.empty()) return;
+    undone_.clear();
+    open_.patches.push_back(std::move(patch));
     if (groups_ == 0) closeGroups();
 }
 
@@ -32,33 +55,50 @@ void EditHistory::closeGroups()
 {
     groups_ = 0;
     Edit edit = std::exchange(open_, {});
-    std::erase_if(edit, [](const ValueChange& change) { return change.before == change.after; });
-    if (!edit.empty()) done_.push_back(std::move(edit));
+    std::erase_if(edit.values, isNothing);
+    if (edit.empty()) return;
+    done_.push_back(std::move(edit));
+    forgetOldest();
 }
 
-std::vector<NamedValue> EditHistory::undo()
+void EditHistory::forgetOldest()
+{
+    std::size_t bytes = 0;
+    for (const Edit& edit : done_) bytes += edit.bytes();
+    while (bytes > maxPatchBytes_ && done_.size() > 1) {
+        bytes -= done_.front().bytes();
+        done_.pop_front();
+    }
+}
+
+Replay EditHistory::undo()
 {
     closeGroups();
-    std::vector<NamedValue> values;
-    if (done_.empty()) return values;
+    Replay replay;
+    if (done_.empty()) return replay;
     undone_.push_back(std::move(done_.back()));
     done_.pop_back();
-    const Edit& edit = undone_.back();
-    for (auto change = edit.rbegin(); change != edit.rend(); ++change) {
-        values.push_back({change->name, change->before});
+    Edit& edit = undone_.back();
+    for (const ValueChange& change : std::views::reverse(edit.values)) {
+        replay.values.push_back({change.name, change.before});
     }
-    return values;
+    for (MattePatch& patch : std::views::reverse(edit.patches)) replay.patches.push_back(&patch);
+    return replay;
 }
 
-std::vector<NamedValue> EditHistory::redo()
+Replay EditHistory::redo()
 {
     closeGroups();
-    std::vector<NamedValue> values;
-    if (undone_.empty()) return values;
+    Replay replay;
+    if (undone_.empty()) return replay;
     done_.push_back(std::move(undone_.back()));
     undone_.pop_back();
-    for (const ValueChange& change : done_.back()) values.push_back({change.name, change.after});
-    return values;
+    Edit& edit = done_.back();
+    for (const ValueChange& change : edit.values) {
+        replay.values.push_back({change.name, change.after});
+    }
+    for (MattePatch& patch : edit.patches) replay.patches.push_back(&patch);
+    return replay;
 }
 
 }  // namespace Tesseret::Viewer

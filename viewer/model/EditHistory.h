@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstddef>
+#include <deque>
 #include <string>
 #include <vector>
 
 #include "render/ParameterText.h"
+#include "viewer/model/MattePaint.h"
 
 namespace Tesseret::Viewer {
 
@@ -13,7 +16,13 @@ struct ValueChange {
     Host::ParameterValue before, after;
 };
 
-/// Undo and redo of parameter edits.
+/// What an undo or redo has to do, in this order.
+struct Replay {
+    std::vector<Render::NamedValue> values;  ///< to set
+    std::vector<MattePatch*> patches;        ///< to swap; kept by the history
+};
+
+/// Undo and redo of parameter edits and painted strokes.
 class EditHistory {
 public:
     /// Keeps a group open for its lifetime.
@@ -28,25 +37,39 @@ public:
         EditHistory& history_;
     };
 
+    /// The oldest edits are forgotten when all patches have more bytes.
+    explicit EditHistory(std::size_t maxPatchBytes = std::size_t{256} << 20)
+        : maxPatchBytes_(maxPatchBytes)
+    {}
+
     /// Adds an edit, or within a group a part of one. Clears the redo list, unless it changes
     /// nothing.
     void record(std::vector<ValueChange> changes);
+    void record(MattePatch patch);
     /// Everything added until the group ends is one edit. Groups may nest.
     void beginGroup() { ++groups_; }
     void endGroup();
 
     bool canUndo() const { return !done_.empty() || !open_.empty(); }
     bool canRedo() const { return !undone_.empty(); }
-    /// The values to set, in this order; empty when no edit is left. Closes open groups.
-    std::vector<Render::NamedValue> undo();
-    std::vector<Render::NamedValue> redo();
+    /// Empty when no edit is left. Closes open groups.
+    Replay undo();
+    Replay redo();
 
 private:
-    using Edit = std::vector<ValueChange>;
+    struct Edit {
+        std::vector<ValueChange> values;
+        std::vector<MattePatch> patches;
+        bool empty() const { return values.empty() && patches.empty(); }
+        std::size_t bytes() const;
+    };
 
     void closeGroups();
+    void forgetOldest();
 
-    std::vector<Edit> done_, undone_;
+    std::size_t maxPatchBytes_;
+    std::deque<Edit> done_;
+    std::vector<Edit> undone_;
     Edit open_;  ///< of the open groups
     int groups_ = 0;
 };

@@ -13,7 +13,7 @@ struct Taken {
     bool admit(const InputEvent& event)
     {
         if (const auto* const key = std::get_if<KeyEvent>(&event)) {
-            return keys.insert(key->key).second;
+            return !button && keys.insert(key->key).second;
         }
         if (std::holds_alternative<MotionEvent>(event)) return !button && !wheel;
         if (std::holds_alternative<WheelEvent>(event)) {

@@ -34,7 +34,7 @@ public:
     bool empty() const { return events_.empty(); }
 
     /// The next events that one frame can show, in order: each key changes once, and a button only
-    /// where the pointer is at the frame's end.
+    /// where the pointer is at the frame's end, after all keys.
     std::vector<InputEvent> takeFrame();
 
 private:

@@ -8,6 +8,9 @@
 
 namespace Tesseret::Viewer {
 
+/// The settings for a painted matte, whatever these fill from.
+Render::RenderSettings paintedSettings(const Render::RenderSettings& settings);
+
 /// The files being viewed, with the pictures of the last frame read.
 class PictureCache {
 public:
@@ -15,15 +18,19 @@ public:
     explicit PictureCache(const Render::RenderSettings& settings);
 
     const Render::JobInputs& inputs() const { return inputs_; }
+    /// The same with a painted matte in place of the matte's file.
+    const Render::JobInputs& paintedInputs();
     Depth depth() const { return depth_; }
 
     /// The pictures by clip, at full size. From any thread. Throws `FileError` or `UsageError`.
     std::shared_ptr<const Render::FramePictures> read(int frame);
 
 private:
+    Render::RenderSettings settings_;
     Render::JobInputs inputs_;
     Depth depth_;
     std::mutex mutex_;  ///< guards reading and the members below
+    std::unique_ptr<Render::JobInputs> painted_;
     std::optional<int> frame_;
     std::shared_ptr<const Render::FramePictures> pictures_;
 };

@@ -5,6 +5,8 @@
 #include <exception>
 #include <utility>
 
+#include "viewer/model/WindowWording.h"
+
 namespace Tesseret::Viewer {
 
 using Render::FillPicture;
@@ -112,8 +114,9 @@ void RenderWatch::note(Host::Instance& /*instance*/, std::string_view text)
 /// Areas may repeat a note.
 void RenderWatch::addNote(const std::string& text)
 {
+    const std::string worded = inWindowWords(text);
     const std::lock_guard lock(mutex_);
-    if (std::ranges::find(notes_, text) == notes_.end()) notes_.push_back(text);
+    if (std::ranges::find(notes_, worded) == notes_.end()) notes_.push_back(worded);
 }
 
 bool RenderWatch::wantsMaps(Host::Instance& /*instance*/)

@@ -24,9 +24,10 @@ class RenderWatch;
 
 struct ViewRequest {
     int frame = 0;
-    double scale = 1.0;              ///< render scale, as of a host's proxy
-    Render::ParameterValues values;  ///< of all parameters
-    bool wantsMaps = false;          ///< they cost time and memory
+    double scale = 1.0;                              ///< render scale, as of a host's proxy
+    Render::ParameterValues values;                  ///< of all parameters
+    std::shared_ptr<const Picture> matte = nullptr;  ///< a painted one; null: the file's, if any
+    bool wantsMaps = false;                          ///< they cost time and memory
     bool operator==(const ViewRequest&) const = default;
 };
 
@@ -41,6 +42,8 @@ struct RenderResult {
     /// What the fill was made with, by name ("fill-mask", "path-band", "blocks", "boundary-path",
     /// "composite-mask", "luminance-gain"): 8-bit RGBA over the whole picture, all areas in one.
     std::map<std::string, Picture> maps;
+    /// The boxes of the matte's areas in the order of filling, in pixels of the request's scale.
+    std::vector<OfxRectI> areas;
 };
 
 struct WorkerState {

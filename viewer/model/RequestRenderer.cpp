@@ -8,6 +8,7 @@
 #include "host/HostError.h"
 #include "render/FrameRequest.h"
 #include "render/JobError.h"
+#include "viewer/model/WindowWording.h"
 
 namespace Tesseret::Viewer {
 
@@ -29,6 +30,7 @@ RequestRenderer::RequestRenderer(Render::PluginSession& session, const RenderSet
       watch_(watch),
       warnings_(watch),
       messages_(watch, warnings_),
+      session_(session),
       setup_(session, settings, pictures.inputs(), pictures.depth(), &messages_)
 {}
 
@@ -70,10 +72,13 @@ std::shared_ptr<RenderResult> RequestRenderer::render(const ViewRequest& request
         const int first = recordingFrame(request.frame);
         const bool repeats = current_->frames.setup().repeatsBlocks();
         if (repeats && first != request.frame && current_->recorded != first) {
-            renderFrame(first, false);
+            RenderResult recorded;
+            recorded.request = request;
+            recorded.request.wantsMaps = false;
+            renderFrame(first, recorded);
         }
         if (repeats) current_->recorded = first;
-        result->picture = renderFrame(request.frame, request.wantsMaps);
+        renderFrame(request.frame, *result);
     } catch (const Render::Interrupted&) {
         return nullptr;
     } catch (const Host::HostError& error) {
@@ -81,7 +86,7 @@ std::shared_ptr<RenderResult> RequestRenderer::render(const ViewRequest& request
     } catch (const PictureError& error) {
         result->error = std::string("the render failed: ") + error.what();
     } catch (const std::exception& error) {
-        result->error = error.what();
+        result->error = inWindowWords(error.what());
     }
     if (!result->error.empty()) forget();
     watch_.end(*result);
@@ -92,19 +97,28 @@ std::shared_ptr<RenderResult> RequestRenderer::render(const ViewRequest& request
     return result;
 }
 
-/// Reuses the instances that have rendered with the same values, unless they would repeat blocks in
-/// a frame that needs new ones.
+const Render::InstanceSetup& RequestRenderer::setupFor(const ViewRequest& request)
+{
+    if (!request.matte || settings_.paintsMatte) return setup_;
+    if (!paintedSetup_) {
+        paintedSetup_.emplace(session_, paintedSettings(settings_), pictures_.paintedInputs(),
+                              pictures_.depth(), &messages_);
+    }
+    return *paintedSetup_;
+}
+
+/// Reuses only instances that repeat the blocks of another frame; new ones report all their notes.
 void RequestRenderer::prepare(const ViewRequest& request)
 {
-    const bool serves = current_ && current_->request.values == request.values &&
-                        current_->request.scale == request.scale &&
-                        (!current_->frames.setup().repeatsBlocks() ||
-                         recordingFrame(request.frame) != request.frame);
+    const bool serves =
+        current_ && current_->request.values == request.values &&
+        current_->request.scale == request.scale && current_->request.matte == request.matte &&
+        current_->frames.setup().repeatsBlocks() && recordingFrame(request.frame) != request.frame;
     if (serves) return;
     RenderSettings scaled = settings_;
     scaled.renderScale = request.scale;
-    auto next =
-        std::make_unique<Setup>(request, std::move(scaled), setup_.with(request.values), watch_);
+    auto next = std::make_unique<Setup>(request, std::move(scaled),
+                                        setupFor(request).with(request.values), watch_);
     {
         const std::lock_guard lock(mutex_);
         std::swap(current_, next);
@@ -122,20 +136,41 @@ int RequestRenderer::recordingFrame(int frame) const
     return frame == 0 || isPastZero ? 0 : frames.front();
 }
 
-Picture RequestRenderer::renderFrame(int frame, bool wantsMaps)
+/// With the painted matte as if it was read from a file.
+std::shared_ptr<const FramePictures> RequestRenderer::picturesOf(const ViewRequest& request,
+                                                                 int frame)
 {
-    const std::shared_ptr<const FramePictures> pictures = pictures_.read(frame);
+    std::shared_ptr<const FramePictures> read = pictures_.read(frame);
+    if (!request.matte) return read;
+    auto pictures = std::make_shared<FramePictures>(*read);
+    Render::ClipPicture matte;
+    matte.picture = request.matte;
+    matte.info =
+        Render::paintedMatteInfo(paintedSettings(settings_).matte, request.matte->bounds());
+    Render::checkMatte(matte.info, pictures->at(Names::kSource).info);
+    (*pictures)[Names::kMatte] = std::move(matte);
+    return pictures;
+}
+
+void RequestRenderer::renderFrame(int frame, RenderResult& result)
+{
+    const std::shared_ptr<const FramePictures> pictures = picturesOf(result.request, frame);
     for (const auto& [clip, picture] : *pictures) {
         for (const std::string& warning : picture.warnings) watch_.warning(warning);
     }
     stopIfAborted();
     const std::shared_ptr<const Render::PreparedMatte> matte = matteOf(*pictures);
     stopIfAborted();
+    const std::size_t count = matte ? matte->areas.count() : 0;
+    for (std::size_t area = 0;
+         area < (settings_.everyArea ? count : std::min<std::size_t>(count, 1)); ++area) {
+        result.areas.push_back(matte->areas.box(area));
+    }
     const Files::PictureInfo& source = pictures->at(Names::kSource).info;
     const Host::RenderRequest request =
         Render::requestFor(current_->settings, pictures_.inputs().isSequence(), frame, source);
-    if (wantsMaps) watch_.wantMaps(request.window);
-    return current_->frames.render(request, *pictures, matte.get());
+    if (result.request.wantsMaps) watch_.wantMaps(request.window);
+    result.picture = current_->frames.render(request, *pictures, matte.get());
 }
 
 /// Null when the fill region is not from the matte.

@@ -41,7 +41,9 @@ private:
 
     void forget();
     void prepare(const ViewRequest& request);
-    Picture renderFrame(int frame, bool wantsMaps);
+    const Render::InstanceSetup& setupFor(const ViewRequest& request);
+    std::shared_ptr<const Render::FramePictures> picturesOf(const ViewRequest& request, int frame);
+    void renderFrame(int frame, RenderResult& result);
     std::shared_ptr<const Render::PreparedMatte> matteOf(const Render::FramePictures& pictures);
     int recordingFrame(int frame) const;
     void stopIfAborted();
@@ -51,7 +53,9 @@ private:
     RenderWatch& watch_;
     Render::WarningFilter warnings_;
     Render::PluginMessages messages_;
+    Render::PluginSession& session_;
     Render::InstanceSetup setup_;
+    std::optional<Render::InstanceSetup> paintedSetup_;  ///< for a matte that replaces a file's
     std::optional<Render::MattePreparation> mattes_;
     double matteScale_ = 0.0;  ///< the scale of mattes_; its polarity follows
     Render::Polarity mattePolarity_ = Render::Polarity::White;

@@ -8,6 +8,8 @@ namespace {
 
 /// The margin around a fitted picture, in screen units.
 constexpr double kMargin = 16.0;
+/// How much of the surroundings a shown part has: its size times this.
+constexpr double kSurroundings = 2.5;
 
 }  // namespace
 
@@ -25,15 +27,34 @@ void View::setPicture(const OfxRectD& picture)
     if (isFitted_) fit();
 }
 
-void View::fit()
+double View::fittedScale() const
 {
     const double width = std::max(1.0, area_.width - 2.0 * kMargin);
     const double height = std::max(1.0, area_.height - 2.0 * kMargin);
-    const double scale =
-        std::min(width / (picture_.x2 - picture_.x1), height / (picture_.y2 - picture_.y1));
-    scale_ = std::clamp(scale, kMinScale, kMaxScale);
+    return std::min(width / (picture_.x2 - picture_.x1), height / (picture_.y2 - picture_.y1));
+}
+
+void View::fit()
+{
+    scale_ = std::clamp(fittedScale(), kMinScale, kMaxScale);
     centre_ = {(picture_.x1 + picture_.x2) / 2.0, (picture_.y1 + picture_.y2) / 2.0};
     isFitted_ = true;
+}
+
+void View::show(const OfxRectD& part)
+{
+    const double width = std::max(1.0, part.x2 - part.x1) * kSurroundings;
+    const double height = std::max(1.0, part.y2 - part.y1) * kSurroundings;
+    const double scale = std::min(area_.width / width, area_.height / height);
+    scale_ = std::clamp(std::max(std::min(scale, 1.0), fittedScale()), kMinScale, kMaxScale);
+    centre_ = {(part.x1 + part.x2) / 2.0, (part.y1 + part.y2) / 2.0};
+    isFitted_ = false;
+}
+
+void View::showActualSize()
+{
+    scale_ = 1.0;
+    isFitted_ = false;
 }
 
 void View::zoomAbout(OfxPointD screen, double factor)

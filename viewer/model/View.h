@@ -28,6 +28,13 @@ public:
 
     /// As large as fits in the area, centred.
     void fit();
+    /// A part of the picture in the middle, with some of its surroundings, at most pixel by pixel
+    /// and at least as large as fitted.
+    void show(const OfxRectD& part);
+    /// One screen unit for a canonical unit; what is in the middle stays there.
+    void showActualSize();
+    /// Whether the picture is larger than the area at one screen unit for a canonical unit.
+    bool isLarge() const { return fittedScale() < 1.0; }
     /// Keeps the canonical point at the screen position fixed. The scale is clamped to its limits.
     void zoomAbout(OfxPointD screen, double factor);
     /// Moves the picture by screen units.
@@ -44,6 +51,7 @@ public:
 
 private:
     OfxPointD areaCentre() const;
+    double fittedScale() const;
 
     ScreenArea area_;
     OfxRectD picture_{0.0, 0.0, 1.0, 1.0};

@@ -33,12 +33,46 @@ private:
     bool& flag_;
 };
 
+/// Why a matte cannot be painted.
+std::string obstacle(const Render::RenderSettings& settings, Render::PluginSession& session)
+{
+    const Host::EffectDescription& effect = session.effect().description();
+    const bool hasGeneral =
+        std::ranges::find(effect.contexts, kOfxImageEffectContextGeneral) != effect.contexts.end();
+    const Host::ContextDescription* const general =
+        hasGeneral ? &session.describe("General") : nullptr;
+    if (general == nullptr || general->clip(Names::kMatte) == nullptr ||
+        general->parameter(Names::kFillRegion) == nullptr) {
+        return "the plug-in has no matte";
+    }
+    if (!settings.context.empty() && settings.context != "General") {
+        return "the context " + settings.context + " has no matte";
+    }
+    if (Files::SequencePattern(settings.matte).isSequence()) {
+        return settings.matte.string() + " has a matte for each frame, which cannot be painted on";
+    }
+    return "";
+}
+
+/// Without a matte file the matte is painted from the start.
+Render::RenderSettings preparedSettings(Render::RenderSettings settings, bool canPaint)
+{
+    settings.paintsMatte = canPaint && settings.matte.empty();
+    return settings;
+}
+
+bool areEqual(const OfxRectI& a, const OfxRectI& b)
+{
+    return a.x1 == b.x1 && a.y1 == b.y1 && a.x2 == b.x2 && a.y2 == b.y2;
+}
+
 }  // namespace
 
 ViewSession::ViewSession(Render::RenderSettings settings)
     : settings_(std::move(settings)),
-      pictures_(settings_),
       session_(settings_.plugin, messages_.hostOptions(settings_.threads)),
+      paintObstacle_(obstacle(settings_, session_)),
+      pictures_(settings_ = preparedSettings(settings_, paintObstacle_.empty())),
       setup_(session_, settings_, pictures_.inputs(), pictures_.depth()),
       description_(session_.describe(setup_.context())),
       pages_(panelPages(description_)),
@@ -51,6 +85,15 @@ ViewSession::ViewSession(Render::RenderSettings settings)
         messages_.message(text);
     }
     setFrame(frame_);
+    readMatte();
+}
+
+void ViewSession::readMatte()
+{
+    if (!paintObstacle_.empty() && !inputs().has(Names::kMatte)) return;
+    if (!matte_) matte_.emplace(inputs().source().displayWindow, pictures_.depth());
+    const auto read = shown_->find(Names::kMatte);
+    if (read != shown_->end()) matte_->follow(read->second, settings_.matte);
 }
 
 Host::Interact* ViewSession::overlay()
@@ -70,15 +113,32 @@ void ViewSession::setFrame(int frame)
     for (const auto& [clip, picture] : *read) {
         ready_.clips.at(clip)->show(frame, picture.picture);
     }
-    hasChanged_ = hasChanged_ || frame != frame_;
+    const bool isAnother = frame != frame_;
+    hasChanged_ = hasChanged_ || isAnother;
     frame_ = frame;
     shown_ = std::move(read);
+    if (isAnother && !paintObstacle_.empty()) readMatte();
 }
 
 void ViewSession::set(const std::string& name, ParameterValue value)
 {
     const EditHistory::Group edit(history_);
     instance().set(name, std::move(value), kOfxChangeUserEdited, frame_);
+}
+
+void ViewSession::setAll(const std::vector<NamedValue>& values)
+{
+    const EditHistory::Group edit(history_);
+    apply(values);
+}
+
+void ViewSession::nextSeed()
+{
+    const ParameterDescription* const seed = description_.parameter(Names::kSeed);
+    if (seed == nullptr) return;
+    const int current = std::get<int>(value(Names::kSeed));
+    const bool isLast = !seed->max.empty() && current >= seed->max.front();
+    set(Names::kSeed, isLast ? 0 : current + 1);
 }
 
 void ViewSession::reset(const std::string& name)
@@ -97,7 +157,10 @@ void ViewSession::press(const std::string& name)
 void ViewSession::movePen(const Host::Interact::Pen& pen)
 {
     const EditHistory::Group edit(history_);
-    if (Host::Interact* const shown = overlay()) shown->penMotion(pen);
+    Host::Interact* const shown = overlay();
+    if (shown == nullptr) return;
+    shown->penMotion(pen);
+    if (isDragging() && dragBox_ && !areEqual(*dragBox_, *sampleBox())) useSampleBox();
 }
 
 bool ViewSession::pressPen(const Host::Interact::Pen& pen)
@@ -105,6 +168,7 @@ bool ViewSession::pressPen(const Host::Interact::Pen& pen)
     Host::Interact* const shown = overlay();
     if (shown == nullptr) return false;
     drag_.emplace(history_);
+    dragBox_ = sampleBox();
     // Also notifies an overlay that did not take the drag that the pen is up.
     if (shown->penDown(pen) != kOfxStatOK) releasePen(pen);
     return isDragging();
@@ -118,11 +182,13 @@ void ViewSession::releasePen(const Host::Interact::Pen& pen)
 
 void ViewSession::undo()
 {
+    cancelPaint();
     replay(history_.undo());
 }
 
 void ViewSession::redo()
 {
+    cancelPaint();
     replay(history_.redo());
 }
 
@@ -137,10 +203,12 @@ void ViewSession::apply(const std::vector<NamedValue>& values)
     }
 }
 
-void ViewSession::replay(const std::vector<NamedValue>& values)
+void ViewSession::replay(const Replay& replay)
 {
     const Raised replaying(isReplaying_);
-    apply(values);
+    apply(replay.values);
+    for (MattePatch* const patch : replay.patches) matte_->paint().swap(*patch);
+    if (!replay.patches.empty()) hasChanged_ = true;
 }
 
 void ViewSession::parameterChanged(Host::Instance& /*instance*/,
@@ -185,7 +253,9 @@ std::vector<std::string> ViewSession::takeMessages()
 
 ViewRequest ViewSession::currentRequest(double scale) const
 {
-    return {.frame = frame_, .scale = scale, .values = values()};
+    ViewRequest request{.frame = frame_, .scale = scale, .values = values(), .matte = nullptr};
+    if (matte_ && paintObstacle_.empty()) request.matte = matte_->painted();
+    return request;
 }
 
 std::uint64_t ViewSession::request(double scale, bool wantsMaps)
@@ -204,14 +274,23 @@ bool ViewSession::hasFullResult() const
     return latest->request == wanted;
 }
 
-void ViewSession::saveResult(const std::filesystem::path& name)
+void ViewSession::checkResultFile(const std::filesystem::path& name) const
 {
     const std::filesystem::path file = Files::SequencePattern(name).file(frame_);
     Files::checkTarget(file, settings_.compression);
-    if (inputs().reads(file)) {
+    const bool isMatte = matte_ && !matte_->file().empty() &&
+                         Files::fileIdentity(file) == Files::fileIdentity(matte_->file()) &&
+                         Files::fileIdentity(file);
+    if (inputs().reads(file) || isMatte) {
         throw Render::UsageError(file.string() +
                                  ": is one of the input files and is not overwritten");
     }
+}
+
+void ViewSession::saveResult(const std::filesystem::path& name)
+{
+    checkResultFile(name);
+    const std::filesystem::path file = Files::SequencePattern(name).file(frame_);
     if (!hasFullResult()) {
         request(fullScale());
         worker_->wait();
@@ -232,7 +311,12 @@ void ViewSession::saveResult(const std::filesystem::path& name)
 
 std::string ViewSession::commandText()
 {
-    return Viewer::commandText(settings_, setup_.with(values()), session_);
+    Render::RenderSettings settings = settings_;
+    if (currentRequest(1.0).matte) {
+        settings.matte = matteFile();
+        settings.paintsMatte = true;
+    }
+    return Viewer::commandText(settings, currentSetup(), session_);
 }
 
 void ViewSession::saveParameters(const std::filesystem::path& file)
@@ -246,8 +330,7 @@ void ViewSession::loadParameters(const std::filesystem::path& file)
     for (auto& [name, value] : Render::loadParameters(file, effect().identifier, description_)) {
         values.push_back({name, value});
     }
-    const EditHistory::Group edit(history_);
-    apply(values);
+    setAll(values);
 }
 
 }  // namespace Tesseret::Viewer

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,6 +14,7 @@
 #include "host/Interact.h"
 #include "render/InstanceSetup.h"
 #include "viewer/model/EditHistory.h"
+#include "viewer/model/MatteDocument.h"
 #include "viewer/model/Messages.h"
 #include "viewer/model/PanelPages.h"
 #include "viewer/model/PictureCache.h"
@@ -59,6 +61,46 @@ public:
     /// Whether a drag that the overlay took is going on.
     bool isDragging() const { return drag_.has_value(); }
 
+    // The matte. What is painted is filled: the first step lets the fill come from the matte.
+
+    /// Null where the plug-in has no matte.
+    MatteDocument* matte() { return matte_ ? &*matte_ : nullptr; }
+    const MatteDocument* matte() const { return matte_ ? &*matte_ : nullptr; }
+    /// Why nothing can be painted, as a line for the user; empty when something can.
+    const std::string& paintObstacle() const { return paintObstacle_; }
+    /// Everything painted from begin to end is one edit. Throws `UsageError` where nothing can be
+    /// painted.
+    void beginPaint();
+    void endPaint();
+    /// Ends without a trace.
+    void cancelPaint();
+    bool isPainting() const { return matte_ && matte_->paint().isOpen(); }
+    /// One edit.
+    void paint(const std::function<void(MattePaint&)>& work);
+    /// Replaces the matte by a file's, as one edit. Throws `FileError` or `UsageError`.
+    void loadMatte(const std::filesystem::path& file);
+    /// Throws `FileError`, and `UsageError` for an input file or a name of another format.
+    void saveMatte(const std::filesystem::path& file);
+    /// Where the matte is saved, or else would be.
+    std::filesystem::path matteFile() const;
+    /// Whether the printed command line needs the matte to be saved first.
+    bool needsMatteFile();
+    /// The mask that the current values fill from.
+    Render::FillRegion fillRegion() const;
+
+    // The sample box.
+
+    /// In pixels of the source (or of the first texture), y upwards; nullopt where the plug-in has
+    /// none.
+    std::optional<OfxRectI> sampleBox() const;
+    /// As one edit; blocks come from the box then, also where they kept clear of the region to
+    /// fill. Clipped at the picture; a box that misses it is left out.
+    void setSampleBox(const OfxRectD& pixels);
+    /// Whether blocks come from the box.
+    bool usesSampleBox() const;
+    /// Whether the box is not the plug-in's default.
+    bool hasOwnBox() const;
+
     // Parameter values. What the plug-in sets in response belongs to the same edit.
 
     Host::ParameterValue value(const std::string& name) const
@@ -67,6 +109,10 @@ public:
     }
     /// Throws `HostError` for a value of another shape.
     void set(const std::string& name, Host::ParameterValue value);
+    /// Sets several values as one edit.
+    void setAll(const std::vector<Render::NamedValue>& values);
+    /// Sets the seed after the current one, where the plug-in has a seed.
+    void nextSeed();
     /// Sets the plug-in's default.
     void reset(const std::string& name);
     /// A push button.
@@ -88,6 +134,8 @@ public:
 
     /// The scale of a full render; 1 unless the settings set another.
     double fullScale() const { return settings_.renderScale; }
+    /// Throws what `saveResult` would throw for the name.
+    void checkResultFile(const std::filesystem::path& name) const;
     /// Requests a render of the current state from the worker; returns its serial number.
     std::uint64_t request(double scale, bool wantsMaps = false);
     /// Whether the worker's latest result is the current state at full scale.
@@ -112,13 +160,20 @@ private:
 
     Render::ParameterValues values() const;
     void apply(const std::vector<Render::NamedValue>& values);
-    void replay(const std::vector<Render::NamedValue>& values);
+    void replay(const Replay& replay);
     ViewRequest currentRequest(double scale) const;
+    void readMatte();
+    void fillFromMatte();
+    void useSampleBox();
+    bool isChoice(const char* parameter, const char* choice) const;
+    /// The setup for the current values.
+    Render::InstanceSetup currentSetup();
 
     Render::RenderSettings settings_;
-    PictureCache pictures_;
     MessageList messages_;
     Render::PluginSession session_;
+    std::string paintObstacle_;
+    PictureCache pictures_;
     Render::InstanceSetup setup_;
     const Host::ContextDescription& description_;
     std::vector<PanelPage> pages_;
@@ -132,7 +187,9 @@ private:
     std::unique_ptr<RenderWorker> worker_;
     int frame_;
     std::shared_ptr<const Render::FramePictures> shown_;
-    std::optional<EditHistory::Group> drag_;  ///< while the overlay has the drag
+    mutable std::optional<MatteDocument> matte_;  ///< its render picture is made when needed
+    std::optional<EditHistory::Group> drag_;      ///< while the overlay has the drag
+    std::optional<OfxRectI> dragBox_;             ///< the sample box when it began
 };
 
 }  // namespace Tesseret::Viewer

@@ -5,7 +5,8 @@
 
 namespace Tesseret::Viewer {
 
-/// The plug-in's own overlay over the picture: draws it, and forwards the pen.
+/// The plug-in's own overlay over the picture: draws it, and forwards the pen, which is moved onto
+/// the sample box where it is near.
 class OverlayLayer {
 public:
     /// The session outlives the object. An OpenGL context is current in every call.
@@ -26,8 +27,11 @@ private:
     /// Passes the view to the overlay.
     Host::Interact::Pen penAt(const View& view, OfxPointD screen);
     void updateView(Host::Interact& overlay, const View& view) const;
+    std::optional<OfxRectD> box() const;
+    OfxPointD caught(const View& view, OfxPointD pen);
 
     ViewSession& session_;
+    OfxPointD offset_{0.0, 0.0};  ///< from the pointer to the pen
 };
 
 }  // namespace Tesseret::Viewer

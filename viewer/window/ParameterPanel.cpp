@@ -4,6 +4,8 @@
 
 #include <imgui/imgui.h>
 
+#include "effect/ParameterNames.h"
+#include "render/Boxes.h"
 #include "viewer/window/ParameterWidget.h"
 #include "viewer/window/Theme.h"
 
@@ -14,7 +16,9 @@ using Host::ParameterValue;
 
 namespace {
 
-constexpr float kLabelWidth = 158.0f;  ///< screen units
+constexpr float kLabelWidth = 158.0f;   ///< screen units
+constexpr float kNarrowPanel = 330.0f;  ///< where labels stand above their values
+constexpr const char* kBoxName = "the sample box in pixels";  ///< held like a parameter
 
 const std::string& labelOf(const ParameterDescription& parameter)
 {
@@ -89,28 +93,89 @@ void ParameterPanel::drawColumn(const std::vector<std::string>& column)
     }
 }
 
+/// Where values begin; in a narrow panel below their labels.
+float ParameterPanel::drawLabel(const std::string& label)
+{
+    const bool isNarrow = ImGui::GetContentRegionAvail().x < kNarrowPanel;
+    if (label.empty()) return isNarrow ? 0.0f : kLabelWidth;
+    ImGui::AlignTextToFramePadding();
+    ImGui::TextUnformatted(label.c_str());
+    return isNarrow ? 0.0f : kLabelWidth;
+}
+
 void ParameterPanel::drawRow(const ParameterDescription& parameter)
 {
+    if (isUseless(parameter)) return;
+    if (parameter.name == Names::kSampleCorner1) drawSampleBox();
     ImGui::PushID(parameter.name.c_str());
     ImGui::BeginDisabled(!parameter.enabled);
     const float gap = ImGui::GetStyle().ItemInnerSpacing.x;
     const float reset = ImGui::GetFrameHeight();
     const float start = ImGui::GetCursorPosX();
-    const float width = ImGui::GetContentRegionAvail().x - kLabelWidth - reset - gap;
-    if (!parameter.isButton()) {
-        ImGui::AlignTextToFramePadding();
-        ImGui::TextUnformatted(labelOf(parameter).c_str());
-        drawHint(parameter);
-        ImGui::SameLine();
-    }
-    ImGui::SetCursorPosX(start + kLabelWidth);
+    const float whole = ImGui::GetContentRegionAvail().x;
+    const float label = drawLabel(parameter.isButton() ? "" : labelOf(parameter));
+    const float width = whole - label - reset - gap;
+    if (!parameter.isButton()) drawHint(parameter);
+    if (!parameter.isButton() && label > 0.0f) ImGui::SameLine();
+    ImGui::SetCursorPosX(start + label);
     drawValue(parameter, width);
     if (!parameter.isButton()) {
-        ImGui::SameLine(start + kLabelWidth + width + gap);
+        ImGui::SameLine(start + label + width + gap);
         drawReset(parameter);
     }
     ImGui::EndDisabled();
     ImGui::PopID();
+}
+
+/// Without its texture a switch does nothing.
+bool ParameterPanel::isUseless(const ParameterDescription& parameter) const
+{
+    for (std::size_t i = 0; i < Names::kTextures.size(); ++i) {
+        if (parameter.name == Names::kUseTextures[i]) {
+            return !session_.inputs().has(Names::kTextures[i]);
+        }
+    }
+    return false;
+}
+
+/// Upper left corner, width and height, from the upper left of the picture.
+void ParameterPanel::drawSampleBox()
+{
+    const std::optional<OfxRectI> box = session_.sampleBox();
+    if (!box) return;
+    const int top = Render::sampledPicture(session_.inputs()).displayWindow.y2;
+    if (held_ != kBoxName) {
+        boxFields_ = {box->x1, top - box->y2, box->x2 - box->x1, box->y2 - box->y1};
+    }
+    ImGui::PushID(kBoxName);
+    const float start = ImGui::GetCursorPosX();
+    const float whole = ImGui::GetContentRegionAvail().x;
+    const float label = drawLabel("Sample Box, pixels");
+    if (label > 0.0f) ImGui::SameLine();
+    ImGui::SetCursorPosX(start + label);
+    const float gap = ImGui::GetStyle().ItemInnerSpacing.x;
+    const float width = (whole - label - ImGui::GetFrameHeight() - 4.0f * gap) / 4.0f;
+    constexpr std::array kHints{"Left edge", "Upper edge, from the top", "Width", "Height"};
+    for (std::size_t i = 0; i < boxFields_.size(); ++i) {
+        if (i > 0) ImGui::SameLine(0.0f, gap);
+        ImGui::PushID(static_cast<int>(i));
+        ImGui::SetNextItemWidth(width);
+        ImGui::InputInt("##field", &boxFields_[i], 0);
+        if (ImGui::IsItemActive()) takeHold(kBoxName);
+        if (ImGui::IsItemDeactivatedAfterEdit()) setSampleBox(top);
+        if (ImGui::IsItemHovered()) ImGui::SetTooltip("%s", kHints.at(i));
+        ImGui::PopID();
+    }
+    ImGui::PopID();
+}
+
+void ParameterPanel::setSampleBox(int top)
+{
+    const auto [x, y, width, height] = boxFields_;
+    log_.attempt([&] {
+        session_.setSampleBox(
+            {double(x), double(top) - y - height, double(x) + width, double(top) - y});
+    });
 }
 
 void ParameterPanel::drawValue(const ParameterDescription& parameter, float width)
@@ -119,7 +184,8 @@ void ParameterPanel::drawValue(const ParameterDescription& parameter, float widt
     ParameterValue value;
     if (!parameter.isButton()) value = isHeld && typed_ ? *typed_ : session_.value(parameter.name);
     ImGui::BeginGroup();
-    const bool changed = drawParameter(parameter, value, width);
+    const bool changed = parameter.name == Names::kSeed ? drawSeed(parameter, value, width)
+                                                        : drawParameter(parameter, value, width);
     ImGui::EndGroup();
     if (parameter.isButton()) {
         drawHint(parameter);
@@ -132,6 +198,23 @@ void ParameterPanel::drawValue(const ParameterDescription& parameter, float widt
     } else {
         keepOrSet(parameter.name, value);
     }
+}
+
+/// Any seed is as good as the next.
+bool ParameterPanel::drawSeed(const ParameterDescription& parameter, ParameterValue& value,
+                              float width)
+{
+    auto* const seed = std::get_if<int>(&value);
+    if (seed == nullptr) return drawParameter(parameter, value, width);
+    const float gap = ImGui::GetStyle().ItemInnerSpacing.x;
+    const float half = (width - gap) / 2.0f;
+    const bool changed = drawWholeField(parameter, *seed, half);
+    const bool isActive = ImGui::IsItemActive();
+    ImGui::SameLine(0.0f, gap);
+    if (ImGui::Button("Next seed", {half, 0.0f}) && !isActive) {
+        log_.attempt([&] { session_.nextSeed(); });
+    }
+    return changed;
 }
 
 void ParameterPanel::drawReset(const ParameterDescription& parameter)

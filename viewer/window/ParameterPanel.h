@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -25,6 +26,12 @@ private:
     void drawColumn(const std::vector<std::string>& column);
     void drawRow(const Host::ParameterDescription& parameter);
     void drawValue(const Host::ParameterDescription& parameter, float width);
+    bool drawSeed(const Host::ParameterDescription& parameter, Host::ParameterValue& value,
+                  float width);
+    static float drawLabel(const std::string& label);
+    bool isUseless(const Host::ParameterDescription& parameter) const;
+    void drawSampleBox();
+    void setSampleBox(int top);
     void drawReset(const Host::ParameterDescription& parameter);
     /// A typed value is set only when typing is finished.
     void keepOrSet(const std::string& name, const Host::ParameterValue& value);
@@ -38,6 +45,7 @@ private:
     std::string held_;  ///< the parameter being edited; empty for none
     bool isHeldNow_ = false;
     std::optional<Host::ParameterValue> typed_;  ///< for held_, not set yet
+    std::array<int, 4> boxFields_{};             ///< x, y, width and height while being typed
 };
 
 }  // namespace Tesseret::Viewer

@@ -11,6 +11,7 @@
 #include <imgui/imgui.h>
 #include <imgui/imgui_stdlib.h>
 
+#include "effect/ParameterNames.h"
 #include "ofx/ofxParam.h"
 
 namespace Tesseret::Viewer {
@@ -21,6 +22,7 @@ using Host::ParameterValue;
 namespace {
 
 constexpr double kNarrow = 10.0;
+constexpr double kWide = 20.0;        ///< the ends' ratio from which a slider is logarithmic
 constexpr float kFieldShare = 0.36f;  ///< of a number's width, beside its slider
 
 template <typename Number>
@@ -49,6 +51,25 @@ template <typename Number>
 bool canSlide(const Span<Number>& span)
 {
     return double(span.highest) - double(span.lowest) <= 1e7 && span.lowest < span.highest;
+}
+
+/// The range of a slider, with room where hands need more than the plug-in describes.
+template <typename Number>
+Span<Number> sliderSpan(const ParameterDescription& parameter)
+{
+    constexpr Number kMostSamples = 2000;
+    auto span = spanOf<Number>(parameter.displayMin, parameter.displayMax, 0);
+    if (parameter.name == Names::kNumSamples) span.highest = std::max(span.highest, kMostSamples);
+    return span;
+}
+
+template <typename Number>
+ImGuiSliderFlags sliderFlags(const Span<Number>& span)
+{
+    const bool isWide =
+        span.lowest >= 0 && double(span.highest) >= kWide * std::max(1.0, double(span.lowest));
+    return ImGuiSliderFlags_NoInput | ImGuiSliderFlags_NoRoundToFormat |
+           (isWide ? ImGuiSliderFlags_Logarithmic : 0);
 }
 
 /// The described number of digits, and at least enough to show a drag in a narrow range.
@@ -88,14 +109,18 @@ bool drawField(const ParameterDescription& parameter, std::size_t i, Number& num
 template <typename Number>
 bool drawNumber(const ParameterDescription& parameter, Number& number, float width)
 {
-    const auto display = spanOf<Number>(parameter.displayMin, parameter.displayMax, 0);
+    const auto display = sliderSpan<Number>(parameter);
     if (!canSlide(display)) return drawField(parameter, 0, number, width);
     const float gap = ImGui::GetStyle().ItemInnerSpacing.x;
     const float field = std::floor(width * kFieldShare);
     ImGui::SetNextItemWidth(width - field - gap);
     Number slid = std::clamp(number, display.lowest, display.highest);
-    bool changed = ImGui::SliderScalar("##slider", kDataType<Number>, &slid, &display.lowest,
-                                       &display.highest, "", ImGuiSliderFlags_NoInput);
+    // The text is not shown; its digits tell where a logarithmic scale from 0 begins: at 1.
+    ImGui::PushStyleColor(ImGuiCol_Text, {0.0f, 0.0f, 0.0f, 0.0f});
+    bool changed =
+        ImGui::SliderScalar("##slider", kDataType<Number>, &slid, &display.lowest, &display.highest,
+                            std::is_same_v<Number, int> ? "%d" : "%.0f", sliderFlags(display));
+    ImGui::PopStyleColor();
     if (changed) number = slid;
     ImGui::SameLine(0.0f, gap);
     if (drawField(parameter, 0, number, field)) changed = true;
@@ -179,6 +204,11 @@ bool isColour(const ParameterDescription& parameter)
 }
 
 }  // namespace
+
+bool drawWholeField(const ParameterDescription& parameter, int& value, float width)
+{
+    return drawField(parameter, 0, value, width);
+}
 
 bool drawParameter(const ParameterDescription& parameter, ParameterValue& value, float width)
 {

@@ -10,4 +10,7 @@ namespace Tesseret::Viewer {
 bool drawParameter(const Host::ParameterDescription& parameter, Host::ParameterValue& value,
                    float width);
 
+/// A whole number without a slider.
+bool drawWholeField(const Host::ParameterDescription& parameter, int& value, float width);
+
 }  // namespace Tesseret::Viewer

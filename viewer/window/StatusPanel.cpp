@@ -12,6 +12,19 @@ namespace {
 constexpr float kProgressWidth = 240.0f;  ///< screen units
 const ImVec4 kErrorColour{0.95f, 0.42f, 0.36f, 1.0f};
 const ImVec4 kMessageColour{0.96f, 0.80f, 0.45f, 1.0f};
+const ImVec4 kNoteColour{0.62f, 0.76f, 0.90f, 1.0f};
+
+ImVec4 textColour()
+{
+    return ImGui::GetStyleColorVec4(ImGuiCol_Text);
+}
+
+void drawLine(const std::string& text, const ImVec4& colour)
+{
+    ImGui::PushStyleColor(ImGuiCol_Text, colour);
+    ImGui::TextUnformatted(text.c_str());
+    ImGui::PopStyleColor();
+}
 
 std::string stageText(const WorkerState& state)
 {
@@ -25,29 +38,33 @@ std::string stageText(const WorkerState& state)
 
 }  // namespace
 
-int StatusPanel::draw(double zoom)
+StatusPanel::Choice StatusPanel::draw(double zoom, bool isPlaying)
 {
-    const int frame = drawFrames();
+    const Choice choice = drawFrames(isPlaying);
     drawProgress();
     ImGui::SameLine(ImGui::GetContentRegionMax().x - ImGui::CalcTextSize("00000 %").x);
     ImGui::TextDisabled("%5.0f %%", zoom * 100.0);
     drawMessages();
-    return frame;
+    return choice;
 }
 
-int StatusPanel::drawFrames() const
+StatusPanel::Choice StatusPanel::drawFrames(bool isPlaying) const
 {
     const std::vector<int>& frames = session_.frames();
-    if (frames.size() < 2) return session_.frame();
+    if (frames.size() < 2) return {session_.frame()};
+    Choice choice;
+    const float width = ImGui::CalcTextSize("Pause").x + 2.0f * ImGui::GetStyle().FramePadding.x;
+    choice.togglesPlay = ImGui::Button(isPlaying ? "Pause###play" : "Play###play", {width, 0.0f});
+    if (ImGui::IsItemHovered()) ImGui::SetTooltip("Plays the sequence (Space)");
     const auto place = std::ranges::find(frames, session_.frame()) - frames.begin();
     auto chosen = static_cast<int>(place);
-    ImGui::AlignTextToFramePadding();
-    ImGui::TextUnformatted("Frame");
     ImGui::SameLine();
     ImGui::SetNextItemWidth(-1.0f);
     ImGui::SliderInt("##frame", &chosen, 0, int(frames.size()) - 1,
-                     std::to_string(session_.frame()).c_str(), ImGuiSliderFlags_NoInput);
-    return frames[std::size_t(std::clamp(chosen, 0, int(frames.size()) - 1))];
+                     ("Frame " + std::to_string(session_.frame())).c_str(),
+                     ImGuiSliderFlags_NoInput);
+    choice.frame = frames[std::size_t(std::clamp(chosen, 0, int(frames.size()) - 1))];
+    return choice;
 }
 
 void StatusPanel::drawProgress() const
@@ -56,7 +73,8 @@ void StatusPanel::drawProgress() const
     ImGui::AlignTextToFramePadding();
     if (state.isRendering) {
         const std::string text = stageText(state);
-        ImGui::ProgressBar(float(state.fraction), {kProgressWidth, 0.0f}, "");
+        const float width = std::min(kProgressWidth, ImGui::GetContentRegionAvail().x / 3.0f);
+        ImGui::ProgressBar(float(state.fraction), {width, 0.0f}, "");
         ImGui::SameLine();
         ImGui::TextUnformatted(text.c_str());
         return;
@@ -68,22 +86,32 @@ void StatusPanel::drawProgress() const
                         result->picture.height(), result->seconds);
 }
 
+void StatusPanel::drawRenderNotes() const
+{
+    const auto result = session_.worker().latest();
+    if (!result) return;
+    if (!result->error.empty()) drawLine(result->error, kErrorColour);
+    for (const std::string& text : result->messages) drawLine(text, kMessageColour);
+    for (const std::string& text : result->notes) drawLine(text, kNoteColour);
+}
+
+/// What happened, and under it what the last render had to say; that goes with the render.
 void StatusPanel::drawMessages()
 {
     ImGui::BeginChild("messages");
     ImGui::PushTextWrapPos(0.0f);
     for (const MessageLog::Line& line : log_.lines()) {
-        const ImVec4 colour = line.kind == MessageLog::Kind::Error ? kErrorColour
-                              : line.kind == MessageLog::Kind::Message
-                                  ? kMessageColour
-                                  : ImGui::GetStyleColorVec4(ImGuiCol_Text);
-        ImGui::PushStyleColor(ImGuiCol_Text, colour);
-        ImGui::TextUnformatted(line.text.c_str());
-        ImGui::PopStyleColor();
+        drawLine(line.text, line.kind == MessageLog::Kind::Error     ? kErrorColour
+                            : line.kind == MessageLog::Kind::Message ? kMessageColour
+                                                                     : textColour());
     }
+    drawRenderNotes();
     ImGui::PopTextWrapPos();
-    if (shown_ != log_.count()) ImGui::SetScrollHereY(1.0f);
+    const auto result = session_.worker().latest();
+    const std::uint64_t render = result ? result->serial : 0;
+    if (shown_ != log_.count() || shownRender_ != render) ImGui::SetScrollHereY(1.0f);
     shown_ = log_.count();
+    shownRender_ = render;
     ImGui::EndChild();
 }
 

@@ -102,6 +102,11 @@ void applyTheme(double density)
     loadFont(density);
 }
 
+ImVec4 adviceColour()
+{
+    return kAccentBright;
+}
+
 const char* resetMark()
 {
     return ImGui::GetFont()->FindGlyphNoFallback(kResetArrow) != nullptr ? "\u21ba" : "x";

@@ -1,79 +1,230 @@
 #include "viewer/window/Toolbar.h"
 
+#include <algorithm>
+#include <cmath>
+#include <string>
+
 #include <imgui/imgui.h>
 
 namespace Tesseret::Viewer {
 
 namespace {
 
+constexpr float kGap = 4.0f, kGroupGap = 11.0f;  ///< screen units
+constexpr float kSliderWidth = 88.0f;
+const ImVec2 kToolPadding{6.0f, 4.0f};
+
 struct Menu {
     const char* label;
     std::initializer_list<UserCommand> commands;
 };
 
-bool isPossible(UserCommand command, ViewSession& session)
+bool needsNoPicture(UserCommand command)
 {
+    return command == UserCommand::OpenPicture || command == UserCommand::Quit ||
+           command == UserCommand::ShowKeys;
+}
+
+bool hasPaint(const ViewSession& session)
+{
+    return session.matte() != nullptr && !isEmpty(session.matte()->paint().maskedBox());
+}
+
+bool isPossible(UserCommand command, const ViewSession* session)
+{
+    if (session == nullptr) return needsNoPicture(command);
     switch (command) {
         case UserCommand::Undo:
-            return session.canUndo();
+            return session->canUndo();
         case UserCommand::Redo:
-            return session.canRedo();
+            return session->canRedo();
+        case UserCommand::OpenMatte:
+            return session->paintObstacle().empty();
+        case UserCommand::GrowMatte:
+        case UserCommand::ShrinkMatte:
+        case UserCommand::ClearMatte:
+            return session->paintObstacle().empty() && hasPaint(*session);
+        case UserCommand::ShowHole:
+            return hasPaint(*session);
+        case UserCommand::SaveMatte:
+        case UserCommand::SaveMatteAs:
+        case UserCommand::ShowMatte:
+            return session->matte() != nullptr;
+        case UserCommand::Play:
+            return session->frames().size() > 1;
         case UserCommand::PreviousFrame:
-            return session.frame() != session.frames().front();
+            return session->frame() != session->frames().front();
         case UserCommand::NextFrame:
-            return session.frame() != session.frames().back();
+            return session->frame() != session->frames().back();
         default:
             return true;
     }
 }
 
-bool drawItem(UserCommand command, ViewSession& session)
+/// Places items side by side, and on a new row where they do not fit.
+class Flow {
+public:
+    /// Before each item.
+    void next(float width, float gap = kGap)
+    {
+        if (std::exchange(isFirst_, false)) return;
+        const float end = ImGui::GetItemRectMax().x + gap + width;
+        const float right = ImGui::GetWindowPos().x + ImGui::GetContentRegionMax().x;
+        if (end <= right) ImGui::SameLine(0.0f, gap);
+    }
+    bool button(const char* label, float gap = kGap)
+    {
+        next(ImGui::CalcTextSize(label).x + 2.0f * ImGui::GetStyle().FramePadding.x, gap);
+        return ImGui::Button(label);
+    }
+    /// A button that stays pressed while it is chosen.
+    bool choice(const char* label, bool isChosen, float gap = kGap)
+    {
+        if (isChosen) {
+            const ImVec4 colour = ImGui::GetStyleColorVec4(ImGuiCol_TabActive);
+            ImGui::PushStyleColor(ImGuiCol_Button, colour);
+            ImGui::PushStyleColor(ImGuiCol_ButtonHovered, colour);
+        }
+        const bool isPressed = button(label, gap);
+        if (isChosen) ImGui::PopStyleColor(2);
+        return isPressed;
+    }
+    std::optional<UserCommand> command(UserCommand command, const char* label,
+                                       const ViewSession& session, float gap)
+    {
+        const UserCommandRow& row = rowOf(command);
+        ImGui::BeginDisabled(!isPossible(command, &session));
+        const bool isPressed = button(label, gap);
+        ImGui::EndDisabled();
+        tip(row.label, row.keys);
+        return isPressed ? std::optional(command) : std::nullopt;
+    }
+    static void tip(const std::string& text, const std::string& keys)
+    {
+        if (ImGui::IsItemHovered()) ImGui::SetTooltip("%s (%s)", text.c_str(), keys.c_str());
+    }
+
+private:
+    bool isFirst_ = true;
+};
+
+void drawLayers(Flow& flow, PictureLayers& layers)
 {
-    const UserCommandRow& row = rowOf(command);
-    return ImGui::MenuItem(row.label, row.keys, false, isPossible(command, session));
+    for (const Layer layer : {Layer::Source, Layer::Result, Layer::Split}) {
+        if (flow.choice(layerLabel(layer), layer == layers.layer())) layers.choose(layer);
+    }
+    const bool showsMap = !mapName(layers.layer()).empty();
+    const char* const label = showsMap ? layerLabel(layers.layer()) : "Maps";
+    if (flow.choice(label, showsMap)) ImGui::OpenPopup("maps");
+    if (ImGui::IsItemHovered()) ImGui::SetTooltip("What the fill was made with");
+    if (!ImGui::BeginPopup("maps")) return;
+    for (int i = 0; i < kLayerCount; ++i) {
+        const auto layer = static_cast<Layer>(i);
+        if (mapName(layer).empty()) continue;
+        if (ImGui::Selectable(layerLabel(layer), layer == layers.layer())) layers.choose(layer);
+    }
+    ImGui::EndPopup();
 }
 
-/// A button that stays pressed while its layer is shown.
-bool drawLayerButton(Layer layer, bool isChosen)
+void drawTools(Flow& flow, const ViewSession& session, ToolBox& tools)
 {
-    if (isChosen) {
-        ImGui::PushStyleColor(ImGuiCol_Button, ImGui::GetStyleColorVec4(ImGuiCol_TabActive));
-        ImGui::PushStyleColor(ImGuiCol_ButtonHovered, ImGui::GetStyleColorVec4(ImGuiCol_TabActive));
+    float gap = kGroupGap;
+    for (const ToolRow& row : toolRows()) {
+        const bool isBox = row.kind == ToolKind::SampleBox;
+        if (isBox ? !session.sampleBox() : !session.paintObstacle().empty()) continue;
+        if (flow.choice(row.label, row.kind == tools.kind(), gap)) tools.choose(row.kind);
+        Flow::tip(row.help, std::string(1, static_cast<char>(std::toupper(row.letter))));
+        gap = kGap;
     }
-    const bool isPressed = ImGui::Button(layerLabel(layer));
-    if (isChosen) ImGui::PopStyleColor(2);
-    return isPressed;
+}
+
+void drawBrushSliders(Flow& flow, Brush& brush)
+{
+    // The text stands over the grab.
+    ImGui::PushStyleVar(ImGuiStyleVar_GrabMinSize, 6.0f);
+    ImGui::PushStyleColor(ImGuiCol_SliderGrab, ImGui::GetStyleColorVec4(ImGuiCol_TabActive));
+    auto size = float(brush.size);
+    flow.next(kSliderWidth, kGroupGap);
+    ImGui::SetNextItemWidth(kSliderWidth);
+    if (ImGui::SliderFloat("##size", &size, float(Brush::kMinSize), 500.0f, "Size %.0f",
+                           ImGuiSliderFlags_Logarithmic)) {
+        brush.size = std::clamp(double(std::round(size)), Brush::kMinSize, Brush::kMaxSize);
+    }
+    Flow::tip("The brush's diameter in pixels", "[ and ]");
+    auto softness = float(brush.softness * 100.0);
+    flow.next(kSliderWidth);
+    ImGui::SetNextItemWidth(kSliderWidth);
+    if (ImGui::SliderFloat("##softness", &softness, 0.0f, 100.0f, "Soft %.0f %%",
+                           ImGuiSliderFlags_AlwaysClamp)) {
+        brush.softness = double(std::round(softness)) / 100.0;
+    }
+    if (ImGui::IsItemHovered()) {
+        ImGui::SetTooltip("How much of the brush fades. All of the rim is filled too.");
+    }
+    ImGui::PopStyleColor();
+    ImGui::PopStyleVar();
 }
 
 }  // namespace
 
-std::optional<UserCommand> drawMenus(ViewSession& session)
+std::optional<UserCommand> drawMenus(ViewSession* session, bool isPlaying)
 {
     const std::initializer_list<Menu> menus{
         {"File",
-         {UserCommand::SaveResult, UserCommand::SaveResultAs, UserCommand::SaveParameters,
-          UserCommand::LoadParameters, UserCommand::CopyCommandLine, UserCommand::Quit}},
-        {"Edit", {UserCommand::Undo, UserCommand::Redo}},
-        {"View", {UserCommand::Fit, UserCommand::PreviousFrame, UserCommand::NextFrame}},
+         {UserCommand::OpenPicture, UserCommand::SaveResult, UserCommand::SaveResultAs,
+          UserCommand::SaveParameters, UserCommand::LoadParameters, UserCommand::CopyCommandLine,
+          UserCommand::Quit}},
+        {"Edit", {UserCommand::Undo, UserCommand::Redo, UserCommand::NextSeed}},
+        {"Matte",
+         {UserCommand::OpenMatte, UserCommand::SaveMatte, UserCommand::SaveMatteAs,
+          UserCommand::GrowMatte, UserCommand::ShrinkMatte, UserCommand::ClearMatte,
+          UserCommand::ShowMatte}},
+        {"View",
+         {UserCommand::Fit, UserCommand::ActualSize, UserCommand::ShowHole, UserCommand::Play,
+          UserCommand::PreviousFrame, UserCommand::NextFrame}},
+        {"Help", {UserCommand::ShowKeys}},
     };
     std::optional<UserCommand> chosen;
     for (const Menu& menu : menus) {
         if (!ImGui::BeginMenu(menu.label)) continue;
         for (const UserCommand command : menu.commands) {
-            if (drawItem(command, session)) chosen = command;
+            const UserCommandRow& row = rowOf(command);
+            const bool isOn = command == UserCommand::Play && isPlaying;
+            if (ImGui::MenuItem(row.label, row.keys, isOn, isPossible(command, session))) {
+                chosen = command;
+            }
         }
         ImGui::EndMenu();
     }
     return chosen;
 }
 
-void drawLayerButtons(PictureLayers& layers)
+std::optional<UserCommand> drawToolbar(ViewSession& session, PictureLayers& layers, ToolBox& tools)
 {
-    for (int i = 0; i < kLayerCount; ++i) {
-        const auto layer = static_cast<Layer>(i);
-        if (i > 0) ImGui::SameLine(0.0f, layer == Layer::FillMask ? 20.0f : 4.0f);
-        if (drawLayerButton(layer, layer == layers.layer())) layers.choose(layer);
+    ImGui::PushStyleVar(ImGuiStyleVar_FramePadding, kToolPadding);
+    Flow flow;
+    std::optional<UserCommand> chosen;
+    const auto offer = [&](UserCommand command, const char* label, float gap = kGap) {
+        if (const auto pressed = flow.command(command, label, session, gap)) chosen = pressed;
+    };
+    drawLayers(flow, layers);
+    drawTools(flow, session, tools);
+    if (hasBrush(tools.kind()) && session.paintObstacle().empty()) {
+        drawBrushSliders(flow, tools.brush());
     }
+    if (session.paintObstacle().empty()) {
+        offer(UserCommand::GrowMatte, "Grow", kGroupGap);
+        offer(UserCommand::ShrinkMatte, "Shrink");
+        constexpr float kStepWidth = 66.0f;
+        flow.next(kStepWidth);
+        ImGui::SetNextItemWidth(kStepWidth);
+        ImGui::DragFloat("##step", &tools.step(), 0.2f, 1.0f, 200.0f, "by %.0f px",
+                         ImGuiSliderFlags_AlwaysClamp);
+    }
+    offer(UserCommand::Undo, "Undo", kGroupGap);
+    offer(UserCommand::Redo, "Redo");
+    ImGui::PopStyleVar();
+    return chosen;
 }
 
 }  // namespace Tesseret::Viewer

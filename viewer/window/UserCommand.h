@@ -4,12 +4,21 @@
 
 #include <optional>
 #include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "viewer/model/MatteTools.h"
 
 namespace Tesseret::Viewer {
 
 struct KeyEvent;
 
 enum class UserCommand {
+    OpenPicture,
+    OpenMatte,
+    SaveMatte,
+    SaveMatteAs,
     SaveResult,
     SaveResultAs,
     SaveParameters,
@@ -18,9 +27,20 @@ enum class UserCommand {
     Quit,
     Undo,
     Redo,
+    GrowMatte,
+    ShrinkMatte,
+    ClearMatte,
+    ShowMatte,
+    SmallerBrush,
+    LargerBrush,
+    NextSeed,
     Fit,
+    ActualSize,
+    ShowHole,
+    Play,
     PreviousFrame,
     NextFrame,
+    ShowKeys,
 };
 
 struct UserCommandRow {
@@ -33,8 +53,14 @@ struct UserCommandRow {
 };
 
 std::span<const UserCommandRow> userCommands();
+/// All keys and what the mouse does: key and effect.
+std::vector<std::pair<std::string, std::string>> keyRows();
+/// The same as text, a line each.
+std::string keysText();
 const UserCommandRow& rowOf(UserCommand command);
 
+/// The tool of a pressed key.
+std::optional<ToolKind> toolFor(const KeyEvent& key, bool isTyping);
 /// The command of a pressed key. During text input, plain keys and undo belong to the text field.
 std::optional<UserCommand> userCommandFor(const KeyEvent& key, bool isTyping);
 

@@ -6,19 +6,21 @@
 #include <imgui/imgui.h>
 
 #include "viewer/window/Gl.h"
+#include "viewer/window/Theme.h"
 #include "viewer/window/Toolbar.h"
 
 namespace Tesseret::Viewer {
 
 namespace {
 
-// Screen units.
-constexpr float kSideWidth = 440.0f;
-constexpr float kBottomHeight = 132.0f;
-constexpr float kLayersHeight = 46.0f;
+// Screen units, from the smallest window to a large one.
+constexpr float kSideShare = 0.345f, kLeastSide = 232.0f, kMostSide = 440.0f;
+constexpr float kLeastToolbar = 44.0f, kLeastHint = 27.0f;
+constexpr float kBottomShare = 0.165f, kLeastBottom = 74.0f, kMostBottom = 132.0f;
 
 // Seconds until the next frame without input.
-constexpr double kSoon = 0.01, kWhileRendering = 0.1, kWhileTyping = 0.25, kWhileIdle = 10.0;
+constexpr double kSoon = 0.01, kWhilePlaying = 0.01, kWhileRendering = 0.1, kWhileTyping = 0.25,
+                 kWhileIdle = 10.0;
 constexpr int kSettlingFrames = 3;
 
 constexpr int kPlainWindow = ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoMove |
@@ -33,23 +35,29 @@ void beginPart(const char* name, ImVec2 place, ImVec2 size)
     ImGui::Begin(name, nullptr, kPlainWindow);
 }
 
-std::string titleOf(ViewSession& session)
+/// How high the current part would have to be for what has been drawn.
+float neededHeight()
 {
-    return session.inputs().source().file.filename().string() + " - " + session.effect().label;
+    return ImGui::GetCursorPosY() - ImGui::GetStyle().ItemSpacing.y +
+           ImGui::GetStyle().WindowPadding.y;
+}
+
+float sideWidth(const WindowSize& size)
+{
+    return std::clamp(kSideShare * float(size.width), kLeastSide, kMostSide);
+}
+
+float bottomHeight(const WindowSize& size)
+{
+    return std::clamp(kBottomShare * float(size.height), kLeastBottom, kMostBottom);
 }
 
 }  // namespace
 
-Viewer::Viewer(std::unique_ptr<ViewSession> session, ViewerFiles files, WindowSize size)
-    : window_(titleOf(*session), size),
-      session_(std::move(session)),
-      files_(std::move(files)),
-      picture_(*session_),
-      panel_(*session_, log_),
-      status_(*session_, log_),
-      scheduler_(*session_)
+Viewer::Viewer(const Render::RenderSettings& settings, WindowSize size)
+    : window_("Tesseret", size), settings_(settings), parameters_(settings.parameterFile)
 {
-    session_->worker().setOnDone(&Window::wake);
+    if (!settings.source.empty()) open(settings);
 }
 
 void Viewer::run()
@@ -63,7 +71,8 @@ void Viewer::run()
 double Viewer::waitTime() const
 {
     if (pendingFrames_ > 0) return kSoon;
-    if (session_->worker().state().isRendering) return kWhileRendering;
+    if (work_ && work_->playback.isPlaying()) return kWhilePlaying;
+    if (work_ && work_->session->worker().state().isRendering) return kWhileRendering;
     return ImGui::GetIO().WantTextInput ? kWhileTyping : kWhileIdle;
 }
 
@@ -73,186 +82,205 @@ void Viewer::frame()
     pendingFrames_ = window_.hadInput() ? kSettlingFrames : std::max(0, pendingFrames_ - 1);
     layOut();
     followKeys();
-    picture_.followPointer();
+    followDrops();
+    if (work_) work_->picture.followPointer(window_.motions());
     drawInterface();
-    updateLog();
-    const bool isDragging = picture_.isEditing() || panel_.isDragging();
-    const bool wantsMaps = !mapName(picture_.layers().layer()).empty();
-    log_.attempt([&] {
-        scheduler_.update(isDragging, wantsMaps, RenderScheduler::Clock::now());
-        writeWanted();
-    });
-    const WindowSize size = window_.size();
-    picture_.draw(size.height, window_.density());
+    if (work_) {
+        updateLog();
+        log_.attempt([&] {
+            work_->followRegion();
+            work_->schedule(!wanted_.empty());
+            writeWanted();
+            play();
+        });
+        work_->picture.draw(window_.size().height, window_.density());
+    } else {
+        glClearColor(0.085f, 0.085f, 0.085f, 1.0f);
+        glClear(GL_COLOR_BUFFER_BIT);
+    }
     window_.endFrame();
 }
 
 void Viewer::layOut()
 {
+    if (!work_) return;
     const WindowSize size = window_.size();
-    const double top = double(ImGui::GetFrameHeight()) + double(kLayersHeight);
-    picture_.view().setArea({0.0, top, double(size.width) - double(kSideWidth),
-                             double(size.height) - top - double(kBottomHeight)});
+    const float top = ImGui::GetFrameHeight() + toolbarHeight_ + hintHeight_;
+    work_->picture.view().setArea({0.0, double(top), double(float(size.width) - sideWidth(size)),
+                                   double(float(size.height) - top - bottomHeight(size))});
 }
 
 void Viewer::drawInterface()
 {
-    const float menuHeight = ImGui::GetFrameHeight();
     std::optional<UserCommand> command;
     if (ImGui::BeginMainMenuBar()) {
-        command = drawMenus(*session_);
+        const bool isPlaying = work_ && work_->playback.isPlaying();
+        command = drawMenus(work_ ? work_->session.get() : nullptr, isPlaying);
         ImGui::EndMainMenuBar();
     }
-    const ScreenArea& area = picture_.view().area();
-    beginPart("layers", {0.0f, menuHeight}, {float(area.width), kLayersHeight});
-    drawLayerButtons(picture_.layers());
-    ImGui::End();
-    drawSide(menuHeight);
-    drawBottom(float(area.y + area.height));
+    if (work_) {
+        drawTop();
+        drawSide();
+        drawBottom();
+    } else {
+        drawInvitation();
+    }
+    drawKeys();
     dialog_.draw();
     if (command) perform(*command);
 }
 
-void Viewer::drawSide(float top)
+/// The toolbar and the line of advice, each as high as its contents were before at this width: if
+/// they became lower again, the picture would move under the pointer.
+void Viewer::drawTop()
+{
+    const float width = float(window_.size().width);
+    if (std::exchange(topWidth_, width) != width) {
+        toolbarHeight_ = kLeastToolbar;
+        hintHeight_ = kLeastHint;
+    }
+    float top = ImGui::GetFrameHeight();
+    beginPart("tools", {0.0f, top}, {width, toolbarHeight_});
+    const auto command =
+        drawToolbar(*work_->session, work_->picture.layers(), work_->picture.tools());
+    const float tools = neededHeight();
+    ImGui::End();
+    top += toolbarHeight_;
+    ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, {12.0f, 5.0f});
+    ImGui::PushStyleColor(ImGuiCol_WindowBg, ImGui::GetStyleColorVec4(ImGuiCol_MenuBarBg));
+    beginPart("advice", {0.0f, top}, {width, hintHeight_});
+    ImGui::PushTextWrapPos(0.0f);
+    ImGui::TextColored(adviceColour(), "%s", nextStep(work_->progress()).c_str());
+    ImGui::PopTextWrapPos();
+    const float hint = neededHeight();
+    ImGui::End();
+    ImGui::PopStyleColor();
+    ImGui::PopStyleVar();
+    if (tools > toolbarHeight_ || hint > hintHeight_) pendingFrames_ = kSettlingFrames;
+    toolbarHeight_ = std::max(tools, toolbarHeight_);
+    hintHeight_ = std::max(hint, hintHeight_);
+    if (command) perform(*command);
+}
+
+void Viewer::drawSide()
 {
     const WindowSize size = window_.size();
-    beginPart("parameters", {float(size.width) - kSideWidth, top},
-              {kSideWidth, float(size.height) - top});
-    panel_.draw();
+    const float top = float(work_->picture.view().area().y);
+    beginPart("parameters", {float(size.width) - sideWidth(size), top},
+              {sideWidth(size), float(size.height) - top});
+    work_->panel.draw();
     ImGui::End();
 }
 
-void Viewer::drawBottom(float top)
+void Viewer::drawBottom()
 {
-    beginPart("status", {0.0f, top}, {float(picture_.view().area().width), kBottomHeight});
-    const int frame = status_.draw(picture_.view().scale());
+    const ScreenArea& area = work_->picture.view().area();
+    const WindowSize size = window_.size();
+    beginPart("status", {0.0f, float(area.y + area.height)},
+              {float(area.width), bottomHeight(size)});
+    const StatusPanel::Choice choice =
+        work_->status.draw(work_->picture.view().scale(), work_->playback.isPlaying());
     ImGui::End();
-    if (frame != session_->frame()) showFrame(frame);
+    if (choice.togglesPlay) work_->playback.toggle(Playback::Clock::now());
+    if (choice.frame == work_->session->frame()) return;
+    log_.attempt([&] { work_->showFrame(choice.frame); });
+}
+
+/// What an empty window says.
+void Viewer::drawInvitation()
+{
+    const WindowSize size = window_.size();
+    const float top = ImGui::GetFrameHeight();
+    beginPart("invitation", {0.0f, top}, {float(size.width), float(size.height) - top});
+    const auto centred = [](const char* text) {
+        ImGui::SetCursorPosX(
+            std::max(12.0f, (ImGui::GetWindowWidth() - ImGui::CalcTextSize(text).x) / 2.0f));
+    };
+    ImGui::SetCursorPosY(ImGui::GetWindowHeight() * 0.36f);
+    const std::string advice = nextStep({});
+    centred(advice.c_str());
+    ImGui::TextColored(adviceColour(), "%s", advice.c_str());
+    ImGui::Spacing();
+    constexpr const char* kOpen = "   Open picture...   ";
+    centred(kOpen);
+    if (ImGui::Button(kOpen)) askPicture();
+    ImGui::Spacing();
+    constexpr const char* kNext = "Then paint over what should go, look at the fill, and save it.";
+    centred(kNext);
+    ImGui::TextDisabled("%s", kNext);
+    ImGui::PushTextWrapPos(0.0f);
+    for (const MessageLog::Line& line : log_.lines()) {
+        centred(line.text.c_str());
+        ImGui::TextUnformatted(line.text.c_str());
+    }
+    ImGui::PopTextWrapPos();
+    ImGui::End();
+}
+
+void Viewer::drawKeys()
+{
+    if (!showsKeys_) return;
+    const WindowSize size = window_.size();
+    ImGui::SetNextWindowPos(ImGui::GetMainViewport()->GetCenter(), ImGuiCond_Appearing,
+                            {0.5f, 0.5f});
+    ImGui::SetNextWindowSize(
+        {std::min(700.0f, float(size.width) - 40.0f), std::min(640.0f, float(size.height) - 60.0f)},
+        ImGuiCond_Appearing);
+    if (ImGui::Begin("Mouse and keys", &showsKeys_,
+                     ImGuiWindowFlags_NoCollapse | ImGuiWindowFlags_NoSavedSettings)) {
+        for (const auto& [keys, effect] : keyRows()) {
+            ImGui::TextUnformatted(keys.c_str());
+            ImGui::SameLine(130.0f);
+            ImGui::PushTextWrapPos(0.0f);
+            ImGui::TextUnformatted(effect.c_str());
+            ImGui::PopTextWrapPos();
+        }
+    }
+    ImGui::End();
 }
 
 /// Logs the plug-in's messages, and shows the worker's latest result.
 void Viewer::updateLog()
 {
-    for (const std::string& text : session_->takeMessages()) {
+    for (const std::string& text : work_->session->takeMessages()) {
         log_.add(MessageLog::Kind::Message, text);
     }
-    const auto result = session_->worker().latest();
-    if (!result || result->serial == shownSerial_) return;
-    shownSerial_ = result->serial;
+    if (work_->showLatest()) pendingFrames_ = kSettlingFrames;
+}
+
+void Viewer::play()
+{
+    const bool isComplete =
+        work_->picture.layers().layer() == Layer::Source || work_->scheduler.isSettled();
+    if (!work_->playback.isDue(isComplete, Playback::Clock::now())) return;
+    const bool isLast = work_->session->frame() == work_->session->frames().back();
+    if (isLast) {
+        work_->showFrame(work_->session->frames().front());
+    } else {
+        work_->step(1);
+    }
     pendingFrames_ = kSettlingFrames;
-    for (const std::string& text : result->notes) log_.add(MessageLog::Kind::Note, text);
-    for (const std::string& text : result->messages) log_.add(MessageLog::Kind::Message, text);
-    log_.add(MessageLog::Kind::Error, result->error);
-    picture_.update();
-}
-
-void Viewer::followKeys()
-{
-    if (dialog_.isAsking()) return;
-    for (const KeyEvent& key : window_.keys()) {
-        const auto command = userCommandFor(key, ImGui::GetIO().WantTextInput);
-        if (command) perform(*command);
-    }
-}
-
-void Viewer::perform(UserCommand command)
-{
-    log_.attempt([&] {
-        switch (command) {
-            case UserCommand::SaveResult:
-                return saveResult(/*asks=*/files_.output.empty());
-            case UserCommand::SaveResultAs:
-                return saveResult(/*asks=*/true);
-            case UserCommand::SaveParameters:
-                return askParameters(/*saves=*/true);
-            case UserCommand::LoadParameters:
-                return askParameters(/*saves=*/false);
-            case UserCommand::CopyCommandLine:
-                return copyCommandLine();
-            case UserCommand::Quit:
-                return window_.close();
-            case UserCommand::Undo:
-                return session_->undo();
-            case UserCommand::Redo:
-                return session_->redo();
-            case UserCommand::Fit:
-                return picture_.view().fit();
-            case UserCommand::PreviousFrame:
-                return step(-1);
-            case UserCommand::NextFrame:
-                return step(1);
-        }
-    });
-}
-
-void Viewer::saveResult(bool asks)
-{
-    if (!asks) {
-        wanted_ = session_->inputs().isSequence() ? session_->inputs().outputFile(session_->frame())
-                                                  : files_.output;
-        return;
-    }
-    dialog_.ask("Save the result as", files_.output,
-                [this](const std::filesystem::path& file) { wanted_ = file; });
-}
-
-void Viewer::askParameters(bool saves)
-{
-    const std::string question = saves ? "Save the parameters as" : "Load the parameters of";
-    dialog_.ask(question, files_.parameters, [this, saves](const std::filesystem::path& file) {
-        log_.attempt([&] {
-            if (saves) {
-                session_->saveParameters(file);
-            } else {
-                session_->loadParameters(file);
-            }
-            files_.parameters = file;
-            log_.add(MessageLog::Kind::Note, (saves ? "Saved " : "Loaded ") + file.string());
-        });
-    });
-}
-
-void Viewer::copyCommandLine()
-{
-    const std::string text = session_->commandText();
-    window_.copyToClipboard(text);
-    log_.add(MessageLog::Kind::Note, "Copied: " + text);
 }
 
 /// Saves once the render is complete, so that the window never blocks.
 void Viewer::writeWanted()
 {
     if (wanted_.empty()) return;
-    if (session_->hasFullResult()) {
+    if (work_->session->hasFullResult()) {
         const std::filesystem::path file = std::exchange(wanted_, {});
-        session_->saveResult(file);
-        log_.add(MessageLog::Kind::Note, "Saved " + file.string());
-    } else if (scheduler_.isSettled()) {
-        const bool hasFailed = !session_->worker().latest()->error.empty();
-        if (hasFailed) {
+        work_->session->saveResult(file);
+        work_->savedSerial = work_->session->worker().latest()->serial;
+        note("Saved " + file.string());
+        pendingFrames_ = kSettlingFrames;
+    } else if (work_->scheduler.isSettled()) {
+        if (!work_->session->worker().latest()->error.empty()) {
             log_.add(MessageLog::Kind::Error, "Nothing saved to " + wanted_.string());
             wanted_.clear();
         } else {
-            scheduler_.renew();
+            work_->scheduler.renew();
             pendingFrames_ = kSettlingFrames;
         }
     }
-}
-
-void Viewer::step(int frames)
-{
-    const std::vector<int>& all = session_->frames();
-    const auto place = std::ranges::find(all, session_->frame()) - all.begin();
-    const auto last = static_cast<std::ptrdiff_t>(all.size()) - 1;
-    showFrame(all[static_cast<std::size_t>(std::clamp(place + frames, std::ptrdiff_t{0}, last))]);
-}
-
-void Viewer::showFrame(int frame)
-{
-    log_.attempt([&] {
-        session_->setFrame(frame);
-        picture_.update();
-    });
 }
 
 }  // namespace Tesseret::Viewer

@@ -4,60 +4,65 @@
 #include <memory>
 
 #include "viewer/model/Messages.h"
-#include "viewer/model/RenderScheduler.h"
-#include "viewer/window/ParameterPanel.h"
 #include "viewer/window/PathDialog.h"
-#include "viewer/window/PictureArea.h"
-#include "viewer/window/StatusPanel.h"
 #include "viewer/window/UserCommand.h"
 #include "viewer/window/Window.h"
+#include "viewer/window/Workspace.h"
 
 namespace Tesseret::Viewer {
 
-/// Files of a viewer beside those of the session.
-struct ViewerFiles {
-    std::filesystem::path output;      ///< of the result; empty: asked for
-    std::filesystem::path parameters;  ///< proposed for saving and loading; may be empty
-};
-
-/// The window with a session's picture and parameters.
+/// The window: empty, or with a picture, its fill and the parameters.
 class Viewer {
 public:
-    /// Opens the window. Throws `UsageError` where there is no window system.
-    Viewer(std::unique_ptr<ViewSession> session, ViewerFiles files, WindowSize size);
+    /// Opens the window, and the settings' source in it, if there is one. Throws `UsageError` where
+    /// there is no window system.
+    Viewer(const Render::RenderSettings& settings, WindowSize size);
 
     /// Returns when the user closes the window.
     void run();
 
 private:
+    // Parts of a frame.
     double waitTime() const;
     void frame();
     void layOut();
     void drawInterface();
-    void drawSide(float top);
-    void drawBottom(float top);
+    void drawTop();
+    void drawSide();
+    void drawBottom();
+    void drawInvitation();
+    void drawKeys();
     void updateLog();
     void followKeys();
+    void followDrops();
+    void play();
+
+    // Commands.
     void perform(UserCommand command);
+    void performOnPicture(UserCommand command);
+    void performOnMatte(UserCommand command);
+    void askPicture();
+    void openPicture(const std::filesystem::path& file);
+    void open(const Render::RenderSettings& settings);
+    void askMatte();
+    void saveMatte(bool asks);
     void saveResult(bool asks);
     void askParameters(bool saves);
     void copyCommandLine();
+    void resizeBrush(double factor);
     void writeWanted();
-    void step(int frames);
-    void showFrame(int frame);
+    void note(const std::string& text) { log_.add(MessageLog::Kind::Note, text); }
 
-    // The session ends first: its overlay may still need the window's OpenGL context.
+    // The workspace ends first: it needs the window's OpenGL context.
     Window window_;
-    std::unique_ptr<ViewSession> session_;
-    ViewerFiles files_;
+    Render::RenderSettings settings_;  ///< as given
     MessageLog log_;
-    PictureArea picture_;
-    ParameterPanel panel_;
-    StatusPanel status_;
-    RenderScheduler scheduler_;
+    std::unique_ptr<Workspace> work_;  ///< null while there is no picture
     PathDialog dialog_;
+    std::filesystem::path parameters_;  ///< proposed for saving and loading; may be empty
     std::filesystem::path wanted_;  ///< where the result goes once it is complete; empty: nowhere
-    std::uint64_t shownSerial_ = 0;
+    float topWidth_ = 0.0f, toolbarHeight_ = 44.0f, hintHeight_ = 27.0f;  ///< screen units
+    bool showsKeys_ = false;
     int pendingFrames_ = 3;  ///< frames to draw without delay, until the user interface has settled
 };
 

@@ -1,5 +1,7 @@
 #include "viewer/window/Window.h"
 
+#include <algorithm>
+
 #include <GLFW/glfw3.h>
 #include <imgui/backends/imgui_impl_glfw.h>
 #include <imgui/backends/imgui_impl_opengl2.h>
@@ -19,10 +21,22 @@ std::string lastError()
     return text != nullptr ? text : "no reason is known";
 }
 
-InputQueue& inputOf(GLFWwindow* window)
-{
-    return *static_cast<InputQueue*>(glfwGetWindowUserPointer(window));
-}
+}  // namespace
+
+/// For the callbacks of the system.
+struct WindowEvents {
+    static Window& of(GLFWwindow* window)
+    {
+        return *static_cast<Window*>(glfwGetWindowUserPointer(window));
+    }
+    static InputQueue& input(GLFWwindow* window) { return of(window).input_; }
+    static void drop(GLFWwindow* window, int count, const char** paths)
+    {
+        of(window).drops_.insert(of(window).drops_.end(), paths, paths + count);
+    }
+};
+
+namespace {
 
 GLFWwindow* open(const std::string& title, WindowSize size)
 {
@@ -68,24 +82,25 @@ Window::~Window()
 
 void Window::listen()
 {
-    glfwSetWindowUserPointer(window_, &input_);
+    glfwSetWindowUserPointer(window_, this);
     glfwSetWindowFocusCallback(window_, ImGui_ImplGlfw_WindowFocusCallback);
     glfwSetCursorEnterCallback(window_, ImGui_ImplGlfw_CursorEnterCallback);
     glfwSetCursorPosCallback(window_, [](GLFWwindow* window, double x, double y) {
-        inputOf(window).push(MotionEvent{x, y});
+        WindowEvents::input(window).push(MotionEvent{x, y});
     });
     glfwSetMouseButtonCallback(window_, [](GLFWwindow* window, int button, int action, int mods) {
-        inputOf(window).push(ButtonEvent{button, action, mods});
+        WindowEvents::input(window).push(ButtonEvent{button, action, mods});
     });
     glfwSetScrollCallback(window_, [](GLFWwindow* window, double x, double y) {
-        inputOf(window).push(WheelEvent{x, y});
+        WindowEvents::input(window).push(WheelEvent{x, y});
     });
     glfwSetKeyCallback(window_,
                        [](GLFWwindow* window, int key, int scancode, int action, int mods) {
-                           inputOf(window).push(KeyEvent{key, scancode, action, mods});
+                           WindowEvents::input(window).push(KeyEvent{key, scancode, action, mods});
                        });
+    glfwSetDropCallback(window_, &WindowEvents::drop);
     glfwSetCharCallback(window_, [](GLFWwindow* window, unsigned int codepoint) {
-        inputOf(window).push(TextEvent{codepoint});
+        WindowEvents::input(window).push(TextEvent{codepoint});
     });
 }
 
@@ -108,7 +123,10 @@ void Window::pass(const InputEvent& event)
     if (const auto* const motion = std::get_if<MotionEvent>(&event)) {
         pointerX_ = motion->x;
         pointerY_ = motion->y;
+        motions_.push_back({motion->x, motion->y});
     } else if (const auto* const button = std::get_if<ButtonEvent>(&event)) {
+        const auto place = static_cast<std::size_t>(button->button);
+        if (place < buttons_.size()) buttons_[place] = button->action != GLFW_RELEASE;
         ImGui_ImplGlfw_MouseButtonCallback(window_, button->button, button->action,
                                            button->modifiers);
     } else if (const auto* const wheel = std::get_if<WheelEvent>(&event)) {
@@ -124,13 +142,15 @@ void Window::pass(const InputEvent& event)
 void Window::beginFrame()
 {
     keys_.clear();
+    motions_.clear();
     const std::vector<InputEvent> events = input_.takeFrame();
-    hadInput_ = !events.empty();
+    hadInput_ = !events.empty() || !drops_.empty();
     for (const InputEvent& event : events) pass(event);
     ImGui_ImplOpenGL2_NewFrame();
     ImGui_ImplGlfw_NewFrame();
-    // The backend uses the pointer's current position, which may be ahead of the button events.
+    // The backend uses the current position and buttons, which may be ahead of the frame's events.
     ImGui::GetIO().MousePos = ImVec2(float(pointerX_), float(pointerY_));
+    std::ranges::copy(buttons_, ImGui::GetIO().MouseDown);
     ImGui::NewFrame();
 }
 
@@ -149,6 +169,11 @@ bool Window::isClosing() const
 void Window::close()
 {
     glfwSetWindowShouldClose(window_, GLFW_TRUE);
+}
+
+void Window::setTitle(const std::string& title)
+{
+    glfwSetWindowTitle(window_, title.c_str());
 }
 
 void Window::copyToClipboard(const std::string& text)

@@ -1,9 +1,11 @@
 #pragma once
 
-#include <functional>
+#include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "ofx/ofxCore.h"
 #include "viewer/model/InputQueue.h"
 
 struct GLFWwindow;
@@ -33,6 +35,10 @@ public:
     /// repeated ones. If more input is queued than one frame can take, `wait` returns at once.
     void beginFrame();
     const std::vector<KeyEvent>& keys() const { return keys_; }
+    /// Where the pointer has been since the last frame, in order, screen units.
+    const std::vector<OfxPointD>& motions() const { return motions_; }
+    /// Files dropped on the window since the last call.
+    std::vector<std::string> takeDrops() { return std::exchange(drops_, {}); }
     /// Whether the frame has any input.
     bool hadInput() const { return hadInput_; }
     /// Draws the user interface on top and shows the frame.
@@ -41,6 +47,7 @@ public:
     /// Whether the user has closed the window.
     bool isClosing() const;
     void close();
+    void setTitle(const std::string& title);
     void copyToClipboard(const std::string& text);
 
     /// In screen units.
@@ -49,13 +56,18 @@ public:
     double density() const;
 
 private:
+    friend struct WindowEvents;
+
     void listen();
     void pass(const InputEvent& event);
 
     GLFWwindow* window_ = nullptr;
     InputQueue input_;
     double pointerX_ = -1.0, pointerY_ = -1.0;
+    std::array<bool, 5> buttons_{};  ///< down, after the frame's events
     std::vector<KeyEvent> keys_;
+    std::vector<OfxPointD> motions_;
+    std::vector<std::string> drops_;
     bool hadInput_ = false;
 };
 
