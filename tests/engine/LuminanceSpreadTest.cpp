@@ -7,6 +7,7 @@
 
 #include "engine/filter/BoxBlur.h"
 #include "engine/filter/KnownSpread.h"
+#include "engine/filter/LuminanceSpread.h"
 #include "engine/filter/TileBlur.h"
 #include "tests/fixtures/FakeServices.h"
 #include "tests/fixtures/MapBuilder.h"
@@ -116,6 +117,47 @@ void expectSpreadLikeTheBlur(int radius, TestMap<Pixel8>& known)
         for (int x = part.x0; x < part.x1; ++x) {
             ASSERT_EQ(next->read(x, y), support->read(x, y) >= threshold ? 1 : 0)
                 << radius << ' ' << x << ' ' << y;
+        }
+    }
+}
+
+/// Large ratios of both signs: every other order of a sum shows.
+TEST(LuminanceSpread, BlursRatiosAsOverThePartThatIsReached)
+{
+    const FakeServices services(2);
+    std::mt19937 random(8);
+    constexpr int kReach = 8;
+    const Region area{kX, kY, kX + kWidth, kY + kHeight};
+    const Region known{kX + 50, kY + 40, kX + 97, kY + 75};
+    const Region active{known.x0 - kReach - 1, known.y0 - kReach - 1, known.x1 + kReach + 1,
+                        known.y1 + kReach + 1};
+    SharedWork work(nullptr);
+    TileBlur blur(work);
+    LuminanceSpread spread(work, blur, {area, area, kReach, kReach / 2, 1});
+    ASSERT_TRUE(spread.makeRoom() && blur.makeRoom(kWidth, kHeight));
+    const int width = active.x1 - active.x0, height = active.y1 - active.y0;
+    TestMap<Pixel32f> first(width, height, active.x0, active.y0),
+        second(width, height, active.x0, active.y0);
+    for (int y = area.y0; y < area.y1; ++y) {
+        for (int x = area.x0; x < area.x1; ++x) {
+            const bool isKnown = x >= known.x0 && x < known.x1 && y >= known.y0 && y < known.y1;
+            const float large = random() % 2 ? 1e20f : -1e20f;
+            const float ratio = random() % 3 ? static_cast<float>(random() % 1000) : large;
+            *spread.measured().translate(x, y) = isKnown ? 1 : 0;
+            *spread.ratio().translate(x, y) = ratio;
+            if (!isKnown) continue;
+            *first->translate(x, y) = ratio;
+            *second->translate(x, y) = 1.0f;
+        }
+    }
+    TestMap<Pixel32f> gain(kWidth, kHeight, kX, kY);
+    spread.run(area, known, *gain);
+    BoxBlur blurFirst(BoxBlur::OneApplication, kReach), blurSecond(BoxBlur::OneApplication, kReach);
+    blurFirst.process(*first, *first);
+    blurSecond.process(*second, *second);
+    for (int y = known.y0; y < known.y1; ++y) {
+        for (int x = known.x0; x < known.x1; ++x) {
+            ASSERT_EQ(gain->read(x, y), first->read(x, y) / second->read(x, y)) << x << ' ' << y;
         }
     }
 }
