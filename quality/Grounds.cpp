@@ -156,13 +156,17 @@ std::optional<TwoGrounds> divide(const std::vector<PlacedLook>& cells)
     return line;
 }
 
-double alike(const std::vector<PlacedLook>& here, const std::vector<PlacedLook>& there)
+double usualUnlikeness(const std::vector<PlacedLook>& cells)
+{
+    return meanDistance(cells, cells, 3 * kCell);
+}
+
+double alike(const std::vector<PlacedLook>& here, const std::vector<PlacedLook>& there,
+             double usual)
 {
     if (here.empty() || there.empty()) return 0;
-    const double usual = meanDistance(here, here, 3 * kCell) + kFloor;
-    const double complete = meanDistance(here, there, 0) + kFloor;
-    const double coherent = meanDistance(there, here, 0) + kFloor;
-    return std::min(2 * usual / (complete + coherent), 1.0);
+    const double both = meanDistance(here, there, 0) + meanDistance(there, here, 0);
+    return std::min(2 * (usual + kFloor) / (both + 2 * kFloor), 1.0);
 }
 
 }  // namespace Tesseret::Quality

@@ -14,9 +14,13 @@ namespace Tesseret::Quality {
 /// ground, of more than two, or mixed.
 std::optional<TwoGrounds> divide(const std::vector<PlacedLook>& cells);
 
+/// How unlike a cell usually is to the most similar other one at least two cells away, in tones.
+double usualUnlikeness(const std::vector<PlacedLook>& cells);
+
 /// How alike two sets of cells are, 0 to 1: each cell of one has to be like some cell of the other,
 /// and the other way round (Simakov, Caspi, Shechtman and Irani, "Summarizing Visual Data Using
-/// Bidirectional Similarity", 2008).
-double alike(const std::vector<PlacedLook>& here, const std::vector<PlacedLook>& there);
+/// Bidirectional Similarity", 2008). `usual` is the usual unlikeness of the first set.
+double alike(const std::vector<PlacedLook>& here, const std::vector<PlacedLook>& there,
+             double usual);
 
 }  // namespace Tesseret::Quality

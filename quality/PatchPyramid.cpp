@@ -56,8 +56,9 @@ PatchPyramid::PatchPyramid(Tones tones, int levels)
         for (int y = 0; y < 2 * half; y += step) {
             for (int x = 0; x < 2 * half; x += step, to += level.planeValues) {
                 const int skip = skipped(l - 1);
-                const auto plane =
-                    std::size_t(((y % half) >> skip) * (half >> skip) + ((x % half) >> skip));
+                const int column = (x % half) >> skip, row = (y % half) >> skip;
+                const std::size_t plane =
+                    std::size_t(row) * std::size_t(half >> skip) + std::size_t(column);
                 halve(below.values.get() + plane * below.planeValues, width, height, x / half,
                       y / half, to, halfWidth, halfHeight);
             }

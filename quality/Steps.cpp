@@ -25,7 +25,8 @@ float step(const PatchPyramid& pixels, int x, int y, bool upright)
     }
     float squares = 0;
     for (const std::int32_t s : sum) squares += float(s) * float(s);
-    return std::sqrt(squares / 3) / (kLong / kThick);
+    constexpr int kPairs = kLong / kThick;
+    return std::sqrt(squares / 3) / float(kPairs);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "quality/TextureScale.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <vector>
@@ -116,6 +117,7 @@ private:
     Shades shades(const OfxRectI& window, int level) const;
     void measureScale(const OfxRectI& area);
     void measureRoughness(const OfxRectI& area);
+    void collectCells(const OfxRectI& area);
     bool isKnown(int x, int y) const
     {
         return levels_[std::size_t(y) * std::size_t(pixels_.width()) + std::size_t(x)] > 0;
@@ -130,7 +132,13 @@ private:
     PatchPyramid pixels_;
     std::vector<std::uint8_t> levels_;
     Activity activity_;
-    std::vector<PlacedLook> cells_;  ///< known ones near the area
+    /// Known ones near the area.
+    struct Cells {
+        std::vector<PlacedLook> looks;
+        double usual = 0;  ///< unlikeness
+    };
+    Cells all_;
+    std::array<Cells, 2> ofGround_;
 };
 
 TextureScale::Surroundings::Surroundings(const Picture& source, const Picture& lost, OfxRectI area)
@@ -144,11 +152,7 @@ TextureScale::Surroundings::Surroundings(const Picture& source, const Picture& l
                           area.y2 - bounds_.y1};
     measureScale(box);
     measureRoughness(box);
-    cells_ = RimLook(activity_, levels_, pixels_.width(), within(box, kNear), {}).cells();
-    grounds = divide(cells_);
-    if (grounds) {
-        grounds->offset += grounds->normalX * bounds_.x1 + grounds->normalY * bounds_.y1;
-    }
+    collectCells(box);
 }
 
 /// Samples of 2^level pixels.
@@ -225,16 +229,23 @@ double TextureScale::Surroundings::likeness(const OfxRectI& box, int ground) con
         {box.x1 - bounds_.x1, box.y1 - bounds_.y1, box.x2 - bounds_.x1, box.y2 - bounds_.y1},
         {0, 0, activity_.columns() * kCell, activity_.rows() * kCell});
     const RimLook there(activity_, levels_, pixels_.width(), inside, {});
-    std::vector<PlacedLook> here;
-    for (const PlacedLook& cell : cells_) {
-        if (ground >= 0 && grounds) {
-            const double side = grounds->normalX * (cell.x + bounds_.x1) +
-                                grounds->normalY * (cell.y + bounds_.y1) - grounds->offset;
-            if ((side > 0 ? 1 : 0) != ground) continue;
-        }
-        here.push_back(cell);
+    const Cells& here =
+        grounds && (ground == 0 || ground == 1) ? ofGround_[std::size_t(ground)] : all_;
+    return alike(here.looks, there.cells(), here.usual);
+}
+
+void TextureScale::Surroundings::collectCells(const OfxRectI& area)
+{
+    all_.looks = RimLook(activity_, levels_, pixels_.width(), within(area, kNear), {}).cells();
+    all_.usual = usualUnlikeness(all_.looks);
+    grounds = divide(all_.looks);
+    if (!grounds) return;
+    for (const PlacedLook& cell : all_.looks) {
+        const double along = grounds->normalX * cell.x + grounds->normalY * cell.y;
+        ofGround_[along > grounds->offset ? 1 : 0].looks.push_back(cell);
     }
-    return alike(here, there.cells());
+    for (Cells& cells : ofGround_) cells.usual = usualUnlikeness(cells.looks);
+    grounds->offset += grounds->normalX * bounds_.x1 + grounds->normalY * bounds_.y1;
 }
 
 TextureScale::TextureScale(const Picture& source, const Picture& lost, OfxRectI area)

@@ -86,7 +86,7 @@ std::int16_t ToneCurve::tone(float value) const
 {
     const float light = value > 0.0f ? value : 0.0f;
     const float tone = (std::sqrt(light + adaptation_) - black_) * scale_;
-    return std::int16_t(std::min(tone, kHighest) + 0.5f);
+    return std::int16_t(std::min(tone + 0.5f, kHighest));
 }
 
 template <typename Channel>

@@ -250,6 +250,7 @@ TEST(ThreadsTest, GetTheSameScore)
     const double expected = FillScorer(source, lostBox(), kArea).score(filled).total;
     std::vector<double> totals(4);
     std::vector<std::thread> threads;
+    threads.reserve(totals.size());
     for (double& total : totals) {
         threads.emplace_back([&] { total = scorer.score(filled).total; });
     }
