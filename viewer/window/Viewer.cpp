@@ -54,10 +54,11 @@ float bottomHeight(const WindowSize& size)
 
 }  // namespace
 
-Viewer::Viewer(const Render::RenderSettings& settings, WindowSize size)
+Viewer::Viewer(std::unique_ptr<ViewSession> session, const Render::RenderSettings& settings,
+               WindowSize size)
     : window_("Tesseret", size), settings_(settings), parameters_(settings.parameterFile)
 {
-    if (!settings.source.empty()) open(settings);
+    if (session) show(std::move(session), settings.output);
 }
 
 void Viewer::run()

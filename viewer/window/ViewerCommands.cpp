@@ -177,14 +177,14 @@ void Viewer::openPicture(const std::filesystem::path& file)
     const Render::RenderSettings settings = settingsFor(file, settings_);
     PictureCache(settings).read(0);
     wanted_.clear();
-    work_.reset();
-    open(settings);
+    work_.reset();  // one session at a time has the plug-in
+    show(std::make_unique<ViewSession>(settings), {});
 }
 
-void Viewer::open(const Render::RenderSettings& settings)
+void Viewer::show(std::unique_ptr<ViewSession> session, const std::filesystem::path& output)
 {
-    work_ = std::make_unique<Workspace>(std::make_unique<ViewSession>(settings), log_);
-    work_->output = settings.output;
+    work_ = std::make_unique<Workspace>(std::move(session), log_);
+    work_->output = output;
     work_->session->worker().setOnDone(&Window::wake);
     window_.setTitle(work_->session->inputs().source().file.filename().string() + " - " +
                      work_->session->effect().label);
