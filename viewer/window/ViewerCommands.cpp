@@ -97,11 +97,9 @@ void Viewer::performOnPicture(UserCommand command)
         case UserCommand::CopyCommandLine:
             return copyCommandLine();
         case UserCommand::Undo:
-            work_->picture.cancelDrawing();
-            return session.undo();
         case UserCommand::Redo:
-            work_->picture.cancelDrawing();
-            return session.redo();
+            if (work_->picture.isDrawing()) return work_->picture.cancelDrawing();
+            return command == UserCommand::Undo ? session.undo() : session.redo();
         case UserCommand::NextSeed:
             return session.nextSeed();
         case UserCommand::Fit:
