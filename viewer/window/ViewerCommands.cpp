@@ -46,6 +46,7 @@ void Viewer::followKeys()
     // In the frame after a text was confirmed the library still wants input for it.
     const bool isTyping = ImGui::GetIO().WantTextInput && ImGui::IsAnyItemActive();
     for (const KeyEvent& key : window_.keys()) {
+        if (key.key == GLFW_KEY_ESCAPE) showsKeys_ = false;
         if (const auto command = userCommandFor(key, isTyping)) {
             perform(*command);
         } else if (work_ && !isTyping) {
