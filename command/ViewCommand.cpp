@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "command/RenderOptions.h"
 #include "files/FileThreads.h"
@@ -65,7 +66,9 @@ int view(const ViewOptions& options)
     const Render::RenderSettings settings = settingsFrom(options.render);
     checkFiles(settings);
     Files::useThreads(settings.threads);
-    Viewer::Viewer viewer(settings, size);
+    std::unique_ptr<Viewer::ViewSession> session;
+    if (!settings.source.empty()) session = std::make_unique<Viewer::ViewSession>(settings);
+    Viewer::Viewer viewer(std::move(session), settings, size);
     viewer.run();
     return 0;
 }

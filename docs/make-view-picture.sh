@@ -18,8 +18,8 @@ start_viewer "$root/build/release/bin/tesseret" 1280x800 --source ../camera.png 
 xdotool key ctrl+s
 until_true "the result" test -s result.png
 shot start
-changes 840x598+0+70 start split "the split view" mousemove 167 46 click 1
-changes 840x598+0+70 split view "the line to move" mousemove 420 200 mousedown 1 mousemove 472 200
+changes 840x568+0+100 start split "the split view" mousemove 157 46 click 1
+changes 840x568+0+100 split view "the line to move" mousemove 420 200 mousedown 1 mousemove 472 200
 xdotool mouseup 1
 quit_viewer
 gm convert view.png -quality 82 "$root/docs/pictures/viewer.jpg"

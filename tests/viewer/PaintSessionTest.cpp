@@ -330,6 +330,21 @@ TEST_F(PaintSessionTest, NotesSpeakOfTheWindow)
     EXPECT_THAT(rendered(session)->notes, IsEmpty());
 }
 
+TEST_F(PaintSessionTest, ErrorsSpeakOfTheWindow)
+{
+    paint(in("t.png"), 100, 80, Fixtures::noise(3));
+    Render::RenderSettings given = settings();
+    given.textures[0] = in("t.png");
+    ViewSession session(given);
+    session.setAll({{"sampleCorner1", std::vector<double>{0.1, 0.1}},
+                    {"sampleCorner2", std::vector<double>{0.9, 0.9}}});
+    session.request(1.0);
+    session.worker().wait();
+    EXPECT_THAT(session.worker().latest()->error,
+                testing::AllOf(HasSubstr("reaches beyond this texture"),
+                               HasSubstr("tool Sample box"), Not(HasSubstr("--"))));
+}
+
 TEST_F(PaintSessionTest, EachToolIsOneStep)
 {
     struct Case {

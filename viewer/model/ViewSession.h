@@ -75,6 +75,8 @@ public:
     /// Ends without a trace.
     void cancelPaint();
     bool isPainting() const { return matte_ && matte_->paint().isOpen(); }
+    /// Whether something is masked, or being painted.
+    bool hasPaint() const;
     /// One edit.
     void paint(const std::function<void(MattePaint&)>& work);
     /// Replaces the matte by a file's, as one edit. Throws `FileError` or `UsageError`.

@@ -77,6 +77,11 @@ void ViewSession::cancelPaint()
     history_.endGroup();
 }
 
+bool ViewSession::hasPaint() const
+{
+    return isPainting() || (matte_ && !isEmpty(matte_->paint().maskedBox()));
+}
+
 void ViewSession::paint(const std::function<void(MattePaint&)>& work)
 {
     beginPaint();

@@ -1,6 +1,6 @@
 #include "viewer/window/PictureArea.h"
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 #include <string>
 #include <utility>
@@ -20,7 +20,7 @@ constexpr double kWipeTolerance = 8.0;  ///< screen units from the line
 constexpr double kToolReach = 8.0;      ///< screen units
 constexpr double kGround = 0.085;       ///< grey around the picture
 constexpr std::size_t kMostNumbers = 200;
-constexpr ImU32 kDark = IM_COL32(0, 0, 0, 150), kLight = IM_COL32(255, 255, 255, 230);
+constexpr ImU32 kDark = IM_COL32(0, 0, 0, 150), kLight = IM_COL32(255, 214, 140, 255);
 constexpr ImU32 kTag = IM_COL32(20, 21, 23, 215), kTagText = IM_COL32(255, 190, 110, 255);
 
 bool differ(const OfxPointD& a, const OfxPointD& b)
@@ -50,8 +50,8 @@ public:
     {
         const int flags = isClosed ? ImDrawFlags_Closed : ImDrawFlags_None;
         const int count = static_cast<int>(points.size());
-        list_.AddPolyline(points.data(), count, kDark, flags, 3.0f);
-        list_.AddPolyline(points.data(), count, kLight, flags, 1.0f);
+        list_.AddPolyline(points.data(), count, kDark, flags, 3.5f);
+        list_.AddPolyline(points.data(), count, kLight, flags, 1.5f);
     }
     ImDrawList& list() { return list_; }
 
@@ -73,6 +73,13 @@ bool startsWithSource(const ViewSession& session)
            session.paintObstacle().empty() && session.inputs().infos().size() <= 2;
 }
 
+/// A brush that is handy while the whole picture is seen.
+double firstSize(const OfxRectD& picture)
+{
+    const double length = std::max(picture.x2 - picture.x1, picture.y2 - picture.y1);
+    return std::clamp(std::round(length / 20.0), 10.0, 400.0);
+}
+
 }  // namespace
 
 PictureArea::PictureArea(ViewSession& session, MessageLog& log)
@@ -82,6 +89,7 @@ PictureArea::PictureArea(ViewSession& session, MessageLog& log)
     const OfxRectD& picture = view_.picture();
     layers_.setWipe((picture.x1 + picture.x2) / 2.0);
     if (startsWithSource(session)) layers_.choose(Layer::Source);
+    tools_.brush().size = firstSize(picture);
 }
 
 void PictureArea::update()
@@ -251,7 +259,17 @@ void PictureArea::drawMatte()
     drawAreaNumbers();
 }
 
-/// At the upper left of each area of the last result, in the order of filling.
+/// Where the highest row of an area begins, at the upper left of its box if it has been widened.
+OfxPointD PictureArea::topOf(const OfxRectI& box, double scale) const
+{
+    const Picture& matte = session_.matte()->paint().picture();
+    for (int x = box.x1; scale == 1.0 && x < box.x2 && matte.contains(x, box.y2 - 1); ++x) {
+        if (*matte.pixel<std::uint8_t>(x, box.y2 - 1) != 0) return {double(x), double(box.y2)};
+    }
+    return {box.x1 / scale, box.y2 / scale};
+}
+
+/// At the top of each area of the last result, in the order of filling.
 void PictureArea::drawAreaNumbers() const
 {
     const auto latest = session_.worker().latest();
@@ -259,8 +277,7 @@ void PictureArea::drawAreaNumbers() const
     PictureDrawing drawing(view_.area());
     const double scale = latest->request.scale;
     for (std::size_t i = 0; i < latest->areas.size(); ++i) {
-        const OfxRectI& box = latest->areas[i];
-        const OfxPointD corner = onScreen({box.x1 / scale, box.y2 / scale});
+        const OfxPointD corner = onScreen(topOf(latest->areas[i], scale));
         const std::string text = std::to_string(i + 1);
         const ImVec2 size = ImGui::CalcTextSize(text.c_str());
         const ImVec2 place{float(corner.x) - size.x / 2.0f, float(corner.y) - size.y - 4.0f};

@@ -58,6 +58,7 @@ private:
     void drawShape() const;
     void drawBrush() const;
     void drawAreaNumbers() const;
+    OfxPointD topOf(const OfxRectI& box, double scale) const;
 
     ViewSession& session_;
     MessageLog& log_;

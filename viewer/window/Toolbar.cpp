@@ -25,11 +25,6 @@ bool needsNoPicture(UserCommand command)
            command == UserCommand::ShowKeys;
 }
 
-bool hasPaint(const ViewSession& session)
-{
-    return session.matte() != nullptr && !isEmpty(session.matte()->paint().maskedBox());
-}
-
 bool isPossible(UserCommand command, const ViewSession* session)
 {
     if (session == nullptr) return needsNoPicture(command);
@@ -43,9 +38,9 @@ bool isPossible(UserCommand command, const ViewSession* session)
         case UserCommand::GrowMatte:
         case UserCommand::ShrinkMatte:
         case UserCommand::ClearMatte:
-            return session->paintObstacle().empty() && hasPaint(*session);
+            return session->paintObstacle().empty() && session->hasPaint();
         case UserCommand::ShowHole:
-            return hasPaint(*session);
+            return session->hasPaint();
         case UserCommand::SaveMatte:
         case UserCommand::SaveMatteAs:
         case UserCommand::ShowMatte:

@@ -47,17 +47,20 @@ float sideWidth(const WindowSize& size)
     return std::clamp(kSideShare * float(size.width), kLeastSide, kMostSide);
 }
 
-float bottomHeight(const WindowSize& size)
+/// With a row more for the frames of a sequence.
+float bottomHeight(const WindowSize& size, const ViewSession& session)
 {
-    return std::clamp(kBottomShare * float(size.height), kLeastBottom, kMostBottom);
+    const float row = session.frames().size() > 1 ? ImGui::GetFrameHeightWithSpacing() : 0.0f;
+    return row + std::clamp(kBottomShare * float(size.height), kLeastBottom, kMostBottom);
 }
 
 }  // namespace
 
-Viewer::Viewer(const Render::RenderSettings& settings, WindowSize size)
+Viewer::Viewer(std::unique_ptr<ViewSession> session, const Render::RenderSettings& settings,
+               WindowSize size)
     : window_("Tesseret", size), settings_(settings), parameters_(settings.parameterFile)
 {
-    if (!settings.source.empty()) open(settings);
+    if (session) show(std::move(session), settings.output);
 }
 
 void Viewer::run()
@@ -106,8 +109,9 @@ void Viewer::layOut()
     if (!work_) return;
     const WindowSize size = window_.size();
     const float top = ImGui::GetFrameHeight() + toolbarHeight_ + hintHeight_;
-    work_->picture.view().setArea({0.0, double(top), double(float(size.width) - sideWidth(size)),
-                                   double(float(size.height) - top - bottomHeight(size))});
+    work_->picture.view().setArea(
+        {0.0, double(top), double(float(size.width) - sideWidth(size)),
+         double(float(size.height) - top - bottomHeight(size, *work_->session))});
 }
 
 void Viewer::drawInterface()
@@ -177,7 +181,7 @@ void Viewer::drawBottom()
     const ScreenArea& area = work_->picture.view().area();
     const WindowSize size = window_.size();
     beginPart("status", {0.0f, float(area.y + area.height)},
-              {float(area.width), bottomHeight(size)});
+              {float(area.width), bottomHeight(size, *work_->session)});
     const StatusPanel::Choice choice =
         work_->status.draw(work_->picture.view().scale(), work_->playback.isPlaying());
     ImGui::End();

@@ -14,9 +14,10 @@ namespace Tesseret::Viewer {
 /// The window: empty, or with a picture, its fill and the parameters.
 class Viewer {
 public:
-    /// Opens the window, and the settings' source in it, if there is one. Throws `UsageError` where
-    /// there is no window system.
-    Viewer(const Render::RenderSettings& settings, WindowSize size);
+    /// Opens the window with a session of the settings, or empty without one. Throws `UsageError`
+    /// where there is no window system.
+    Viewer(std::unique_ptr<ViewSession> session, const Render::RenderSettings& settings,
+           WindowSize size);
 
     /// Returns when the user closes the window.
     void run();
@@ -43,7 +44,7 @@ private:
     void performOnMatte(UserCommand command);
     void askPicture();
     void openPicture(const std::filesystem::path& file);
-    void open(const Render::RenderSettings& settings);
+    void show(std::unique_ptr<ViewSession> session, const std::filesystem::path& output);
     void askMatte();
     void saveMatte(bool asks);
     void saveResult(bool asks);

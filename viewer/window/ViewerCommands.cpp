@@ -46,6 +46,7 @@ void Viewer::followKeys()
     // In the frame after a text was confirmed the library still wants input for it.
     const bool isTyping = ImGui::GetIO().WantTextInput && ImGui::IsAnyItemActive();
     for (const KeyEvent& key : window_.keys()) {
+        if (key.key == GLFW_KEY_ESCAPE) showsKeys_ = false;
         if (const auto command = userCommandFor(key, isTyping)) {
             perform(*command);
         } else if (work_ && !isTyping) {
@@ -97,11 +98,9 @@ void Viewer::performOnPicture(UserCommand command)
         case UserCommand::CopyCommandLine:
             return copyCommandLine();
         case UserCommand::Undo:
-            work_->picture.cancelDrawing();
-            return session.undo();
         case UserCommand::Redo:
-            work_->picture.cancelDrawing();
-            return session.redo();
+            if (work_->picture.isDrawing()) return work_->picture.cancelDrawing();
+            return command == UserCommand::Undo ? session.undo() : session.redo();
         case UserCommand::NextSeed:
             return session.nextSeed();
         case UserCommand::Fit:
@@ -177,14 +176,14 @@ void Viewer::openPicture(const std::filesystem::path& file)
     const Render::RenderSettings settings = settingsFor(file, settings_);
     PictureCache(settings).read(0);
     wanted_.clear();
-    work_.reset();
-    open(settings);
+    work_.reset();  // one session at a time has the plug-in
+    show(std::make_unique<ViewSession>(settings), {});
 }
 
-void Viewer::open(const Render::RenderSettings& settings)
+void Viewer::show(std::unique_ptr<ViewSession> session, const std::filesystem::path& output)
 {
-    work_ = std::make_unique<Workspace>(std::make_unique<ViewSession>(settings), log_);
-    work_->output = settings.output;
+    work_ = std::make_unique<Workspace>(std::move(session), log_);
+    work_->output = output;
     work_->session->worker().setOnDone(&Window::wake);
     window_.setTitle(work_->session->inputs().source().file.filename().string() + " - " +
                      work_->session->effect().label);

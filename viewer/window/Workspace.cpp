@@ -25,8 +25,7 @@ Progress Workspace::progress() const
     progress.hasPicture = true;
     progress.fillsRegion = fillsRegion();
     progress.fillsMatte = session->fillRegion().source == Render::MaskSource::Matte;
-    progress.hasPaint =
-        session->matte() != nullptr && !isEmpty(session->matte()->paint().maskedBox());
+    progress.hasPaint = session->hasPaint();
     progress.isDrawing = picture.isDrawing();
     progress.isRendering = session->worker().state().isRendering;
     progress.showsSource = picture.layers().layer() == Layer::Source;
@@ -65,10 +64,9 @@ void Workspace::followRegion()
     const bool before = std::exchange(filledRegion_, fillsRegion());
     if (before == filledRegion_) return;
     PictureLayers& layers = picture.layers();
-    const bool isBlank =
-        session->matte() == nullptr || isEmpty(session->matte()->paint().maskedBox());
     if (filledRegion_ && layers.layer() == Layer::Source) layers.choose(Layer::Result);
-    if (!filledRegion_ && isBlank && layers.layer() == Layer::Result) layers.choose(Layer::Source);
+    if (!filledRegion_ && !session->hasPaint() && layers.layer() == Layer::Result)
+        layers.choose(Layer::Source);
 }
 
 void Workspace::step(int frames)
