@@ -128,11 +128,17 @@ void addMatteOptions(CLI::App& command, RenderOptions& options)
         ->needs(matte);
     command
         .add_option("--areas", options.areas,
-                    "Which separate areas of the matte to fill: all, one after another, or first "
-                    "(default: all)")
+                    "Which separate areas of the matte to fill: all, one after another, first, or "
+                    "numbers as in 1,3-5, which count from the lowest row up (default: all)")
         ->needs(matte)
-        ->check(CLI::IsMember({"all", "first"}))
         ->type_name("WHICH");
+    command
+        .add_option("--matte-side", options.matteSide,
+                    "Fills only one side of a line: x,y,angle, a point in pixels from the upper "
+                    "left corner and the direction from it to that side in degrees, 0 to the "
+                    "right and 90 downwards")
+        ->needs(matte)
+        ->type_name("LINE");
     command
         .add_option("--matte-window", options.matteWindow,
                     "How much of the matte the plug-in receives: area, the box round the area to "

@@ -551,9 +551,8 @@ void SynthesisNode<Pixel>::compositeRow(int y)
     RowWriter out(this->target(), y);
     const Region covered = coveredIn(y);
     const Region part = laidPart_.within(covered);
-    const PixelSpan<Pixel> laid = part.isEmpty()
-                                      ? PixelSpan<Pixel>{region.x0, region.x0, nullptr}
-                                      : RowReader(laid_, y).interior(part.x0, part.x1);
+    const PixelSpan<Pixel> laid = part.isEmpty() ? PixelSpan<Pixel>{region.x0, region.x0, nullptr}
+                                                 : RowReader(laid_, y).interior(part.x0, part.x1);
     const auto gain = RowReader(state_->luminanceGain, y).interior(region.x0, region.x1);
     const auto mask = RowReader(state_->compositeMask, y).interior(region.x0, region.x1);
     // Between these the same maps have pixels.

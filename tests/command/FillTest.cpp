@@ -261,7 +261,7 @@ TEST_F(FollowTest, RecordedBlocksMoveWithTheMatte)
                 AllOf(HasSubstr("frame 2 masks more than the region recorded in frame 1"),
                       HasSubstr("--follow")));
     EXPECT_GT(magentaPixels(load(in("o2.png"))), 0);
-    const Outcome moving = renderFrames({"--follow"});
+    const Outcome moving = renderFrames({"--follow", "--texture1-crop", "60,20,190,135"});
     EXPECT_EQ(moving.code, 0);
     EXPECT_THAT(moving.err, Not(HasSubstr("warning")));
     const LoadedPicture first = load(in("o1.png"));
