@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -140,6 +141,9 @@ void addFillCommand(CLI::App& app, Action& action)
     addFileOptions(*command, options->render, /*wantsOutput=*/true);
     addMatteOptions(*command, options->render);
     command->get_option("--matte")->required();
+    for (const char* name : {"--fill-alpha", "--fill-alpha-inverted"}) {
+        command->remove_option(command->get_option(name));
+    }
     addOwnOptions(*command, *options);
     addPluginOptions(*command, options->render);
     command->callback([options, &action] { action = [options] { return fill(*options); }; });

@@ -119,7 +119,7 @@ std::vector<Choice> AreaSearch::withTwoGrounds() const
 {
     constexpr std::size_t kPlaces = 2;
     const auto& grounds = texture_.grounds();
-    if (!grounds || fixed_.fixesPlace()) return {};
+    if (!grounds || fixed_.fixesPlace() || fixed_.fixesSide()) return {};
     const std::vector<Place> places[] = {placesOnGround(area_, texture_, 0, kPlaces),
                                          placesOnGround(area_, texture_, 1, kPlaces)};
     std::vector<Choice> choices;

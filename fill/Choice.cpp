@@ -57,6 +57,7 @@ FixedValues::FixedValues(const RenderSettings& settings)
         const auto& holder = json.contains(kSteps) ? json[kSteps][0] : json;
         for (const auto& [name, value] : holder["parameters"].items()) names_.push_back(name);
     }
+    fixesSide_ = settings.matteSide.has_value();
     const auto isGiven = [](const auto& file) { return !file.empty(); };
     const auto isCut = [](const auto& crop) { return crop.has_value(); };
     fixesPlace_ = settings.sampleBox || has(Names::kSampleCorner1) || has(Names::kSampleCorner2) ||
@@ -77,7 +78,8 @@ std::vector<RenderSettings> settingsOf(const Choice& choice, const std::vector<s
     for (const Part& part : choice.parts) {
         RenderSettings settings = base;
         settings.areas = areas;
-        settings.matteSide = part.side;
+        settings.everyArea = true;
+        if (part.side) settings.matteSide = part.side;
         if (settings.matteGrow == 0.0) settings.matteGrow = choice.grow;
         for (std::size_t i = 0; i < part.place.crops.size(); ++i) {
             settings.textureCrops.at(i) = viewBox(part.place.crops[i], top);
@@ -91,15 +93,20 @@ std::vector<RenderSettings> settingsOf(const Choice& choice, const std::vector<s
     return steps;
 }
 
-std::string captionOf(const Choice& choice)
+std::string captionOf(const Choice& choice, const FixedValues& fixed)
 {
     std::string text;
     for (const Part& part : choice.parts) Render::appendItem(text, " + ", part.place.name);
-    text += ", blocks " + std::to_string(choice.blockSize) + "/" + std::to_string(choice.overlap);
-    if (choice.blendSize > 0) text += ", blend " + std::to_string(choice.blendSize);
-    text += ", samples " + std::to_string(choice.numSamples);
-    if (choice.luminanceMatch) text += ", luminance";
-    return text + ", seed " + std::to_string(choice.seed);
+    const auto add = [&](const char* parameter, const std::string& words) {
+        if (!fixed.has(parameter)) text += ", " + words;
+    };
+    add(Names::kBlockSize, "blocks of " + std::to_string(choice.blockSize));
+    add(Names::kOverlap, "overlap " + std::to_string(choice.overlap));
+    if (choice.blendSize > 0) add(Names::kBlendSize, "blend " + std::to_string(choice.blendSize));
+    add(Names::kNumSamples, std::to_string(choice.numSamples) + " samples");
+    if (choice.luminanceMatch) add(Names::kLuminanceMatch, "luminance match");
+    add(Names::kSeed, "seed " + std::to_string(choice.seed));
+    return text;
 }
 
 }  // namespace Tesseret::Fill

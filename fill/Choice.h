@@ -42,10 +42,12 @@ public:
     bool has(const std::string& parameter) const;
     /// Whether the user said where texture comes from.
     bool fixesPlace() const { return fixesPlace_; }
+    /// Whether the user chose a side of a line.
+    bool fixesSide() const { return fixesSide_; }
 
 private:
     std::vector<std::string> names_;
-    bool fixesPlace_ = false;
+    bool fixesPlace_ = false, fixesSide_ = false;
 };
 
 /// The settings of each step of a choice for these areas of the matte. `top` is the upper edge of
@@ -55,7 +57,8 @@ std::vector<Render::RenderSettings> settingsOf(const Choice& choice,
                                                const Render::RenderSettings& base,
                                                const FixedValues& fixed);
 
-/// Its place and main values, for a line of progress or the caption of a picture.
-std::string captionOf(const Choice& choice);
+/// Its place and the main values that were chosen, for a line of progress or the caption of a
+/// picture.
+std::string captionOf(const Choice& choice, const FixedValues& fixed);
 
 }  // namespace Tesseret::Fill

@@ -60,7 +60,6 @@ public:
                std::make_shared<Render::PaintedAreas>(),
                session_.host().threads()}
     {
-        if (!inputs_.has(Names::kMatte)) throw Render::UsageError("give --matte");
         session_.describe("General");
         job_.pictures = inputs_.read(frame, job_.depth);
     }
@@ -140,7 +139,8 @@ void Planner::planSpecks(const MatteAreas& areas, const std::vector<std::size_t>
     for (const std::size_t area : specks) list.push_back({area, areas.box(area)});
     for (const SpeckGroup& group : groupSpecks(list, *current_, lost_)) {
         add(group.choice, group.areas);
-        plan_.areas.push_back({group.areas, group.box, captionOf(group.choice), std::nullopt});
+        plan_.areas.push_back(
+            {group.areas, group.box, captionOf(group.choice, fixed_), std::nullopt});
     }
 }
 
@@ -174,12 +174,12 @@ void Planner::planArea(const MatteAreas& areas, std::size_t area, std::size_t co
         Choice plain = firstGuess(edge, texture);
         plain.parts = {{Place{"everywhere else", {}, 0}, std::nullopt}};
         add(plain, {area});
-        plan_.areas.push_back({{area}, box, captionOf(plain), std::nullopt});
+        plan_.areas.push_back({{area}, box, captionOf(plain, fixed_), std::nullopt});
         return;
     }
     const Scored& best = ranked.front();
     add(best.choice, {area});
-    plan_.areas.push_back({{area}, box, captionOf(best.choice), best.visibility});
+    plan_.areas.push_back({{area}, box, captionOf(best.choice, fixed_), best.visibility});
     if (!trials.hasEnded()) current_->paste(trials.render(best.choice));
 }
 
@@ -198,6 +198,7 @@ void Planner::finish(const MatteAreas& areas)
     // One step for all areas needs no list of them.
     if (steps_.size() == 1 && steps_.front().areas.size() == areas.count()) {
         steps_.front().areas = settings_.areas;
+        steps_.front().everyArea = settings_.everyArea;
     }
     for (const RenderSettings& step : steps_) {
         const Render::JobInputs inputs = inputs_.withCrops(step);
@@ -211,6 +212,8 @@ void Planner::finish(const MatteAreas& areas)
     } else {
         plan_.settings = settings_;
         plan_.settings.areas.clear();
+        plan_.settings.everyArea = true;
+        plan_.settings.matteSide.reset();
         plan_.settings.textureCrops = {};
         plan_.settings.sampleBox.reset();
         plan_.settings.parameters.clear();

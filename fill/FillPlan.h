@@ -31,7 +31,7 @@ struct FillPlan {
 };
 
 /// Scores above this are told to the user.
-inline constexpr double kPoorScore = 1.6;
+inline constexpr double kPoorScore = 1.15;
 
 /// The frame is one of the settings' frames; 0 for a still. Throws as `RenderJob` does.
 FillPlan planFill(const Render::RenderSettings& settings, Effort effort, int frame,

@@ -120,7 +120,7 @@ void Trials::report(std::size_t done, const Choice& choice, const Quality::Visib
 {
     if (visibility.total < bestTotal_) {
         bestTotal_ = visibility.total;
-        bestCaption_ = captionOf(choice);
+        bestCaption_ = captionOf(choice, job_.fixed);
     }
     listener_.searched({area_.place, area_.count, done, all_, bestTotal_, bestCaption_});
 }

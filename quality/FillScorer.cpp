@@ -39,7 +39,7 @@ constexpr double kCalm = 0.98;
 constexpr double kRim = 0.7, kInside = 4.0, kStep = 1.0, kRepeats = 0.4, kStructure = 0.6;
 constexpr double kTooMuch = 0.3;  ///< too much change, against too little
 constexpr double kBlur = 6;       ///< less change than nearly everywhere around
-constexpr double kStepRim = 0.2, kStepInside = 0.4, kStrange = 0.4;
+constexpr double kStepRim = 0.2, kStepInside = 0.4, kStrange = 0.4, kAcross = 0.6;
 /// A part below 1 counts by this share: what is better than untouched makes up for little.
 constexpr double kBetter = 0.4;
 
@@ -187,7 +187,7 @@ void FillScorer::Judge::learn(const Picture& lost, const std::vector<OfxRectI>& 
     std::vector<Region> regions;
     std::vector<RegionMatches> matches;
     std::vector<StepSamples> steps;
-    std::vector<float> allSteps;
+    std::vector<float> allSteps, allAcross;
     for (const OfxRectI& square : squares) {
         regions.push_back(knownRegion(lost, square));
         matches.push_back(matchRegion(regions.back(), reference(grown(square, kDoubtful))));
@@ -195,8 +195,10 @@ void FillScorer::Judge::learn(const Picture& lost, const std::vector<OfxRectI>& 
         const StepSamples& last = steps.back();
         allSteps.insert(allSteps.end(), last.rim.begin(), last.rim.end());
         allSteps.insert(allSteps.end(), last.inside.begin(), last.inside.end());
+        allAcross.insert(allAcross.end(), last.across.begin(), last.across.end());
     }
-    usual_ = {UsualDifference(activity_, matches), double(middle(allSteps))};
+    usual_ = {UsualDifference(activity_, matches), double(middle(allSteps)),
+              double(middle(allAcross))};
     for (std::size_t i = 0; i < squares.size(); ++i) {
         known_.add(
             measure(regions[i], matches[i], steps[i], usual_, around(squares[i], squares[i])));
@@ -280,7 +282,8 @@ Visibility FillScorer::Judge::score(const Picture& filled) const
     result.inside = part(found.inside, known_.inside);
     result.step = kStepRim * tempered(found.stepRim.over(known_.stepRim)) +
                   kStepInside * tempered(found.stepInside.over(known_.stepInside)) +
-                  kStrange * tempered(std::sqrt(found.strange.over(known_.strange)));
+                  kStrange * tempered(std::sqrt(found.strange.over(known_.strange))) +
+                  kAcross * (tempered(found.across.over(known_.across)) - 1);
     result.repeats = 1 + repeatedShare(matches, usual_.difference, landmarks_, activity_, near_);
     result.structure = part(found.large, known_.large) + wrongChange(found);
     result.total = total(result);

@@ -95,6 +95,7 @@ void Findings::add(const Findings& other)
     }
     stepRim.add(other.stepRim);
     stepInside.add(other.stepInside);
+    across.add(other.across);
     strange.add(other.strange);
 }
 
@@ -108,6 +109,9 @@ Findings measure(const Region& region, const RegionMatches& matches, const StepS
     }
     for (const float step : steps.inside) {
         findings.stepInside.add(timesUsual(double(step), usual.step));
+    }
+    for (const float step : steps.across) {
+        findings.across.add(timesUsual(double(step), usual.across));
     }
     addCells(findings, region, around);
     return findings;

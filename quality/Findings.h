@@ -30,7 +30,7 @@ struct Findings {
     std::array<Mean, 2> rim;     ///< of patches of 8 and 16 pixels
     std::array<Mean, 2> inside;  ///< the same
     std::array<Mean, 2> large;   ///< of patches of 32 and 64 pixels
-    Mean stepRim, stepInside;
+    Mean stepRim, stepInside, across;
     Mean strange;  ///< squares of how unlike cells are to the known ones around, in tones
     /// Means over the cells: how much tones change, and how much they should.
     std::array<double, kScales> change{}, expected{};
@@ -44,7 +44,7 @@ struct Findings {
 /// What known regions show.
 struct Usual {
     UsualDifference difference;
-    double step = 0;  ///< the median, in tones
+    double step = 0, across = 0;  ///< the medians, in tones
 };
 
 Findings measure(const Region& region, const RegionMatches& matches, const StepSamples& steps,

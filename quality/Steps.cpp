@@ -11,22 +11,29 @@ constexpr int kLevel = 3;            ///< squares of 8 pixels
 constexpr int kThick = 1 << kLevel;  ///< of a rectangle, across the edge
 constexpr int kLong = 4 * kThick;    ///< along the edge
 constexpr int kStep = 4;
+constexpr int kDeep = 28;  ///< beyond what an edge blend of 5 softens
 
-/// The difference across an edge from (x, y) of the pixels on, upright or level.
-float step(const PatchPyramid& pixels, int x, int y, bool upright)
+/// The difference between two rectangles, upright or level.
+float difference(const PatchPyramid& pixels, int ax, int ay, int bx, int by, bool upright)
 {
     std::array<std::int32_t, 3> sum{};
     for (int along = 0; along < kLong; along += kThick) {
-        const int ax = upright ? x - kThick : x + along, ay = upright ? y + along : y - kThick;
-        const int bx = upright ? x : x + along, by = upright ? y + along : y;
-        const std::int16_t* a = pixels.sample(ax, ay, kLevel);
-        const std::int16_t* b = pixels.sample(bx, by, kLevel);
+        const int dx = upright ? 0 : along, dy = upright ? along : 0;
+        const std::int16_t* a = pixels.sample(ax + dx, ay + dy, kLevel);
+        const std::int16_t* b = pixels.sample(bx + dx, by + dy, kLevel);
         for (std::size_t c = 0; c < 3; ++c) sum[c] += a[c] - b[c];
     }
     float squares = 0;
     for (const std::int32_t s : sum) squares += float(s) * float(s);
-    constexpr int kPairs = kLong / kThick;
-    return std::sqrt(squares / 3) / float(kPairs);
+    return std::sqrt(squares / 3) / (kLong / kThick);
+}
+
+/// Whether a rectangle lies in the window and most of it changed.
+bool hasChanged(const PixelSums& changed, int x, int y, int width, int height)
+{
+    if (x < 0 || y < 0 || x + width > changed.width() || y + height > changed.height())
+        return false;
+    return 4 * changed.sum(x, y, x + width, y + height) >= 3 * width * height;
 }
 
 }  // namespace
@@ -50,8 +57,17 @@ StepSamples measureSteps(const Region& region)
                                            : 4 * less >= 3 * kArea ? &samples.inside
                                                                    : nullptr;
                 if (into == nullptr) continue;
+                const int left = region.window.x1, low = region.window.y1;
                 into->push_back(
-                    step(*region.pixels, region.window.x1 + x, region.window.y1 + y, upright));
+                    difference(*region.pixels, left + ax, low + ay, left + x, low + y, upright));
+                if (into != &samples.rim) continue;
+                const bool isSecond = second > first;  // what changed
+                const int deeper = isSecond ? kDeep : -kDeep;
+                const int outX = isSecond ? ax : x, outY = isSecond ? ay : y;
+                const int inX = outX + (upright ? deeper : 0), inY = outY + (upright ? 0 : deeper);
+                if (!hasChanged(changed, inX, inY, right, up)) continue;
+                samples.across.push_back(difference(*region.pixels, left + outX, low + outY,
+                                                    left + inX, low + inY, upright));
             }
         }
     }

@@ -12,6 +12,8 @@ namespace Tesseret::Quality {
 struct StepSamples {
     std::vector<float> rim;     ///< one changed, the other did not
     std::vector<float> inside;  ///< both changed
+    /// From a rectangle that did not change to one further in, beyond the soft part of the cut.
+    std::vector<float> across;
 };
 
 StepSamples measureSteps(const Region& region);

@@ -63,7 +63,7 @@ TEST_F(UsageTest, BadInputIsOneLineAndExitCodeTwo)
         {{"--matte", "small.png"}, {"small.png: the matte is 32 x 32, but the source is 64 x 48"}},
         {{"--matte-inverted"}, {"--matte-inverted requires --matte"}},
         {{"--areas", "first"}, {"--areas requires --matte"}},
-        {{"--matte", "a.png", "--areas", "some"}, {"--areas", "all,first"}},
+        {{"--matte", "a.png", "--areas", "some"}, {"--areas", "expected all, first"}},
         {{"--matte", "a.png", "--matte-window", "none"}, {"--matte-window", "area,full"}},
         {{"--matte", "a.png", "--matte-grow", "1001"}, {"--matte-grow", "1000"}},
         {{"--matte", "a.png", "--matte-grow", "nan"}, {"--matte-grow"}},
