@@ -138,7 +138,7 @@ void addFillCommand(CLI::App& app, Action& action)
     CLI::App* const command =
         app.add_subcommand("fill", "Fills a matte with settings that it finds by itself");
     command->footer(kFooter);
-    addFileOptions(*command, options->render, /*wantsOutput=*/true);
+    addFileOptions(*command, options->render, /*isRender=*/true);
     addMatteOptions(*command, options->render);
     command->get_option("--matte")->required();
     for (const char* name : {"--fill-alpha", "--fill-alpha-inverted"}) {

@@ -136,6 +136,7 @@ FillPlan Planner::plan()
 void Planner::planSpecks(const MatteAreas& areas, const std::vector<std::size_t>& specks)
 {
     std::vector<Speck> list;
+    list.reserve(specks.size());
     for (const std::size_t area : specks) list.push_back({area, areas.box(area)});
     for (const SpeckGroup& group : groupSpecks(list, *current_, lost_)) {
         add(group.choice, group.areas);
