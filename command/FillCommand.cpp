@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include <nlohmann/json.hpp>
 
@@ -39,7 +39,7 @@ Examples:
 
 struct CommandOptions {
     RenderOptions render;
-    Fill::Effort effort = Fill::Effort::Normal;
+    std::string effort = "normal";
     std::filesystem::path saveParameters;  ///< empty: none
     std::optional<int> chooseAt;
     bool quiet = false, verbose = false;
@@ -47,18 +47,12 @@ struct CommandOptions {
 
 void addOwnOptions(CLI::App& command, CommandOptions& options)
 {
-    const std::map<std::string, Fill::Effort> efforts{{"quick", Fill::Effort::Quick},
-                                                      {"normal", Fill::Effort::Normal},
-                                                      {"best", Fill::Effort::Best}};
     command
-        .add_option(
-            "--effort", options.effort,
-            "How many trials to render for each area: quick (8), normal (40) or best (200); "
-            "default: normal")
-        ->transform(CLI::Transformer(efforts))
-        ->check(CLI::IsMember({0, 1, 2}))
-        ->type_name("EFFORT")
-        ->option_text("EFFORT");
+        .add_option("--effort", options.effort,
+                    "How many trials to render for each area: quick (8), normal (40) or best "
+                    "(200); default: normal")
+        ->check(CLI::IsMember({"quick", "normal", "best"}))
+        ->type_name("EFFORT");
     command
         .add_option(
             "--save-parameters", options.saveParameters,
@@ -74,6 +68,12 @@ void addOwnOptions(CLI::App& command, CommandOptions& options)
     command
         .add_flag("-v,--verbose", options.verbose, "Time by stage, number of blocks, peak memory")
         ->excludes(quiet);
+}
+
+Fill::Effort effortFrom(const std::string& text)
+{
+    if (text == "quick") return Fill::Effort::Quick;
+    return text == "best" ? Fill::Effort::Best : Fill::Effort::Normal;
 }
 
 int frameToChooseAt(const CommandOptions& options, const Render::RenderSettings& settings)
@@ -114,8 +114,8 @@ int fill(const CommandOptions& options)
     Files::useThreads(settings.threads);
     Render::catchInterrupts();
     SearchReporter search(options.quiet);
-    const Fill::FillPlan plan =
-        Fill::planFill(settings, options.effort, frameToChooseAt(options, settings), search);
+    const Fill::FillPlan plan = Fill::planFill(settings, effortFrom(options.effort),
+                                               frameToChooseAt(options, settings), search);
     search.report(plan);
     if (plan.wasEnded) Render::forgetInterrupts();
     RenderReporter reporter(options.quiet     ? Verbosity::Quiet

@@ -131,7 +131,7 @@ void addMatteOptions(CLI::App& command, RenderOptions& options)
                     "Which separate areas of the matte to fill: all, one after another, first, or "
                     "numbers as in 1,3-5, which count from the lowest row up (default: all)")
         ->needs(matte)
-        ->type_name("WHICH");
+        ->type_name("WHICH:{all,first}");
     command
         .add_option("--matte-side", options.matteSide,
                     "Fills only one side of a line: x,y,angle, a point in pixels from the upper "

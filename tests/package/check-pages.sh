@@ -43,6 +43,7 @@ options_of() {
 expect bash "$(in_bash '')" render view describe inspect
 expect bash "$(in_bash ins)" inspect
 expect bash "$(in_bash render --areas '')" all first
+expect bash "$(in_bash fill --effort '')" best normal quick
 expect bash "$(in_bash render --depth s)" short
 expect fish "$(in_fish '')" render view describe inspect
 expect fish "$(in_fish 'render --depth ')" byte short float
