@@ -39,7 +39,7 @@ constexpr double kCalm = 0.98;
 constexpr double kRim = 0.7, kInside = 4.0, kStep = 1.0, kRepeats = 0.4, kStructure = 0.6;
 constexpr double kTooMuch = 0.3;  ///< too much change, against too little
 constexpr double kBlur = 6;       ///< less change than nearly everywhere around
-constexpr double kStepRim = 0.2, kStepInside = 0.4, kStrange = 0.4, kAcross = 0.6;
+constexpr double kStepRim = 0.2, kStepInside = 0.4, kStrange = 0.4, kAcross = 0.8;
 /// A part below 1 counts by this share: what is better than untouched makes up for little.
 constexpr double kBetter = 0.4;
 
