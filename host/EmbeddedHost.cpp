@@ -148,6 +148,7 @@ const void* EmbeddedHost::fetchSuite(const char* name, int version)
         {kOfxMessageSuite, &messageSuite()},
         {kOfxInteractSuite, &interactSuite()},
         {kTesseretObserverSuite, listener_ ? &observerSuite() : nullptr},
+        {kTesseretRecordSuite, listener_ ? &recordSuite() : nullptr},
     };
     const std::string wanted = name ? name : "";
     const void* found = nullptr;

@@ -26,7 +26,7 @@ struct HostOptions {
     HostBehaviour* behaviour = nullptr;  ///< not owned; null keeps the published standard
     ReportSink onReport{};
     MessageSink onMessage{};
-    RenderListener* listener = nullptr;  ///< not owned; with it "TesseretObserverSuite" is offered
+    RenderListener* listener = nullptr;  ///< not owned; with it the two suites of our own are offered
 };
 
 class EmbeddedHost {
