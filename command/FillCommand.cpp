@@ -13,6 +13,7 @@
 #include "command/RenderOptions.h"
 #include "command/RenderReporter.h"
 #include "command/SearchReporter.h"
+#include "command/ShotOptions.h"
 #include "files/FileThreads.h"
 #include "fill/FillPlan.h"
 #include "render/Interrupt.h"
@@ -144,6 +145,7 @@ void addFillCommand(CLI::App& app, Action& action)
     for (const char* name : {"--fill-alpha", "--fill-alpha-inverted"}) {
         command->remove_option(command->get_option(name));
     }
+    addResumeOptions(*command, options->render);
     addOwnOptions(*command, *options);
     addPluginOptions(*command, options->render);
     command->callback([options, &action] { action = [options] { return fill(*options); }; });

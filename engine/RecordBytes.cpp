@@ -87,6 +87,11 @@ public:
         }
         return read;
     }
+    /// Whether so many items of so many bytes are there.
+    bool holds(std::uint64_t items, std::size_t itemBytes) const
+    {
+        return items <= bytes_.size() / itemBytes;
+    }
     bool isGood() const { return isGood_; }
     bool isAtEnd() const { return bytes_.empty(); }
     std::uint32_t fail()
@@ -120,6 +125,7 @@ struct AxisNumbers {
         return size >= 1 && storeStart >= 0 && storeStart <= storeEnd && storeEnd < size &&
                activeStart >= 0 && activeStart <= activeEnd && activeEnd < size;
     }
+    std::uint64_t stored() const { return static_cast<std::uint64_t>(storeEnd - storeStart + 1); }
 };
 
 AxisNumbers takeAxis(Reader& reader)
@@ -158,7 +164,8 @@ void takeMap(Reader& reader, Map<Pixel32f>& map)
     if (!hasPixels) return;
     const AxisNumbers x = takeAxis(reader);
     const AxisNumbers y = takeAxis(reader);
-    if (!x.isPossible() || !y.isPossible()) {
+    const bool isPossible = x.isPossible() && y.isPossible();
+    if (!isPossible || !reader.holds(x.stored() * y.stored(), sizeof(float))) {
         reader.fail();
         return;
     }

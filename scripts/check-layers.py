@@ -43,7 +43,7 @@ ARROWS = {
     "quality": ["picture", "ofx"],
     "host": ["picture", "ofx", "platform"],
     "host/imitation": ["host", "picture", "ofx"],
-    "files": ["picture", "ofx"],
+    "files": ["picture", "ofx", "platform"],
     # The module round OpenImageIO; the rest of files/ knows its interface only.
     "files/oiio": ["files", "picture", "ofx"],
     "render": ["effect/ParameterNames.h", "host", "files", "picture", "ofx", "platform"],
