@@ -55,9 +55,13 @@ std::vector<ShotFrame> shotFrames(const RenderSettings& settings, const JobInput
 {
     std::vector<ShotFrame> shot;
     const int begin = inputs.frames().front();
+    const int first = settings.firstFrame.value_or(begin);
     const bool isLoaded = !settings.loadFill.empty();
-    for (int frame = settings.firstFrame.value_or(begin); repeatsBlocks && frame < begin; ++frame) {
-        if (!isLoaded || frame != settings.firstFrame) shot.push_back({frame, false});
+    // Areas change with the matte only; without that, blocks are chosen anew at frame 0 alone.
+    const bool mayChange = Files::SequencePattern(settings.matte).isSequence();
+    for (int frame = first; repeatsBlocks && frame < begin; ++frame) {
+        const bool counts = frame == first ? !isLoaded : mayChange || frame == 0;
+        if (counts) shot.push_back({frame, false});
     }
     for (const int frame : inputs.frames()) {
         const bool isWritten = toWrite.contains(frame);
