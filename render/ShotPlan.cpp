@@ -1,6 +1,7 @@
 #include "render/ShotPlan.h"
 
 #include "files/PictureWriter.h"
+#include "files/Sequence.h"
 #include "files/WholePicture.h"
 #include "render/FrameRequest.h"
 
