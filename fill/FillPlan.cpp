@@ -152,7 +152,8 @@ void Planner::planArea(const MatteAreas& areas, std::size_t area, std::size_t co
         double(pixelsOf(areas, polarity_, area)) / std::max(widthOf(box), heightOf(box));
     const Edge edge = edgeFor(thickness);
     const double grow = settings_.matteGrow > 0.0 ? settings_.matteGrow : edge.grow;
-    Surroundings surroundings{grownBox(box, static_cast<int>(std::ceil(grow))),
+    Surroundings surroundings{box,
+                              grownBox(box, static_cast<int>(std::ceil(grow))),
                               current_->bounds(),
                               windowRound(box, current_->bounds()),
                               {}};

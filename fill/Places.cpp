@@ -10,6 +10,7 @@ namespace {
 
 /// The smallest block of the plug-in is 30 pixels, and it needs some choice.
 constexpr int kLeastSide = 48;
+constexpr int kLeastBlock = 30;
 /// Of the surroundings' thickness that a block may have, so that enough of them fit.
 constexpr double kRoomShare = 0.8;
 
@@ -186,6 +187,35 @@ std::vector<Place> placesFor(const Surroundings& area, const Quality::TextureSca
     for (Place& place : best(std::move(others), kElsewhere, kAlike)) {
         places.push_back(std::move(place));
     }
+    return places;
+}
+
+std::vector<Place> levelPlaces(const Surroundings& area, const Edge& edge,
+                               const Quality::TextureScale& texture)
+{
+    constexpr int kMostBlock = 400;
+    constexpr double kWidth = 1.4;  // in blocks, so that some may be chosen from
+    // The plug-in fills so much more than the matte on each side.
+    constexpr double kMargin = 5.0;
+    const OfxRectI matte = grownBox(area.matte, static_cast<int>(edge.grow));
+    const OfxRectI rows =
+        grownBox(matte, static_cast<int>(std::ceil(kMargin * (edge.pathWidth + edge.edgeBlend))));
+    const int block = std::max(kLeastBlock, heightOf(rows));
+    if (block > kMostBlock) return {};
+    const double width = kWidth * block;
+    std::vector<Candidate> candidates;
+    for (const bool isLeft : {true, false}) {
+        const OfxRectI box = boxAt(isLeft ? matte.x1 - width : matte.x2, rows.y1, width, block);
+        std::vector<OfxRectI> taboo = area.taboo;
+        taboo.push_back(matte);
+        const OfxRectI clear = clearPart(intersection(box, area.source), taboo);
+        if (heightOf(clear) != block || widthOf(clear) < block) continue;
+        candidates.push_back({{isLeft ? "left, level" : "right, level", {clear}, block, true},
+                              texture.likeness(clear)});
+    }
+    std::ranges::stable_sort(candidates, std::greater<>(), &Candidate::likeness);
+    std::vector<Place> places;
+    for (Candidate& candidate : candidates) places.push_back(std::move(candidate.place));
     return places;
 }
 
