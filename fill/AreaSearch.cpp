@@ -40,6 +40,17 @@ Choice withEdge(Choice choice, const Edge& edge)
     return choice;
 }
 
+/// With an overlap of this part of the block, or of the fill's height where blocks keep its rows,
+/// and half of it blended if anything is.
+Choice withOverlap(Choice choice, int part)
+{
+    const Place& place = choice.parts.front().place;
+    choice.overlap = (place.isLevel ? place.room : choice.blockSize) / part;
+    if (place.isLevel) choice.blockSize = place.room + choice.overlap;
+    if (choice.blendSize > 0) choice.blendSize = choice.overlap / 2;
+    return choice;
+}
+
 /// The side of the line that a ground lies on.
 Render::LineSide sideOf(const Quality::TwoGrounds& grounds, int ground, int top)
 {
@@ -111,9 +122,9 @@ Choice AreaSearch::in(const Place& place) const
 
 Choice AreaSearch::level(const Place& place, const Edge& edge) const
 {
-    Choice choice = withEdge(withBlock(guess_, place.room), edge);
+    Choice choice = withEdge(guess_, edge);
     choice.parts = {{place, std::nullopt}};
-    return choice;
+    return withOverlap(choice, 2);
 }
 
 /// The best choices that differ in more than the seed.
@@ -207,9 +218,7 @@ std::vector<Choice> AreaSearch::withVariants(const Choice& choice) const
     add([](Choice& c) { c.numSamples = 400; });
     add([](Choice& c) { c.blendSize = c.blendSize > 0 ? 0 : c.blockSize / 4; });
     add([](Choice& c) { c.luminanceMatch = true; });
-    add([](Choice& c) {
-        c.overlap = c.blockSize / 4, c.blendSize = c.blendSize > 0 ? c.blockSize / 8 : 0;
-    });
+    choices.push_back(withOverlap(choice, 4));
     add([](Choice& c) { c.numSamples = 1500; });
     add([](Choice& c) { c.numSamples = 400, c.luminanceMatch = true; });
     return choices;

@@ -17,7 +17,8 @@ struct Place {
     std::string name;
     std::vector<OfxRectI> crops;  ///< at most three
     int room = 0;                 ///< the largest block that fits, in pixels
-    /// Blocks of just this room keep the rows in which the texture lies, and need a tight edge.
+    /// As high as the fill, in the same rows: `room` is the height of both. Blocks that are higher
+    /// by their overlap lie in one row then and keep the texture's rows.
     bool isLevel = false;
 };
 

@@ -166,7 +166,7 @@ void Planner::planArea(const MatteAreas& areas, std::size_t area, std::size_t co
     const Picture known = current_->copied(window, {});
     const Picture lost = lost_.copied(window, {});
     const Quality::TextureScale texture(known, lost, box);
-    const Quality::FillScorer scorer(known, lost, box);
+    const Quality::FillScorer scorer(known, lost, box, texture.grounds());
     Trials trials(job_, {area, window, searched_, searches_}, scorer, listener_, count);
     AreaSearch(surroundings, edge, texture, fixed_, job_.top(), trials).run();
     plan_.trials += count - trials.left();

@@ -10,7 +10,6 @@ namespace {
 
 /// The smallest block of the plug-in is 30 pixels, and it needs some choice.
 constexpr int kLeastSide = 48;
-constexpr int kLeastBlock = 30;
 /// Of the surroundings' thickness that a block may have, so that enough of them fit.
 constexpr double kRoomShare = 0.8;
 
@@ -193,24 +192,25 @@ std::vector<Place> placesFor(const Surroundings& area, const Quality::TextureSca
 std::vector<Place> levelPlaces(const Surroundings& area, const Edge& edge,
                                const Quality::TextureScale& texture)
 {
-    constexpr int kMostBlock = 400;
-    constexpr double kWidth = 1.4;  // in blocks, so that some may be chosen from
+    constexpr int kMostRows = 400;
+    constexpr double kLeastWidth = 1.7;  // in heights: a block
+    constexpr double kWidth = 2.2;
     // The plug-in fills so much more than the matte on each side.
     constexpr double kMargin = 5.0;
     const OfxRectI matte = grownBox(area.matte, static_cast<int>(edge.grow));
     const OfxRectI rows =
         grownBox(matte, static_cast<int>(std::ceil(kMargin * (edge.pathWidth + edge.edgeBlend))));
-    const int block = std::max(kLeastBlock, heightOf(rows));
-    if (block > kMostBlock) return {};
-    const double width = kWidth * block;
+    const int height = heightOf(rows);
+    if (height > kMostRows) return {};
+    const double width = kWidth * height;
     std::vector<Candidate> candidates;
     for (const bool isLeft : {true, false}) {
-        const OfxRectI box = boxAt(isLeft ? matte.x1 - width : matte.x2, rows.y1, width, block);
+        const OfxRectI box = boxAt(isLeft ? matte.x1 - width : matte.x2, rows.y1, width, height);
         std::vector<OfxRectI> taboo = area.taboo;
         taboo.push_back(matte);
         const OfxRectI clear = clearPart(intersection(box, area.source), taboo);
-        if (heightOf(clear) != block || widthOf(clear) < block) continue;
-        candidates.push_back({{isLeft ? "left, level" : "right, level", {clear}, block, true},
+        if (heightOf(clear) != height || widthOf(clear) < kLeastWidth * height) continue;
+        candidates.push_back({{isLeft ? "left, level" : "right, level", {clear}, height, true},
                               texture.likeness(clear)});
     }
     std::ranges::stable_sort(candidates, std::greater<>(), &Candidate::likeness);

@@ -23,9 +23,9 @@ struct Surroundings {
 /// the more alike the earlier, but the surroundings first.
 std::vector<Place> placesFor(const Surroundings& area, const Quality::TextureScale& texture);
 
-/// Boxes beside the area in the rows that its fill takes with such an edge, where there is room.
-/// One block is as high as the fill, so each row of it comes from the same row: sky, water and
-/// fields change with height. The more alike to the rim the earlier.
+/// Boxes beside the area in the rows that its fill takes with such an edge, where there is room:
+/// sky, water and fields change with height, and horizons go on. The more alike to the rim the
+/// earlier.
 std::vector<Place> levelPlaces(const Surroundings& area, const Edge& edge,
                                const Quality::TextureScale& texture);
 
