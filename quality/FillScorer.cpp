@@ -45,7 +45,7 @@ constexpr double kStepRim = 0.2, kStepInside = 0.4, kStrange = 0.4, kAcross = 0.
 constexpr double kMistaken = 1.2;
 /// A border between grounds may bend as far as this share of a fill, and more where the known one
 /// bends: by so many times the share that lies on the wrong side there.
-constexpr double kBend = 0.05, kKnownBend = 4;
+constexpr double kBend = 0.08, kKnownBend = 4;
 /// A part below 1 counts by this share: what is better than untouched makes up for little.
 constexpr double kBetter = 0.4;
 
