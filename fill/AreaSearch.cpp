@@ -5,6 +5,8 @@
 #include <numbers>
 #include <utility>
 
+#include "effect/ParameterNames.h"
+
 namespace Tesseret::Fill {
 
 namespace {
@@ -27,7 +29,26 @@ bool isSameButSeed(Choice a, const Choice& b)
     };
     return std::ranges::equal(a.parts, b.parts, isSamePart) && a.blockSize == b.blockSize &&
            a.overlap == b.overlap && a.blendSize == b.blendSize && a.numSamples == b.numSamples &&
-           a.luminanceMatch == b.luminanceMatch;
+           a.luminanceMatch == b.luminanceMatch && a.grow == b.grow;
+}
+
+Choice withEdge(Choice choice, const Edge& edge)
+{
+    choice.pathWidth = edge.pathWidth;
+    choice.edgeBlend = edge.edgeBlend;
+    choice.grow = edge.grow;
+    return choice;
+}
+
+/// With an overlap of this part of the block, or of the fill's height where blocks keep its rows,
+/// and half of it blended if anything is.
+Choice withOverlap(Choice choice, int part)
+{
+    const Place& place = choice.parts.front().place;
+    choice.overlap = (place.isLevel ? place.room : choice.blockSize) / part;
+    if (place.isLevel) choice.blockSize = place.room + choice.overlap;
+    if (choice.blendSize > 0) choice.blendSize = choice.overlap / 2;
+    return choice;
 }
 
 /// The side of the line that a ground lies on.
@@ -48,6 +69,8 @@ AreaSearch::AreaSearch(const Surroundings& area, const Edge& edge,
                        const Quality::TextureScale& texture, const FixedValues& fixed, int top,
                        Trials& trials)
     : area_(area),
+      edge_(edge),
+      tighter_(tighterEdges(edge, texture)),
       texture_(texture),
       fixed_(fixed),
       top_(top),
@@ -61,8 +84,13 @@ void AreaSearch::run()
     const std::size_t all = trials_.left();
     std::vector<Choice> first = withPlaces();
     if (first.empty()) return;
-    tryAtMost(std::max<std::size_t>(3, all / 4), std::move(first));
+    tryAtMost(std::max<std::size_t>(3, all * 3 / 10), std::move(first));
     tryAtMost(all / 6, withTwoGrounds());
+    std::vector<Choice> edges;
+    for (const Choice& choice : tops(3)) {
+        for (Choice& other : withEdges(choice)) edges.push_back(std::move(other));
+    }
+    tryAtMost(all / 10, std::move(edges));
     std::vector<Choice> blocks;
     for (const Choice& choice : tops(3)) {
         for (Choice& other : withBlocks(choice)) blocks.push_back(std::move(other));
@@ -92,6 +120,13 @@ Choice AreaSearch::in(const Place& place) const
     return withBlock(choice, std::min(blocks_.front(), std::max(30, place.room)));
 }
 
+Choice AreaSearch::level(const Place& place, const Edge& edge) const
+{
+    Choice choice = withEdge(guess_, edge);
+    choice.parts = {{place, std::nullopt}};
+    return withOverlap(choice, 2);
+}
+
 /// The best choices that differ in more than the seed.
 std::vector<Choice> AreaSearch::tops(std::size_t count) const
 {
@@ -110,6 +145,30 @@ std::vector<Choice> AreaSearch::withPlaces() const
     if (fixed_.fixesPlace()) return {in({"as given", {}, kAnyRoom})};
     std::vector<Choice> choices;
     for (const Place& place : placesFor(area_, texture_)) choices.push_back(in(place));
+    if (fixesEdge()) return choices;
+    const Edge edge = tighter_.empty() ? edge_ : tighter_.front();
+    std::vector<Choice> levels;
+    for (const Place& place : levelPlaces(area_, edge, texture_)) {
+        levels.push_back(level(place, edge));
+    }
+    // Few trials have to include one of them.
+    constexpr std::size_t kSecond = 2;
+    choices.insert(choices.begin() + std::ptrdiff_t(std::min(kSecond, choices.size())),
+                   levels.begin(), levels.end());
+    return choices;
+}
+
+bool AreaSearch::fixesEdge() const
+{
+    return fixed_.has(Names::kPathWidth) || fixed_.has(Names::kEdgeBlend) || fixed_.fixesGrowth();
+}
+
+/// The choice with less of the source cut off.
+std::vector<Choice> AreaSearch::withEdges(const Choice& choice) const
+{
+    std::vector<Choice> choices;
+    if (fixesEdge() || choice.parts.front().place.isLevel) return choices;
+    for (const Edge& edge : tighter_) choices.push_back(withEdge(choice, edge));
     return choices;
 }
 
@@ -140,6 +199,7 @@ std::vector<Choice> AreaSearch::withTwoGrounds() const
 std::vector<Choice> AreaSearch::withBlocks(const Choice& choice) const
 {
     std::vector<Choice> choices;
+    if (choice.parts.front().place.isLevel) return choices;
     for (const int block : blocks_) {
         if (block <= roomIn(choice)) choices.push_back(withBlock(choice, block));
     }
@@ -158,9 +218,7 @@ std::vector<Choice> AreaSearch::withVariants(const Choice& choice) const
     add([](Choice& c) { c.numSamples = 400; });
     add([](Choice& c) { c.blendSize = c.blendSize > 0 ? 0 : c.blockSize / 4; });
     add([](Choice& c) { c.luminanceMatch = true; });
-    add([](Choice& c) {
-        c.overlap = c.blockSize / 4, c.blendSize = c.blendSize > 0 ? c.blockSize / 8 : 0;
-    });
+    choices.push_back(withOverlap(choice, 4));
     add([](Choice& c) { c.numSamples = 1500; });
     add([](Choice& c) { c.numSamples = 400, c.luminanceMatch = true; });
     return choices;

@@ -22,15 +22,20 @@ public:
 
 private:
     Choice in(const Place& place) const;
+    Choice level(const Place& place, const Edge& edge) const;
     std::vector<Choice> tops(std::size_t count) const;
     std::vector<Choice> withPlaces() const;
     std::vector<Choice> withTwoGrounds() const;
+    std::vector<Choice> withEdges(const Choice& choice) const;
     std::vector<Choice> withBlocks(const Choice& choice) const;
     std::vector<Choice> withVariants(const Choice& choice) const;
+    bool fixesEdge() const;
     void tryAtMost(std::size_t count, std::vector<Choice> choices);
     void trySeeds();
 
     const Surroundings& area_;
+    Edge edge_;
+    std::vector<Edge> tighter_;
     const Quality::TextureScale& texture_;
     const FixedValues& fixed_;
     int top_;

@@ -57,6 +57,7 @@ FixedValues::FixedValues(const RenderSettings& settings)
         const auto& holder = json.contains(kSteps) ? json[kSteps][0] : json;
         for (const auto& [name, value] : holder["parameters"].items()) names_.push_back(name);
     }
+    fixesGrowth_ = settings.matteGrow > 0.0;
     fixesSide_ = settings.matteSide.has_value();
     const auto isGiven = [](const auto& file) { return !file.empty(); };
     const auto isCut = [](const auto& crop) { return crop.has_value(); };

@@ -17,6 +17,9 @@ struct Place {
     std::string name;
     std::vector<OfxRectI> crops;  ///< at most three
     int room = 0;                 ///< the largest block that fits, in pixels
+    /// As high as the fill, in the same rows: `room` is the height of both. Blocks that are higher
+    /// by their overlap lie in one row then and keep the texture's rows.
+    bool isLevel = false;
 };
 
 /// One texture over the area, or over the part of it on one side of a line.
@@ -42,12 +45,13 @@ public:
     bool has(const std::string& parameter) const;
     /// Whether the user said where texture comes from.
     bool fixesPlace() const { return fixesPlace_; }
+    bool fixesGrowth() const { return fixesGrowth_; }
     /// Whether the user chose a side of a line.
     bool fixesSide() const { return fixesSide_; }
 
 private:
     std::vector<std::string> names_;
-    bool fixesPlace_ = false, fixesSide_ = false;
+    bool fixesPlace_ = false, fixesSide_ = false, fixesGrowth_ = false;
 };
 
 /// The settings of each step of a choice for these areas of the matte. `top` is the upper edge of

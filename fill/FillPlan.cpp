@@ -152,7 +152,8 @@ void Planner::planArea(const MatteAreas& areas, std::size_t area, std::size_t co
         double(pixelsOf(areas, polarity_, area)) / std::max(widthOf(box), heightOf(box));
     const Edge edge = edgeFor(thickness);
     const double grow = settings_.matteGrow > 0.0 ? settings_.matteGrow : edge.grow;
-    Surroundings surroundings{grownBox(box, static_cast<int>(std::ceil(grow))),
+    Surroundings surroundings{box,
+                              grownBox(box, static_cast<int>(std::ceil(grow))),
                               current_->bounds(),
                               windowRound(box, current_->bounds()),
                               {}};
@@ -165,7 +166,7 @@ void Planner::planArea(const MatteAreas& areas, std::size_t area, std::size_t co
     const Picture known = current_->copied(window, {});
     const Picture lost = lost_.copied(window, {});
     const Quality::TextureScale texture(known, lost, box);
-    const Quality::FillScorer scorer(known, lost, box);
+    const Quality::FillScorer scorer(known, lost, box, texture.grounds());
     Trials trials(job_, {area, window, searched_, searches_}, scorer, listener_, count);
     AreaSearch(surroundings, edge, texture, fixed_, job_.top(), trials).run();
     plan_.trials += count - trials.left();

@@ -13,15 +13,29 @@ constexpr int kFirstBlock = 60;
 
 /// Below this the ground is smooth, like sky or water: there blending hides the joins, which would
 /// smear gravel.
-constexpr double kSmooth = 0.012;
+constexpr double kSmooth = 0.016;
+
+Edge edgeOf(double edgeBlend)
+{
+    return {std::max(1.0, 2.0 * edgeBlend), edgeBlend, std::ceil(3.0 * edgeBlend + 3.0)};
+}
 
 }  // namespace
 
 Edge edgeFor(double thickness)
 {
     constexpr double kShare = 0.04;
-    const double edgeBlend = std::clamp(std::round(kShare * thickness * 2.0) / 2.0, 0.5, 5.0);
-    return {std::max(1.0, 2.0 * edgeBlend), edgeBlend, std::ceil(3.0 * edgeBlend + 3.0)};
+    return edgeOf(std::clamp(std::round(kShare * thickness * 2.0) / 2.0, 0.5, 5.0));
+}
+
+std::vector<Edge> tighterEdges(const Edge& edge, const Quality::TextureScale& texture)
+{
+    const double least = texture.roughness() < kSmooth ? 2.0 : 0.5;
+    std::vector<Edge> edges;
+    for (const double edgeBlend : {0.5, 2.0}) {
+        if (edgeBlend >= least && edgeBlend < edge.edgeBlend) edges.push_back(edgeOf(edgeBlend));
+    }
+    return edges;
 }
 
 Choice firstGuess(const Edge& edge, const Quality::TextureScale& texture)

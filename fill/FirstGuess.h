@@ -17,6 +17,10 @@ struct Edge {
 };
 Edge edgeFor(double thickness);
 
+/// Edges for areas with something near by that must not be cut, the tightest first. On smooth
+/// ground a hard edge would show.
+std::vector<Edge> tighterEdges(const Edge& edge, const Quality::TextureScale& texture);
+
 /// A choice without a place: samples, overlap and blending for this ground.
 Choice firstGuess(const Edge& edge, const Quality::TextureScale& texture);
 

@@ -189,6 +189,36 @@ std::vector<Place> placesFor(const Surroundings& area, const Quality::TextureSca
     return places;
 }
 
+std::vector<Place> levelPlaces(const Surroundings& area, const Edge& edge,
+                               const Quality::TextureScale& texture)
+{
+    constexpr int kMostRows = 400;
+    constexpr double kLeastWidth = 1.7;  // in heights: a block
+    constexpr double kWidth = 2.2;
+    // The plug-in fills so much more than the matte on each side.
+    constexpr double kMargin = 5.0;
+    const OfxRectI matte = grownBox(area.matte, static_cast<int>(edge.grow));
+    const OfxRectI rows =
+        grownBox(matte, static_cast<int>(std::ceil(kMargin * (edge.pathWidth + edge.edgeBlend))));
+    const int height = heightOf(rows);
+    if (height > kMostRows) return {};
+    const double width = kWidth * height;
+    std::vector<Candidate> candidates;
+    for (const bool isLeft : {true, false}) {
+        const OfxRectI box = boxAt(isLeft ? matte.x1 - width : matte.x2, rows.y1, width, height);
+        std::vector<OfxRectI> taboo = area.taboo;
+        taboo.push_back(matte);
+        const OfxRectI clear = clearPart(intersection(box, area.source), taboo);
+        if (heightOf(clear) != height || widthOf(clear) < kLeastWidth * height) continue;
+        candidates.push_back({{isLeft ? "left, level" : "right, level", {clear}, height, true},
+                              texture.likeness(clear)});
+    }
+    std::ranges::stable_sort(candidates, std::greater<>(), &Candidate::likeness);
+    std::vector<Place> places;
+    for (Candidate& candidate : candidates) places.push_back(std::move(candidate.place));
+    return places;
+}
+
 std::vector<Place> placesOnGround(const Surroundings& area, const Quality::TextureScale& texture,
                                   int ground, std::size_t count)
 {

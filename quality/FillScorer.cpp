@@ -15,6 +15,7 @@
 #include "quality/Repeats.h"
 #include "quality/Request.h"
 #include "quality/RimLook.h"
+#include "quality/Sides.h"
 
 namespace Tesseret::Quality {
 namespace {
@@ -40,6 +41,11 @@ constexpr double kRim = 0.7, kInside = 4.0, kStep = 1.0, kRepeats = 0.4, kStruct
 constexpr double kTooMuch = 0.3;  ///< too much change, against too little
 constexpr double kBlur = 6;       ///< less change than nearly everywhere around
 constexpr double kStepRim = 0.2, kStepInside = 0.4, kStrange = 0.4, kAcross = 0.8;
+/// A fill that is wholly on the wrong side is so much more visible, in times.
+constexpr double kMistaken = 1.2;
+/// A border between grounds may bend as far as this share of a fill, and more where the known one
+/// bends: by so many times the share that lies on the wrong side there.
+constexpr double kBend = 0.08, kKnownBend = 4;
 /// A part below 1 counts by this share: what is better than untouched makes up for little.
 constexpr double kBetter = 0.4;
 
@@ -107,17 +113,18 @@ double tempered(double value)
 double total(const Visibility& parts)
 {
     const auto square = [](double value) { return tempered(value) * tempered(value); };
-    return std::sqrt((kRim * square(parts.rim) + kInside * square(parts.inside) +
-                      kStep * square(parts.step) + kRepeats * square(parts.repeats) +
-                      kStructure * square(parts.structure)) /
-                     (kRim + kInside + kStep + kRepeats + kStructure));
+    return parts.sides * std::sqrt((kRim * square(parts.rim) + kInside * square(parts.inside) +
+                                    kStep * square(parts.step) + kRepeats * square(parts.repeats) +
+                                    kStructure * square(parts.structure)) /
+                                   (kRim + kInside + kStep + kRepeats + kStructure));
 }
 
 }  // namespace
 
 class FillScorer::Judge {
 public:
-    Judge(const Picture& source, const Picture& lost, OfxRectI area);
+    Judge(const Picture& source, const Picture& lost, OfxRectI area,
+          const std::optional<TwoGrounds>& grounds);
 
     Visibility score(const Picture& filled) const;
 
@@ -150,6 +157,8 @@ private:
     CopyIndex copies_;
     Activity activity_;
     RimLook around_;
+    std::optional<Sides> sides_;
+    double bend_ = 0;
     Landmarks landmarks_;
     OfxRectI near_{};  ///< what is seen together with the area, from the source's first pixel
     Usual usual_;
@@ -161,7 +170,8 @@ OfxRectI FillScorer::Judge::fromFirst(const OfxRectI& box) const
     return {box.x1 - bounds_.x1, box.y1 - bounds_.y1, box.x2 - bounds_.x1, box.y2 - bounds_.y1};
 }
 
-FillScorer::Judge::Judge(const Picture& source, const Picture& lost, OfxRectI area)
+FillScorer::Judge::Judge(const Picture& source, const Picture& lost, OfxRectI area,
+                         const std::optional<TwoGrounds>& grounds)
     : bounds_(source.bounds()),
       area_(intersection(area, bounds_)),
       reach_(intersection(grown(area_, kReach), bounds_)),
@@ -176,6 +186,12 @@ FillScorer::Judge::Judge(const Picture& source, const Picture& lost, OfxRectI ar
 {
     const OfxRectI box = fromFirst(area_);
     const int size = std::max(box.x2 - box.x1, box.y2 - box.y1);
+    if (grounds) {
+        TwoGrounds line = *grounds;
+        line.offset = line.height(bounds_.x1, bounds_.y1) * -1.0;
+        sides_.emplace(line, around_);
+        bend_ = kBend + kKnownBend * line.mistaken;
+    }
     near_ = inPicture(grown(box, size / 2));
     landmarks_ = Landmarks(activity_, levels_, pixels_.width(), inPicture(grown(near_, kReach)));
     learn(lost, knownSquares(levels_, pixels_.width(), box, kSquareSide, kSquares));
@@ -285,15 +301,17 @@ Visibility FillScorer::Judge::score(const Picture& filled) const
                   kStrange * tempered(std::sqrt(found.strange.over(known_.strange))) +
                   kAcross * (tempered(found.across.over(known_.across)) - 1);
     result.repeats = 1 + repeatedShare(matches, usual_.difference, landmarks_, activity_, near_);
+    if (sides_) result.sides = 1 + kMistaken * std::max(sides_->mistakenShare(region) - bend_, 0.0);
     result.structure = part(found.large, known_.large) + wrongChange(found);
     result.total = total(result);
     return result;
 }
 
-FillScorer::FillScorer(const Picture& source, const Picture& lost, OfxRectI area)
+FillScorer::FillScorer(const Picture& source, const Picture& lost, OfxRectI area,
+                       const std::optional<TwoGrounds>& grounds)
 {
     checkRequest(source, lost, area);
-    judge_ = std::make_unique<const Judge>(source, lost, area);
+    judge_ = std::make_unique<const Judge>(source, lost, area, grounds);
 }
 
 FillScorer::~FillScorer() = default;

@@ -3,8 +3,10 @@
 /// How visible a fill is.
 
 #include <memory>
+#include <optional>
 
 #include "picture/Picture.h"
+#include "quality/TwoGrounds.h"
 
 namespace Tesseret::Quality {
 
@@ -15,6 +17,7 @@ struct Visibility {
     double inside = 1;     ///< such patches within
     double step = 1;       ///< steps in brightness or colour, at the border and within
     double repeats = 1;    ///< the same striking thing again
+    double sides = 1;      ///< ground on the wrong side of the line between two
     double structure = 1;  ///< large patches that look like nothing in the picture; blur
     double total = 1;
 };
@@ -28,8 +31,10 @@ public:
     /// `source`: the picture with the thing still in it, or its surroundings, cropped. `lost`: as
     /// large as the source, Components::Alpha, Byte; not 0 where anything is to be removed, by this
     /// area or another: never a reference. `area`: bounds of the area to judge, in the same
-    /// coordinates. Throws std::invalid_argument when the three do not fit together.
-    FillScorer(const Picture& source, const Picture& lost, OfxRectI area);
+    /// coordinates. `grounds`: the two that meet there, if known. Throws std::invalid_argument when
+    /// the pictures do not fit together.
+    FillScorer(const Picture& source, const Picture& lost, OfxRectI area,
+               const std::optional<TwoGrounds>& grounds = std::nullopt);
     ~FillScorer();
     FillScorer(FillScorer&&) noexcept;
     FillScorer& operator=(FillScorer&&) noexcept;

@@ -47,7 +47,7 @@ void addCells(Findings& findings, const Region& region, const RimLook& around)
             if (4 * changed < 3 * kCell * kCell) continue;
             const PlacedLook cell = {cellLook(*region.pixels, x, y), region.x + x + kCell / 2.0,
                                      region.y + y + kCell / 2.0};
-            const std::array<float, kScales> expected = around.expectedChange(cell.x, cell.y);
+            const std::array<float, kScales> expected = around.expectedChange(cell);
             for (std::size_t s = 0; s < kScales; ++s) {
                 changes[s].push_back(cell.look.change[s]);
                 findings.change[s] += double(cell.look.change[s]);

@@ -9,6 +9,18 @@ namespace {
 
 /// As many tones apart as pixels further away.
 constexpr double kTonesPerPixel = 0.15;
+/// A cell of another colour tells as little of what to expect as one that is so much further away.
+constexpr double kPixelsPerTone = 2.0;
+
+double colourDifference(const CellLook& a, const CellLook& b)
+{
+    double squares = 0;
+    for (std::size_t c = 0; c < 3; ++c) {
+        const double apart = double(a.colour[c] - b.colour[c]);
+        squares += apart * apart;
+    }
+    return std::sqrt(squares);
+}
 
 double squaredDistance(const PlacedLook& cell, double x, double y)
 {
@@ -41,12 +53,13 @@ RimLook::RimLook(const Activity& activity, const std::vector<std::uint8_t>& leve
     }
 }
 
-std::array<float, kScales> RimLook::expectedChange(double x, double y) const
+std::array<float, kScales> RimLook::expectedChange(const PlacedLook& at) const
 {
     std::array<float, kScales> sum{};
     float weights = 0;
     for (const PlacedLook& cell : cells_) {
-        const double squares = squaredDistance(cell, x, y) + kCell * kCell;
+        const double apart = kPixelsPerTone * colourDifference(cell.look, at.look);
+        const double squares = squaredDistance(cell, at.x, at.y) + apart * apart + kCell * kCell;
         const auto weight = float(1e6 / (squares * squares));
         for (std::size_t s = 0; s < kScales; ++s) sum[s] += weight * cell.look.change[s];
         weights += weight;

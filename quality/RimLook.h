@@ -25,8 +25,9 @@ public:
 
     bool isEmpty() const { return cells_.empty(); }
     const std::vector<PlacedLook>& cells() const { return cells_; }
-    /// How much the tones change at each scale in the cells around, the nearer the more it counts.
-    std::array<float, kScales> expectedChange(double x, double y) const;
+    /// How much the tones change at each scale in the cells around; the nearer they are, and the
+    /// more alike in colour, the more they count.
+    std::array<float, kScales> expectedChange(const PlacedLook& cell) const;
     /// What all but a tenth of the cells exceed: below it, something was blurred.
     const std::array<float, kScales>& calmestChange() const { return calmest_; }
     /// How unlike all cells around a look is at this place, in tones; cells that are further away

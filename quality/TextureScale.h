@@ -7,17 +7,9 @@
 #include <optional>
 
 #include "picture/Picture.h"
+#include "quality/TwoGrounds.h"
 
 namespace Tesseret::Quality {
-
-/// Two grounds that meet at an area, such as sea and sand, and the straight line between them: a
-/// pixel belongs to the second when normalX * x + normalY * y is larger than `offset`.
-struct TwoGrounds {
-    double normalX = 0, normalY = 0;  ///< of length 1
-    double offset = 0;                ///< in pixels, in the source's coordinates
-    double mistaken = 0;  ///< share of the surroundings that lies on the other ground's side
-    double apart = 0;     ///< how much they differ, in spreads of one ground
-};
 
 /// Describes the known pixels round an area. Costs about as much as a FillScorer's construction.
 class TextureScale {
