@@ -7,11 +7,10 @@
 #include <thread>
 #include <utility>
 
-#include <nlohmann/json.hpp>
-
 #include "effect/ParameterNames.h"
 #include "fill/AreaSearch.h"
 #include "fill/LostPixels.h"
+#include "fill/PlanSteps.h"
 #include "fill/Specks.h"
 #include "fill/Variations.h"
 #include "render/Interrupt.h"
@@ -25,8 +24,6 @@ using Render::MatteAreas;
 using Render::RenderSettings;
 
 namespace {
-
-using Steps = std::vector<RenderSettings>;
 
 /// The part of a picture that an area is judged in.
 OfxRectI windowRound(const OfxRectI& box, const OfxRectI& source)
@@ -78,12 +75,6 @@ private:
     void planArea(const MatteAreas& areas, std::size_t area, std::size_t trials);
     void keepVariations(const Trials& trials, const Picture& known, const Picture& lost,
                         Picture area);
-    Steps stepsFor(const Choice& choice, const std::vector<std::size_t>& areas) const;
-    void add(const Choice& choice, const std::vector<std::size_t>& areas);
-    Steps allSteps() const;
-    Steps withoutNeedlessList(Steps steps, const MatteAreas& areas) const;
-    std::vector<Render::FillStep> toSave(const Steps& steps);
-    RenderSettings toRender(const Steps& steps, const std::vector<Render::FillStep>& saved);
     void finish(const MatteAreas& areas);
     void finishVariations(const MatteAreas& areas);
 
@@ -104,10 +95,10 @@ private:
     Picture lost_;
     FillPlan plan_;
     std::size_t searches_ = 0, searched_ = 0;  ///< areas that trials are made for
-    std::vector<Steps> steps_;                 ///< of each choice of the plan
-    std::size_t variedChoice_ = 0;             ///< the choice that has variations
-    std::vector<AreaVariation> variants_;      ///< of it
-    Picture beforeOthers_;                     ///< their window with the best, before later areas
+    PlanSteps choices_{job_};
+    std::size_t variedChoice_ = 0;         ///< the one that has variations
+    std::vector<AreaVariation> variants_;  ///< of it
+    Picture beforeOthers_;                 ///< their window with the best, before later areas
 };
 
 std::vector<std::size_t> Planner::chosenAreas(const MatteAreas& areas) const
@@ -171,7 +162,7 @@ void Planner::planSpecks(const MatteAreas& areas, const std::vector<std::size_t>
     list.reserve(specks.size());
     for (const std::size_t area : specks) list.push_back({area, areas.box(area)});
     for (const SpeckGroup& group : groupSpecks(list, *current_, lost_)) {
-        add(group.choice, group.areas);
+        choices_.add(group.choice, group.areas);
         plan_.areas.push_back(
             {group.areas, group.box, captionOf(group.choice, fixed_), std::nullopt});
     }
@@ -206,108 +197,58 @@ void Planner::planArea(const MatteAreas& areas, std::size_t area, std::size_t co
     if (ranked.empty()) {
         Choice plain = firstGuess(edge, texture);
         plain.parts = {{Place{"everywhere else", {}, 0}, std::nullopt}};
-        add(plain, {area});
+        choices_.add(plain, {area});
         plan_.areas.push_back({{area}, box, captionOf(plain, fixed_), std::nullopt});
         return;
     }
     const Scored& best = ranked.front();
-    add(best.choice, {area});
+    choices_.add(best.choice, {area});
     plan_.areas.push_back({{area}, box, captionOf(best.choice, fixed_), best.visibility});
-    if (trials.hasEnded()) return;
-    current_->paste(trials.render(best.choice));
-    if (area == plan_.varied.number && variations_ > 0) {
+    if (plan_.wasEnded) return;
+    const bool isVaried = area == plan_.varied.number && variations_ > 0;
+    if (isVaried) {
         const Picture pixels = areaPixels(areas, polarity_, area);
         keepVariations(trials, known, lost, pixels.copied(intersection(box, window), {}));
+        plan_.wasEnded = listener_.wantsEnd();
+        if (plan_.wasEnded) return;
     }
+    current_->paste(trials.render(best.choice));
+    if (isVaried) beforeOthers_ = current_->copied(window, {});
 }
 
+/// While the source still has what the area is to lose.
 void Planner::keepVariations(const Trials& trials, const Picture& known, const Picture& lost,
                              Picture area)
 {
     plan_.varied.source = std::make_shared<const Picture>(known.copied());
     plan_.varied.pixels = std::make_shared<const Picture>(area.copied());
-    variedChoice_ = steps_.size() - 1;
+    variedChoice_ = choices_.count() - 1;
     variants_ = variationsOf(trials, known, lost, std::move(area), variations_);
-    beforeOthers_ = current_->copied(known.bounds(), {});
-}
-
-Steps Planner::stepsFor(const Choice& choice, const std::vector<std::size_t>& areas) const
-{
-    return settingsOf(choice, areas, job_.top(), settings_, fixed_);
-}
-
-void Planner::add(const Choice& choice, const std::vector<std::size_t>& areas)
-{
-    steps_.push_back(stepsFor(choice, areas));
-}
-
-Steps Planner::allSteps() const
-{
-    Steps all;
-    for (const Steps& steps : steps_) all.insert(all.end(), steps.begin(), steps.end());
-    return all;
-}
-
-/// One step for all areas needs no list of them.
-Steps Planner::withoutNeedlessList(Steps steps, const MatteAreas& areas) const
-{
-    if (steps.size() == 1 && steps.front().areas.size() == areas.count()) {
-        steps.front().areas = settings_.areas;
-        steps.front().everyArea = settings_.everyArea;
-    }
-    return steps;
-}
-
-std::vector<Render::FillStep> Planner::toSave(const Steps& steps)
-{
-    std::vector<Render::FillStep> saved;
-    for (const RenderSettings& step : steps) {
-        const Render::JobInputs inputs = inputs_.withCrops(step);
-        saved.push_back({step, Render::InstanceSetup(session_, step, inputs, job_.depth).values()});
-    }
-    return saved;
-}
-
-RenderSettings Planner::toRender(const Steps& steps, const std::vector<Render::FillStep>& saved)
-{
-    if (steps.empty()) return settings_;  // the matte masks nothing
-    if (steps.size() == 1) return steps.front();
-    RenderSettings settings = settings_;
-    settings.areas.clear();
-    settings.everyArea = true;
-    settings.matteSide.reset();
-    settings.textureCrops = {};
-    settings.sampleBox.reset();
-    settings.parameters.clear();
-    const Host::ContextDescription& description = session_.describe(plan_.context);
-    settings.parameterFile = Render::stepsJson(plan_.plugin, description, saved).dump();
-    return settings;
 }
 
 void Planner::finish(const MatteAreas& areas)
 {
-    plan_.plugin = session_.effect().description().identifier;
-    plan_.context = "General";
-    const Steps steps = withoutNeedlessList(allSteps(), areas);
-    plan_.steps = toSave(steps);
-    plan_.settings = toRender(steps, plan_.steps);
+    plan_.plugin = choices_.plugin();
+    plan_.context = PlanSteps::kContext;
+    PlannedFill planned = choices_.planned(areas.count());
+    plan_.settings = std::move(planned.settings);
+    plan_.steps = std::move(planned.steps);
 }
 
 void Planner::finishVariations(const MatteAreas& areas)
 {
-    if (variants_.empty()) return;
+    if (plan_.wasEnded || variants_.empty()) {
+        plan_.varied = {};
+        return;
+    }
     addLaterChanges(variants_, beforeOthers_, *current_);
     for (AreaVariation& variant : variants_) {
         const Choice& choice = variant.scored.choice;
-        steps_[variedChoice_] = stepsFor(choice, {plan_.varied.number});
-        const Steps steps = withoutNeedlessList(allSteps(), areas);
-        Variation variation;
-        variation.steps = toSave(steps);
-        variation.settings = toRender(steps, variation.steps);
-        variation.caption = captionOf(choice, fixed_);
-        variation.visibility = variant.scored.visibility;
-        variation.preview = std::make_shared<const Picture>(std::move(variant.picture));
-        plan_.variations.push_back(std::move(variation));
+        choices_.replace(variedChoice_, choice);
+        PlannedFill planned = choices_.planned(areas.count());
+        plan_.variations.push_back({std::move(planned.settings), std::move(planned.steps),
+                                    captionOf(choice, fixed_), variant.scored.visibility,
+                                    std::make_shared<const Picture>(std::move(variant.picture))});
     }
 }
 
