@@ -176,21 +176,24 @@ void save(const std::filesystem::path& file, const Fill::FillPlan& plan,
                       Render::stepsJson(plan.plugin, session.describe(plan.context), plan.steps));
 }
 
-/// Writes the sheet, and says so, or why there is none.
+/// An error where the sheet is all that was asked for.
+void tellNoVariations(const CommandOptions& options, const Fill::FillPlan& plan)
+{
+    const bool isAll = options.render.settings.output.empty();
+    if (plan.wasEnded && isAll) throw Render::Interrupted("interrupted");
+    const std::string reason =
+        plan.wasEnded ? "the search was ended"
+                      : "small spots are filled without trials; --areas 1 makes trials for one";
+    if (isAll) throw Render::UsageError("no sheet: " + reason);
+    std::fprintf(stderr, "tesseret: note: no sheet: %s\n", reason.c_str());
+}
+
+/// Writes the sheet, and says so.
 void showVariations(const CommandOptions& options, const Fill::FillPlan& plan,
                     Render::RenderJob& job)
 {
     const std::size_t count = plan.variations.size();
-    if (count == 0) {
-        if (options.render.settings.output.empty() && plan.wasEnded) {
-            throw Render::Interrupted("interrupted");
-        }
-        const char* const reason =
-            plan.wasEnded ? "the search was ended" : "small spots are filled without trials";
-        std::fprintf(stderr, "tesseret: note: no sheet: there are no variations, since %s\n",
-                     reason);
-        return;
-    }
+    if (count == 0) return tellNoVariations(options, plan);
     if (count < options.variations) {
         std::fprintf(stderr,
                      "tesseret: note: %zu of %zu variations: no more trials differ visibly\n",

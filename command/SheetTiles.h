@@ -3,7 +3,6 @@
 /// Contact sheets of the commands: tiles cut out of pictures, and the file.
 
 #include <filesystem>
-#include <optional>
 
 #include <CLI/CLI.hpp>
 

@@ -1,10 +1,12 @@
 #include "command/WedgeCommand.h"
 
+#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "command/ProcessMemory.h"
 #include "command/RenderOptions.h"

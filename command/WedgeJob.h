@@ -1,8 +1,10 @@
 #pragma once
 
 #include <memory>
-#include <optional>
+#include <mutex>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "command/ProgressBar.h"

@@ -1,7 +1,9 @@
 #include "fill/Variations.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <optional>
 #include <utility>
 
 #include "quality/FillDifference.h"

@@ -19,7 +19,7 @@ void addRow(const Tones& tones, int y, int first, int width, std::vector<int>& s
         for (int near = -kRadius; near <= kRadius; ++near) {
             const int column = std::clamp(first + x + near, 0, tones.width - 1);
             const std::int16_t* const tone = tones.at(column, y);
-            for (int c = 0; c < 3; ++c) sums[std::size_t(3 * x + c)] += tone[c];
+            for (int c = 0; c < 3; ++c) sums[3 * std::size_t(x) + std::size_t(c)] += tone[c];
         }
     }
 }

@@ -43,6 +43,11 @@ private:
         return large_.wrapped(sheet_.title, std::max(width_ - 2 * kMargin, kLeastColumn));
     }
     std::vector<Row> rowsOf(const Group& group) const;
+    int widthOf(const Tile& tile) const
+    {
+        const int text = tile.caption.empty() ? large_.widthOf(tile.title) : kLeastColumn;
+        return std::max(tile.picture.width(), text);
+    }
     int textHeight(const Tile& tile) const;
     int headHeight(const Group& group) const;
     int height() const;
@@ -59,7 +64,7 @@ private:
 
     const ContactSheet& sheet_;
     Lettering small_, large_{2};
-    int column_ = kLeastColumn;
+    int column_ = 1;
     int names_ = 0;  ///< width of the rows' names with the gap
     int width_ = 0;
     Picture picture_;
@@ -71,7 +76,7 @@ Layout::Layout(const ContactSheet& sheet) : sheet_(sheet)
     std::size_t columns = 1;
     for (const Group& group : sheet.groups) {
         columns = std::max(columns, std::min(group.columns, group.tiles.size()));
-        for (const Tile& tile : group.tiles) column_ = std::max(column_, tile.picture.width());
+        for (const Tile& tile : group.tiles) column_ = std::max(column_, widthOf(tile));
         for (const std::string& name : group.columnNames) {
             column_ = std::max(column_, large_.widthOf(name));
         }

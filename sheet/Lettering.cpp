@@ -1,7 +1,8 @@
 #include "sheet/Lettering.h"
 
-#include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 
 #include <imgui/imgui.h>
 

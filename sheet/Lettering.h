@@ -2,7 +2,7 @@
 
 /// Text in pictures.
 
-#include <array>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>

@@ -167,6 +167,10 @@ TEST_F(VariationsTest, RefuseWhatMakesNoSheet)
     expect({"--variations", "3", "--sheet", in("a.png")}, "input files");
     expect({"--variations", "3", "--sheet", in("no/s.png")}, "no");
     expect({"--variations", "3", "--sheet", in("o.png"), "--output", in("o.png")}, "output too");
+    Spots specks;
+    for (int i = 1; i < 9; ++i) specks.push_back({20 * i, 50, 20 * i + 2, 52});
+    paintMatte("m.png", masks(specks));
+    expect({"--variations", "3", "--sheet", in("s.png")}, "no sheet: small spots");
     EXPECT_EQ(names().size(), 2U);
 }
 
