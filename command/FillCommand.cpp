@@ -183,7 +183,9 @@ void tellNoVariations(const CommandOptions& options, const Fill::FillPlan& plan)
     if (plan.wasEnded && isAll) throw Render::Interrupted("interrupted");
     const std::string reason =
         plan.wasEnded ? "the search was ended"
-                      : "small spots are filled without trials; --areas 1 makes trials for one";
+        : plan.areas.empty()
+            ? "the matte masks nothing"
+            : "small spots are filled without trials; --areas 1 makes trials for one";
     if (isAll) throw Render::UsageError("no sheet: " + reason);
     std::fprintf(stderr, "tesseret: note: no sheet: %s\n", reason.c_str());
 }

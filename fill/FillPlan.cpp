@@ -145,7 +145,7 @@ FillPlan Planner::plan()
                                    ? trialsOf(effort_)
                                    : std::max(kLeastTrials, 2 * trialsOf(effort_) / others.size());
     searches_ = others.size();
-    plan_.varied.number = largest(areas, others);
+    if (variations_ > 0) plan_.varied.number = largest(areas, others);
     for (const std::size_t area : others) {
         planArea(areas, area, trials);
         ++searched_;
