@@ -15,6 +15,7 @@
 #include "command/SearchReporter.h"
 #include "command/SheetTiles.h"
 #include "command/VariationSheet.h"
+#include "command/ShotOptions.h"
 #include "files/FileThreads.h"
 #include "fill/FillPlan.h"
 #include "render/Interrupt.h"
@@ -257,6 +258,7 @@ void addFillCommand(CLI::App& app, Action& action)
     for (const char* name : {"--fill-alpha", "--fill-alpha-inverted"}) {
         command->remove_option(command->get_option(name));
     }
+    addResumeOptions(*command, options->render);
     addOwnOptions(*command, *options);
     addPluginOptions(*command, options->render);
     command->callback([options, &action] { action = [options] { return fill(*options); }; });

@@ -7,6 +7,7 @@
 #include "command/ProcessMemory.h"
 #include "command/RenderOptions.h"
 #include "command/RenderReporter.h"
+#include "command/ShotOptions.h"
 #include "files/FileThreads.h"
 #include "render/DebugMaps.h"
 #include "render/Interrupt.h"
@@ -96,6 +97,8 @@ void addRenderCommand(CLI::App& app, Action& action)
     command->footer(kFooter);
     addFileOptions(*command, options->render, /*isRender=*/true);
     addMatteOptions(*command, options->render);
+    addShotOptions(*command, options->render);
+    addResumeOptions(*command, options->render);
     addOwnOptions(*command, *options);
     addPluginOptions(*command, options->render);
     command->callback([options, &action] { action = [options] { return render(*options); }; });

@@ -190,7 +190,9 @@ void addPluginOptions(CLI::App& command, RenderOptions& options)
                     "Filter or General (default: Filter, or General where the files need it)")
         ->type_name("NAME");
     command
-        .add_option("--threads", settings.threads, "Worker threads (default: one per processor)")
+        .add_option("--threads", settings.threads,
+                    "Worker threads (default: one for each processor that the process may use, by "
+                    "its affinity, its control group and SLURM_CPUS_PER_TASK in a Slurm job)")
         ->check(CLI::Range(1, 1024))
         ->type_name("COUNT");
     command

@@ -62,7 +62,11 @@ double RenderReporter::elapsed() const
 void RenderReporter::begin(Render::RenderJob& job)
 {
     const std::lock_guard lock(mutex_);
-    frameCount_ = job.inputs().frames().size();
+    const std::size_t wanted = job.inputs().frames().size();
+    frameCount_ = job.frameCount();
+    if (frameCount_ < wanted && verbosity_ != Verbosity::Quiet) {
+        std::printf("%zu of %zu frames have whole files already\n", wanted - frameCount_, wanted);
+    }
     if (verbosity_ == Verbosity::Verbose) printJob(job);
     const bool takesAlpha = job.fillRegion().source == Render::MaskSource::Alpha;
     if (takesAlpha && verbosity_ != Verbosity::Quiet) {
@@ -172,6 +176,12 @@ void RenderReporter::printLine(const std::string& kind, const std::string& text)
     bar_.clear();
     std::fprintf(stderr, "tesseret: %s%s\n", kind.c_str(), text.c_str());
     std::fflush(stderr);
+}
+
+void RenderReporter::frameFailed(int /*frame*/, const std::string& text)
+{
+    const std::lock_guard lock(mutex_);
+    printLine("", text);
 }
 
 void RenderReporter::warning(const std::string& text)

@@ -30,6 +30,7 @@ public:
     void matteTaken(Files::MatteFrom from) override;
     void areaBegan(std::size_t area, std::size_t count) override;
     void frameWritten(const Render::FrameResult& result) override;
+    void frameFailed(int frame, const std::string& text) override;
     void warning(const std::string& text) override;
     void message(const std::string& text) override;
     void stageBegan(Host::Instance& instance, std::string_view stage) override;

@@ -7,6 +7,7 @@
 #include "products/OFX/Support/Clip.h"
 #include "products/OFX/Support/Message.h"
 #include "products/OFX/Support/Observer.h"
+#include "products/OFX/Support/Records.h"
 
 namespace Tesseret {
 
@@ -26,6 +27,9 @@ EffectRenderContext::EffectRenderContext(Orvane::OvOfxHostWrapper& wrapper,
       exclusionReported_(exclusionReported),
       observer_(Orvane::makeHostObserver(
           static_cast<OfxImageEffectHandle>(wrapper.renderStatus().abortHandle))),
+      records_(observer_ == nullptr ? nullptr
+                                    : Orvane::makeHostRecords(static_cast<OfxImageEffectHandle>(
+                                          wrapper.renderStatus().abortHandle))),
       time_(wrapper.time()),
       reader_(wrapper, effectInterface, time_)
 {}

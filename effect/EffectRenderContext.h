@@ -15,7 +15,8 @@ namespace Tesseret {
 /// interface.
 class EffectRenderContext final : public Orvane::Engine::RenderContext {
 public:
-    /// All outlive the context. Asks the host for an observer, then for the time of the render.
+    /// All outlive the context. Asks the host for an observer, for records where it
+    /// has one, then for the time of the render.
     /// `exclusionReported` belongs to the instance: whether its user was told once that nothing is
     /// rendered outside a clip's frame range.
     EffectRenderContext(Orvane::OvOfxHostWrapper& wrapper,
@@ -31,6 +32,7 @@ public:
 
     Orvane::RenderStatus& renderStatus() override { return wrapper_.renderStatus(); }
     Orvane::Engine::RenderObserver* observer() override { return observer_.get(); }
+    Orvane::Engine::RecordExchange* records() override { return records_.get(); }
 
 private:
     [[nodiscard]] bool isConnected(const char* clip) const;
@@ -43,6 +45,7 @@ private:
     Orvane::OvOfxHostWrapper& wrapper_;
     bool& exclusionReported_;
     std::unique_ptr<Orvane::Engine::RenderObserver> observer_;
+    std::unique_ptr<Orvane::Engine::RecordExchange> records_;
     double time_;
     FillParameterReader reader_;
 };

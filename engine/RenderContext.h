@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "engine/FillParameters.h"
+#include "engine/RecordExchange.h"
 #include "engine/RenderObserver.h"
 #include "engine/map/ClipImage.h"
 #include "libraries/Processor/RenderStatus.h"
@@ -17,7 +18,7 @@ struct RenderPlace {
 };
 
 /// The images, settings, status and observer of one render. Images are those of the render's time,
-/// or null. No function fails. All but the last two are called at most once (`textureImage` once
+/// or null. No function fails. All but the last three are called at most once (`textureImage` once
 /// for each texture), in the order declared here, which hosts can observe.
 class RenderContext {
 public:
@@ -37,6 +38,8 @@ public:
     virtual RenderStatus& renderStatus() = 0;
     /// May be null.
     virtual RenderObserver* observer() = 0;
+    /// May be null.
+    virtual RecordExchange* records() { return nullptr; }
 };
 
 }  // namespace Orvane::Engine

@@ -5,8 +5,10 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <span>
 #include <utility>
 
+#include "engine/RecordBytes.h"
 #include "engine/SynthesisNode.h"
 #include "engine/map/ExactMath.h"
 #include "engine/mask/RegionMask.h"
@@ -95,8 +97,9 @@ public:
         const bool hasBlocks = holdsBlocksFor(place.time);
         FillParameters fill;
         context_.readRegion(fill);
+        const bool useStoredBlocks =
+            fill.temporalConsistency && (hasBlocks || takesOffered(place.time));
         state_.valid = fill.temporalConsistency;  // else the next render starts anew
-        const bool useStoredBlocks = hasBlocks && fill.temporalConsistency;
         StateKeeper keeper(state_);
         if (useStoredBlocks) keeper.keep();
         takeMask(fill, source.map);
@@ -116,7 +119,9 @@ public:
         node.setRegion(place.window);
         node.setStatusRecord(&context_.renderStatus());
         node.process(source.map, target.map);
-        if (state_.valid && context_.renderStatus().aborted == 0) keeper.keep();
+        if (!state_.valid || context_.renderStatus().aborted != 0) return;
+        keeper.keep();
+        if (!useStoredBlocks) giveRecord();
     }
 
 private:
@@ -124,10 +129,30 @@ private:
     /// not valid.
     bool holdsBlocksFor(double time)
     {
-        const bool firstFrame = floorToInt(time + 0.5) == 0;
-        if (!firstFrame && state_.valid) return true;
+        if (!isFirstFrame(time) && state_.valid) return true;
         state_.discard();
         return false;
+    }
+
+    static bool isFirstFrame(double time) { return floorToInt(time + 0.5) == 0; }
+
+    /// Whether the blocks of another instance are in the state now.
+    bool takesOffered(double time)
+    {
+        RecordExchange* const records = context_.records();
+        if (records == nullptr || isFirstFrame(time)) return false;
+        const std::span<const std::byte> record = records->offered();
+        if (record.empty()) return false;
+        std::optional<TemporalState> offered = stateFrom(record);
+        records->taken(offered.has_value());
+        if (offered) state_ = std::move(*offered);
+        return offered.has_value();
+    }
+
+    void giveRecord()
+    {
+        RecordExchange* const records = context_.records();
+        if (records != nullptr && records->isWanted()) records->made(recordBytes(state_));
     }
 
     void takeMask(const FillParameters& fill, const Map<Pixel>& source)

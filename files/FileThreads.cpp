@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "platform/Processors.h"
+
 namespace Tesseret::Files {
 
 namespace {
@@ -59,7 +61,7 @@ private:
 
 void useThreads(unsigned count)
 {
-    chosen = count;
+    chosen = count != 0 ? count : Orvane::availableProcessors();
 }
 
 unsigned chosenThreads()
@@ -69,8 +71,7 @@ unsigned chosenThreads()
 
 void inParallel(std::size_t count, const std::function<void(std::size_t)>& work)
 {
-    const unsigned threads =
-        chosen != 0 ? unsigned{chosen} : std::max(1u, std::thread::hardware_concurrency());
+    const unsigned threads = chosen != 0 ? unsigned{chosen} : Orvane::availableProcessors();
     Work shared(count, work);
     {
         std::vector<std::jthread> helpers;

@@ -5,9 +5,10 @@
 
 namespace Tesseret::Files {
 
-/// Sets the number of threads that read and write one picture file; 0 is one for each processor.
+/// Sets the number of threads that read and write one picture file; 0 is one for each processor
+/// that this process may use.
 void useThreads(unsigned count);
-/// As set.
+/// As set; 0 before.
 unsigned chosenThreads();
 
 /// Calls `work` with each number below `count`, on these threads. After an exception the rest is

@@ -98,6 +98,16 @@ bool keepsDataWindow(const std::filesystem::path& file)
     return formatByName(file).windows != Windows::None;
 }
 
+OfxRectI writtenWindow(const std::filesystem::path& file, const OfxRectI& picture,
+                       const OfxRectI& display)
+{
+    const Windows windows = formatByName(file).windows;
+    const bool isInside = picture.x1 >= display.x1 && picture.y1 >= display.y1 &&
+                          picture.x2 <= display.x2 && picture.y2 <= display.y2;
+    const bool fits = windows == Windows::Any || (windows == Windows::FromZero && isInside);
+    return fits ? picture : display;
+}
+
 std::vector<std::string> writePicture(const std::filesystem::path& file, const Picture& picture,
                                       const FileRecord& record, const WriteOptions& options)
 {

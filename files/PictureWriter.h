@@ -29,6 +29,11 @@ void checkTarget(const std::filesystem::path& file, const std::string& compressi
 /// Whether the format stores a data window apart from the display window.
 bool keepsDataWindow(const std::filesystem::path& file);
 
+/// The part of a picture that a file of this format gets, in the picture's pixels: all of it, or
+/// the display window where it has no place for the other.
+OfxRectI writtenWindow(const std::filesystem::path& file, const OfxRectI& picture,
+                       const OfxRectI& display);
+
 /// Writes an RGBA picture. Values are rounded and clamped to the file's type and not changed
 /// otherwise. A picture of the record's depth takes the record's type (half, 10 bits), any other
 /// its own, or the nearest type that the format has. Returns a line for each item of the record

@@ -1,15 +1,15 @@
 #include "files/WholeFile.h"
 
-#include <atomic>
 #include <cerrno>
 #include <cstring>
-#include <sstream>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "files/FileError.h"
+#include "files/PartNames.h"
 
 namespace Tesseret::Files {
 
@@ -17,30 +17,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
-fs::path folderOf(const fs::path& file)
-{
-    return file.has_parent_path() ? file.parent_path() : fs::path(".");
-}
-
-/// Unique among all writers: several processes may write into one folder.
-fs::path partName(const fs::path& target)
-{
-    static std::atomic<unsigned> count{0};
-    std::ostringstream name;
-    name << '.' << target.stem().string() << ".part" << ::getpid() << '-' << count++
-         << target.extension().string();
-    return folderOf(target) / name.str();
-}
-
 /// A temporary file beside its target, removed with the object unless it was kept.
 class PartFile {
 public:
     explicit PartFile(const fs::path& target)
         : target_(target),
-          path_(partName(target)),
+          path_(partNameOf(target)),
           descriptor_(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666))
     {
         require(descriptor_ >= 0);
+        ::flock(descriptor_, LOCK_EX | LOCK_NB);  // some file systems have no locks
     }
     ~PartFile()
     {
@@ -119,6 +105,7 @@ void checkPlace(const fs::path& file)
 void writeWhole(const fs::path& file, std::span<const std::byte> bytes)
 {
     checkPlace(file);
+    removeLeftovers(file);
     PartFile part(file);
     part.write(bytes);
     part.flush(bytes.size());

@@ -18,7 +18,8 @@ void checkPlace(const std::filesystem::path& file);
 
 /// Writes a file: the bytes are written beside it under another name, flushed to the disk, and then
 /// renamed. On failure it throws `FileError`, keeps the older file, and leaves no other file
-/// behind.
+/// behind. What a process that was killed left behind for this file is removed by the next that
+/// writes it on the same machine. Several processes may write one file: each writes a whole one.
 void writeWhole(const std::filesystem::path& file, std::span<const std::byte> bytes);
 
 /// Identifies an existing file, whatever link or spelling leads to it.

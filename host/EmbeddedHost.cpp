@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <thread>
 #include <utility>
 
 #include "host/HostError.h"
@@ -12,6 +11,7 @@
 #include "host/ThreadPool.h"
 #include "ofx/ofxImageEffect.h"
 #include "ofx/ofxParam.h"
+#include "platform/Processors.h"
 
 namespace Tesseret::Host {
 
@@ -33,11 +33,6 @@ std::vector<EmbeddedHost*>& hosts()
     return theHosts;
 }
 
-unsigned int processors()
-{
-    return std::max(std::thread::hardware_concurrency(), 1u);
-}
-
 const void* fetchSuite(OfxPropertySetHandle host, const char* name, int version)
 {
     auto* const set = static_cast<PropertySet*>(findObject(HandleKind::PropertySet, host));
@@ -57,7 +52,8 @@ EmbeddedHost::EmbeddedHost(HostOptions options)
       listener_(options.listener),
       properties_(*this, "host"),
       record_{properties_.handle(), kGuarded<&Host::fetchSuite>},
-      pool_(std::make_unique<ThreadPool>(*this, options.threads ? options.threads : processors()))
+      pool_(std::make_unique<ThreadPool>(
+          *this, options.threads ? options.threads : Orvane::availableProcessors()))
 {
     describeSelf(options.identity);
     const std::lock_guard lock(hostsMutex());
@@ -148,6 +144,7 @@ const void* EmbeddedHost::fetchSuite(const char* name, int version)
         {kOfxMessageSuite, &messageSuite()},
         {kOfxInteractSuite, &interactSuite()},
         {kTesseretObserverSuite, listener_ ? &observerSuite() : nullptr},
+        {kTesseretRecordSuite, listener_ ? &recordSuite() : nullptr},
     };
     const std::string wanted = name ? name : "";
     const void* found = nullptr;

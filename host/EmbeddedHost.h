@@ -22,11 +22,12 @@ class ThreadPool;
 
 struct HostOptions {
     HostIdentity identity{};
-    unsigned int threads = 0;            ///< 0 is the number of processors
+    unsigned int threads = 0;            ///< 0: one for each processor it may use
     HostBehaviour* behaviour = nullptr;  ///< not owned; null keeps the published standard
     ReportSink onReport{};
     MessageSink onMessage{};
-    RenderListener* listener = nullptr;  ///< not owned; with it "TesseretObserverSuite" is offered
+    RenderListener* listener =
+        nullptr;  ///< not owned; with it the two suites of our own are offered
 };
 
 class EmbeddedHost {

@@ -19,6 +19,7 @@ namespace Tesseret::Host {
 
 class Descriptor;
 class Effect;
+class RecordKeeper;
 
 /// The project around the effect, in canonical units and frames.
 struct Project {
@@ -72,6 +73,10 @@ public:
     InstanceListener* listener() const { return listener_; }
     /// The instance listener's, else the host's; null when there is none.
     RenderListener* renderListener() const;
+    /// Not owned; null for none. Asked only where the host has a render listener. Set while no
+    /// action runs.
+    void setRecords(RecordKeeper* records) { records_ = records; }
+    RecordKeeper* records() const { return records_; }
 
     // Clips
 
@@ -196,6 +201,7 @@ private:
     int changeDepth_ = 0;
     int announcing_ = 0;
     InstanceListener* listener_;
+    RecordKeeper* records_ = nullptr;
     std::vector<std::string> edited_;  ///< set by the plug-in, not announced yet
     std::optional<RenderRequest> sequence_;
     OfxRangeD sequenceFrames_{0.0, 0.0};

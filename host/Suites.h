@@ -10,6 +10,7 @@
 #include "ofx/ofxParam.h"
 #include "ofx/ofxProperty.h"
 #include "ofx/tesseretObserver.h"
+#include "ofx/tesseretRecord.h"
 
 namespace Tesseret::Host {
 
@@ -21,5 +22,6 @@ const OfxMultiThreadSuiteV1& multiThreadSuite();
 const OfxMessageSuiteV1& messageSuite();
 const OfxInteractSuiteV1& interactSuite();
 const TesseretObserverSuiteV1& observerSuite();
+const TesseretRecordSuiteV1& recordSuite();
 
 }  // namespace Tesseret::Host

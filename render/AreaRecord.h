@@ -13,9 +13,23 @@ struct PixelMotion {
     bool operator==(const PixelMotion&) const = default;
 };
 
+/// One area of a matte.
+struct RecordedArea {
+    OfxRectI box;              ///< the smallest round it
+    std::vector<bool> masked;  ///< for each pixel of the box, row by row from the lowest
+    double middleX = 0.0, middleY = 0.0;
+
+    bool has(int x, int y) const;
+};
+
 class AreaRecord {
 public:
-    bool isEmpty() const { return boxes_.empty(); }
+    AreaRecord() = default;
+    /// As after `begin`.
+    explicit AreaRecord(std::vector<RecordedArea> areas);
+
+    bool isEmpty() const { return areas_.empty(); }
+    const std::vector<RecordedArea>& areas() const { return areas_; }
     /// Records the first `count` areas of a frame's matte.
     void begin(const MatteAreas& areas, std::size_t count);
     /// Whether these can be the recorded areas: there are as many, and each overlaps the place of
@@ -28,18 +42,11 @@ public:
     PixelMotion motion(const MatteAreas& areas, std::size_t area) const;
     /// Whether the recorded area, moved, has all pixels that the area has now.
     bool covers(const MatteAreas& areas, std::size_t area, PixelMotion moved) const;
-    const OfxRectI& box(std::size_t area) const { return boxes_[area]; }
+    const OfxRectI& box(std::size_t area) const { return areas_[area].box; }
 
 private:
-    struct Point {
-        double x, y;
-    };
-
-    static Point middleOf(const MatteAreas& areas, std::size_t area);
-
-    std::vector<OfxRectI> boxes_, last_;
-    std::vector<Picture> masks_;  ///< the areas alone
-    std::vector<Point> middles_;
+    std::vector<RecordedArea> areas_;
+    std::vector<OfxRectI> last_;  ///< their boxes in the frame before
 };
 
 OfxRectI movedBox(const OfxRectI& box, PixelMotion motion);

@@ -94,7 +94,7 @@ FrameRenderer::FrameRenderer(const RenderSettings& settings, InstanceSetup setup
       followsMatte_(settings.followsMatte),
       chosenAreas_(settings.areas)
 {
-    slots_.push_back(setup_.make());
+    slots_.push_back(makeSlot());
 }
 
 void FrameRenderer::abort()
@@ -144,6 +144,7 @@ Picture FrameRenderer::render(const RenderRequest& request, const FramePictures&
     beginFrame();
     show(slots_.front(), request, pictures);
     renderOn(slots_.front(), request, output);
+    hasRecord_ = repeatsBlocks();
     return output;
 }
 
@@ -281,6 +282,9 @@ void FrameRenderer::renderOn(Slot& slot, const RenderRequest& request, Picture& 
     const OfxStatus status = slot.instance->render(request, output);
     if (slot.instance->isAborted()) throw Interrupted("interrupted");
     if (status != kOfxStatOK) throw Host::HostError(Host::statusText(status), status);
+    if (slot.record->wasRefused()) {
+        throw SavedFillRefused("the saved fill: the plug-in cannot repeat the blocks in it");
+    }
 }
 
 /// Reports a matte's oddities before it is filled.
@@ -331,10 +335,75 @@ void FrameRenderer::followAreas(const RenderRequest& request, const PreparedMatt
                 "temporalConsistancy starts again");
         }
     }
+    for (Slot& slot : slots_) slot.record->withdraw();
     recorded_.begin(matte.areas, count);
     recordedFrame_ = frameOf(request);
     reached_.clear();
     for (std::size_t area = 0; area < count; ++area) reached_.push_back(recorded_.box(area));
+}
+
+/// A host that makes an instance for each frame loses the blocks with it.
+bool FrameRenderer::repeatsBlocks() const
+{
+    return setup_.repeatsBlocks() &&
+           !slots_.front().instance->host().behaviour().makesInstancePerFrame();
+}
+
+bool FrameRenderer::recordsAt(int frame, const PreparedMatte* matte) const
+{
+    if (!repeatsBlocks()) return false;
+    if (matte == nullptr) return frame == 0 || !hasRecord_;
+    const std::size_t count = areasOf(*matte);
+    return count > 0 && (frame == 0 || !recorded_.matches(matte->areas, count, followsMatte_));
+}
+
+void FrameRenderer::passBy(const PreparedMatte* matte)
+{
+    const std::size_t count = matte != nullptr ? areasOf(*matte) : 0;
+    if (repeatsBlocks() && count > 0) recorded_.advance(matte->areas, count);
+}
+
+void FrameRenderer::keepRecords()
+{
+    keepsRecords_ = true;
+    slots_.clear();
+    slots_.push_back(makeSlot());
+}
+
+FillRecord FrameRenderer::record() const
+{
+    FillRecord record;
+    record.areas = recorded_.areas();
+    const std::size_t count = hasRecord_ ? 1 : record.areas.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        record.instances.push_back(slots_[i].record->made());
+        if (record.instances.back().empty()) {
+            throw RenderFailure("the plug-in does not tell what it recorded, so it is not saved");
+        }
+    }
+    return record;
+}
+
+void FrameRenderer::adopt(int frame, FillRecord record)
+{
+    hasRecord_ = record.areas.empty() && !record.instances.empty();
+    recorded_ = AreaRecord(std::move(record.areas));
+    recordedFrame_ = frame;
+    reached_.clear();
+    for (const RecordedArea& area : recorded_.areas()) reached_.push_back(area.box);
+    for (std::size_t i = 0; i < record.instances.size(); ++i) {
+        slotFor(i).record->offer(std::move(record.instances[i]));
+    }
+}
+
+void FrameRenderer::forgetRecord()
+{
+    for (Slot& slot : slots_) {
+        slot.instance->purgeCaches();
+        slot.record->withdraw();
+    }
+    recorded_ = {};
+    hasRecord_ = false;
 }
 
 /// The recorded region is filled, not the matte of this frame: tells when some of it is left.
@@ -367,7 +436,8 @@ FrameRenderer::Slot& FrameRenderer::slotFor(std::size_t area)
 
 FrameRenderer::Slot FrameRenderer::makeSlot() const
 {
-    Slot made = setup_.make();
+    Slot made{setup_.make(), std::make_unique<InstanceRecord>(keepsRecords_)};
+    made.instance->setRecords(made.record.get());
     if (sequence_) made.instance->beginSequence(sequence_->frames, 1.0, sequence_->first);
     return made;
 }

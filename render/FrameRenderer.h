@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "render/AreaRecord.h"
+#include "render/FillRecord.h"
 #include "render/InstanceSetup.h"
 #include "render/JobListener.h"
 #include "render/PreparedMatte.h"
@@ -44,12 +45,30 @@ public:
     /// How many areas of a matte are filled.
     std::size_t areasOf(const PreparedMatte& matte) const;
 
+    /// Whether frames repeat the blocks of earlier ones.
+    bool repeatsBlocks() const;
+    /// Whether the frame would choose new blocks, for later ones to repeat. `matte` as in `render`.
+    bool recordsAt(int frame, const PreparedMatte* matte) const;
+    /// Follows the areas of a frame that is not rendered and would not record.
+    void passBy(const PreparedMatte* matte);
+    /// Before the first render: keeps what is recorded, for `record`.
+    void keepRecords();
+    /// What the last frame that recorded did. Throws `RenderFailure` when the plug-in does not give
+    /// it away.
+    FillRecord record() const;
+    /// Before the first render: later frames repeat what this frame recorded.
+    void adopt(int frame, FillRecord record);
+    /// After a frame that failed: the next one records.
+    void forgetRecord();
+
     /// Makes the running render and every later one end with `Interrupted`. From any thread.
     void abort();
 
 private:
     class Running;
-    using Slot = ReadyInstance;
+    struct Slot : ReadyInstance {
+        std::unique_ptr<InstanceRecord> record;
+    };
     struct Sequence {
         OfxRangeD frames;
         Host::RenderRequest first;
@@ -86,6 +105,8 @@ private:
     std::vector<OfxRectI> reached_;  ///< unions of their boxes and those of all frames since
     int recordedFrame_ = 0;
     bool hasRendered_ = false;
+    bool keepsRecords_ = false;
+    bool hasRecord_ = false;                ///< of a fill without a matte
     std::vector<std::size_t> chosenAreas_;  ///< of the matte, from 0; empty: any
     bool reportedUncovered_ = false;
     bool reportedEmptyMatte_ = false, reportedAreasChange_ = false;

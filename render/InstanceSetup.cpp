@@ -158,7 +158,6 @@ std::optional<double> InstanceSetup::fillReach() const
 
 ReadyInstance InstanceSetup::make() const
 {
-    const auto [first, last] = std::ranges::minmax(inputs_.frames());
     ReadyInstance ready;
     try {
         ready.instance = session_.effect().createInstance(longContextName(context_), listener_);
@@ -166,8 +165,7 @@ ReadyInstance InstanceSetup::make() const
         ready.instance->setDepth(depth_);
         for (const auto& [name, info] : inputs_.infos()) {
             const auto components = name == Names::kMatte ? Components::Alpha : Components::RGBA;
-            auto source = std::make_shared<FrameSource>(info, depth_, components,
-                                                        OfxRangeD{double(first), double(last)});
+            auto source = std::make_shared<FrameSource>(info, depth_, components, inputs_.range());
             ready.clips.emplace(name, source);
             ready.instance->connect(name, source);
         }

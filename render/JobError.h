@@ -12,6 +12,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// The plug-in cannot repeat the blocks of a saved fill: one line.
+class SavedFillRefused : public UsageError {
+public:
+    using UsageError::UsageError;
+};
+
 /// The render began and failed.
 class RenderFailure : public std::runtime_error {
 public:

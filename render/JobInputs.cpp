@@ -1,5 +1,6 @@
 #include "render/JobInputs.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "effect/ParameterNames.h"
@@ -53,15 +54,16 @@ JobInputs::JobInputs(const RenderSettings& settings)
     for (std::size_t i = 0; i < settings.textures.size(); ++i) {
         add(Names::kTextures.at(i), settings.textures[i], Files::ReadAs::Picture);
     }
-    checkFrames();
+    const int first = settings.firstFrame.value_or(frames_.front());
+    const auto [least, most] = std::ranges::minmax(frames_);
+    range_ = {double(std::min(least, first)), double(std::max(most, first))};
+    checkFrames(settings);
     findFilesRead();
     if (!settings.output.empty()) {
         Files::checkTarget(outputFile(frames_.front()), settings.compression);
         checkOutputs();
     }
-    for (const Input& input : inputs_) {
-        read_.emplace(input.clip, Files::readInfo(input.pattern.file(frames_.front())));
-    }
+    readInfos(settings);
     if (settings.paintsMatte) {
         read_.emplace(Names::kMatte,
                       paintedMatteInfo(settings.matte, read_.at(Names::kSource).displayWindow));
@@ -81,14 +83,60 @@ JobInputs JobInputs::withCrops(const RenderSettings& settings) const
     return other;
 }
 
-void JobInputs::checkFrames() const
+bool JobInputs::hasFiles(int frame) const
 {
+    return std::ranges::all_of(
+        inputs_, [&](const Input& input) { return input.pattern.missing({frame}).empty(); });
+}
+
+std::map<std::string, PictureInfo> JobInputs::infosOf(int frame) const
+{
+    std::map<std::string, PictureInfo> infos;
+    for (const Input& input : inputs_) {
+        infos.emplace(input.clip, Files::readInfo(input.pattern.file(frame)));
+    }
+    return infos;
+}
+
+void JobInputs::readInfos(const RenderSettings& settings)
+{
+    if (settings.firstFrame && hasFiles(*settings.firstFrame)) {
+        read_ = infosOf(*settings.firstFrame);
+        return;
+    }
+    for (const int frame : frames_) {
+        try {
+            read_ = infosOf(frame);
+            return;
+        } catch (const Files::FileError&) {
+            if (!settings.keepsGoing || frame == frames_.back()) throw;
+        }
+    }
+}
+
+std::filesystem::path JobInputs::earlierSource() const
+{
+    constexpr int kMostBefore = 100;
+    const Files::SequencePattern& source = inputs_.front().pattern;
+    if (!source.isSequence()) return {};
+    const int first = std::ranges::min(frames_);
+    for (int frame = first - 1; frame >= first - kMostBefore; --frame) {
+        if (source.missing({frame}).empty()) return source.file(frame);
+    }
+    return {};
+}
+
+void JobInputs::checkFrames(const RenderSettings& settings) const
+{
+    std::vector<int> needed = frames_;
+    if (settings.firstFrame && settings.loadFill.empty()) needed.push_back(*settings.firstFrame);
     for (const Input& input : inputs_) {
         if (!input.pattern.isSequence()) continue;
         const std::string name = input.pattern.name().string();
         if (!isSequence_) throw UsageError(name + " is a sequence: --frames is required");
-        const std::vector<int> missing = input.pattern.missing(frames_);
-        if (!missing.empty()) {
+        const std::vector<int> missing = input.pattern.missing(needed);
+        const bool mayMiss = settings.keepsGoing && missing.size() < needed.size();
+        if (!missing.empty() && !mayMiss) {
             throw UsageError(name + ": missing frames " + Files::framesText(missing));
         }
     }
@@ -142,13 +190,29 @@ ClipPicture JobInputs::readClip(const Input& input, int frame, Depth depth)
             file.warnings, file.matteFrom};
 }
 
+ClipPicture JobInputs::readOnce(const Input& input, int frame, Depth depth)
+{
+    const auto still = stills_.find(input.clip);
+    return still != stills_.end() ? still->second : readClip(input, frame, depth);
+}
+
+FramePictures JobInputs::readMatte(int frame, Depth depth)
+{
+    const auto matte = std::ranges::find(inputs_, std::string(Names::kMatte), &Input::clip);
+    if (matte == inputs_.end() || !matte->pattern.missing({frame}).empty()) return {};
+    ClipPicture picture = readOnce(*matte, frame, depth);
+    if (!matte->pattern.isSequence()) stills_.emplace(matte->clip, picture);
+    checkMatte(picture.info, source());
+    FramePictures pictures;
+    pictures.emplace(matte->clip, std::move(picture));
+    return pictures;
+}
+
 FramePictures JobInputs::read(int frame, Depth depth)
 {
     std::vector<ClipPicture> read(inputs_.size());
-    Files::inParallel(inputs_.size(), [&](std::size_t i) {
-        const auto still = stills_.find(inputs_[i].clip);
-        read[i] = still != stills_.end() ? still->second : readClip(inputs_[i], frame, depth);
-    });
+    Files::inParallel(inputs_.size(),
+                      [&](std::size_t i) { read[i] = readOnce(inputs_[i], frame, depth); });
     FramePictures pictures;
     for (std::size_t i = 0; i < inputs_.size(); ++i) {
         const Input& input = inputs_[i];

@@ -31,6 +31,11 @@ void JobListeners::frameWritten(const FrameResult& result)
     notify(&JobListener::frameWritten, result);
 }
 
+void JobListeners::frameFailed(int frame, const std::string& text)
+{
+    notify(&JobListener::frameFailed, frame, text);
+}
+
 void JobListeners::warning(const std::string& text)
 {
     notify(&JobListener::warning, text);

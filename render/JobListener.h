@@ -31,6 +31,8 @@ public:
     virtual void areaBegan(std::size_t /*area*/, std::size_t /*count*/) {}
     /// From another thread, while the next frame renders.
     virtual void frameWritten(const FrameResult& /*result*/) {}
+    /// The job goes on without the frame; one line. From the thread of `run`.
+    virtual void frameFailed(int /*frame*/, const std::string& /*text*/) {}
     /// One line about a file or from the host; each line comes once. From any thread.
     virtual void warning(const std::string& /*text*/) {}
     /// A message of the plug-in that is not an error.
@@ -64,6 +66,7 @@ public:
     void matteTaken(Files::MatteFrom from) override;
     void areaBegan(std::size_t area, std::size_t count) override;
     void frameWritten(const FrameResult& result) override;
+    void frameFailed(int frame, const std::string& text) override;
     void warning(const std::string& text) override;
     void message(const std::string& text) override;
     void stageBegan(Host::Instance& instance, std::string_view stage) override;

@@ -8,6 +8,8 @@
 #include "effect/ParameterNames.h"
 #include "files/FileError.h"
 #include "files/PictureWriter.h"
+#include "files/Sequence.h"
+#include "files/WholeFile.h"
 #include "host/HostError.h"
 #include "render/Boxes.h"
 #include "render/FillSteps.h"
@@ -39,17 +41,43 @@ RenderSettings withoutCrops(RenderSettings settings)
     return settings;
 }
 
+/// The fill to go on with; the shot's first frame is then the one that recorded it.
+std::optional<SavedFill> loadedFill(RenderSettings& settings)
+{
+    const auto fail = [](const std::string& text) { throw UsageError(text); };
+    const std::vector<int>& frames = settings.frames;
+    if (settings.firstFrame && frames.empty())
+        fail("--first-frame is for sequences: give --frames");
+    if (settings.firstFrame && std::ranges::min(frames) < *settings.firstFrame) {
+        fail("--first-frame " + std::to_string(*settings.firstFrame) +
+             ": no frame of --frames may lie before it");
+    }
+    if (settings.loadFill.empty()) return std::nullopt;
+    SavedFill fill = readFill(settings.loadFill);
+    if (settings.firstFrame.value_or(fill.frame) != fill.frame) {
+        fail(settings.loadFill.string() + ": was recorded in frame " + std::to_string(fill.frame) +
+             ", not in that of --first-frame");
+    }
+    if (!frames.empty() && std::ranges::min(frames) < fill.frame) {
+        fail(settings.loadFill.string() + ": was recorded in frame " + std::to_string(fill.frame) +
+             ", and --frames has some before it");
+    }
+    settings.firstFrame = fill.frame;
+    return fill;
+}
+
 }  // namespace
 
 RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
-    : settings_(std::move(settings)),
+    : loaded_(loadedFill(settings)),
+      settings_(std::move(settings)),
       listener_(listener),
       warnings_(listener),
       host_(settings_.hostLike),
       inputs_(withoutCrops(settings_)),
       depth_(host_.depthFor(settings_.depth, inputs_.source().depth)),
-      first_(std::async(std::launch::async,
-                        [this] { return readPictures(inputs_.frames().front()); })),
+      toWrite_(framesToWrite(settings_, inputs_)),
+      first_(readEarly()),
       messages_(listener, warnings_),
       session_(settings_.plugin, host_.adapted(messages_.hostOptions(settings_.threads))),
       steps_(session_, inputs_, stepsOf(settings_), depth_, listener, warnings_)
@@ -61,32 +89,170 @@ RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
     if (!settings_.depth && depth_ != source) {
         listener_.note(instance(), host_.depthNote(depth_, source));
     }
+    prepareShot();
+}
+
+/// The first frame, unless others come before it or it has a file already.
+std::future<RenderJob::ReadPictures> RenderJob::readEarly()
+{
+    const int frame = inputs_.frames().front();
+    const bool isFirst = settings_.firstFrame.value_or(frame) == frame && toWrite_.contains(frame);
+    if (!isFirst) return {};
+    return std::async(std::launch::async, [this, frame] { return readPictures(frame); });
+}
+
+void RenderJob::prepareShot()
+{
+    const bool repeats = steps_.repeatsBlocks();
+    shot_ = shotFrames(settings_, inputs_, toWrite_, repeats);
+    for (const auto& [option, file] : {std::pair("--save-fill", settings_.saveFill),
+                                       std::pair("--load-fill", settings_.loadFill)}) {
+        if (file.empty() || (repeats && inputs_.isSequence())) continue;
+        throw UsageError(std::string(option) +
+                         ": only a sequence with temporalConsistancy=on records its blocks");
+    }
+    if (repeats && inputs_.isSequence()) {
+        if (const std::string text = jumpWarning(settings_, inputs_); !text.empty()) {
+            warnings_.report(text);
+        }
+    }
+    if (!settings_.saveFill.empty()) {
+        Files::checkPlace(settings_.saveFill);
+        steps_.keepRecords();
+    }
+    if (!loaded_) return;
+    checkIdentity(settings_.loadFill, loaded_->identity,
+                  identityOf(settings_, inputs_, steps_, session_, depth_, loaded_->frame));
+    const bool recordsAgain = !shot_.empty() && shot_.front().frame == loaded_->frame;
+    if (!recordsAgain) adoptLoaded();
+}
+
+void RenderJob::adoptLoaded()
+{
+    steps_.adopt(loaded_->frame, std::move(loaded_->steps));
+    loaded_.reset();
 }
 
 void RenderJob::run()
 {
-    const std::vector<int>& frames = inputs_.frames();
-    const auto read = [this](int frame) {
-        return std::async(std::launch::async, [this, frame] { return readFrame(frame); });
+    if (shot_.empty()) return;
+    const auto read = [this](std::size_t index) {
+        return std::async(std::launch::async, [this, index] { return readShotFrame(index); });
     };
-    std::future<ReadFrame> next = read(frames.front());
-    std::future<void> written;  // the futures wait for their work on an exception
-    const auto [first, last] = std::ranges::minmax(frames);
-    const OfxRangeD range{double(first), double(last)};
+    std::future<ReadFrame> next = read(0);
     const Host::RenderRequest beginning =
-        requestFor(settings_, inputs_.isSequence(), frames.front(), inputs_.source());
-    steps_.beginSequence(range, beginning);
-    for (std::size_t i = 0; i < frames.size(); ++i) {
-        const ReadFrame current = next.get();
-        if (i + 1 < frames.size()) next = read(frames[i + 1]);
-        RenderedFrame rendered = renderFrame(frames[i], current);
-        if (written.valid()) written.get();
-        written = std::async(std::launch::async, [this, done = std::move(rendered)]() mutable {
-            writeFrame(std::move(done));
-        });
+        requestFor(settings_, inputs_.isSequence(), inputs_.frames().front(), inputs_.source());
+    steps_.beginSequence(inputs_.range(), beginning);
+    for (std::size_t i = 0; i < shot_.size(); ++i) {
+        ReadFrame current;
+        const bool isRead = attempt(shot_[i], [&] { current = next.get(); });
+        if (i + 1 < shot_.size()) next = read(i + 1);
+        if (isRead) renderShotFrame(i, std::move(current));
+        if (i == 0) saveRecords();
+        if (i == 0 && loaded_ && !failures_.empty()) adoptLoaded();
     }
     steps_.endSequence();
-    written.get();
+    startWriting({});
+    failAtEnd();
+}
+
+/// Nothing but the matte is read of a frame that is passed by.
+RenderJob::ReadFrame RenderJob::readShotFrame(std::size_t index)
+{
+    const ShotFrame& shown = shot_[index];
+    if (shown.isWritten || (index == 0 && settings_.loadFill.empty())) {
+        return readFrame(shown.frame);
+    }
+    const std::lock_guard lock(readMutex_);
+    ReadFrame read;
+    read.isMatteAlone = true;
+    try {
+        read.pictures = inputs_.readMatte(shown.frame, depth_);
+    } catch (const Files::FileError&) {
+        if (!settings_.keepsGoing) throw;
+    }
+    const bool hasMatte = !inputs_.has(Names::kMatte) || read.pictures.contains(Names::kMatte);
+    if (hasMatte) read.mattes = steps_.prepare(read.pictures);
+    return read;
+}
+
+/// A frame that is not written is rendered where it records. One without a matte's file is no frame
+/// of the shot.
+void RenderJob::renderShotFrame(std::size_t index, ReadFrame read)
+{
+    const ShotFrame& shown = shot_[index];
+    if (isInterrupted()) throw Interrupted("interrupted");
+    if (read.isMatteAlone) {
+        if (read.mattes.empty()) return;
+        if (!steps_.recordsAt(shown.frame, read.mattes)) {
+            steps_.passBy(read.mattes);
+            return;
+        }
+        if (!attempt(shown, [&] { read = readFrame(shown.frame); })) return;
+    }
+    const bool records = steps_.recordsAt(shown.frame, read.mattes);
+    RenderedFrame rendered;
+    const bool isRendered = attempt(shown, [&] { rendered = renderFrame(shown.frame, read); });
+    if (!isRendered && records) steps_.forgetRecords();
+    if (isRendered && shown.isWritten) startWriting(std::move(rendered));
+}
+
+/// Waits for the frame before; an empty one is not written.
+void RenderJob::startWriting(RenderedFrame rendered)
+{
+    if (written_.valid()) attempt(beingWritten_, [this] { written_.get(); });
+    if (rendered.record == nullptr) return;
+    beingWritten_ = {rendered.result.frame, true};
+    written_ = std::async(std::launch::async, [this, done = std::move(rendered)]() mutable {
+        writeFrame(std::move(done));
+    });
+}
+
+void RenderJob::saveRecords()
+{
+    if (settings_.saveFill.empty()) return;
+    const int frame = shot_.front().frame;
+    if (!failures_.empty()) throw RenderFailure(failures_.front().line);
+    writeFill(
+        settings_.saveFill,
+        {frame, identityOf(settings_, inputs_, steps_, session_, depth_, frame), steps_.records()});
+}
+
+/// The shot's first frame, and others that are not written, end the job: those after them would
+/// show other blocks.
+bool RenderJob::attempt(const ShotFrame& frame, const std::function<void()>& work)
+{
+    try {
+        work();
+        return true;
+    } catch (const Interrupted&) {
+        throw;
+    } catch (const std::exception& error) {
+        const bool isRefused = dynamic_cast<const SavedFillRefused*>(&error) != nullptr;
+        const bool isNeeded =
+            !frame.isWritten || (frame.frame == settings_.firstFrame &&
+                                 settings_.loadFill.empty() && steps_.repeatsBlocks());
+        if (!settings_.keepsGoing || isNeeded || isRefused) throw;
+        std::string line = error.what();
+        line = line.substr(0, line.find('\n'));
+        const std::string prefix = "frame " + std::to_string(frame.frame) + ": ";
+        if (inputs_.isSequence() && !line.starts_with(prefix)) line.insert(0, prefix);
+        failures_.push_back({frame.frame, line});
+        listener_.frameFailed(frame.frame, line);
+        return false;
+    }
+}
+
+void RenderJob::failAtEnd() const
+{
+    if (failures_.empty()) return;
+    std::vector<int> frames;
+    for (const FrameFailure& failure : failures_) frames.push_back(failure.frame);
+    std::ranges::sort(frames);
+    std::string text = std::to_string(frames.size()) + " of " + std::to_string(toWrite_.size()) +
+                       " frames failed: " + Files::framesText(frames);
+    for (const FrameFailure& failure : failures_) text.append("\n").append(failure.line);
+    throw RenderFailure(text);
 }
 
 RenderJob::ReadPictures RenderJob::readPictures(int frame)
@@ -98,6 +264,7 @@ RenderJob::ReadPictures RenderJob::readPictures(int frame)
 
 RenderJob::ReadFrame RenderJob::readFrame(int frame)
 {
+    const std::lock_guard lock(readMutex_);
     ReadPictures taken = first_.valid() ? first_.get() : readPictures(frame);
     const Stopwatch watch;
     ReadFrame read;

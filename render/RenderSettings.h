@@ -43,13 +43,17 @@ struct RenderSettings {
     std::array<std::filesystem::path, 3> textures;  ///< each empty: none
     /// The part of a texture to use; without a file the texture is this part of the source.
     std::array<std::optional<ViewBox>, 3> textureCrops;
-    std::vector<int> frames;           ///< empty: a still
-    std::string context;               ///< "Filter", "General", or empty: as needed
-    std::optional<Depth> depth;        ///< else the source file's own
-    std::optional<ViewBox> window;     ///< of the source; else all of it
-    std::optional<ViewBox> sampleBox;  ///< of the first texture, else of the source
+    std::vector<int> frames;        ///< empty: a still
+    std::optional<int> firstFrame;  ///< of the shot that the frames are of; else their first
+    std::filesystem::path saveFill, loadFill;  ///< files for what the shot's first frame recorded
+    bool skipsWhole = false;                   ///< leaves frames alone whose file is whole
+    bool keepsGoing = false;                   ///< renders the other frames after one that failed
+    std::string context;                       ///< "Filter", "General", or empty: as needed
+    std::optional<Depth> depth;                ///< else the source file's own
+    std::optional<ViewBox> window;             ///< of the source; else all of it
+    std::optional<ViewBox> sampleBox;          ///< of the first texture, else of the source
     double renderScale = 1.0;
-    unsigned int threads = 0;  ///< 0: one for each processor
+    unsigned int threads = 0;  ///< 0: one for each processor that may be used
     std::filesystem::path plugin;
     std::string hostLike;     ///< a known host to imitate; empty: none
     std::string compression;  ///< empty: the default of the output's format

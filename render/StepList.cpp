@@ -1,5 +1,6 @@
 #include "render/StepList.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "effect/ParameterNames.h"
@@ -21,10 +22,11 @@ std::shared_ptr<Picture> workingCopy(const ClipPicture& source, const Host::Rend
 
 }  // namespace
 
-StepList::Step::Step(PluginSession& session, const JobInputs& all, const RenderSettings& settings,
+StepList::Step::Step(PluginSession& session, const JobInputs& all, const RenderSettings& own,
                      Depth depth, JobListener& listener, WarningFilter& warnings)
-    : inputs(all.withCrops(settings)),
-      frames(settings, InstanceSetup(session, settings, inputs, depth), listener, warnings)
+    : settings(own),
+      inputs(all.withCrops(own)),
+      frames(own, InstanceSetup(session, own, inputs, depth), listener, warnings)
 {}
 
 StepList::StepList(PluginSession& session, const JobInputs& inputs,
@@ -37,6 +39,49 @@ StepList::StepList(PluginSession& session, const JobInputs& inputs,
         if (region.source != MaskSource::Matte) continue;
         step.mattes.emplace(settings, region.polarity, painted);
     }
+}
+
+bool StepList::repeatsBlocks() const
+{
+    return std::ranges::any_of(steps_,
+                               [](const Step& step) { return step.frames.repeatsBlocks(); });
+}
+
+bool StepList::recordsAt(int frame, const Mattes& mattes) const
+{
+    for (std::size_t i = 0; i < steps_.size(); ++i) {
+        if (steps_[i].frames.recordsAt(frame, mattes[i].get())) return true;
+    }
+    return false;
+}
+
+void StepList::passBy(const Mattes& mattes)
+{
+    for (std::size_t i = 0; i < steps_.size(); ++i) steps_[i].frames.passBy(mattes[i].get());
+}
+
+void StepList::keepRecords()
+{
+    for (Step& step : steps_) step.frames.keepRecords();
+}
+
+std::vector<FillRecord> StepList::records() const
+{
+    std::vector<FillRecord> records;
+    for (const Step& step : steps_) records.push_back(step.frames.record());
+    return records;
+}
+
+void StepList::adopt(int frame, std::vector<FillRecord> records)
+{
+    for (std::size_t i = 0; i < steps_.size(); ++i) {
+        steps_[i].frames.adopt(frame, std::move(records[i]));
+    }
+}
+
+void StepList::forgetRecords()
+{
+    for (Step& step : steps_) step.frames.forgetRecord();
 }
 
 void StepList::beginSequence(OfxRangeD frames, const Host::RenderRequest& first)

@@ -27,8 +27,25 @@ public:
     StepList& operator=(const StepList&) = delete;
 
     const InstanceSetup& setup(std::size_t step) const { return steps_[step].frames.setup(); }
+    const RenderSettings& settings(std::size_t step) const { return steps_[step].settings; }
     /// The first of them; the areas of a matte and further steps may have more.
     Host::Instance& instance() { return steps_.front().frames.instance(); }
+
+    /// Whether frames repeat the blocks of earlier ones.
+    bool repeatsBlocks() const;
+    /// Whether some step would choose new blocks in this frame, for later ones to repeat.
+    bool recordsAt(int frame, const Mattes& mattes) const;
+    /// Follows the areas of a frame that is not rendered and would not record.
+    void passBy(const Mattes& mattes);
+    /// Before the first render: keeps what is recorded, for `records`.
+    void keepRecords();
+    /// What each step recorded last. Throws as `FrameRenderer::record` does.
+    std::vector<FillRecord> records() const;
+    /// Before the first render: later frames repeat what this frame recorded, in each step.
+    void adopt(int frame, std::vector<FillRecord> records);
+    /// After a frame that failed: the next one records.
+    void forgetRecords();
+    std::size_t count() const { return steps_.size(); }
 
     void beginSequence(OfxRangeD frames, const Host::RenderRequest& first);
     void endSequence();
@@ -41,9 +58,10 @@ public:
 
 private:
     struct Step {
-        Step(PluginSession& session, const JobInputs& all, const RenderSettings& settings,
-             Depth depth, JobListener& listener, WarningFilter& warnings);
+        Step(PluginSession& session, const JobInputs& all, const RenderSettings& own, Depth depth,
+             JobListener& listener, WarningFilter& warnings);
 
+        RenderSettings settings;
         JobInputs inputs;
         FrameRenderer frames;
         std::optional<MattePreparation> mattes;  ///< when the plug-in fills from a matte

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "engine/RecordBytes.h"
 #include "engine/RenderDriver.h"
 #include "engine/map/ExactMath.h"
 #include "tests/fixtures/FakeRenderContext.h"
@@ -76,6 +77,98 @@ TYPED_TEST(RenderDriver, FillsTheWindowAndReleasesEveryImage)
     EXPECT_THAT(rig.observer.stages, ElementsAre("quilt", "composite"));
     EXPECT_THAT(rig.observer.blocks, SizeIs(5 * 3));
     EXPECT_EQ(rig.observer.lastProgress, 1.0);
+}
+
+/// Carries the record of one instance to another.
+class Carrier final : public RecordExchange {
+public:
+    std::span<const std::byte> offered() override { return record; }
+    void taken(bool isUsable) override { answers.push_back(isUsable); }
+    bool isWanted() override { return true; }
+    void made(std::span<const std::byte> bytes) override
+    {
+        record.assign(bytes.begin(), bytes.end());
+    }
+
+    std::vector<std::byte> record;
+    std::vector<bool> answers;
+};
+
+TYPED_TEST(RenderDriver, RepeatsTheBlocksOfAnotherInstance)
+{
+    for (const bool isMasked : {false, true}) {
+        Carrier carrier;
+        Rig<TypeParam> first, second;
+        for (Rig<TypeParam>* const rig : {&first, &second}) {
+            rig->context.exchange = &carrier;
+            rig->context.fill.temporalConsistency = true;
+            rig->context.fill.blendWidth = 1;
+            rig->context.fill.luminanceMatch = true;
+            rig->context.fill.luminanceBlur = 3.0f;
+            rig->context.fill.pathWidth = 2.0f;
+            if (!isMasked) continue;
+            rig->context.fill.maskOrigin = MaskOrigin::SourceAlpha;
+            for (int y = 0; y < 30; ++y) {
+                for (int x = 0; x < 40; ++x) {
+                    const bool inside = x > 12 && x < 26 && y > 9 && y < 19;
+                    rig->source.at(x, y).a =
+                        PixelTraits<TypeParam>::stored(inside ? PixelTraits<TypeParam>::kMax : 0);
+                }
+            }
+        }
+        const auto fresh = first.render(5);
+        EXPECT_TRUE(carrier.answers.empty());
+        const std::vector<std::byte> kept = carrier.record;
+        const auto repeated = first.render(6);
+        EXPECT_EQ(second.render(6), repeated);
+        EXPECT_THAT(second.observer.stages, ElementsAre("replay", "composite"));
+        EXPECT_EQ(second.render(7), first.render(7));
+        EXPECT_THAT(carrier.answers, ElementsAre(true)) << "asked once";
+        EXPECT_EQ(carrier.record, kept) << "a replay records nothing";
+        EXPECT_EQ(recordBytes(second.state), kept);
+
+        // At frame 0, and without consistency, nothing is taken.
+        for (const double frame : {0.0, 5.0}) {
+            Rig<TypeParam> other;
+            other.context.exchange = &carrier;
+            other.context.fill.temporalConsistency = frame == 0.0;
+            other.render(frame);
+            EXPECT_THAT(other.observer.stages, ElementsAre("quilt", "composite"));
+        }
+    }
+}
+
+// Whatever the bytes are, they are refused or replayed.
+TYPED_TEST(RenderDriver, RefusesADamagedRecord)
+{
+    Carrier carrier;
+    Rig<TypeParam> rig;
+    rig.context.exchange = &carrier;
+    rig.context.fill.temporalConsistency = true;
+    const auto fresh = rig.render(5);
+    const std::vector<std::byte> whole = carrier.record;
+    const auto renderWith = [&](std::vector<std::byte> record) {
+        carrier.record = std::move(record);
+        carrier.answers.clear();
+        rig.state.discard();
+        return rig.render(6);
+    };
+    for (std::size_t length = 1; length < whole.size(); length += 37) {
+        EXPECT_EQ(renderWith({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)}),
+                  fresh);
+        EXPECT_THAT(carrier.answers, ElementsAre(false)) << length;
+    }
+    std::vector<std::byte> longer = whole;
+    longer.push_back({});
+    renderWith(longer);
+    EXPECT_THAT(carrier.answers, ElementsAre(false));
+    constexpr std::size_t kAfterBounds = 20;
+    for (std::size_t place = kAfterBounds; place < whole.size(); place += 3) {
+        std::vector<std::byte> changed = whole;
+        changed[place] ^= std::byte{0xf5};
+        renderWith(changed);
+        EXPECT_THAT(carrier.answers, SizeIs(1));
+    }
 }
 
 TYPED_TEST(RenderDriver, ReplaysTheSameBlocksWhileConsistent)
