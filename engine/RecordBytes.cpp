@@ -125,7 +125,7 @@ struct AxisNumbers {
         return size >= 1 && storeStart >= 0 && storeStart <= storeEnd && storeEnd < size &&
                activeStart >= 0 && activeStart <= activeEnd && activeEnd < size;
     }
-    std::uint64_t stored() const { return static_cast<std::uint64_t>(storeEnd - storeStart + 1); }
+    std::uint64_t stored() const { return static_cast<std::uint64_t>(storeEnd - storeStart) + 1; }
 };
 
 AxisNumbers takeAxis(Reader& reader)

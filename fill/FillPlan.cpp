@@ -7,12 +7,12 @@
 #include <thread>
 #include <utility>
 
-#include <nlohmann/json.hpp>
-
 #include "effect/ParameterNames.h"
 #include "fill/AreaSearch.h"
 #include "fill/LostPixels.h"
+#include "fill/PlanSteps.h"
 #include "fill/Specks.h"
+#include "fill/Variations.h"
 #include "render/Interrupt.h"
 #include "render/JobError.h"
 #include "render/JobHost.h"
@@ -38,9 +38,11 @@ OfxRectI windowRound(const OfxRectI& box, const OfxRectI& source)
 
 class Planner {
 public:
-    Planner(const RenderSettings& settings, Effort effort, int frame, SearchListener& listener)
+    Planner(const RenderSettings& settings, Effort effort, int frame, SearchListener& listener,
+            std::size_t variations)
         : settings_(settings),
           effort_(effort),
+          variations_(variations),
           listener_(listener),
           fixed_(settings),
           warnings_(silence_),
@@ -68,14 +70,17 @@ public:
 
 private:
     std::vector<std::size_t> chosenAreas(const MatteAreas& areas) const;
+    std::size_t largest(const MatteAreas& areas, const std::vector<std::size_t>& of) const;
     void planSpecks(const MatteAreas& areas, const std::vector<std::size_t>& specks);
     void planArea(const MatteAreas& areas, std::size_t area, std::size_t trials);
-    void apply(const Trials& trials, const Choice& choice, const OfxRectI& window);
-    void add(const Choice& choice, const std::vector<std::size_t>& areas);
+    void keepVariations(const Trials& trials, const Picture& known, const Picture& lost,
+                        Picture area);
     void finish(const MatteAreas& areas);
+    void finishVariations(const MatteAreas& areas);
 
     RenderSettings settings_;
     Effort effort_;
+    std::size_t variations_;  ///< to keep
     SearchListener& listener_;
     FixedValues fixed_;
     Render::JobListener silence_;
@@ -90,7 +95,10 @@ private:
     Picture lost_;
     FillPlan plan_;
     std::size_t searches_ = 0, searched_ = 0;  ///< areas that trials are made for
-    std::vector<RenderSettings> steps_;
+    PlanSteps choices_{job_};
+    std::size_t variedChoice_ = 0;         ///< the one that has variations
+    std::vector<AreaVariation> variants_;  ///< of it
+    Picture beforeOthers_;                 ///< their window with the best, before later areas
 };
 
 std::vector<std::size_t> Planner::chosenAreas(const MatteAreas& areas) const
@@ -100,6 +108,19 @@ std::vector<std::size_t> Planner::chosenAreas(const MatteAreas& areas) const
                                                      : std::min<std::size_t>(1, areas.count()));
     std::iota(all.begin(), all.end(), std::size_t{0});
     return all;
+}
+
+/// The one with the most pixels, of several the first.
+std::size_t Planner::largest(const MatteAreas& areas, const std::vector<std::size_t>& of) const
+{
+    std::size_t best = 0, most = 0;
+    for (const std::size_t area : of) {
+        const std::size_t pixels = pixelsOf(areas, polarity_, area);
+        if (pixels <= most) continue;
+        most = pixels;
+        best = area;
+    }
+    return best;
 }
 
 FillPlan Planner::plan()
@@ -124,12 +145,14 @@ FillPlan Planner::plan()
                                    ? trialsOf(effort_)
                                    : std::max(kLeastTrials, 2 * trialsOf(effort_) / others.size());
     searches_ = others.size();
+    if (variations_ > 0) plan_.varied.number = largest(areas, others);
     for (const std::size_t area : others) {
         planArea(areas, area, trials);
         ++searched_;
     }
     planSpecks(areas, specks);
     finish(areas);
+    finishVariations(areas);
     return std::move(plan_);
 }
 
@@ -139,7 +162,7 @@ void Planner::planSpecks(const MatteAreas& areas, const std::vector<std::size_t>
     list.reserve(specks.size());
     for (const std::size_t area : specks) list.push_back({area, areas.box(area)});
     for (const SpeckGroup& group : groupSpecks(list, *current_, lost_)) {
-        add(group.choice, group.areas);
+        choices_.add(group.choice, group.areas);
         plan_.areas.push_back(
             {group.areas, group.box, captionOf(group.choice, fixed_), std::nullopt});
     }
@@ -175,61 +198,67 @@ void Planner::planArea(const MatteAreas& areas, std::size_t area, std::size_t co
     if (ranked.empty()) {
         Choice plain = firstGuess(edge, texture);
         plain.parts = {{Place{"everywhere else", {}, 0}, std::nullopt}};
-        add(plain, {area});
+        choices_.add(plain, {area});
         plan_.areas.push_back({{area}, box, captionOf(plain, fixed_), std::nullopt});
         return;
     }
     const Scored& best = ranked.front();
-    add(best.choice, {area});
+    choices_.add(best.choice, {area});
     plan_.areas.push_back({{area}, box, captionOf(best.choice, fixed_), best.visibility});
-    if (!trials.hasEnded()) current_->paste(trials.render(best.choice));
+    if (plan_.wasEnded) return;
+    const bool isVaried = area == plan_.varied.number && variations_ > 0;
+    if (isVaried) {
+        const Picture pixels = areaPixels(areas, polarity_, area);
+        keepVariations(trials, known, lost, pixels.copied(intersection(box, window), {}));
+        plan_.wasEnded = listener_.wantsEnd();
+        if (plan_.wasEnded) return;
+    }
+    current_->paste(trials.render(best.choice));
+    if (isVaried) beforeOthers_ = current_->copied(window, {});
 }
 
-void Planner::add(const Choice& choice, const std::vector<std::size_t>& areas)
+/// While the source still has what the area is to lose.
+void Planner::keepVariations(const Trials& trials, const Picture& known, const Picture& lost,
+                             Picture area)
 {
-    for (RenderSettings& step : settingsOf(choice, areas, job_.top(), settings_, fixed_)) {
-        steps_.push_back(std::move(step));
-    }
+    plan_.varied.source = std::make_shared<const Picture>(known.copied());
+    plan_.varied.pixels = std::make_shared<const Picture>(area.copied());
+    variedChoice_ = choices_.count() - 1;
+    variants_ = variationsOf(trials, known, lost, std::move(area), variations_);
 }
 
 void Planner::finish(const MatteAreas& areas)
 {
-    plan_.plugin = session_.effect().description().identifier;
-    const Host::ContextDescription& description = session_.describe("General");
-    plan_.context = "General";
-    // One step for all areas needs no list of them.
-    if (steps_.size() == 1 && steps_.front().areas.size() == areas.count()) {
-        steps_.front().areas = settings_.areas;
-        steps_.front().everyArea = settings_.everyArea;
+    plan_.plugin = choices_.plugin();
+    plan_.context = PlanSteps::kContext;
+    PlannedFill planned = choices_.planned(areas.count());
+    plan_.settings = std::move(planned.settings);
+    plan_.steps = std::move(planned.steps);
+}
+
+void Planner::finishVariations(const MatteAreas& areas)
+{
+    if (plan_.wasEnded || variants_.empty()) {
+        plan_.varied = {};
+        return;
     }
-    for (const RenderSettings& step : steps_) {
-        const Render::JobInputs inputs = inputs_.withCrops(step);
-        plan_.steps.push_back(
-            {step, Render::InstanceSetup(session_, step, inputs, job_.depth).values()});
-    }
-    if (steps_.empty()) {
-        plan_.settings = settings_;  // the matte masks nothing
-    } else if (steps_.size() == 1) {
-        plan_.settings = steps_.front();
-    } else {
-        plan_.settings = settings_;
-        plan_.settings.areas.clear();
-        plan_.settings.everyArea = true;
-        plan_.settings.matteSide.reset();
-        plan_.settings.textureCrops = {};
-        plan_.settings.sampleBox.reset();
-        plan_.settings.parameters.clear();
-        plan_.settings.parameterFile =
-            Render::stepsJson(plan_.plugin, description, plan_.steps).dump();
+    addLaterChanges(variants_, beforeOthers_, *current_);
+    for (AreaVariation& variant : variants_) {
+        const Choice& choice = variant.scored.choice;
+        choices_.replace(variedChoice_, choice);
+        PlannedFill planned = choices_.planned(areas.count());
+        plan_.variations.push_back({std::move(planned.settings), std::move(planned.steps),
+                                    captionOf(choice, fixed_), variant.scored.visibility,
+                                    std::make_shared<const Picture>(std::move(variant.picture))});
     }
 }
 
 }  // namespace
 
 FillPlan planFill(const RenderSettings& settings, Effort effort, int frame,
-                  SearchListener& listener)
+                  SearchListener& listener, std::size_t variations)
 {
-    return Planner(settings, effort, frame, listener).plan();
+    return Planner(settings, effort, frame, listener, variations).plan();
 }
 
 }  // namespace Tesseret::Fill

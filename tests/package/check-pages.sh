@@ -50,7 +50,7 @@ expect fish "$(in_fish 'render --depth ')" byte short float
 zsh -n "$pages/_tesseret"
 page=$(zcat "$pages/tesseret.1.gz" | groff -man -Tascii -P-cbou)
 [[ $(in_zsh '') == *"render:Renders a picture"*"inspect:"* ]] || fail "zsh does not offer the commands: $(in_zsh '')"
-for command in render view describe inspect; do
+for command in fill wedge render view describe inspect; do
     mapfile -t options < <(options_of "$command")
     [[ ${#options[@]} -ge 3 ]] || fail "tesseret $command --help shows no options"
     expect bash "$(in_bash "$command" --)" "${options[@]}"
