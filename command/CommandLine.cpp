@@ -8,6 +8,7 @@
 
 #include "command/App.h"
 #include "command/DescribeCommand.h"
+#include "command/FarmCommand.h"
 #include "command/FillCommand.h"
 #include "command/HostsCommand.h"
 #include "command/InspectCommand.h"
@@ -71,6 +72,7 @@ void buildApp(CLI::App& app, Action& action)
     addFillCommand(app, action);
     addRenderCommand(app, action);
     addWedgeCommand(app, action);
+    addFarmCommand(app, action);
     addViewCommand(app, action);
     addDescribeCommand(app, action);
     addHostsCommand(app, action);

@@ -40,26 +40,11 @@ struct CommandOptions {
 void addOwnOptions(CLI::App& command, CommandOptions& options)
 {
     command
-        .add_option("--window", options.render.window,
-                    "Part of the source to render: x1,y1,x2,y2 in pixels from the upper left "
-                    "corner, y downwards")
-        ->type_name("BOX");
-    command
-        .add_option("--render-scale", options.render.settings.renderScale,
-                    "Renders smaller or larger, like a proxy in a host: 0.5 is half")
-        ->check(CLI::Range(0.01, 16.0))
-        ->type_name("FACTOR");
-    command
         .add_option("--debug-maps", options.debugMaps,
                     "Writes the maps of the fill into this folder as PNGs: the prepared mask, "
                     "the band and the path of its boundary, the blocks, the composite mask, the "
                     "luminance gain")
         ->type_name("DIR");
-    command
-        .add_option("--host-like", options.render.settings.hostLike,
-                    "Renders as in another host, with its ways and the name it gives: \"tesseret "
-                    "hosts\" lists them")
-        ->type_name("NAME");
     auto* const quiet =
         command.add_flag("-q,--quiet", options.quiet, "Only notes, warnings and errors");
     command
@@ -99,6 +84,7 @@ void addRenderCommand(CLI::App& app, Action& action)
     addMatteOptions(*command, options->render);
     addShotOptions(*command, options->render);
     addResumeOptions(*command, options->render);
+    addPictureOptions(*command, options->render);
     addOwnOptions(*command, *options);
     addPluginOptions(*command, options->render);
     command->callback([options, &action] { action = [options] { return render(*options); }; });

@@ -170,6 +170,26 @@ void addMatteOptions(CLI::App& command, RenderOptions& options)
         ->excludes(alpha);
 }
 
+void addPictureOptions(CLI::App& command, RenderOptions& options)
+{
+    Render::RenderSettings& settings = options.settings;
+    command
+        .add_option("--window", options.window,
+                    "Part of the source to render: x1,y1,x2,y2 in pixels from the upper left "
+                    "corner, y downwards")
+        ->type_name("BOX");
+    command
+        .add_option("--render-scale", settings.renderScale,
+                    "Renders smaller or larger, like a proxy in a host: 0.5 is half")
+        ->check(CLI::Range(0.01, 16.0))
+        ->type_name("FACTOR");
+    command
+        .add_option("--host-like", settings.hostLike,
+                    "Renders as in another host, with its ways and the name it gives: \"tesseret "
+                    "hosts\" lists them")
+        ->type_name("NAME");
+}
+
 void addPluginOptions(CLI::App& command, RenderOptions& options)
 {
     Render::RenderSettings& settings = options.settings;

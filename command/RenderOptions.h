@@ -23,6 +23,8 @@ struct RenderOptions {
 void addFileOptions(CLI::App& command, RenderOptions& options, bool isRender);
 /// The region to fill.
 void addMatteOptions(CLI::App& command, RenderOptions& options);
+/// Which part of the picture is rendered, how large, and as in which host.
+void addPictureOptions(CLI::App& command, RenderOptions& options);
 /// The plug-in, its setup, and values for its parameters.
 void addPluginOptions(CLI::App& command, RenderOptions& options);
 

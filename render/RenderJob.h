@@ -40,6 +40,9 @@ public:
     /// How many frames are written.
     std::size_t frameCount() const { return toWrite_.size(); }
 
+    /// Whether later frames show the blocks of the first one, in any step.
+    bool repeatsBlocks() const { return steps_.repeatsBlocks(); }
+
     const JobInputs& inputs() const { return inputs_; }
     const FillRegion& fillRegion() const { return steps_.setup(0).fillRegion(); }
     const InstanceSetup& setup() const { return steps_.setup(0); }  ///< of the first step

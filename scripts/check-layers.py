@@ -48,12 +48,13 @@ ARROWS = {
     "files/oiio": ["files", "picture", "ofx"],
     "render": ["effect/ParameterNames.h", "host", "files", "picture", "ofx", "platform"],
     "fill": ["effect/ParameterNames.h", "quality", "render", "host", "files", "picture", "ofx"],
+    "farm": ["render", "files"],
     "viewer/model": ["effect/ParameterNames.h", "render", "host", "files", "picture", "ofx"],
     "viewer/window": ["effect/ParameterNames.h", "viewer/model", "render", "host", "files", "picture", "ofx"],
     "inspect": ["host", "picture", "ofx"],
     "sheet": ["picture", "ofx"],
-    "command": ["effect/ParameterNames.h", "viewer/model", "viewer/window", "inspect", "sheet", "fill", "quality", "render", "host", "files",
-                "picture", "ofx"],
+    "command": ["effect/ParameterNames.h", "viewer/model", "viewer/window", "inspect", "sheet", "farm", "fill", "quality", "render", "host",
+                "files", "picture", "ofx"],
 }
 # Tests and benchmarks may include anything; no other folder includes them.
 FREE = ["tests", "bench"]

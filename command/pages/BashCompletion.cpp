@@ -26,13 +26,20 @@ std::vector<std::string> wordsOf(const CommandModel& command)
     return words;
 }
 
-/// What follows an option that takes a value.
-void writeValues(std::ostringstream& script, const CommandModel& command)
+/// "farm submit", or " farm" where the command is the program's own, as the script compares them.
+std::string spaced(const NamedCommand& named)
 {
-    for (const OptionModel& option : command.options) {
+    return (named.parent().empty() ? " " : "") + named.name;
+}
+
+/// What follows an option that takes a value.
+void writeValues(std::ostringstream& script, const NamedCommand& named)
+{
+    for (const OptionModel& option : named.command->options) {
         if (option.isPositional || option.value.empty()) continue;
         std::vector<std::string> patterns;
-        for (const std::string& name : option.names) patterns.push_back(command.name + ":" + name);
+        for (const std::string& name : option.names)
+            patterns.push_back("'" + named.name + ":" + name + "'");
         script << "        " << joined(patterns, "|") << ")\n";
         if (option.takesPath()) {
             script << "            _tesseret_files \"$current\"\n";
@@ -56,11 +63,11 @@ _tesseret_files()
 _tesseret()
 {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local command="" words="" files="" word
+    local command="" words="" files="" group="" word
     COMPREPLY=()
 )";
 
-constexpr const char* kEnd = R"(    if [[ -z $command || $current == -* ]]; then
+constexpr const char* kEnd = R"(    if [[ -z $command || $group == yes || $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
     elif [[ $files == yes ]]; then
         _tesseret_files "$current"
@@ -76,20 +83,24 @@ std::string bashCompletion(const CommandModel& program)
 {
     std::ostringstream script;
     script << kStart;
+    const std::vector<NamedCommand> commands = allCommands(program);
     std::vector<std::string> names;
-    for (const CommandModel& command : program.commands) names.push_back(command.name);
+    for (const NamedCommand& each : commands) names.push_back("'" + spaced(each) + "'");
+    // A word names a command only where its parent is the command so far.
     script << "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
-           << "        case $word in\n            " << joined(names, "|")
-           << ") command=$word; break ;;\n        esac\n    done\n"
+           << "        case \"$command $word\" in\n            " << joined(names, "|")
+           << ") command=${command:+$command }$word ;;\n        esac\n    done\n"
            << "    case $command:$previous in\n";
-    for (const CommandModel& command : program.commands) writeValues(script, command);
+    for (const NamedCommand& each : commands) writeValues(script, each);
     script << "    esac\n    case $command in\n";
-    for (const CommandModel& command : program.commands) {
-        script << "        " << command.name << ") words='" << joined(wordsOf(command), " ") << "'";
-        const bool takesPath = std::ranges::any_of(command.options, [](const OptionModel& option) {
-            return option.isPositional && option.takesPath();
-        });
-        script << (takesPath ? " files=yes" : "") << " ;;\n";
+    for (const NamedCommand& each : commands) {
+        script << "        '" << each.name << "') words='" << joined(wordsOf(*each.command), " ")
+               << "'";
+        const bool takesPath = std::ranges::any_of(
+            each.command->options,
+            [](const OptionModel& option) { return option.isPositional && option.takesPath(); });
+        script << (takesPath ? " files=yes" : "")
+               << (each.command->commands.empty() ? "" : " group=yes") << " ;;\n";
     }
     script << "        *) words='" << joined(wordsOf(program), " ") << "' ;;\n    esac\n" << kEnd;
     return script.str();

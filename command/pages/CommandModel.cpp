@@ -42,6 +42,15 @@ OptionModel modelOf(const CLI::Option& option)
     return model;
 }
 
+void addCommands(const CommandModel& above, const std::string& prefix,
+                 std::vector<NamedCommand>& commands)
+{
+    for (const CommandModel& each : above.commands) {
+        commands.push_back({prefix + each.name, &each});
+        addCommands(each, prefix + each.name + " ", commands);
+    }
+}
+
 }  // namespace
 
 bool OptionModel::takesPath() const
@@ -68,6 +77,26 @@ CommandModel modelOf(const CLI::App& app)
         model.commands.push_back(modelOf(*command));
     }
     return model;
+}
+
+std::string NamedCommand::parent() const
+{
+    const std::size_t space = name.rfind(' ');
+    return space == std::string::npos ? "" : name.substr(0, space);
+}
+
+std::string NamedCommand::joinedBy(char separator) const
+{
+    std::string text = name;
+    std::ranges::replace(text, ' ', separator);
+    return text;
+}
+
+std::vector<NamedCommand> allCommands(const CommandModel& program)
+{
+    std::vector<NamedCommand> commands;
+    addCommands(program, "", commands);
+    return commands;
 }
 
 }  // namespace Tesseret::Command

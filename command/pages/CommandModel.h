@@ -34,4 +34,18 @@ struct CommandModel {
 
 CommandModel modelOf(const CLI::App& app);
 
+/// A command by all its words: "render", "farm", "farm submit".
+struct NamedCommand {
+    std::string name;
+    const CommandModel* command;
+
+    /// Without the last word: "farm"; empty for a command of the program's own.
+    std::string parent() const;
+    /// The name with another character between its words.
+    std::string joinedBy(char separator) const;
+};
+
+/// Every command below the program, each before its own.
+std::vector<NamedCommand> allCommands(const CommandModel& program);
+
 }  // namespace Tesseret::Command

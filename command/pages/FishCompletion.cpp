@@ -44,6 +44,26 @@ void writeOption(std::ostringstream& script, const OptionModel& option,
     script << " -d " << quoted(option.brief()) << "\n";
 }
 
+/// "farm submit": both words were seen.
+std::string seenCondition(const std::string& name)
+{
+    std::istringstream words(name);
+    std::string condition;
+    for (std::string word; words >> word;)
+        condition += (condition.empty() ? "" : "; and ") + ("__fish_seen_subcommand_from " + word);
+    return condition;
+}
+
+/// "; and not ..." for the commands of this one; empty where it has none.
+std::string notYetIn(const CommandModel& program, const std::string& parent)
+{
+    std::string words;
+    for (const NamedCommand& each : allCommands(program)) {
+        if (each.parent() == parent) words += " " + each.command->name;
+    }
+    return words.empty() ? "" : "; and not __fish_seen_subcommand_from" + words;
+}
+
 }  // namespace
 
 std::string fishCompletion(const CommandModel& program)
@@ -53,11 +73,17 @@ std::string fishCompletion(const CommandModel& program)
               "options.\n\ncomplete -c tesseret -f\n";
     for (const OptionModel& option : program.options)
         writeOption(script, option, "__fish_use_subcommand");
-    for (const CommandModel& command : program.commands) {
-        script << "\ncomplete -c tesseret -n __fish_use_subcommand -a " << command.name << " -d "
-               << quoted(command.description) << "\n";
-        for (const OptionModel& option : command.options)
-            writeOption(script, option, "__fish_seen_subcommand_from " + command.name);
+    for (const NamedCommand& each : allCommands(program)) {
+        const std::string seen = seenCondition(each.name);
+        const std::string offered =
+            each.parent().empty() ? "__fish_use_subcommand"
+                                  : seenCondition(each.parent()) + notYetIn(program, each.parent());
+        script << "\ncomplete -c tesseret -n " << quoted(offered) << " -a " << each.command->name
+               << " -d " << quoted(each.command->description) << "\n";
+        for (const OptionModel& option : each.command->options) {
+            // The options of a group end where one of its commands was chosen.
+            writeOption(script, option, seen + notYetIn(program, each.name));
+        }
     }
     return script.str();
 }

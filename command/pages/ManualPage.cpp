@@ -57,9 +57,10 @@ void writeFooter(std::ostringstream& page, const std::string& footer)
     page << ".PP\n.nf\n" << plain(footer) << "\n.fi\n";
 }
 
-void writeCommand(std::ostringstream& page, const CommandModel& command)
+void writeCommand(std::ostringstream& page, const NamedCommand& named)
 {
-    page << ".SS tesseret " << plain(command.name) << "\n" << plain(command.description) << ".\n";
+    const CommandModel& command = *named.command;
+    page << ".SS tesseret " << plain(named.name) << "\n" << plain(command.description) << ".\n";
     for (const OptionModel& option : command.options) writeOption(page, option);
     writeFooter(page, command.footer);
 }
@@ -67,8 +68,10 @@ void writeCommand(std::ostringstream& page, const CommandModel& command)
 void writeSynopsis(std::ostringstream& page, const CommandModel& program)
 {
     page << ".SH SYNOPSIS\n";
-    for (const CommandModel& command : program.commands) {
-        page << ".B tesseret " << plain(command.name) << "\n";
+    for (const NamedCommand& named : allCommands(program)) {
+        const CommandModel& command = *named.command;
+        if (!command.commands.empty()) continue;
+        page << ".B tesseret " << plain(named.name) << "\n";
         for (const OptionModel& option : command.options) {
             if (option.isRequired && !option.isPositional) page << synopsis(option) << "\n";
         }
@@ -84,13 +87,17 @@ void writeSynopsis(std::ostringstream& page, const CommandModel& program)
 constexpr const char* kEnd = R"(.SH EXIT STATUS
 .TP
 .B 0
-All files are written; the inspected bundle is well.
+All files are written; the inspected bundle is well; all frames of a job are done.
 .TP
 .B 1
-A render failed, or a result could not be written; anything is wrong with the inspected bundle.
+A render failed, or a result could not be written; anything is wrong with the inspected bundle;
+chunks of a job have failed.
 .TP
 .B 2
 The request cannot be carried out. One line on standard error gives the reason.
+.TP
+.B 3
+Frames of a job wait or are being rendered.
 .TP
 .B 130
 Interrupted.
@@ -117,7 +124,7 @@ std::string manualPage(const CommandModel& program, const std::string& version)
     writeSynopsis(page, program);
     page << ".SH DESCRIPTION\n" << plain(program.description) << ".\n";
     page << ".SH COMMANDS\n";
-    for (const CommandModel& command : program.commands) writeCommand(page, command);
+    for (const NamedCommand& named : allCommands(program)) writeCommand(page, named);
     page << kEnd;
     return page.str();
 }

@@ -52,6 +52,42 @@ void writeOption(std::ostringstream& script, const OptionModel& option)
     }
 }
 
+/// The words and options that follow a program or a group of commands, then a case for each of
+/// them; the first of `words` is the program's or the group's name.
+void writeGroup(std::ostringstream& script, const CommandModel& group)
+{
+    script << "    local -a commands=(\n";
+    for (const CommandModel& command : group.commands) {
+        script << "        '" << command.name << ":" << escaped(command.description, ":\\")
+               << "'\n";
+    }
+    script << "    )\n    if (( CURRENT == 2 )); then\n"
+           << "        _describe -t commands command commands\n        _arguments \\\n";
+    for (const OptionModel& option : group.options) writeOption(script, option);
+    script << "                && return\n    fi\n    local command=$words[2]\n"
+           << "    shift words\n    (( CURRENT-- ))\n    case $command in\n";
+}
+
+void writeFunction(std::ostringstream& script, const std::string& name, const CommandModel& group)
+{
+    for (const CommandModel& command : group.commands) {
+        if (!command.commands.empty()) writeFunction(script, name + "_" + command.name, command);
+    }
+    script << "\n" << name << "()\n{\n";
+    writeGroup(script, group);
+    for (const CommandModel& command : group.commands) {
+        script << "        " << command.name << ")\n";
+        if (!command.commands.empty()) {
+            script << "            " << name << "_" << command.name << " ;;\n";
+            continue;
+        }
+        script << "            _arguments \\\n";
+        for (const OptionModel& option : command.options) writeOption(script, option);
+        script << "                && return ;;\n";
+    }
+    script << "    esac\n}\n";
+}
+
 }  // namespace
 
 std::string zshCompletion(const CommandModel& program)
@@ -59,22 +95,9 @@ std::string zshCompletion(const CommandModel& program)
     std::ostringstream script;
     script << "#compdef tesseret\n"
            << "# Completion of tesseret for zsh. Written by the build from the program's own "
-              "options.\n\n_tesseret()\n{\n    local -a commands=(\n";
-    for (const CommandModel& command : program.commands) {
-        script << "        '" << command.name << ":" << escaped(command.description, ":\\")
-               << "'\n";
-    }
-    script << "    )\n    if (( CURRENT == 2 )); then\n"
-           << "        _describe -t commands command commands\n        _arguments \\\n";
-    for (const OptionModel& option : program.options) writeOption(script, option);
-    script << "                && return\n    fi\n    local command=$words[2]\n"
-           << "    shift words\n    (( CURRENT-- ))\n    case $command in\n";
-    for (const CommandModel& command : program.commands) {
-        script << "        " << command.name << ")\n            _arguments \\\n";
-        for (const OptionModel& option : command.options) writeOption(script, option);
-        script << "                && return ;;\n";
-    }
-    script << "    esac\n}\n\n_tesseret \"$@\"\n";
+              "options.\n";
+    writeFunction(script, "_tesseret", program);
+    script << "\n_tesseret \"$@\"\n";
     return script.str();
 }
 

@@ -45,6 +45,7 @@ expect bash "$(in_bash ins)" inspect
 expect bash "$(in_bash render --areas '')" all first
 expect bash "$(in_bash fill --effort '')" best normal quick
 expect bash "$(in_bash render --depth s)" short
+expect bash "$(in_bash farm submit --queue p)" print
 expect fish "$(in_fish '')" render view describe inspect
 expect fish "$(in_fish 'render --depth ')" byte short float
 zsh -n "$pages/_tesseret"
@@ -63,6 +64,11 @@ for command in fill wedge render view describe inspect; do
         [[ $page == *"$option"* ]] || fail "the manual page does not have $option"
     done
 done
+# The commands of a group, and nothing of another group's.
+expect bash "$(in_bash farm '')" submit status retry cancel
+expect fish "$(in_fish 'farm ')" submit status retry cancel
+[[ $(in_zsh farm '') == *"submit:Divides a shot"*"retry:"* ]] || fail "zsh does not offer the farm's commands"
+! grep -qx submit <<<"$(in_bash render '')$(in_fish 'farm status ')" || fail "submit is offered where it does not belong"
 # Files where a file belongs, and none where a number does.
 here=$(mktemp -d)
 trap 'rm -rf "$here"' EXIT
