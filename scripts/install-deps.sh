@@ -9,7 +9,7 @@ packages=(
     libbenchmark-dev libcli11-dev libelf-dev libfreetype-dev libgl-dev libgl1-mesa-dri
     libglfw3-dev libglu1-mesa libgmock-dev libgtest-dev libimgui-dev libopengl-dev
     libopenimageio-dev libosmesa6-dev libpng-dev libpugixml-dev librsvg2-bin ninja-build
-    nlohmann-json3-dev pkgconf python3 xdotool xvfb zlib1g-dev zsh "$@"
+    munge nlohmann-json3-dev pkgconf python3 slurm-client slurmctld slurmd xdotool xvfb zlib1g-dev zsh "$@"
 )
 
 installed() {
@@ -30,7 +30,18 @@ fi
 
 echo "Installing ${missing[*]}"
 log=$(mktemp)
-trap 'rm -f "$log"' EXIT
+policy=/usr/sbin/policy-rc.d
+clean_up() {
+    rm -f "$log"
+    [[ -z ${own_policy:-} ]] || "${root[@]}" rm -f "$policy"
+}
+trap clean_up EXIT
+# The tests start daemons of their own; those of the packages stay off unless the machine has a rule for that.
+if [[ ! -e $policy ]]; then
+    own_policy=yes
+    printf '#!/bin/sh\nexit 101\n' | "${root[@]}" tee "$policy" >/dev/null
+    "${root[@]}" chmod 755 "$policy"
+fi
 apt() {
     "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 "$@" >"$log" 2>&1 ||
         { cat "$log" >&2; echo "install-deps: apt-get $1 failed" >&2; exit 1; }

@@ -60,18 +60,17 @@ until_true 60 "the mended shot" has_ended mended.farm
 expect "the exit code of the mended shot" "$(job_state mended.farm)" 0
 same_files alone mended 10
 
-# A chunk that has written some of its frames and not all of them is held there.
+# Stops a chunk's process while some of its frames are written and others are not.
 hold_chunk() { # NODE
-    local id environment chunk done
-    for id in $(job_processes "$1"); do
-        [[ $(readlink "/proc/$id/exe") == "$(realpath "$tesseret")" ]] || continue
+    local id chunk done
+    for id in $(job_processes "$1" tesseret); do
         kill -STOP "$id" 2>/dev/null || continue
-        chunk=$(tr '\0' '\n' <"/proc/$id/environ" | sed -n 's/^SLURM_ARRAY_TASK_ID=//p')
+        chunk=$(variable SLURM_ARRAY_TASK_ID "$id")
         done=0
         for ((i = 5 * chunk + 1; i <= 5 * chunk + 5; ++i)); do
-            [[ ! -e $(printf 'farm.%04d.png' "$i") ]] || ((++done))
+            [[ ! -e $(printf 'farm.%04d.png' "$i") ]] || done=$((done + 1))
         done
-        if ((done > 0 && done < 5)) && tr '\0' ' ' <"/proc/$id/cmdline" | grep -q ' render '; then
+        if ((done > 0 && done < 5)); then
             held=$id held_chunk=$chunk
             return 0
         fi
@@ -89,7 +88,6 @@ until_true 60 "a chunk on the first node" hold_chunk farm1
 killed_chunk=$held_chunk
 kill -9 "$held"
 expect "the exit code while chunks are missing" "$(job_state farm.farm)" 3
-start_node farm2 # the machine is back
 until_true 120 "the shot" has_ended farm.farm
 expect "the exit code of the shot" "$(job_state farm.farm)" 0
 matches "the status" "$(<status.txt)" "40 frames in 8 chunks: 40 done"
@@ -99,8 +97,19 @@ for chunk in "$lost_chunk" "$killed_chunk"; do
 done
 same_files one farm $frames
 
-# A job that is taken back has failed, and says why.
-"$tesseret" farm submit "${shot[@]}" --frames 1-10 --chunk 5 --output taken.####.png --after 999999 >submitted.txt 2>&1 &&
-    fail "a job after one that does not exist was submitted"
-matches "the refusal" "$(<submitted.txt)" "tesseret: sbatch refused the job: "
-[[ ! -e taken.farm ]] || fail "a job that was refused left its folder"
+# A job that is taken out of the queue has failed, and can be submitted again.
+"$tesseret" farm submit "${shot[@]}" --frames 1-10 --chunk 5 --output taken.####.png --cpus 1 >submitted.txt
+"$tesseret" farm cancel taken.farm
+until_true 60 "the cancelled job" has_ended taken.farm
+expect "the exit code of a cancelled job" "$(job_state taken.farm)" 1
+matches "the status" "$(<status.txt)" "left the queue before it started"
+"$tesseret" farm retry taken.farm >retried.txt
+until_true 60 "the job that was cancelled" has_ended taken.farm
+expect "the exit code after a retry" "$(job_state taken.farm)" 0
+same_files alone taken 10
+
+# What Slurm refuses leaves nothing behind.
+"$tesseret" farm submit "${shot[@]}" --frames 1-10 --chunk 5 --output refused.####.png --partition none >submitted.txt 2>&1 &&
+    fail "a job for a partition that does not exist was submitted"
+matches "the refusal" "$(<submitted.txt)" "tesseret: sbatch refused the job: sbatch: error: "
+[[ ! -e refused.farm ]] || fail "a job that was refused left its folder"

@@ -32,17 +32,26 @@ for each in sockets:
 print(*[each.getsockname()[1] for each in sockets])' "$1"
 }
 
-# Processes of this Slurm's jobs, of all nodes or of one.
-job_processes() { # [NODE]
-    local environment
-    for environment in /proc/[0-9]*/environ; do
-        { tr '\0' '\n' <"$environment" | awk -v conf="SLURM_CONF=$slurm_base/slurm.conf" -v node="SLURMD_NODENAME=${1:-}" '
-            $0 == conf { ours = 1 }
-            $0 == node || (node == "SLURMD_NODENAME=" && index($0, node) == 1) { here = 1 }
-            END { exit !(ours && here) }'; } 2>/dev/null || continue
-        basename "$(dirname "$environment")"
+# variable NAME ID: of a process's environment; empty where there is none.
+variable() {
+    local words word
+    mapfile -d '' -t words <"/proc/$2/environ"
+    for word in "${words[@]}"; do
+        [[ $word != "$1="* ]] || echo "${word#*=}"
     done
-}
+} 2>/dev/null
+
+# Processes of this Slurm's jobs on a node, of all programs or of one. Without other programs, to be quick.
+job_processes() { # NODE [PROGRAM]
+    local folder name words all
+    for folder in /proc/[0-9]*; do
+        { read -r name <"$folder/comm" && [[ $name == "${2:-$name}" ]]; } || continue
+        { mapfile -d '' -t words <"$folder/environ"; } || continue
+        all=" ${words[*]} "
+        [[ $all != *" SLURM_CONF=$slurm_base/slurm.conf "* || $all != *" SLURMD_NODENAME=$1 "* ]] ||
+            echo "${folder#/proc/}"
+    done
+} 2>/dev/null
 
 # The process of Slurm above each of these, which reports the job's end.
 steps_above() {
@@ -102,7 +111,7 @@ start_munge() {
         --pid-file="$slurm_base/munge.pid" --seed-file="$slurm_base/munge.seed" \
         --log-file="$slurm_base/munge.log" >munged.log 2>&1 &
     slurm_ids[munged]=$!
-    until_true 10 "munge" munge --socket="$slurm_base/munge.socket" --no-input --output=/dev/null
+    until_true 10 "munge" test -S "$slurm_base/munge.socket"
 }
 
 start_node() { # NAME
