@@ -43,14 +43,16 @@ report() { # STATE CODE ERROR
     printf '%s\n' "state=$1" "code=$2" "job=${SLURM_ARRAY_JOB_ID:-}" "attempt=$attempt" "host=$HOSTNAME" \
         "started=$started" "reported=$(now)" "error=$3" >"$part" && mv -f "$part" "$folder/status/$name"
 }
-# The first line of this attempt that tells an error, else the last line.
+# The line of this attempt that tells the first error, else the last line.
 first_error() {
-    local line last=""
+    local line last="" lists=""
     while IFS= read -r line; do
-        [[ ! $line =~ ^(tesseret:|frame\ -?[0-9]+:) ]] || { printf %s "${line#tesseret: }"; return; }
+        [[ -z $lists ]] || break
         [[ -z $line ]] || last=$line
+        [[ $line != "tesseret: "* ]] || { [[ $line == *" frames failed: "* ]] && lists=yes || break; }
     done < <(tail -c +$((begin + 1)) "$log")
-    printf %s "$last"
+    [[ -z $lists ]] || last=$line
+    printf %s "${last#tesseret: }"
 }
 
 log=$folder/logs/chunk-$name.log

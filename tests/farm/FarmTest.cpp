@@ -118,7 +118,8 @@ protected:
     FarmTest()
     {
         for (int frame = 1; frame <= kFrames; ++frame) {
-            paint(plate(frame), Fixtures::kWidth, Fixtures::kHeight, Fixtures::noise(frame));
+            Fixtures::paint(plate(frame), Fixtures::kWidth, Fixtures::kHeight,
+                            Fixtures::noise(frame));
             paintMatte("m" + std::to_string(frame) + ".png", Fixtures::masks({kLow, kMiddle}));
         }
         std::ofstream(in("values.json")) << R"({"parameters": {"blockSize": 30, "overlap": 8}})";
