@@ -116,14 +116,22 @@ Farm::Job jobFrom(const SubmitOptions& options, const Render::RenderSettings& se
     return job;
 }
 
-/// Renders the shot's first frame, as `render` does, and keeps what it recorded.
-void saveFill(Render::RenderSettings settings, const fs::path& file)
+/// Renders the shot's first frame, as `render` does, and keeps what it recorded. It has as many
+/// threads as the chunks, whatever machine this is.
+void saveFill(Render::RenderSettings settings, const fs::path& file, unsigned threads)
 {
     settings.frames.resize(1);
+    if (settings.threads == 0) settings.threads = threads;
     settings.saveFill = file;
     RenderReporter reporter(Verbosity::Quiet);
     Render::RenderJob job(std::move(settings), reporter);
     job.run();
+}
+
+/// 0: as many as may be used.
+unsigned threadsOf(const Farm::Job& job)
+{
+    return job.queue == "slurm" ? static_cast<unsigned>(job.resources.cpus) : 0;
 }
 
 void writeScript(const Farm::Job& job)
@@ -186,12 +194,17 @@ int submit(const SubmitOptions& options)
     RenderReporter reporter(Verbosity::Quiet);
     std::size_t existing = 0;
     bool needsFill = false;
+    fs::path plugin;
     {
-        const Render::RenderJob whole(settings, reporter);  // checks all that a render would
+        Render::RenderJob whole(settings, reporter);  // checks all that a render would
+        plugin = absoluteName(whole.session().file());
         existing = settings.frames.size() - whole.frameCount();
         needsFill = whole.repeatsBlocks() && settings.loadFill.empty();
     }
     Farm::Job job = jobFrom(options, settings);
+    // Where it is found otherwise depends on variables that a queue may not pass on.
+    if (settings.plugin.empty())
+        job.arguments.insert(job.arguments.begin(), "--plugin=" + plugin.string());
     if (needsFill) job.fill = job.folder / "shot.fill";
     std::vector<int> chunks(job.chunks().size());
     std::iota(chunks.begin(), chunks.end(), 0);
@@ -201,7 +214,7 @@ int submit(const SubmitOptions& options)
     }
     NewFolder folder(job);
     keepParameters(job, settings.parameterFile);
-    if (needsFill) saveFill(settings, job.fill);
+    if (needsFill) saveFill(settings, job.fill, threadsOf(job));
     Farm::writeJob(job);
     writeScript(job);
     const std::string id = Farm::submitChunks(job, *queue, chunks);
@@ -224,7 +237,7 @@ void addResources(CLI::App& command, SubmitOptions& options)
         .add_option("--time", wanted.time,
                     "Slurm: the most time for one chunk: minutes, or H:MM:SS")
         ->type_name("TIME");
-    command.add_option("--cpus", wanted.cpus, "Slurm: processors of each chunk")
+    command.add_option("--cpus", wanted.cpus, "Slurm: processors of each chunk (default: 1)")
         ->check(CLI::Range(1, 1024))
         ->type_name("COUNT");
     command.add_option("--memory", wanted.memory, "Slurm: memory of each chunk, as in 4G")

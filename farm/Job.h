@@ -11,12 +11,12 @@
 
 namespace Tesseret::Farm {
 
-/// What a queue is asked for; empty or 0: its own default.
+/// What a queue is asked for; empty: its own default.
 struct Resources {
     std::string partition, time, memory;
     std::string after;  ///< the id of the job that has to succeed first
-    int cpus = 0;
-    int atMost = 0;  ///< chunks that run at the same time
+    int cpus = 1;
+    int atMost = 0;  ///< chunks that run at the same time; 0: any number
 };
 
 /// By a file's absolute name, the checksum of its bytes.

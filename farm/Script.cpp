@@ -49,7 +49,8 @@ first_error() {
     while IFS= read -r line; do
         [[ -z $lists ]] || break
         [[ -z $line ]] || last=$line
-        [[ $line != "tesseret: "* ]] || { [[ $line == *" frames failed: "* ]] && lists=yes || break; }
+        [[ $line != "tesseret: "*" frames failed: "* ]] || lists=yes
+        [[ $line != "tesseret: "* || -n $lists ]] || break
     done < <(tail -c +$((begin + 1)) "$log")
     [[ -z $lists ]] || last=$line
     printf %s "${last#tesseret: }"
@@ -77,7 +78,7 @@ done
 kill "$heartbeat" && wait "$heartbeat" 2>/dev/null
 
 if ((code == 0)); then
-    report done 0 ""
+    report "done" 0 ""
     exit 0
 fi
 error=$(first_error)

@@ -39,13 +39,13 @@ std::vector<std::string> commandOf(const Job& job, const std::vector<int>& chunk
                                    "--open-mode=append",
                                    "--requeue",
                                    "--nodes=1",
-                                   "--ntasks=1"};
+                                   "--ntasks=1",
+                                   "--cpus-per-task=" + std::to_string(wanted.cpus)};
     const auto add = [&](const char* option, const std::string& value) {
         if (!value.empty()) words.push_back(option + value);
     };
     add("--partition=", wanted.partition);
     add("--time=", wanted.time);
-    add("--cpus-per-task=", wanted.cpus > 0 ? std::to_string(wanted.cpus) : "");
     add("--mem=", wanted.memory);
     add("--dependency=afterok:", wanted.after);
     if (!wanted.after.empty()) words.emplace_back("--kill-on-invalid-dep=yes");

@@ -62,15 +62,15 @@ same_files alone mended 10
 
 # Stops a chunk's process while some of its frames are written and others are not.
 hold_chunk() { # NODE
-    local id chunk done
+    local id chunk written
     for id in $(job_processes "$1" tesseret); do
         kill -STOP "$id" 2>/dev/null || continue
         chunk=$(variable SLURM_ARRAY_TASK_ID "$id")
-        done=0
+        written=0
         for ((i = 5 * chunk + 1; i <= 5 * chunk + 5; ++i)); do
-            [[ ! -e $(printf 'farm.%04d.png' "$i") ]] || done=$((done + 1))
+            [[ ! -e $(printf 'farm.%04d.png' "$i") ]] || written=$((written + 1))
         done
-        if ((done > 0 && done < 5)); then
+        if ((written > 0 && written < 5)); then
             held=$id held_chunk=$chunk
             return 0
         fi

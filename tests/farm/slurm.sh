@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # A small Slurm for scripts that source this: munge, a controller and two nodes on this machine, with a key, ports,
 # sockets and state of their own; nothing in /etc is read or written, and any user can run it. It ends with the script,
 # by the ids of the processes that it started. Logs stay in the folder of the caller.
