@@ -6,6 +6,9 @@
 
 namespace Tesseret::Command {
 
+/// "1 frame in 1 chunk", "40 frames in 8 chunks".
+std::string sizeText(std::size_t frames, std::size_t chunks);
+
 /// How far a job is, in lines: its frames, rate and time left, and each chunk that failed.
 std::string farmStatusText(const Farm::Job& job, const Farm::JobStatus& status);
 

@@ -3,6 +3,7 @@
 # sockets and state of their own; nothing in /etc is read or written, and any user can run it. It ends with the script,
 # by the ids of the processes that it started. Logs stay in the folder of the caller.
 
+PATH=$PATH:/usr/sbin:/sbin
 slurm_base=""
 declare -A slurm_ids=() # by munged, slurmctld, farm1, farm2
 
