@@ -1,8 +1,11 @@
 #include "command/CommandLine.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -11,6 +14,7 @@
 #include "command/FillCommand.h"
 #include "command/HostsCommand.h"
 #include "command/InspectCommand.h"
+#include "command/ParseMessage.h"
 #include "command/RenderCommand.h"
 #include "command/ViewCommand.h"
 #include "files/FileError.h"
@@ -53,7 +57,9 @@ int run(int argc, const char* const* argv)
     } catch (const CLI::Success& request) {
         return app.exit(request);  // help or version
     } catch (const CLI::ParseError& error) {
-        return printError(error, kExitUsage);
+        const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+        std::fprintf(stderr, "tesseret: %s\n", parseMessage(error, app, words).c_str());
+        return kExitUsage;
     }
     return runAction(action);
 }

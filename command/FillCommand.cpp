@@ -9,6 +9,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "command/FileWords.h"
+#include "command/ManyStills.h"
 #include "command/ProcessMemory.h"
 #include "command/RenderOptions.h"
 #include "command/RenderReporter.h"
@@ -110,6 +112,7 @@ void save(const std::filesystem::path& file, const Fill::FillPlan& plan,
 int fill(const CommandOptions& options)
 {
     const Render::RenderSettings settings = settingsFrom(options.render);
+    if (!options.quiet) printFrames(options.render, settings);
     keepMemory();
     Files::useThreads(settings.threads);
     Render::catchInterrupts();
@@ -140,13 +143,22 @@ void addFillCommand(CLI::App& app, Action& action)
     command->footer(kFooter);
     addFileOptions(*command, options->render, /*isRender=*/true);
     addMatteOptions(*command, options->render);
-    command->get_option("--matte")->required();
+    options->render.files = FilesWanted::Fill;
     for (const char* name : {"--fill-alpha", "--fill-alpha-inverted"}) {
         command->remove_option(command->get_option(name));
     }
     addOwnOptions(*command, *options);
     addPluginOptions(*command, options->render);
-    command->callback([options, &action] { action = [options] { return fill(*options); }; });
+    command->callback([options, &action] {
+        action = [options] {
+            return forEachSource(options->render, [&](const RenderOptions& single) {
+                CommandOptions own = *options;
+                own.render = single;
+                own.saveParameters = named(own.saveParameters, single.settings.source);
+                return fill(own);
+            });
+        };
+    });
 }
 
 }  // namespace Tesseret::Command

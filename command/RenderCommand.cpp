@@ -4,6 +4,8 @@
 #include <memory>
 #include <optional>
 
+#include "command/FileWords.h"
+#include "command/ManyStills.h"
 #include "command/ProcessMemory.h"
 #include "command/RenderOptions.h"
 #include "command/RenderReporter.h"
@@ -69,6 +71,7 @@ void addOwnOptions(CLI::App& command, CommandOptions& options)
 int render(const CommandOptions& options)
 {
     const Render::RenderSettings settings = settingsFrom(options.render);
+    if (!options.quiet) printFrames(options.render, settings);
     keepMemory();
     Files::useThreads(settings.threads);
     Render::catchInterrupts();
@@ -98,7 +101,16 @@ void addRenderCommand(CLI::App& app, Action& action)
     addMatteOptions(*command, options->render);
     addOwnOptions(*command, *options);
     addPluginOptions(*command, options->render);
-    command->callback([options, &action] { action = [options] { return render(*options); }; });
+    command->callback([options, &action] {
+        action = [options] {
+            return forEachSource(options->render, [&](const RenderOptions& single) {
+                CommandOptions own = *options;
+                own.render = single;
+                own.debugMaps = named(own.debugMaps, single.settings.source);
+                return render(own);
+            });
+        };
+    });
 }
 
 }  // namespace Tesseret::Command

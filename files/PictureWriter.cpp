@@ -8,6 +8,7 @@
 #include "files/PictureLibrary.h"
 #include "files/PngEncoder.h"
 #include "files/PngHeader.h"
+#include "files/StandardStreams.h"
 #include "files/WholeFile.h"
 
 namespace Tesseret::Files {
@@ -78,7 +79,7 @@ std::vector<std::string> lossTexts(const std::filesystem::path& file, const File
     std::vector<std::string> texts;
     texts.reserve(losses.size());
     for (const std::string& loss : losses) {
-        texts.push_back(file.string() + ": " + std::string(format.label) +
+        texts.push_back(shownName(file) + ": " + std::string(format.label) +
                         " cannot keep the source's " + loss);
     }
     return texts;
@@ -90,7 +91,7 @@ void checkTarget(const std::filesystem::path& file, const std::string& compressi
 {
     const FileFormat& format = formatByName(file);
     if (!compression.empty()) parseCompression(format, compression);
-    checkPlace(file);
+    isStandardOutput(file) ? checkStandardOutput(file) : checkPlace(file);
 }
 
 bool keepsDataWindow(const std::filesystem::path& file)
@@ -104,7 +105,11 @@ std::vector<std::string> writePicture(const std::filesystem::path& file, const P
     const FileFormat& format = formatByName(file);
     try {
         const EncodedPicture result = encoded(file, format, picture, record, options);
-        writeWhole(file, result.bytes);
+        if (isStandardOutput(file)) {
+            writeStandardOutput(file, result.bytes);
+        } else {
+            writeWhole(file, result.bytes);
+        }
         return lossTexts(file, format, result.losses);
     } catch (const std::bad_alloc&) {
         throw FileError(file, "cannot be written: too large for memory");

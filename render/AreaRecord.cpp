@@ -6,20 +6,6 @@ namespace Tesseret::Render {
 
 namespace {
 
-/// Calls `visit(x, y)` for each masked pixel.
-void eachMasked(const Picture& matte, Polarity polarity, const auto& visit)
-{
-    const OfxRectI bounds = matte.bounds();
-    atDepth(matte.depth(), [&]<typename Channel>(Channel) {
-        for (int y = bounds.y1; y < bounds.y2; ++y) {
-            const auto* value = matte.pixel<Channel>(bounds.x1, y);
-            for (int x = bounds.x1; x < bounds.x2; ++x, ++value) {
-                if (isMasked(masking(*value, polarity))) visit(x, y);
-            }
-        }
-    });
-}
-
 bool hasMasked(const Picture& matte, Polarity polarity, int x, int y)
 {
     return matte.contains(x, y) && atDepth(matte.depth(), [&]<typename Channel>(Channel) {

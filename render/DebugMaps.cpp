@@ -9,6 +9,7 @@
 #include "files/FileError.h"
 #include "files/PictureWriter.h"
 #include "render/JobError.h"
+#include "render/ParameterText.h"
 
 namespace Tesseret::Render {
 
@@ -122,10 +123,9 @@ void DebugMaps::reportGain(const TesseretMapV1& map)
 {
     const auto [least, greatest] = pictures_.usedRange(map);
     if (least > greatest) return;
-    std::array<char, 96> text{};
-    std::snprintf(text.data(), text.size(), ": gain %.3g to %.3g; blue is 1/4, grey 1, orange 4",
-                  static_cast<double>(least), static_cast<double>(greatest));
-    listener_.message(file(FillPictures::kGain).string() + text.data());
+    constexpr int kDigits = 3;
+    listener_.message(file(FillPictures::kGain).string() + ": gain " + roundedText(least, kDigits) +
+                      " to " + roundedText(greatest, kDigits) + "; blue is 1/4, grey 1, orange 4");
 }
 
 /// No exception may reach the plug-in, which calls from inside its render.

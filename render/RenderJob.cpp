@@ -9,6 +9,7 @@
 #include "files/FileError.h"
 #include "files/PictureWriter.h"
 #include "host/HostError.h"
+#include "render/BlockAdvice.h"
 #include "render/Boxes.h"
 #include "render/FillSteps.h"
 #include "render/FrameRequest.h"
@@ -110,11 +111,29 @@ RenderJob::ReadFrame RenderJob::readFrame(int frame)
     return read;
 }
 
+/// What can be known before the first frame renders.
+void RenderJob::advise(const ReadFrame& read)
+{
+    if (const std::string text = sampleBoxAdvice(settings_, setup()); !text.empty()) {
+        listener_.note(instance(), text);
+    }
+    for (std::size_t i = 0; i < read.mattes.size(); ++i) {
+        if (!read.mattes[i]) continue;
+        const MatteAreas& areas = read.mattes[i]->areas;
+        const std::size_t count = steps_.areasOf(i, *read.mattes[i]);
+        for (const std::string& text :
+             avoidanceAdvice(steps_.setup(i), areas, count, settings_.renderScale)) {
+            listener_.note(instance(), text);
+        }
+    }
+}
+
 RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read)
 {
     if (isInterrupted()) throw Interrupted("interrupted");
     listener_.frameBegan(frame);
     if (read.mattes.front()) listener_.matteTaken(*read.pictures.at(Names::kMatte).matteFrom);
+    if (!std::exchange(hasAdvised_, true)) advise(read);
     const ClipPicture& source = read.pictures.at(Names::kSource);
     const Host::RenderRequest request =
         requestFor(settings_, inputs_.isSequence(), frame, source.info);

@@ -58,6 +58,7 @@ private:
 
     ReadPictures readPictures(int frame);
     ReadFrame readFrame(int frame);
+    void advise(const ReadFrame& read);
     RenderedFrame renderFrame(int frame, const ReadFrame& read);
     void writeFrame(RenderedFrame rendered);
     [[noreturn]] void fail(int frame, const std::string& reason);
@@ -72,6 +73,7 @@ private:
     PluginMessages messages_;
     PluginSession session_;
     StepList steps_;
+    bool hasAdvised_ = false;
 };
 
 }  // namespace Tesseret::Render

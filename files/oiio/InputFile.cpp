@@ -17,7 +17,8 @@ std::string firstLine(const std::string& text)
 
 }  // namespace
 
-InputFile::InputFile(std::filesystem::path file, const FileFormat& format)
+InputFile::InputFile(std::filesystem::path file, const std::filesystem::path& stored,
+                     const FileFormat& format)
     : file_(std::move(file)),
       format_(format),
       input_(OIIO::ImageInput::create(std::string(format.name)))
@@ -27,7 +28,7 @@ InputFile::InputFile(std::filesystem::path file, const FileFormat& format)
     }
     OIIO::ImageSpec asStored, spec;
     asStored.attribute("oiio:UnassociatedAlpha", 1);
-    if (!input_->open(file_.string(), spec, asStored)) {
+    if (!input_->open(stored.string(), spec, asStored)) {
         failDamaged(file_, firstLine(input_->geterror()));
     }
     if (spec.deep) throw FileError(file_, "is a deep picture, which cannot be rendered");
@@ -95,10 +96,10 @@ bool InputFile::finish(bool succeeded, std::vector<std::string>& warnings)
         if (!succeeded || isHarmless == nullptr || !isHarmless(message)) {
             failDamaged(file_, message);
         }
-        warnings.push_back(file_.string() + ": " + message);
+        warnings.push_back(shownName(file_) + ": " + message);
     }
     if (input_->seek_subimage(1, 0)) {
-        warnings.push_back(file_.string() + ": holds several pictures; only the first is used");
+        warnings.push_back(shownName(file_) + ": holds several pictures; only the first is used");
     }
     return true;
 }
