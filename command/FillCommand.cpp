@@ -9,6 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "command/DryRun.h"
 #include "command/FileWords.h"
 #include "command/ManyStills.h"
 #include "command/ProcessMemory.h"
@@ -109,10 +110,15 @@ void save(const std::filesystem::path& file, const Fill::FillPlan& plan,
                       Render::stepsJson(plan.plugin, session.describe(plan.context), plan.steps));
 }
 
-int fill(const CommandOptions& options)
+int fill(const CommandOptions& options, PictureReport* report)
 {
     const Render::RenderSettings settings = settingsFrom(options.render);
     if (!options.quiet) printFrames(options.render, settings);
+    if (options.render.dryRun) {
+        const auto plan = dryRun(settings, "chosen by trials, effort " + options.effort);
+        if (report != nullptr) report->planned(plan);
+        return 0;
+    }
     keepMemory();
     Files::useThreads(settings.threads);
     Render::catchInterrupts();
@@ -120,13 +126,16 @@ int fill(const CommandOptions& options)
     const Fill::FillPlan plan = Fill::planFill(settings, effortFrom(options.effort),
                                                frameToChooseAt(options, settings), search);
     search.report(plan);
+    if (report != nullptr) report->searched(plan);
     if (plan.wasEnded) Render::forgetInterrupts();
     RenderReporter reporter(options.quiet     ? Verbosity::Quiet
                             : options.verbose ? Verbosity::Verbose
                                               : Verbosity::Normal);
-    Render::RenderJob job(plan.settings, reporter);
+    Render::JobListeners listeners{&reporter, report};
+    Render::RenderJob job(plan.settings, listeners);
     if (!options.saveParameters.empty()) save(options.saveParameters, plan, job.session());
     reporter.begin(job);
+    if (report != nullptr) report->begin(job);
     job.run();
     reporter.finish();
     if (!options.quiet) printCommand(plan, job);
@@ -148,14 +157,16 @@ void addFillCommand(CLI::App& app, Action& action)
         command->remove_option(command->get_option(name));
     }
     addOwnOptions(*command, *options);
+    addReportOptions(*command, options->render);
     addPluginOptions(*command, options->render);
     command->callback([options, &action] {
         action = [options] {
-            return forEachSource(options->render, [&](const RenderOptions& single) {
+            return forEachSource("fill", options->render, [&](const RenderOptions& single,
+                                                          PictureReport* report) {
                 CommandOptions own = *options;
                 own.render = single;
                 own.saveParameters = named(own.saveParameters, single.settings.source);
-                return fill(own);
+                return fill(own, report);
             });
         };
     });

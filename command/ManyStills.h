@@ -1,15 +1,20 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
+#include "command/JsonReport.h"
 #include "command/RenderOptions.h"
 
 namespace Tesseret::Command {
 
-/// Does a command's work for each of its sources and returns the exit code. With one source errors
-/// pass through. With several an error is printed, the others go on, and those that failed are
-/// listed at the end. Throws `UsageError` as `takeFileWords` does.
-int forEachSource(const RenderOptions& options,
-                  const std::function<int(const RenderOptions& single)>& work);
+/// A command's work for one picture or sequence; the report is null unless one is wanted.
+using SourceWork = std::function<int(const RenderOptions& single, PictureReport* report)>;
+
+/// Does the work for each source and returns the exit code. An error is printed; of several sources
+/// the others go on, and those that failed are listed at the end. Standard output is kept for the picture or the report where one
+/// goes there. Throws `UsageError` as `takeFileWords` does.
+int forEachSource(const std::string& command, const RenderOptions& options,
+                  const SourceWork& work);
 
 }  // namespace Tesseret::Command

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 
+#include "command/DryRun.h"
 #include "command/FileWords.h"
 #include "command/ManyStills.h"
 #include "command/ProcessMemory.h"
@@ -68,10 +69,15 @@ void addOwnOptions(CLI::App& command, CommandOptions& options)
         ->excludes(quiet);
 }
 
-int render(const CommandOptions& options)
+int render(const CommandOptions& options, PictureReport* report)
 {
     const Render::RenderSettings settings = settingsFrom(options.render);
     if (!options.quiet) printFrames(options.render, settings);
+    if (options.render.dryRun) {
+        const auto plan = dryRun(settings, "");
+        if (report != nullptr) report->planned(plan);
+        return 0;
+    }
     keepMemory();
     Files::useThreads(settings.threads);
     Render::catchInterrupts();
@@ -80,10 +86,11 @@ int render(const CommandOptions& options)
                                               : Verbosity::Normal);
     std::optional<Render::DebugMaps> maps;
     if (!options.debugMaps.empty()) maps.emplace(options.debugMaps, reporter);
-    Render::JobListeners listeners{&reporter, maps ? &*maps : nullptr};
+    Render::JobListeners listeners{&reporter, report, maps ? &*maps : nullptr};
     Render::RenderJob job(settings, listeners);
-    if (maps) maps->begin(job.inputs());
+    if (maps) maps->begin(job.inputs(), settings.renderScale);
     reporter.begin(job);
+    if (report != nullptr) report->begin(job);
     job.run();
     reporter.finish();
     if (maps) maps->finish();
@@ -100,14 +107,16 @@ void addRenderCommand(CLI::App& app, Action& action)
     addFileOptions(*command, options->render, /*isRender=*/true);
     addMatteOptions(*command, options->render);
     addOwnOptions(*command, *options);
+    addReportOptions(*command, options->render);
     addPluginOptions(*command, options->render);
     command->callback([options, &action] {
         action = [options] {
-            return forEachSource(options->render, [&](const RenderOptions& single) {
+            return forEachSource("render", options->render, [&](const RenderOptions& single,
+                                                            PictureReport* report) {
                 CommandOptions own = *options;
                 own.render = single;
                 own.debugMaps = named(own.debugMaps, single.settings.source);
-                return render(own);
+                return render(own, report);
             });
         };
     });

@@ -171,6 +171,16 @@ void addFileOptions(CLI::App& command, RenderOptions& options, bool isRender)
         ->type_name("VALUE");
 }
 
+void addReportOptions(CLI::App& command, RenderOptions& options)
+{
+    command.add_flag("--dry-run", options.dryRun,
+                     "Prints the areas, blocks, frames, image memory and files of the render; "
+                     "renders and writes nothing");
+    command.add_flag("--json", options.json,
+                     "Prints a report as JSON on standard output, and everything else on "
+                     "standard error");
+}
+
 void addMatteOptions(CLI::App& command, RenderOptions& options)
 {
     Render::RenderSettings& settings = options.settings;

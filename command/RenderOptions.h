@@ -24,11 +24,14 @@ struct RenderOptions {
     Render::RenderSettings settings;
     std::string frames, depth, window, sampleBox, areas = "all", matteWindow = "area", matteSide;
     std::array<std::string, 3> textureCrops;
+    bool json = false, dryRun = false;
     bool matteInverted = false, fillAlpha = false, fillAlphaInverted = false;
 };
 
 /// Source, output, textures, frames and compression. A render requires source and output.
 void addFileOptions(CLI::App& command, RenderOptions& options, bool isRender);
+/// What is printed in place of, or beside, the result.
+void addReportOptions(CLI::App& command, RenderOptions& options);
 /// The region to fill.
 void addMatteOptions(CLI::App& command, RenderOptions& options);
 /// The plug-in, its setup, and values for its parameters.

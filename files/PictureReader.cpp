@@ -169,7 +169,7 @@ std::unique_ptr<OpenPicture> openPng(const std::filesystem::path& file, const Fi
 {
     if (!isPng(format)) return nullptr;
     // libpng would print a line of its own.
-    if (!isWholePng(storedFile(file))) failDamaged(file, "");
+    if (!isWholePng(storedFile(file))) failDamaged(file);
     return PngReader::open(file);
 }
 

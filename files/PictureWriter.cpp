@@ -21,20 +21,15 @@ Compression compressionFor(const FileFormat& format, const WriteOptions& options
                                        : parseCompression(format, options.compression);
 }
 
-/// As libpng would, in the words of OpenImageIO.
 void checkPngSize(const std::filesystem::path& file, const OfxRectI& window)
 {
     constexpr int kMost = 1'000'000;
     const int width = window.x2 - window.x1;
     const int height = window.y2 - window.y1;
-    if (width < 1 || height < 1) {
-        throw FileError(file,
-                        "cannot be written: Image resolution must be at least 1x1, you asked for " +
-                            std::to_string(width) + " x " + std::to_string(height));
-    }
-    if (width > kMost || height > kMost) {
-        throw FileError(file, "cannot be written: PNG write error: Invalid IHDR data");
-    }
+    if (width >= 1 && height >= 1 && width <= kMost && height <= kMost) return;
+    throw FileError(file, "cannot be written: a PNG has 1 to " + std::to_string(kMost) +
+                              " pixels a side, and this picture " + std::to_string(width) +
+                              " x " + std::to_string(height));
 }
 
 PngLayout layoutFor(const std::filesystem::path& file, const Picture& picture,
@@ -116,7 +111,8 @@ std::vector<std::string> writePicture(const std::filesystem::path& file, const P
     }
 }
 
-void writeNewPicture(const std::filesystem::path& file, const Picture& picture, bool isColour)
+void writeNewPicture(const std::filesystem::path& file, const Picture& picture, bool isColour,
+                     const std::optional<OfxRectI>& page)
 {
     const FileFormat& format = formatByName(file);
     WriteOptions options;
@@ -124,6 +120,10 @@ void writeNewPicture(const std::filesystem::path& file, const Picture& picture, 
     if (isPng(format)) {
         PngRecord record;
         record.header = newPngHeader(picture, isColour);
+        if (page) {
+            record.header.metadata->left = picture.bounds().x1 - page->x1;
+            record.header.metadata->top = page->y2 - picture.bounds().y2;
+        }
         writePicture(file, picture, record, options);
     } else {
         const auto record = pictureLibrary(file).newRecord(format, picture, isColour);

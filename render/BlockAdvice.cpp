@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "effect/ParameterNames.h"
+#include "render/BlockValues.h"
 
 namespace Tesseret::Render {
 
@@ -23,39 +24,6 @@ int widthOf(const OfxRectI& box)
 int heightOf(const OfxRectI& box)
 {
     return box.y2 - box.y1;
-}
-
-/// The values that decide where blocks come from, lengths in pixels of the render.
-struct BlockValues {
-    int block = 0;  ///< the parameter itself
-    double overlap = 0.0, margin = 0.0, samples = 0.0, scale = 1.0;
-    bool avoids = false;
-
-    int pixels(int size) const { return std::max(1, static_cast<int>(size * scale)); }
-};
-
-/// nullopt for a plug-in that has other parameters.
-std::optional<BlockValues> valuesOf(const InstanceSetup& setup, double scale)
-{
-    const ParameterValues values = setup.values();
-    const auto number = [&](const char* name) -> std::optional<double> {
-        const auto found = values.find(name);
-        if (found == values.end()) return std::nullopt;
-        if (const auto* const whole = std::get_if<int>(&found->second)) return *whole;
-        const auto* const real = std::get_if<double>(&found->second);
-        return real == nullptr ? std::nullopt : std::optional(*real);
-    };
-    const auto block = number(Names::kBlockSize), overlap = number(Names::kOverlap),
-               samples = number(Names::kNumSamples), path = number(Names::kPathWidth),
-               edge = number(Names::kEdgeBlend), avoids = number(Names::kAvoidFillRegion);
-    if (!block || !overlap || !samples || !path || !edge || !avoids) return std::nullopt;
-    constexpr double kMargin = 5.0;
-    return BlockValues{static_cast<int>(*block),
-                       *overlap * scale,
-                       kMargin * (*path + *edge) * scale,
-                       *samples,
-                       scale,
-                       *avoids != 0.0};
 }
 
 /// The pictures that blocks are taken from, in pixels of the render.
@@ -195,13 +163,9 @@ private:
 
     double candidates(int size) const
     {
-        const double block = values_.pixels(size);
-        const double stride = std::max(1.0, block - std::min(values_.overlap, block / 2.0));
-        const auto along = [&](int length) {
-            return std::ceil((length + 2.0 * values_.margin) / stride);
-        };
-        return along(widthOf(box_)) * along(heightOf(box_)) * values_.samples *
-               double(textures_.size());
+        const double block = values_.pixels(size), more = 2.0 * values_.margin;
+        return values_.blocksIn(widthOf(box_) + more, heightOf(box_) + more, block, block) *
+               values_.samples * double(textures_.size());
     }
 
     const BlockValues& values_;
@@ -234,7 +198,7 @@ std::string avoidanceLine(Fit& fit, const BlockValues& values)
 std::vector<std::string> avoidanceAdvice(const InstanceSetup& setup, const MatteAreas& areas,
                                          std::size_t count, double renderScale)
 {
-    const std::optional<BlockValues> values = valuesOf(setup, renderScale);
+    const std::optional<BlockValues> values = blockValuesOf(setup, renderScale);
     if (!values || !values->avoids) return {};
     const std::vector<OfxRectI> textures = texturesOf(setup, renderScale);
     std::vector<std::string> lines;
@@ -249,7 +213,7 @@ std::vector<std::string> avoidanceAdvice(const InstanceSetup& setup, const Matte
 
 std::string sampleBoxAdvice(const RenderSettings& settings, const InstanceSetup& setup)
 {
-    const std::optional<BlockValues> values = valuesOf(setup, 1.0);
+    const std::optional<BlockValues> values = blockValuesOf(setup, 1.0);
     if (!settings.sampleBox || !values || values->avoids) return {};
     const ViewBox& box = *settings.sampleBox;
     const int side = static_cast<int>(std::min(box.x2 - box.x1, box.y2 - box.y1));

@@ -44,8 +44,11 @@ DebugMaps::DebugMaps(fs::path folder, JobListener& listener)
     : folder_(std::move(folder)), listener_(listener)
 {}
 
-void DebugMaps::begin(const JobInputs& inputs)
+void DebugMaps::begin(const JobInputs& inputs, double renderScale)
 {
+    const OfxRectI& source = inputs.source().displayWindow;
+    page_ = toPixels({0.0, 0.0, double(source.x2), double(source.y2)}, {renderScale, renderScale},
+                     1.0);
     isSequence_ = inputs.isSequence();
     makeFolder(folder_);
     for (const auto& entry : fs::directory_iterator(folder_)) {
@@ -140,7 +143,7 @@ void DebugMaps::guarded(const std::function<void()>& work)
 
 void DebugMaps::write(const FillPicture& made)
 {
-    Files::writeNewPicture(file(made.name), *made.picture, made.isColour);
+    Files::writeNewPicture(file(made.name), *made.picture, made.isColour, page_);
     made_.insert(made.name);
 }
 

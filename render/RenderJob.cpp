@@ -64,6 +64,16 @@ RenderJob::RenderJob(RenderSettings settings, JobListener& listener)
     }
 }
 
+std::vector<FillStep> RenderJob::steps() const
+{
+    std::vector<FillStep> steps;
+    for (RenderSettings& settings : stepsOf(settings_)) {
+        const std::size_t step = steps.size();
+        steps.push_back({std::move(settings), steps_.setup(step).values()});
+    }
+    return steps;
+}
+
 void RenderJob::run()
 {
     const std::vector<int>& frames = inputs_.frames();
@@ -133,6 +143,10 @@ RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read
     if (isInterrupted()) throw Interrupted("interrupted");
     listener_.frameBegan(frame);
     if (read.mattes.front()) listener_.matteTaken(*read.pictures.at(Names::kMatte).matteFrom);
+    for (std::size_t i = 0; i < read.mattes.size(); ++i) {
+        if (!read.mattes[i]) continue;
+        listener_.mattePrepared(i, *read.mattes[i], steps_.areasOf(i, *read.mattes[i]));
+    }
     if (!std::exchange(hasAdvised_, true)) advise(read);
     const ClipPicture& source = read.pictures.at(Names::kSource);
     const Host::RenderRequest request =

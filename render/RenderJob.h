@@ -5,8 +5,10 @@
 
 #include <future>
 #include <string>
+#include <vector>
 
 #include "files/PictureWriter.h"
+#include "render/FillSteps.h"
 #include "render/JobHost.h"
 #include "render/JobInputs.h"
 #include "render/JobListener.h"
@@ -32,6 +34,8 @@ public:
     const JobInputs& inputs() const { return inputs_; }
     const FillRegion& fillRegion() const { return steps_.setup(0).fillRegion(); }
     const InstanceSetup& setup() const { return steps_.setup(0); }  ///< of the first step
+    /// The settings and values of all steps.
+    std::vector<FillStep> steps() const;
     /// The first of them.
     Host::Instance& instance() { return steps_.instance(); }
     PluginSession& session() { return session_; }

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "tests/fixtures/RenderFixture.h"
 
@@ -135,6 +136,77 @@ TEST_F(FilesTest, BoxesInPerCent)
     EXPECT_EQ(boxed("--texture1-crop", "25%,0,75.2%,80"), boxed("--texture1-crop", "50,0,150,80"));
     EXPECT_EQ(boxed("--window", "25%,0,75%,80"), boxed("--window", "25,0,75,80"));
     EXPECT_NE(boxed("--sample-box", "10%,50%,60%,100%"), boxed("--sample-box", "10,40,60,80"));
+}
+
+TEST_F(FilesTest, DryRunSaysWhatARenderDoes)
+{
+    paint("large.png", 240, 200, noise(5));
+    paint("two.png", 240, 200, [](int x, int y) {
+        return std::vector{x >= 40 && x < 70 && y % 100 >= 50 && y % 100 < 70 ? 255 : 0};
+    });
+    const CommandRun::Arguments command{"render", "large.png", "o.png",       "--matte",
+                                        "two.png", "--json",   "blockSize=40"};
+    const auto with = [&](const char* option) {
+        CommandRun::Arguments arguments = command;
+        arguments.emplace_back(option);
+        const Outcome outcome = runProgram(arguments);
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_THAT(outcome.err, Not(HasSubstr("{")));
+        return nlohmann::json::parse(outcome.out)["pictures"][0];
+    };
+    const auto planned = with("--dry-run");
+    EXPECT_FALSE(fs::exists("o.png"));
+    EXPECT_EQ(planned["files"], nlohmann::json({"o.png"}));
+    ASSERT_EQ(planned["areas"].size(), 2u);
+    EXPECT_EQ(planned["areas"][1]["box"], nlohmann::json({40, 50, 70, 70}));
+    EXPECT_EQ(planned["areas"][1]["pixels"], 600);
+    EXPECT_EQ(planned["areas"][1]["number"], 2);
+    EXPECT_THAT(run({"render", "large.png", "o.png", "-m", "two.png", "--dry-run"}).out,
+                HasSubstr("area 2       box 40,50,70,70, 600 pixels
+"));
+
+    const auto done = with("--quiet");
+    EXPECT_EQ(done["blocks"], planned["steps"][0]["blocks"]);
+    EXPECT_EQ(done["areas"][1]["box"], planned["areas"][1]["box"]);
+    EXPECT_EQ(done["steps"][0]["parameters"]["blockSize"], 40);
+    EXPECT_EQ(done["files"][0]["file"], "o.png");
+    EXPECT_GT(done["stages"].size(), 3u);
+    EXPECT_TRUE(fs::exists("o.png"));
+}
+
+TEST_F(FilesTest, ReportsForPrograms)
+{
+    fs::create_directory("out");
+    const Outcome outcome = runProgram(
+        {"fill", "a.png", "none.png", "-m", "hole.png", "-o", "out/", "--json", "--effort", "quick"});
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr("out/a.png  "), HasSubstr("tesseret render ")));
+    const auto report = nlohmann::json::parse(outcome.out);
+    EXPECT_EQ(report["command"], "fill");
+    EXPECT_EQ(report["exitCode"], 1);
+    ASSERT_EQ(report["pictures"].size(), 2u);
+    const auto& search = report["pictures"][0]["search"];
+    EXPECT_EQ(search["areas"][0]["areas"], nlohmann::json({1}));
+    EXPECT_GT(search["areas"][0]["score"]["total"], 0.0);
+    EXPECT_EQ(report["pictures"][1]["errors"], nlohmann::json({"none.png: no such file"}));
+    EXPECT_THAT(run({"render", "a.png", "-", "--json"}).err, HasSubstr("--output a file"));
+}
+
+/// One line in our own words for every format, cut at several places.
+TEST_F(FilesTest, BrokenFilesAreToldInOneLine)
+{
+    for (const std::string name : {"c.png", "c.jpg", "c.tif", "c.dpx", "c.exr"}) {
+        paint(name, 90, 70, noise(1));
+        const auto size = fs::file_size(name);
+        for (const auto length : {size - 1, size / 2, size / 8, std::uintmax_t{24}, std::uintmax_t{9}}) {
+            fs::resize_file(name, length);
+            const Outcome outcome = runProgram({"render", name, "o.png"});
+            SCOPED_TRACE(name + " " + std::to_string(length) + "\n" + outcome.err);
+            if (outcome.code == 0) continue;  // the last byte may not matter
+            EXPECT_EQ(outcome.code, 2);
+            EXPECT_EQ(outcome.err, "tesseret: " + name + ": is damaged or truncated\n");
+        }
+    }
 }
 
 /// The plug-in says on its own that it gave up; the command adds what to try, and that helps.
