@@ -73,8 +73,8 @@ int printFailure(const std::exception& error)
     const auto is = [&]<typename... Errors>() {
         return ((dynamic_cast<const Errors*>(&error) != nullptr) || ...);
     };
-    const bool isUsage = is.operator()<Render::UsageError, Files::FileError,
-                                       std::invalid_argument>();
+    const bool isUsage =
+        is.operator()<Render::UsageError, Files::FileError, std::invalid_argument>();
     const bool isInterrupt = is.operator()<Render::Interrupted>();
     const bool isMemory = is.operator()<std::bad_alloc>();
     std::fprintf(stderr, "tesseret: %s\n", isMemory ? "out of memory" : error.what());

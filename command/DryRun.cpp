@@ -51,8 +51,8 @@ void printSteps(const JobPlan& plan, const std::string& choice)
     if (!choice.empty()) return printLine("blocks", choice);
     for (const Render::PlannedStep& step : plan.steps) {
         if (step.blockSize == 0) continue;
-        std::string text = Render::numberText(step.blocks) + " of " +
-                           std::to_string(step.blockSize) + " pixels";
+        std::string text =
+            Render::numberText(step.blocks) + " of " + std::to_string(step.blockSize) + " pixels";
         if (step.fills > 1) text += ", in " + std::to_string(step.fills) + " areas";
         printLine("blocks", text);
     }
@@ -111,8 +111,8 @@ Json dryRun(const Render::RenderSettings& settings, const std::string& choice)
     printAreas(plan);
     printSteps(plan, choice);
     constexpr double kMega = 1e6;
-    printLine("memory", "about " + Render::roundedText(plan.imageBytes / kMega, 2) +
-                            " MB for images");
+    printLine("memory",
+              "about " + Render::roundedText(plan.imageBytes / kMega, 2) + " MB for images");
     printFiles(plan);
     std::fflush(stdout);
     if (choice.empty()) {

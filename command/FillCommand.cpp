@@ -36,7 +36,8 @@ Ctrl-C ends the search and writes the best fill found so far.
 
 Examples:
   tesseret fill --source photo.png --matte hole.png --output clean.png
-  tesseret fill --source photo.png --matte hole.png --output clean.png --effort best
+  tesseret fill photo.png hole.png clean.png --effort best
+  tesseret fill a.png b.png c.png --matte "mattes/{name}.png" --output "clean/{name}.png"
   tesseret fill --source plate.####.exr --matte hole.png --frames 1001-1100 \
       --output clean.####.exr temporalConsistancy=on)";
 
@@ -161,13 +162,13 @@ void addFillCommand(CLI::App& app, Action& action)
     addPluginOptions(*command, options->render);
     command->callback([options, &action] {
         action = [options] {
-            return forEachSource("fill", options->render, [&](const RenderOptions& single,
-                                                          PictureReport* report) {
-                CommandOptions own = *options;
-                own.render = single;
-                own.saveParameters = named(own.saveParameters, single.settings.source);
-                return fill(own, report);
-            });
+            return forEachSource(
+                "fill", options->render, [&](const RenderOptions& single, PictureReport* report) {
+                    CommandOptions own = *options;
+                    own.render = single;
+                    own.saveParameters = named(own.saveParameters, single.settings.source);
+                    return fill(own, report);
+                });
         };
     });
 }

@@ -137,7 +137,8 @@ void PictureReport::mattePrepared(std::size_t step, const Render::PreparedMatte&
         const OfxRectI& box = matte.areas.box(area);
         Render::eachMasked(matte.areas.alone(area, box), matte.areas.polarity(),
                            [&](int, int) { ++pixels; });
-        json_["areas"].push_back({{"step", step + 1}, {"box", boxJson(box, top)}, {"pixels", pixels}});
+        json_["areas"].push_back(
+            {{"step", step + 1}, {"box", boxJson(box, top)}, {"pixels", pixels}});
     }
 }
 

@@ -100,8 +100,9 @@ int forEachSource(const std::string& command, const RenderOptions& options, cons
     const std::vector<fs::path> sources = takeFileWords(given);
     const bool writesPicture = Files::isStandardOutput(given.settings.output);
     if (writesPicture && given.json) {
-        throw Render::UsageError("--json and the picture both go to standard output; give --output "
-                                 "a file");
+        throw Render::UsageError(
+            "--json and the picture both go to standard output; give --output "
+            "a file");
     }
     std::optional<Files::DataOutput> data;
     if (writesPicture || given.json) data.emplace();

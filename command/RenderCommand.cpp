@@ -26,6 +26,8 @@ lists them. File formats: PNG, JPEG, TIFF, DPX and EXR.
 Examples:
   tesseret render --source plate.png --output out.png blockSize=64 seed=7
   tesseret render --source plate.png --matte hole.png --matte-grow 10 --output out.png
+  tesseret render a.png b.png c.png out/ seed=7
+  decode | tesseret render - png:- | encode
   tesseret render --source wall.exr --output out.exr --sample-box 100,80,600,500
   tesseret render --source sky.png --texture1 grass.png --sample-box 0,0,512,512 \
       --output out.png numSamples=50
@@ -111,13 +113,13 @@ void addRenderCommand(CLI::App& app, Action& action)
     addPluginOptions(*command, options->render);
     command->callback([options, &action] {
         action = [options] {
-            return forEachSource("render", options->render, [&](const RenderOptions& single,
-                                                            PictureReport* report) {
-                CommandOptions own = *options;
-                own.render = single;
-                own.debugMaps = named(own.debugMaps, single.settings.source);
-                return render(own, report);
-            });
+            return forEachSource("render", options->render,
+                                 [&](const RenderOptions& single, PictureReport* report) {
+                                     CommandOptions own = *options;
+                                     own.render = single;
+                                     own.debugMaps = named(own.debugMaps, single.settings.source);
+                                     return render(own, report);
+                                 });
         };
     });
 }

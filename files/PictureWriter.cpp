@@ -28,8 +28,8 @@ void checkPngSize(const std::filesystem::path& file, const OfxRectI& window)
     const int height = window.y2 - window.y1;
     if (width >= 1 && height >= 1 && width <= kMost && height <= kMost) return;
     throw FileError(file, "cannot be written: a PNG has 1 to " + std::to_string(kMost) +
-                              " pixels a side, and this picture " + std::to_string(width) +
-                              " x " + std::to_string(height));
+                              " pixels a side, and this picture " + std::to_string(width) + " x " +
+                              std::to_string(height));
 }
 
 PngLayout layoutFor(const std::filesystem::path& file, const Picture& picture,

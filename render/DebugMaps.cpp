@@ -47,8 +47,8 @@ DebugMaps::DebugMaps(fs::path folder, JobListener& listener)
 void DebugMaps::begin(const JobInputs& inputs, double renderScale)
 {
     const OfxRectI& source = inputs.source().displayWindow;
-    page_ = toPixels({0.0, 0.0, double(source.x2), double(source.y2)}, {renderScale, renderScale},
-                     1.0);
+    page_ =
+        toPixels({0.0, 0.0, double(source.x2), double(source.y2)}, {renderScale, renderScale}, 1.0);
     isSequence_ = inputs.isSequence();
     makeFolder(folder_);
     for (const auto& entry : fs::directory_iterator(folder_)) {

@@ -97,9 +97,8 @@ void Planner::planAreas(const ClipPicture& matte)
 {
     const Polarity polarity = steps_.setup(0).fillRegion().polarity;
     const MatteAreas painted(matte.picture, polarity);
-    std::vector<std::size_t> chosen(settings_.everyArea
-                                        ? painted.count()
-                                        : std::min<std::size_t>(1, painted.count()));
+    std::vector<std::size_t> chosen(
+        settings_.everyArea ? painted.count() : std::min<std::size_t>(1, painted.count()));
     std::iota(chosen.begin(), chosen.end(), std::size_t{0});
     if (!settings_.areas.empty()) chosen = settings_.areas;
     const double top = matte.info.displayWindow.y2;
@@ -133,8 +132,8 @@ void Planner::planStep(std::size_t step, const PreparedMatte* matte)
         const Size block = blockOf(step, *values);
         const auto add = [&](const Size& fill, bool hasMask) {
             planned.blocks += values->blocksIn(fill.width, fill.height, block.width, block.height);
-            fillBytes_ = std::max(fillBytes_, fill.pixels() * bytesOfFill(depth_, hasMask,
-                                                                          values->matchesLuminance));
+            fillBytes_ = std::max(
+                fillBytes_, fill.pixels() * bytesOfFill(depth_, hasMask, values->matchesLuminance));
         };
         constexpr double kRim = 1.0;  // of unmasked pixels, which the plug-in adds
         for (std::size_t area = 0; matte && area < planned.fills; ++area) {
@@ -149,8 +148,8 @@ void Planner::planStep(std::size_t step, const PreparedMatte* matte)
     }
     plan_.steps.push_back(planned);
     if (!matte) return;
-    for (std::string& text : avoidanceAdvice(steps_.setup(step), matte->areas, planned.fills,
-                                             settings_.renderScale)) {
+    for (std::string& text :
+         avoidanceAdvice(steps_.setup(step), matte->areas, planned.fills, settings_.renderScale)) {
         plan_.notes.push_back(std::move(text));
     }
 }

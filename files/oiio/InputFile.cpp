@@ -88,7 +88,8 @@ bool InputFile::finish(bool succeeded, std::vector<std::string>& warnings)
         if (!succeeded || isHarmless == nullptr || !isHarmless(message)) {
             failDamaged(file_);
         }
-        warnings.push_back(shownName(file_) + ": has small faults; its pixels are used as they were read");
+        warnings.push_back(shownName(file_) +
+                           ": has small faults; its pixels are used as they were read");
     }
     if (input_->seek_subimage(1, 0)) {
         warnings.push_back(shownName(file_) + ": holds several pictures; only the first is used");
