@@ -28,6 +28,11 @@ public:
 
     const InstanceSetup& setup(std::size_t step) const { return steps_[step].frames.setup(); }
     const RenderSettings& settings(std::size_t step) const { return steps_[step].settings; }
+    /// How many of the matte's areas a step fills.
+    std::size_t areasOf(std::size_t step, const PreparedMatte& matte) const
+    {
+        return steps_[step].frames.areasOf(matte);
+    }
     /// The first of them; the areas of a matte and further steps may have more.
     Host::Instance& instance() { return steps_.front().frames.instance(); }
 

@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "files/Sequence.h"
+#include "files/StandardStreams.h"
+#include "render/DepthWord.h"
 #include "render/ParameterText.h"
 
 namespace Tesseret::Viewer {
@@ -45,8 +47,10 @@ std::string quoted(const std::string& word)
 /// Enough digits to be read as the same number again.
 std::string exactText(double number)
 {
-    std::array<char, 64> text{};
-    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
+    std::array<char, 512> text{};  // the largest has 309 digits
+    return {text.data(),
+            std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed)
+                .ptr};
 }
 
 /// The value as text that `parseAssignment` reads as exactly this value.
@@ -66,12 +70,6 @@ std::string framesText(const std::vector<int>& frames)
     std::string text;
     for (const int frame : frames) Render::appendItem(text, ",", std::to_string(frame));
     return text;
-}
-
-const char* depthText(Depth depth)
-{
-    if (depth == Depth::Byte) return "byte";
-    return depth == Depth::Short ? "short" : "float";
 }
 
 std::string boxText(const Render::ViewBox& box)
@@ -180,7 +178,8 @@ public:
     /// Paths are absolute, so that the command works in any folder.
     void file(const char* name, const fs::path& file)
     {
-        if (!file.empty()) option(name, fs::absolute(file).string());
+        if (file.empty()) return;
+        option(name, Files::isStandardOutput(file) ? file.string() : fs::absolute(file).string());
     }
     void addFiles(const RenderSettings& settings);
     void addMatte(const RenderSettings& settings);
@@ -226,7 +225,7 @@ void CommandLine::addRender(const RenderSettings& settings)
 {
     if (settings.window) option("--window", boxText(*settings.window));
     if (settings.renderScale != 1.0) option("--render-scale", exactText(settings.renderScale));
-    if (settings.depth) option("--depth", depthText(*settings.depth));
+    if (settings.depth) option("--depth", Render::depthWord(*settings.depth));
     if (!settings.context.empty()) option("--context", settings.context);
     if (settings.threads > 0) option("--threads", std::to_string(settings.threads));
     file("--plugin", settings.plugin);
