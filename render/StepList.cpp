@@ -22,21 +22,30 @@ std::shared_ptr<Picture> workingCopy(const ClipPicture& source, const Host::Rend
 }  // namespace
 
 StepList::Step::Step(PluginSession& session, const JobInputs& all, const RenderSettings& settings,
-                     Depth depth, JobListener& listener, WarningFilter& warnings)
+                     Depth depth, JobListener& listener, WarningFilter& warnings,
+                     Host::InstanceListener* instances)
     : inputs(all.withCrops(settings)),
-      frames(settings, InstanceSetup(session, settings, inputs, depth), listener, warnings)
+      frames(settings, InstanceSetup(session, settings, inputs, depth, instances), listener,
+             warnings)
 {}
 
 StepList::StepList(PluginSession& session, const JobInputs& inputs,
                    const std::vector<RenderSettings>& steps, Depth depth, JobListener& listener,
-                   WarningFilter& warnings, const std::shared_ptr<PaintedAreas>& painted)
+                   WarningFilter& warnings, const std::shared_ptr<PaintedAreas>& painted,
+                   Host::InstanceListener* instances)
 {
     for (const RenderSettings& settings : steps) {
-        Step& step = steps_.emplace_back(session, inputs, settings, depth, listener, warnings);
+        Step& step =
+            steps_.emplace_back(session, inputs, settings, depth, listener, warnings, instances);
         const FillRegion& region = step.frames.setup().fillRegion();
         if (region.source != MaskSource::Matte) continue;
         step.mattes.emplace(settings, region.polarity, painted);
     }
+}
+
+void StepList::abort()
+{
+    for (Step& step : steps_) step.frames.abort();
 }
 
 void StepList::beginSequence(OfxRangeD frames, const Host::RenderRequest& first)
