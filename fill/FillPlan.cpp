@@ -13,6 +13,7 @@
 #include "fill/AreaSearch.h"
 #include "fill/LostPixels.h"
 #include "fill/Specks.h"
+#include "fill/Variations.h"
 #include "render/Interrupt.h"
 #include "render/JobError.h"
 #include "render/JobHost.h"
@@ -24,6 +25,8 @@ using Render::MatteAreas;
 using Render::RenderSettings;
 
 namespace {
+
+using Steps = std::vector<RenderSettings>;
 
 /// The part of a picture that an area is judged in.
 OfxRectI windowRound(const OfxRectI& box, const OfxRectI& source)
@@ -39,9 +42,10 @@ OfxRectI windowRound(const OfxRectI& box, const OfxRectI& source)
 class Planner {
 public:
     Planner(const RenderSettings& settings, Effort effort, int frame, SearchListener& listener,
-            const OpenFill& open)
+            const OpenFill& open, std::size_t variations)
         : settings_(settings),
           effort_(effort),
+          variations_(variations),
           listener_(listener),
           fixed_(settings),
           inputs_(open.inputs),
@@ -66,14 +70,23 @@ public:
 
 private:
     std::vector<std::size_t> chosenAreas(const MatteAreas& areas) const;
+    std::size_t largest(const MatteAreas& areas, const std::vector<std::size_t>& of) const;
     void planSpecks(const MatteAreas& areas, const std::vector<std::size_t>& specks);
     void planArea(const MatteAreas& areas, std::size_t area, std::size_t trials);
-    void apply(const Trials& trials, const Choice& choice, const OfxRectI& window);
+    void keepVariations(const Trials& trials, const Picture& known, const Picture& lost,
+                        Picture area);
+    Steps stepsFor(const Choice& choice, const std::vector<std::size_t>& areas) const;
     void add(const Choice& choice, const std::vector<std::size_t>& areas);
+    Steps allSteps() const;
+    Steps withoutNeedlessList(Steps steps, const MatteAreas& areas) const;
+    std::vector<Render::FillStep> toSave(const Steps& steps);
+    RenderSettings toRender(const Steps& steps, const std::vector<Render::FillStep>& saved);
     void finish(const MatteAreas& areas);
+    void finishVariations(const MatteAreas& areas);
 
     RenderSettings settings_;
     Effort effort_;
+    std::size_t variations_;  ///< to keep
     SearchListener& listener_;
     FixedValues fixed_;
     const Render::JobInputs& inputs_;
@@ -84,7 +97,10 @@ private:
     Picture lost_;
     FillPlan plan_;
     std::size_t searches_ = 0, searched_ = 0;  ///< areas that trials are made for
-    std::vector<RenderSettings> steps_;
+    std::vector<Steps> steps_;                 ///< of each choice of the plan
+    std::size_t varied_ = 0;                   ///< the choice that has variations
+    std::vector<AreaVariation> variants_;      ///< of it
+    Picture beforeOthers_;                     ///< their window with the best, before later areas
 };
 
 std::vector<std::size_t> Planner::chosenAreas(const MatteAreas& areas) const
@@ -94,6 +110,19 @@ std::vector<std::size_t> Planner::chosenAreas(const MatteAreas& areas) const
                                                      : std::min<std::size_t>(1, areas.count()));
     std::iota(all.begin(), all.end(), std::size_t{0});
     return all;
+}
+
+/// The one with the most pixels, of several the first.
+std::size_t Planner::largest(const MatteAreas& areas, const std::vector<std::size_t>& of) const
+{
+    std::size_t best = 0, most = 0;
+    for (const std::size_t area : of) {
+        const std::size_t pixels = pixelsOf(areas, polarity_, area);
+        if (pixels <= most) continue;
+        most = pixels;
+        best = area;
+    }
+    return best;
 }
 
 FillPlan Planner::plan()
@@ -118,12 +147,14 @@ FillPlan Planner::plan()
                                    ? trialsOf(effort_)
                                    : std::max(kLeastTrials, 2 * trialsOf(effort_) / others.size());
     searches_ = others.size();
+    plan_.variedArea = largest(areas, others);
     for (const std::size_t area : others) {
         planArea(areas, area, trials);
         ++searched_;
     }
     planSpecks(areas, specks);
     finish(areas);
+    finishVariations(areas);
     return std::move(plan_);
 }
 
@@ -175,52 +206,106 @@ void Planner::planArea(const MatteAreas& areas, std::size_t area, std::size_t co
     const Scored& best = ranked.front();
     add(best.choice, {area});
     plan_.areas.push_back({{area}, box, captionOf(best.choice, fixed_), best.visibility});
-    if (!trials.hasEnded()) current_->paste(trials.render(best.choice));
+    if (trials.hasEnded()) return;
+    current_->paste(trials.render(best.choice));
+    if (area == plan_.variedArea && variations_ > 0) {
+        Picture pixels = areaPixels(areas, polarity_, area);
+        keepVariations(trials, known, lost, pixels.copied(intersection(box, window), {}));
+    }
+}
+
+void Planner::keepVariations(const Trials& trials, const Picture& known, const Picture& lost,
+                             Picture area)
+{
+    varied_ = steps_.size() - 1;
+    variants_ = variationsOf(trials, known, lost, std::move(area), variations_);
+    beforeOthers_ = current_->copied(known.bounds(), {});
+}
+
+Steps Planner::stepsFor(const Choice& choice, const std::vector<std::size_t>& areas) const
+{
+    return settingsOf(choice, areas, job_.top(), settings_, fixed_);
 }
 
 void Planner::add(const Choice& choice, const std::vector<std::size_t>& areas)
 {
-    for (RenderSettings& step : settingsOf(choice, areas, job_.top(), settings_, fixed_)) {
-        steps_.push_back(std::move(step));
+    steps_.push_back(stepsFor(choice, areas));
+}
+
+Steps Planner::allSteps() const
+{
+    Steps all;
+    for (const Steps& steps : steps_) all.insert(all.end(), steps.begin(), steps.end());
+    return all;
+}
+
+/// One step for all areas needs no list of them.
+Steps Planner::withoutNeedlessList(Steps steps, const MatteAreas& areas) const
+{
+    if (steps.size() == 1 && steps.front().areas.size() == areas.count()) {
+        steps.front().areas = settings_.areas;
+        steps.front().everyArea = settings_.everyArea;
     }
+    return steps;
+}
+
+std::vector<Render::FillStep> Planner::toSave(const Steps& steps)
+{
+    std::vector<Render::FillStep> saved;
+    for (const RenderSettings& step : steps) {
+        const Render::JobInputs inputs = inputs_.withCrops(step);
+        saved.push_back({step, Render::InstanceSetup(session_, step, inputs, job_.depth).values()});
+    }
+    return saved;
+}
+
+RenderSettings Planner::toRender(const Steps& steps, const std::vector<Render::FillStep>& saved)
+{
+    if (steps.empty()) return settings_;  // the matte masks nothing
+    if (steps.size() == 1) return steps.front();
+    RenderSettings settings = settings_;
+    settings.areas.clear();
+    settings.everyArea = true;
+    settings.matteSide.reset();
+    settings.textureCrops = {};
+    settings.sampleBox.reset();
+    settings.parameters.clear();
+    const Host::ContextDescription& description = session_.describe(plan_.context);
+    settings.parameterFile = Render::stepsJson(plan_.plugin, description, saved).dump();
+    return settings;
 }
 
 void Planner::finish(const MatteAreas& areas)
 {
     plan_.plugin = session_.effect().description().identifier;
-    const Host::ContextDescription& description = session_.describe("General");
     plan_.context = "General";
-    // One step for all areas needs no list of them.
-    if (steps_.size() == 1 && steps_.front().areas.size() == areas.count()) {
-        steps_.front().areas = settings_.areas;
-        steps_.front().everyArea = settings_.everyArea;
-    }
-    for (const RenderSettings& step : steps_) {
-        const Render::JobInputs inputs = inputs_.withCrops(step);
-        plan_.steps.push_back(
-            {step, Render::InstanceSetup(session_, step, inputs, job_.depth).values()});
-    }
-    if (steps_.empty()) {
-        plan_.settings = settings_;  // the matte masks nothing
-    } else if (steps_.size() == 1) {
-        plan_.settings = steps_.front();
-    } else {
-        plan_.settings = settings_;
-        plan_.settings.areas.clear();
-        plan_.settings.everyArea = true;
-        plan_.settings.matteSide.reset();
-        plan_.settings.textureCrops = {};
-        plan_.settings.sampleBox.reset();
-        plan_.settings.parameters.clear();
-        plan_.settings.parameterFile =
-            Render::stepsJson(plan_.plugin, description, plan_.steps).dump();
+    const Steps steps = withoutNeedlessList(allSteps(), areas);
+    plan_.steps = toSave(steps);
+    plan_.settings = toRender(steps, plan_.steps);
+}
+
+void Planner::finishVariations(const MatteAreas& areas)
+{
+    if (variants_.empty()) return;
+    addLaterChanges(variants_, beforeOthers_, *current_);
+    for (AreaVariation& variant : variants_) {
+        const Choice& choice = variant.scored.choice;
+        steps_[varied_] = stepsFor(choice, {plan_.variedArea});
+        const Steps steps = withoutNeedlessList(allSteps(), areas);
+        Variation variation;
+        variation.steps = toSave(steps);
+        variation.settings = toRender(steps, variation.steps);
+        variation.caption = captionOf(choice, fixed_);
+        variation.visibility = variant.scored.visibility;
+        variation.preview = std::make_shared<const Picture>(std::move(variant.picture));
+        plan_.variations.push_back(std::move(variation));
     }
 }
 
 }  // namespace
 
 FillPlan planFill(const RenderSettings& settings, Effort effort, int frame,
-                  SearchListener& listener)
+                  SearchListener& listener, std::size_t variations)
 {
     Render::JobListener silence;
     Render::WarningFilter warnings(silence);
@@ -231,13 +316,13 @@ FillPlan planFill(const RenderSettings& settings, Effort effort, int frame,
                                   host.adapted(messages.hostOptions(settings.threads)));
     const Depth depth = host.depthFor(settings.depth, inputs.source().depth);
     return planFill(settings, effort, frame, listener,
-                    {session, inputs, depth, inputs.read(frame, depth)});
+                    {session, inputs, depth, inputs.read(frame, depth)}, variations);
 }
 
 FillPlan planFill(const RenderSettings& settings, Effort effort, int frame,
-                  SearchListener& listener, const OpenFill& open)
+                  SearchListener& listener, const OpenFill& open, std::size_t variations)
 {
-    return Planner(settings, effort, frame, listener, open).plan();
+    return Planner(settings, effort, frame, listener, open, variations).plan();
 }
 
 }  // namespace Tesseret::Fill

@@ -2,6 +2,8 @@
 
 /// Chooses the settings that fill a picture: runs trials for each area of its matte.
 
+#include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,12 +22,28 @@ struct AreaChoice {
     std::optional<Quality::Visibility> visibility;  ///< none where nothing was tried
 };
 
+/// One of the fills to pick from: that of one area, with the best fills of the others.
+struct Variation {
+    /// As those of the plan.
+    Render::RenderSettings settings;
+    std::vector<Render::FillStep> steps;
+    std::string caption;
+    Quality::Visibility visibility;
+    /// The part of the picture that the area is judged in, with all areas filled that trials are
+    /// made for.
+    std::shared_ptr<const Picture> preview;
+};
+
 struct FillPlan {
     /// Renders as planned: the given settings with the chosen values, or with a list of steps.
     Render::RenderSettings settings;
     std::vector<Render::FillStep> steps;  ///< the same, to be saved
     std::string plugin, context;          ///< of the steps' values
     std::vector<AreaChoice> areas;        ///< in the order in which they are filled
+    /// The best fills that differ visibly, the plan's own first, if asked for. Of one area, the
+    /// largest that trials are made for.
+    std::vector<Variation> variations;
+    std::size_t variedArea = 0;  ///< of the matte, from 0
     std::size_t trials = 0;
     bool wasEnded = false;  ///< by the listener
 };
@@ -42,12 +60,14 @@ struct OpenFill {
     Host::InstanceListener* messages = nullptr;  ///< of the trials' instances; null: the host's
 };
 
-/// The frame is one of the settings' frames; 0 for a still. Throws as `RenderJob` does.
+/// The frame is one of the settings' frames; 0 for a still. At most `variations` are kept; fewer
+/// where fewer differ visibly, none where no trials are made or the search was ended. Throws as
+/// `RenderJob` does.
 FillPlan planFill(const Render::RenderSettings& settings, Effort effort, int frame,
-                  SearchListener& listener);
+                  SearchListener& listener, std::size_t variations = 0);
 /// Likewise with what is open; the matte may be painted. On any thread: other threads may use other
 /// instances of the session.
 FillPlan planFill(const Render::RenderSettings& settings, Effort effort, int frame,
-                  SearchListener& listener, const OpenFill& open);
+                  SearchListener& listener, const OpenFill& open, std::size_t variations = 0);
 
 }  // namespace Tesseret::Fill

@@ -23,20 +23,31 @@ void eachMasked(const Picture& matte, Render::Polarity polarity, const auto& mar
     });
 }
 
+/// 255 for each masked pixel.
+Picture marked(const Picture& matte, Render::Polarity polarity, const OfxRectI& bounds)
+{
+    constexpr std::uint8_t kMarked = 255;
+    Picture marks(bounds, Depth::Byte, Components::Alpha);
+    eachMasked(matte, polarity, [&](int x, int y) {
+        if (marks.contains(x, y)) *marks.pixel<std::uint8_t>(x, y) = kMarked;
+    });
+    return marks;
+}
+
 }  // namespace
 
 Picture lostPixels(const Render::MatteAreas& areas, Render::Polarity polarity,
                    const OfxRectI& bounds)
 {
-    constexpr std::uint8_t kLost = 255;
-    Picture lost(bounds, Depth::Byte, Components::Alpha);
     std::vector<std::size_t> all(areas.count());
     std::iota(all.begin(), all.end(), std::size_t{0});
-    const Picture masked = areas.only(all, areas.matte().bounds());
-    eachMasked(masked, polarity, [&](int x, int y) {
-        if (lost.contains(x, y)) *lost.pixel<std::uint8_t>(x, y) = kLost;
-    });
-    return lost;
+    return marked(areas.only(all, areas.matte().bounds()), polarity, bounds);
+}
+
+Picture areaPixels(const Render::MatteAreas& areas, Render::Polarity polarity, std::size_t area)
+{
+    const OfxRectI& box = areas.box(area);
+    return marked(areas.alone(area, box), polarity, box);
 }
 
 std::size_t pixelsOf(const Render::MatteAreas& areas, Render::Polarity polarity, std::size_t area)

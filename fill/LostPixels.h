@@ -8,6 +8,9 @@ namespace Tesseret::Fill {
 Picture lostPixels(const Render::MatteAreas& areas, Render::Polarity polarity,
                    const OfxRectI& bounds);
 
+/// Likewise for one area and the bounds of its box.
+Picture areaPixels(const Render::MatteAreas& areas, Render::Polarity polarity, std::size_t area);
+
 /// The pixels of one area.
 std::size_t pixelsOf(const Render::MatteAreas& areas, Render::Polarity polarity, std::size_t area);
 

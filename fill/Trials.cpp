@@ -88,6 +88,20 @@ Picture Trials::render(const Choice& choice) const
     return filled.copied(area_.window, {});
 }
 
+std::vector<std::optional<Picture>> Trials::renderAll(const std::vector<Choice>& choices) const
+{
+    std::vector<std::optional<Picture>> pictures(choices.size());
+    onThreads(job_.threads, choices.size(), [&](std::size_t i) {
+        if (listener_.wantsEnd()) return;
+        try {
+            pictures[i] = render(choices[i]);
+        } catch (const Render::Interrupted&) {
+            return;
+        }
+    });
+    return pictures;
+}
+
 void Trials::run(std::vector<Choice> choices)
 {
     std::vector<Choice> fresh;

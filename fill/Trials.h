@@ -3,6 +3,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "fill/Choice.h"
@@ -61,6 +62,10 @@ public:
 
     /// The picture of the area's window.
     Picture render(const Choice& choice) const;
+    /// Likewise for several choices, one on each thread; none for those that were not rendered
+    /// since the listener ended the search.
+    std::vector<std::optional<Picture>> renderAll(const std::vector<Choice>& choices) const;
+    unsigned int threads() const { return job_.threads; }
 
 private:
     using Key = std::vector<std::string>;
