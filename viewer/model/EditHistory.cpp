@@ -38,6 +38,18 @@ void EditHistory::record(std::vector<ValueChange> changes)
     if (groups_ == 0) closeGroups();
 }
 
+void EditHistory::record(ListChange change)
+{
+    if (change.before == change.after) return;
+    undone_.clear();
+    if (open_.list) {
+        open_.list->after = std::move(change.after);
+    } else {
+        open_.list = std::move(change);
+    }
+    if (groups_ == 0) closeGroups();
+}
+
 void EditHistory::record(MattePatch patch)
 {
     if (patch.empty()) return;
@@ -56,6 +68,7 @@ void EditHistory::closeGroups()
     groups_ = 0;
     Edit edit = std::exchange(open_, {});
     std::erase_if(edit.values, isNothing);
+    if (edit.list && edit.list->before == edit.list->after) edit.list.reset();
     if (edit.empty()) return;
     done_.push_back(std::move(edit));
     forgetOldest();
@@ -82,6 +95,7 @@ Replay EditHistory::undo()
     for (const ValueChange& change : std::views::reverse(edit.values)) {
         replay.values.push_back({change.name, change.before});
     }
+    if (edit.list) replay.list = edit.list->before;
     for (MattePatch& patch : std::views::reverse(edit.patches)) replay.patches.push_back(&patch);
     return replay;
 }
@@ -97,6 +111,7 @@ Replay EditHistory::redo()
     for (const ValueChange& change : edit.values) {
         replay.values.push_back({change.name, change.after});
     }
+    if (edit.list) replay.list = edit.list->after;
     for (MattePatch& patch : edit.patches) replay.patches.push_back(&patch);
     return replay;
 }

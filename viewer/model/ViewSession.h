@@ -8,17 +8,20 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "host/Interact.h"
 #include "render/InstanceSetup.h"
 #include "viewer/model/EditHistory.h"
+#include "viewer/model/FillList.h"
 #include "viewer/model/MatteDocument.h"
 #include "viewer/model/Messages.h"
 #include "viewer/model/PanelPages.h"
 #include "viewer/model/PictureCache.h"
 #include "viewer/model/RenderWorker.h"
+#include "viewer/model/SettingsSearch.h"
 
 namespace Tesseret::Viewer {
 
@@ -103,6 +106,33 @@ public:
     /// Whether the box is not the plug-in's default.
     bool hasOwnBox() const;
 
+    // Settings chosen by trials, as `tesseret fill` does.
+
+    /// Why they cannot be chosen now, as a line for the user; empty when they can.
+    std::string chooseObstacle() const;
+    /// Begins a search for the matte as it is painted. What was given on the command line by name
+    /// stays, and a sample box in use. Throws `UsageError` where none can be made.
+    void startChoosing(Fill::Effort effort);
+    /// Progress, and `stop`, which ends the search with the best so far.
+    SettingsSearch& search() { return search_; }
+    const SettingsSearch& search() const { return search_; }
+    /// Applies what a search has found as one edit. Matte, frame and values may change while it
+    /// runs: an area that was searched for gets its settings as far as it is still there, and a
+    /// value that the user has set meanwhile stays. False while there is nothing to apply, or
+    /// another edit is going on.
+    bool takeChoice();
+    /// The fills to pick from, of the last search.
+    const std::vector<Fill::Variation>& variations() const { return variations_; }
+    /// The one in force.
+    std::optional<std::size_t> currentVariation() const;
+    /// As one edit.
+    void pickVariation(std::size_t variation);
+    /// Areas may have settings of their own, which a parameter that is set overrides in all of
+    /// them. What they have, as a line for the user; empty when there is one setting for all.
+    std::string listText() const;
+    /// Back to one setting for all, as one edit.
+    void dropList();
+
     // Parameter values. What the plug-in sets in response belongs to the same edit.
 
     Host::ParameterValue value(const std::string& name) const
@@ -164,6 +194,22 @@ private:
     void apply(const std::vector<Render::NamedValue>& values);
     void replay(const Replay& replay);
     ViewRequest currentRequest(double scale) const;
+    void setList(std::shared_ptr<const FillList> list);
+    void takeList(const std::shared_ptr<const FillList>& list);
+    void overrideSteps(const std::string& name, const Host::ParameterValue& value);
+    std::shared_ptr<const FillList> listInForce() const;
+    Render::MatteAreas matteAreas(const Render::FillRegion& region) const;
+    std::vector<Render::FillStep> currentSteps() const;
+    /// The given ones, for the matte as it is.
+    Render::RenderSettings matteSettings() const;
+    std::shared_ptr<const FillList> loadedList(const std::filesystem::path& file,
+                                               bool isGiven) const;
+    Render::RenderSettings searchSettings() const;
+    std::shared_ptr<const FillList> listOf(std::vector<Render::FillStep> steps,
+                                           const Render::MatteAreas* areas) const;
+    std::shared_ptr<const FillList> choose(const SearchOutcome& found);
+    void tellChoice(const Fill::FillPlan& plan);
+    std::string listCommand(const std::vector<Render::FillStep>& steps);
     void readMatte();
     void fillFromMatte();
     void useSampleBox();
@@ -187,6 +233,12 @@ private:
     std::unique_ptr<Host::Interact> overlay_;
     bool hasTriedOverlay_ = false;
     std::unique_ptr<RenderWorker> worker_;
+    SettingsSearch search_;
+    std::set<std::string> changedMeanwhile_;  ///< while a search runs
+    std::vector<Fill::Variation> variations_;
+    std::vector<std::shared_ptr<const FillList>> variationLists_;  ///< their states
+    std::shared_ptr<const FillList> list_;                         ///< null: one setting for all
+    bool isTakingList_ = false;
     int frame_;
     std::shared_ptr<const Render::FramePictures> shown_;
     mutable std::optional<MatteDocument> matte_;  ///< its render picture is made when needed
