@@ -13,6 +13,7 @@
 #include "command/InspectCommand.h"
 #include "command/RenderCommand.h"
 #include "command/ViewCommand.h"
+#include "command/WedgeCommand.h"
 #include "files/FileError.h"
 #include "render/JobError.h"
 
@@ -69,6 +70,7 @@ void buildApp(CLI::App& app, Action& action)
     app.footer("Run \"tesseret render --help\" for its options and examples.");
     addFillCommand(app, action);
     addRenderCommand(app, action);
+    addWedgeCommand(app, action);
     addViewCommand(app, action);
     addDescribeCommand(app, action);
     addHostsCommand(app, action);

@@ -13,6 +13,8 @@
 #include "command/RenderOptions.h"
 #include "command/RenderReporter.h"
 #include "command/SearchReporter.h"
+#include "command/SheetTiles.h"
+#include "command/VariationSheet.h"
 #include "files/FileThreads.h"
 #include "fill/FillPlan.h"
 #include "render/Interrupt.h"
@@ -30,10 +32,13 @@ constexpr const char* kFooter =
 least, and prints them as a "tesseret render" command. What is given stays as it is:
 name=value, --sample-box, --texture1, --matte-grow; the rest is chosen around it.
 Ctrl-C ends the search and writes the best fill found so far.
+With --variations the output may be left out.
 
 Examples:
   tesseret fill --source photo.png --matte hole.png --output clean.png
   tesseret fill --source photo.png --matte hole.png --output clean.png --effort best
+  tesseret fill --source photo.png --matte hole.png --variations 12 --sheet sheet.png
+  tesseret fill --source photo.png --matte hole.png --output clean.png --pick 7
   tesseret fill --source plate.####.exr --matte hole.png --frames 1001-1100 \
       --output clean.####.exr temporalConsistancy=on)";
 
@@ -42,8 +47,29 @@ struct CommandOptions {
     std::string effort = "normal";
     std::filesystem::path saveParameters;  ///< empty: none
     std::optional<int> chooseAt;
+    std::size_t variations = 0, pick = 0;  ///< 0: none
+    std::filesystem::path sheet;
+    int tileSize = kUsualTile;
     bool quiet = false, verbose = false;
 };
+
+void addVariationOptions(CLI::App& command, CommandOptions& options)
+{
+    command
+        .add_option("--variations", options.variations,
+                    "Shows the best fills that differ visibly on a contact sheet, this many at "
+                    "most, 2 to 64: those of the largest area that trials are made for; --areas "
+                    "chooses another. The parameters of each are written beside the sheet: "
+                    "sheet.1.json and so on")
+        ->check(CLI::Range(2, 64))
+        ->type_name("COUNT");
+    addSheetOptions(command, options.sheet, options.tileSize);
+    command
+        .add_option("--pick", options.pick,
+                    "Renders the variation of this number, 1 to 64, not the best")
+        ->check(CLI::Range(1, 64))
+        ->type_name("NUMBER");
+}
 
 void addOwnOptions(CLI::App& command, CommandOptions& options)
 {
@@ -63,6 +89,7 @@ void addOwnOptions(CLI::App& command, CommandOptions& options)
                     "Frame of a sequence to choose the settings on (default: the first); they are "
                     "used for all")
         ->type_name("FRAME");
+    addVariationOptions(command, options);
     auto* const quiet =
         command.add_flag("-q,--quiet", options.quiet, "Only notes, warnings and errors");
     command
@@ -91,6 +118,48 @@ int frameToChooseAt(const CommandOptions& options, const Render::RenderSettings&
     return frame;
 }
 
+/// Before any work is done.
+void check(const CommandOptions& options, const Render::RenderSettings& settings)
+{
+    const auto require = [](bool isGiven, const char* text) {
+        if (!isGiven) throw Render::UsageError(text);
+    };
+    require(options.sheet.empty() || options.variations > 0, "--sheet requires --variations");
+    require(options.variations == 0 || options.pick > 0 || !options.sheet.empty(),
+            "--variations requires --sheet");
+    require(!settings.output.empty() || options.pick == 0, "--pick requires --output");
+    require(!settings.output.empty() || !options.sheet.empty(), "--output is required");
+    if (options.variations > 0 && options.pick > options.variations) {
+        throw Render::UsageError("--pick " + std::to_string(options.pick) +
+                                 ": is more than --variations");
+    }
+    if (options.sheet.empty()) return;
+    checkSheet(options.sheet, Render::JobInputs(settings));
+    for (std::size_t i = 1; i <= options.variations; ++i) {
+        if (settings.parameterFile.lexically_normal() ==
+            parametersBeside(options.sheet, i).lexically_normal()) {
+            throw Render::UsageError(settings.parameterFile.string() +
+                                     ": would be overwritten with the parameters of a variation");
+        }
+    }
+}
+
+/// The plan with the variation that was asked for in place of the best.
+Fill::FillPlan picked(Fill::FillPlan plan, std::size_t number)
+{
+    if (number == 0) return plan;
+    if (plan.wasEnded) throw Render::Interrupted("interrupted before the variations were known");
+    const std::size_t count = plan.variations.size();
+    if (number > count) {
+        throw Render::UsageError("--pick " + std::to_string(number) + ": there " +
+                                 (count == 1 ? "is " : "are ") + std::to_string(count) +
+                                 (count == 1 ? " variation" : " variations"));
+    }
+    plan.settings = plan.variations[number - 1].settings;
+    plan.steps = plan.variations[number - 1].steps;
+    return plan;
+}
+
 void printCommand(const Fill::FillPlan& plan, Render::RenderJob& job)
 {
     const std::string text = plan.steps.size() > 1
@@ -107,26 +176,64 @@ void save(const std::filesystem::path& file, const Fill::FillPlan& plan,
                       Render::stepsJson(plan.plugin, session.describe(plan.context), plan.steps));
 }
 
+/// Writes the sheet, and says so, or why there is none.
+void showVariations(const CommandOptions& options, const Fill::FillPlan& plan,
+                    Render::RenderJob& job)
+{
+    const std::size_t count = plan.variations.size();
+    if (count == 0) {
+        if (options.render.settings.output.empty() && plan.wasEnded) {
+            throw Render::Interrupted("interrupted");
+        }
+        const char* const reason =
+            plan.wasEnded ? "the search was ended" : "small spots are filled without trials";
+        std::fprintf(stderr, "tesseret: note: no sheet: there are no variations, since %s\n",
+                     reason);
+        return;
+    }
+    if (count < options.variations) {
+        std::fprintf(stderr,
+                     "tesseret: note: %zu of %zu variations: no more trials differ visibly\n",
+                     count, options.variations);
+    }
+    writeVariations(options.sheet, options.tileSize, plan, job);
+    if (options.quiet) return;
+    std::printf("%s  %zu variations\n", options.sheet.c_str(), count);
+    std::fflush(stdout);
+}
+
+void renderPlan(const CommandOptions& options, const Fill::FillPlan& plan, Render::RenderJob& job,
+                RenderReporter& reporter)
+{
+    if (!options.render.settings.output.empty()) {
+        reporter.begin(job);
+        job.run();
+        reporter.finish();
+    }
+    if (!options.sheet.empty()) showVariations(options, plan, job);
+    if (!options.quiet && !options.render.settings.output.empty()) printCommand(plan, job);
+}
+
 int fill(const CommandOptions& options)
 {
     const Render::RenderSettings settings = settingsFrom(options.render);
+    check(options, settings);
     keepMemory();
     Files::useThreads(settings.threads);
     Render::catchInterrupts();
     SearchReporter search(options.quiet);
-    const Fill::FillPlan plan = Fill::planFill(settings, effortFrom(options.effort),
-                                               frameToChooseAt(options, settings), search);
-    search.report(plan);
+    Fill::FillPlan best =
+        Fill::planFill(settings, effortFrom(options.effort), frameToChooseAt(options, settings),
+                       search, std::max(options.variations, options.pick));
+    search.report(best, options.pick);
+    const Fill::FillPlan plan = picked(std::move(best), options.pick);
     if (plan.wasEnded) Render::forgetInterrupts();
     RenderReporter reporter(options.quiet     ? Verbosity::Quiet
                             : options.verbose ? Verbosity::Verbose
                                               : Verbosity::Normal);
     Render::RenderJob job(plan.settings, reporter);
     if (!options.saveParameters.empty()) save(options.saveParameters, plan, job.session());
-    reporter.begin(job);
-    job.run();
-    reporter.finish();
-    if (!options.quiet) printCommand(plan, job);
+    renderPlan(options, plan, job, reporter);
     return 0;
 }
 
@@ -141,6 +248,7 @@ void addFillCommand(CLI::App& app, Action& action)
     addFileOptions(*command, options->render, /*isRender=*/true);
     addMatteOptions(*command, options->render);
     command->get_option("--matte")->required();
+    command->get_option("--output")->required(false);  // without it a sheet is written
     for (const char* name : {"--fill-alpha", "--fill-alpha-inverted"}) {
         command->remove_option(command->get_option(name));
     }

@@ -31,7 +31,19 @@ bool SearchReporter::wantsEnd()
     return Render::isInterrupted();
 }
 
-void SearchReporter::report(const Fill::FillPlan& plan)
+void SearchReporter::reportArea(const Fill::AreaChoice& choice) const
+{
+    const std::string areas = areasText(choice);
+    if (!isQuiet_) {
+        const std::string score =
+            choice.visibility ? "  score " + scoreText(choice.visibility->total) : "";
+        std::printf("%s: %s%s\n", areas.c_str(), choice.caption.c_str(), score.c_str());
+    }
+    const std::string poor = Fill::poorNote(choice);
+    if (!poor.empty()) std::fprintf(stderr, "tesseret: note: %s\n", poor.c_str());
+}
+
+void SearchReporter::report(const Fill::FillPlan& plan, std::size_t picked)
 {
     bar_.clear();
     if (plan.wasEnded) {
@@ -40,14 +52,13 @@ void SearchReporter::report(const Fill::FillPlan& plan)
                      plan.trials);
     }
     for (const Fill::AreaChoice& choice : plan.areas) {
-        const std::string areas = areasText(choice);
-        if (!isQuiet_) {
-            const std::string score =
-                choice.visibility ? "  score " + scoreText(choice.visibility->total) : "";
-            std::printf("%s: %s%s\n", areas.c_str(), choice.caption.c_str(), score.c_str());
+        const bool isVaried = choice.areas == std::vector{plan.varied.number};
+        if (isVaried && picked > 0 && picked <= plan.variations.size()) {
+            const Fill::Variation& variation = plan.variations[picked - 1];
+            reportArea({choice.areas, choice.box, variation.caption, variation.visibility});
+        } else {
+            reportArea(choice);
         }
-        const std::string poor = Fill::poorNote(choice);
-        if (!poor.empty()) std::fprintf(stderr, "tesseret: note: %s\n", poor.c_str());
     }
     std::fflush(stdout);
 }

@@ -16,10 +16,13 @@ public:
     void searched(const Fill::SearchProgress& progress) override;
     bool wantsEnd() override;
 
-    /// Prints what was chosen; poor scores and an early end even when quiet.
-    void report(const Fill::FillPlan& plan);
+    /// Prints what was chosen, or the variation that was picked (0: none); poor scores and an early
+    /// end even when quiet.
+    void report(const Fill::FillPlan& plan, std::size_t picked = 0);
 
 private:
+    void reportArea(const Fill::AreaChoice& choice) const;
+
     bool isQuiet_;
     ProgressBar bar_;
 };

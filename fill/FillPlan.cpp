@@ -98,7 +98,7 @@ private:
     FillPlan plan_;
     std::size_t searches_ = 0, searched_ = 0;  ///< areas that trials are made for
     std::vector<Steps> steps_;                 ///< of each choice of the plan
-    std::size_t varied_ = 0;                   ///< the choice that has variations
+    std::size_t variedChoice_ = 0;             ///< the choice that has variations
     std::vector<AreaVariation> variants_;      ///< of it
     Picture beforeOthers_;                     ///< their window with the best, before later areas
 };
@@ -147,7 +147,7 @@ FillPlan Planner::plan()
                                    ? trialsOf(effort_)
                                    : std::max(kLeastTrials, 2 * trialsOf(effort_) / others.size());
     searches_ = others.size();
-    plan_.variedArea = largest(areas, others);
+    plan_.varied.number = largest(areas, others);
     for (const std::size_t area : others) {
         planArea(areas, area, trials);
         ++searched_;
@@ -208,8 +208,8 @@ void Planner::planArea(const MatteAreas& areas, std::size_t area, std::size_t co
     plan_.areas.push_back({{area}, box, captionOf(best.choice, fixed_), best.visibility});
     if (trials.hasEnded()) return;
     current_->paste(trials.render(best.choice));
-    if (area == plan_.variedArea && variations_ > 0) {
-        Picture pixels = areaPixels(areas, polarity_, area);
+    if (area == plan_.varied.number && variations_ > 0) {
+        const Picture pixels = areaPixels(areas, polarity_, area);
         keepVariations(trials, known, lost, pixels.copied(intersection(box, window), {}));
     }
 }
@@ -217,7 +217,9 @@ void Planner::planArea(const MatteAreas& areas, std::size_t area, std::size_t co
 void Planner::keepVariations(const Trials& trials, const Picture& known, const Picture& lost,
                              Picture area)
 {
-    varied_ = steps_.size() - 1;
+    plan_.varied.source = std::make_shared<const Picture>(known.copied());
+    plan_.varied.pixels = std::make_shared<const Picture>(area.copied());
+    variedChoice_ = steps_.size() - 1;
     variants_ = variationsOf(trials, known, lost, std::move(area), variations_);
     beforeOthers_ = current_->copied(known.bounds(), {});
 }
@@ -290,7 +292,7 @@ void Planner::finishVariations(const MatteAreas& areas)
     addLaterChanges(variants_, beforeOthers_, *current_);
     for (AreaVariation& variant : variants_) {
         const Choice& choice = variant.scored.choice;
-        steps_[varied_] = stepsFor(choice, {plan_.variedArea});
+        steps_[variedChoice_] = stepsFor(choice, {plan_.varied.number});
         const Steps steps = withoutNeedlessList(allSteps(), areas);
         Variation variation;
         variation.steps = toSave(steps);

@@ -34,6 +34,15 @@ struct Variation {
     std::shared_ptr<const Picture> preview;
 };
 
+/// The area that the variations are of.
+struct VariedArea {
+    std::size_t number = 0;  ///< of the matte, from 0
+    /// The part of the picture that the area is judged in, before its fill; bounds as the previews.
+    std::shared_ptr<const Picture> source;
+    /// Components::Alpha, Byte: 255 where the area is, else 0; its bounds are the area's box.
+    std::shared_ptr<const Picture> pixels;
+};
+
 struct FillPlan {
     /// Renders as planned: the given settings with the chosen values, or with a list of steps.
     Render::RenderSettings settings;
@@ -43,7 +52,7 @@ struct FillPlan {
     /// The best fills that differ visibly, the plan's own first, if asked for. Of one area, the
     /// largest that trials are made for.
     std::vector<Variation> variations;
-    std::size_t variedArea = 0;  ///< of the matte, from 0
+    VariedArea varied;  ///< null pictures without variations
     std::size_t trials = 0;
     bool wasEnded = false;  ///< by the listener
 };

@@ -10,8 +10,6 @@ namespace Tesseret::Fill {
 
 namespace {
 
-constexpr std::size_t kRendersForEach = 4;
-
 /// Keeps what differs from all before.
 class Selection {
 public:
@@ -63,7 +61,7 @@ std::vector<AreaVariation> variationsOf(const Trials& trials, const Picture& kno
                                         const Picture& lost, Picture area, std::size_t count)
 {
     const std::vector<Scored> ranked = trials.ranked();
-    const std::size_t end = std::min(ranked.size(), kRendersForEach * count);
+    const std::size_t end = ranked.size();
     Selection selection(known, lost, std::move(area), count);
     // As many at a time as there are threads; which ones are kept does not depend on that.
     for (std::size_t next = 0; next < end && !selection.isComplete();) {

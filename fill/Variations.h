@@ -14,9 +14,9 @@ struct AreaVariation {
 };
 
 /// The best of the ranked trials that look different from all better ones, at most `count`, the
-/// best trial first. Fewer where there are no more, where 4 times as many renders did not find
-/// them, or when the search is ended. `known`, `lost`: the area's window, as for the scorer;
-/// `area`: its pixels, inside that window.
+/// best trial first. Fewer where there are no more, or when the search is ended. A larger `count`
+/// adds to the same list. `known`, `lost`: the area's window, as for the scorer; `area`: its
+/// pixels, inside that window.
 std::vector<AreaVariation> variationsOf(const Trials& trials, const Picture& known,
                                         const Picture& lost, Picture area, std::size_t count);
 

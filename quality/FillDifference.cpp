@@ -10,7 +10,7 @@ namespace {
 /// Of the square of which a mean is taken.
 constexpr int kRadius = 2;
 /// A difference that is seen at once, in tones; white is 1023.
-constexpr int kClear = 16;
+constexpr int kClear = 40;
 
 /// Sums of the channels of a row of tones, over the pixels round each; `width` sums.
 void addRow(const Tones& tones, int y, int first, int width, std::vector<int>& sums)

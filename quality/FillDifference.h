@@ -28,6 +28,6 @@ private:
 
 /// From this share on two fills are two pictures: with the same blocks joined in another way less
 /// differs, with other blocks more; docs/quality.md.
-inline constexpr double kOtherPicture = 0.25;
+inline constexpr double kOtherPicture = 0.3;
 
 }  // namespace Tesseret::Quality

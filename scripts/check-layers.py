@@ -49,7 +49,8 @@ ARROWS = {
     "viewer/model": ["effect/ParameterNames.h", "fill", "quality", "render", "host", "files", "picture", "ofx"],
     "viewer/window": ["effect/ParameterNames.h", "viewer/model", "fill", "quality", "render", "host", "files", "picture", "ofx"],
     "inspect": ["host", "picture", "ofx"],
-    "command": ["effect/ParameterNames.h", "viewer/model", "viewer/window", "inspect", "fill", "quality", "render", "host", "files",
+    "sheet": ["picture", "ofx"],
+    "command": ["effect/ParameterNames.h", "viewer/model", "viewer/window", "inspect", "sheet", "fill", "quality", "render", "host", "files",
                 "picture", "ofx"],
 }
 # Tests and benchmarks may include anything; no other folder includes them.
