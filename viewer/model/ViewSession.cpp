@@ -78,7 +78,8 @@ ViewSession::ViewSession(Render::RenderSettings settings)
     }
     setFrame(frame_);
     readMatte();
-    if (!settings_.parameterFile.empty()) list_ = loadedList(settings_.parameterFile, /*isGiven=*/true);
+    if (!settings_.parameterFile.empty())
+        list_ = loadedList(settings_.parameterFile, /*isGiven=*/true);
 }
 
 void ViewSession::readMatte()

@@ -86,6 +86,8 @@ public:
     void loadMatte(const std::filesystem::path& file);
     /// Throws `FileError`, and `UsageError` for an input file or a name of another format.
     void saveMatte(const std::filesystem::path& file);
+    /// Whether paint would be lost with the session.
+    bool hasUnsavedMatte() const { return matte_ && matte_->hasUnsavedPaint(); }
     /// Where the matte is saved, or else would be.
     std::filesystem::path matteFile() const;
     /// Whether the printed command line needs the matte to be saved first.
@@ -121,7 +123,7 @@ public:
     /// value that the user has set meanwhile stays. False while there is nothing to apply, or
     /// another edit is going on.
     bool takeChoice();
-    /// The fills to pick from, of the last search.
+    /// The fills to pick from, of the last search; their previews are thumbnails.
     const std::vector<Fill::Variation>& variations() const { return variations_; }
     /// The one in force.
     std::optional<std::size_t> currentVariation() const;

@@ -13,6 +13,7 @@
 #include "render/ParameterFile.h"
 #include "viewer/model/CommandText.h"
 #include "viewer/model/Raised.h"
+#include "viewer/model/Thumbnail.h"
 #include "viewer/model/ViewSession.h"
 #include "viewer/model/WindowWording.h"
 
@@ -25,6 +26,7 @@ using Render::RenderSettings;
 
 namespace {
 
+constexpr double kThumbnailAspect = 4.0 / 3.0;
 constexpr std::size_t kMostLines = 4;  ///< of what was chosen, an area each
 
 bool isCorner(const std::string& name)
@@ -159,8 +161,10 @@ std::shared_ptr<const FillList> ViewSession::choose(const SearchOutcome& found)
     const Render::MatteAreas* const known = areas ? &*areas : nullptr;
     variations_ = found.plan.variations;
     variationLists_.clear();
-    for (const Fill::Variation& variation : variations_) {
+    for (Fill::Variation& variation : variations_) {
         variationLists_.push_back(listOf(variation.steps, known));
+        variation.preview = std::make_shared<const Picture>(
+            thumbnailOf(*variation.preview, found.plan.varied.pixels->bounds(), kThumbnailAspect));
     }
     if (!variationLists_.empty()) return variationLists_.front();  // the plan's own
     return listOf(found.plan.steps, known);

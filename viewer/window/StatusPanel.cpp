@@ -5,6 +5,8 @@
 
 #include <imgui/imgui.h>
 
+#include "fill/ChoiceText.h"
+
 namespace Tesseret::Viewer {
 
 namespace {
@@ -36,7 +38,35 @@ std::string stageText(const WorkerState& state)
     return text;
 }
 
+/// "Choosing settings: area 1 of 2, trial 12 of 40, best 0.93"
+std::string searchText(const SearchState& search)
+{
+    const Fill::SearchProgress& progress = search.progress;
+    if (search.isStopping) return "Stopping with the best so far...";
+    if (progress.done == 0) return "Choosing settings...";
+    std::string text = "Choosing settings: ";
+    if (progress.areas > 1) {
+        text += "area " + std::to_string(progress.area + 1) + " of " +
+                std::to_string(progress.areas) + ", ";
+    }
+    return text + "trial " + std::to_string(progress.done) + " of " +
+           std::to_string(progress.trials) + ", best " + Fill::scoreText(progress.best);
+}
+
 }  // namespace
+
+/// The search for settings goes before a render beside it.
+void StatusPanel::drawSearch(const SearchState& search) const
+{
+    const Fill::SearchProgress& progress = search.progress;
+    const double share =
+        progress.trials > 0 ? double(progress.done) / double(progress.trials) : 0.0;
+    const float width = std::min(kProgressWidth, ImGui::GetContentRegionAvail().x / 3.0f);
+    ImGui::ProgressBar(float((double(progress.area) + share) / double(progress.areas)),
+                       {width, 0.0f}, "");
+    ImGui::SameLine();
+    ImGui::TextUnformatted(searchText(search).c_str());
+}
 
 StatusPanel::Choice StatusPanel::draw(double zoom, bool isPlaying)
 {
@@ -71,6 +101,8 @@ void StatusPanel::drawProgress() const
 {
     const WorkerState state = session_.worker().state();
     ImGui::AlignTextToFramePadding();
+    const SearchState search = session_.search().state();
+    if (search.isRunning) return drawSearch(search);
     if (state.isRendering) {
         const std::string text = stageText(state);
         const float width = std::min(kProgressWidth, ImGui::GetContentRegionAvail().x / 3.0f);
@@ -106,10 +138,15 @@ void StatusPanel::drawMessages()
                                                                      : textColour());
     }
     drawRenderNotes();
+    const SearchState search = session_.search().state();
+    if (search.isRunning && !search.progress.caption.empty()) {
+        drawLine("Best so far: " + search.progress.caption, kNoteColour);
+    }
     ImGui::PopTextWrapPos();
     const auto result = session_.worker().latest();
     const std::uint64_t render = result ? result->serial : 0;
-    if (shown_ != log_.count() || shownRender_ != render) ImGui::SetScrollHereY(1.0f);
+    const bool isNew = shown_ != log_.count() || shownRender_ != render;
+    if (isNew || search.isRunning) ImGui::SetScrollHereY(1.0f);
     shown_ = log_.count();
     shownRender_ = render;
     ImGui::EndChild();
