@@ -158,10 +158,10 @@ std::string FillList::summary() const
                          : "The area is filled in two parts, each with settings of its own.";
     }
     std::string text;
-    if (isCut(first)) text = "Blocks come from a part of the picture near by";
+    if (isCut(first)) text = "Texture from near by";
     if (first.settings.matteGrow > 0.0) {
-        text += (text.empty() ? "The matte is widened by " : "; the matte is widened by ") +
-                Render::numberText(first.settings.matteGrow) + " px";
+        text += (text.empty() ? "Matte " : ", matte ") +
+                Render::numberText(first.settings.matteGrow) + " px wider";
     }
     return text.empty() ? text : text + ".";
 }

@@ -42,8 +42,9 @@ std::string filled(const Progress& progress)
         return areas + "Good? Save it (Ctrl+S). Else let it choose settings (C).";
     }
     return areas +
-           "Good? Save it (Ctrl+S). Else take another fill below, try the next seed (N), or "
-           "a sample box on clean ground (X).";
+           (progress.hasFills ? "Good? Save it (Ctrl+S). Else take another fill below, "
+                              : "Good? Save it (Ctrl+S). Else ") +
+           "try the next seed (N), or a sample box on clean ground (X).";
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ struct Progress {
     bool showsSource = false;
     bool isChoosing = false;  ///< settings, by trials
     bool hasChosen = false;   ///< settings are in force that were chosen
+    bool hasFills = false;    ///< to pick from
     bool isSaved = false;     ///< the result that is shown
     std::size_t areas = 0;
     std::string obstacle;  ///< to painting

@@ -67,9 +67,9 @@ ViewSession::ViewSession(Render::RenderSettings settings)
       setup_(session_, settings_, pictures_.inputs(), pictures_.depth()),
       description_(session_.describe(setup_.context())),
       pages_(panelPages(description_)),
+      search_(session_),
       ready_(setup_.make()),
       worker_(std::make_unique<RenderWorker>(session_, settings_, pictures_)),
-      search_(session_),
       frame_(frames().front())
 {
     instance().setListener(this);

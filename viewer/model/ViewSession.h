@@ -129,6 +129,8 @@ public:
     std::optional<std::size_t> currentVariation() const;
     /// As one edit.
     void pickVariation(std::size_t variation);
+    /// Whether settings are in force that were chosen, or loaded for single areas.
+    bool hasList() const { return listInForce() != nullptr; }
     /// Areas may have settings of their own, which a parameter that is set overrides in all of
     /// them. What they have, as a line for the user; empty when there is one setting for all.
     std::string listText() const;
@@ -227,20 +229,20 @@ private:
     Render::InstanceSetup setup_;
     const Host::ContextDescription& description_;
     std::vector<PanelPage> pages_;
-    EditHistory
-        history_;  ///< outlives the instance with the flags, which it changes until destroyed
-    bool isReplaying_ = false;  ///< while values come from the history
+    // These outlive the instance, which changes them until destroyed.
+    EditHistory history_;
+    SettingsSearch search_;
+    std::set<std::string> changedMeanwhile_;  ///< while a search runs
+    std::shared_ptr<const FillList> list_;    ///< null: one setting for all
+    bool isTakingList_ = false;               ///< while values come from a list
+    bool isReplaying_ = false;                ///< while values come from the history
     bool hasChanged_ = true;
     Render::ReadyInstance ready_;
     std::unique_ptr<Host::Interact> overlay_;
     bool hasTriedOverlay_ = false;
     std::unique_ptr<RenderWorker> worker_;
-    SettingsSearch search_;
-    std::set<std::string> changedMeanwhile_;  ///< while a search runs
     std::vector<Fill::Variation> variations_;
     std::vector<std::shared_ptr<const FillList>> variationLists_;  ///< their states
-    std::shared_ptr<const FillList> list_;                         ///< null: one setting for all
-    bool isTakingList_ = false;
     int frame_;
     std::shared_ptr<const Render::FramePictures> shown_;
     mutable std::optional<MatteDocument> matte_;  ///< its render picture is made when needed

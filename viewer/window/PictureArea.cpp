@@ -246,6 +246,7 @@ bool PictureArea::showsTint() const
 {
     if (session_.fillRegion().polarity == Render::Polarity::Black) return false;
     if (layers_.layer() == Layer::Source || session_.isPainting()) return true;
+    if (layers_.layer() == Layer::Result && !trials_.isEmpty()) return false;
     const auto latest = session_.worker().latest();
     return !latest || latest->request.matte != session_.matte()->painted();
 }

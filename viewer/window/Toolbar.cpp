@@ -10,9 +10,9 @@ namespace Tesseret::Viewer {
 
 namespace {
 
-constexpr float kGap = 4.0f, kGroupGap = 11.0f;  ///< screen units
-constexpr float kSliderWidth = 88.0f;
-const ImVec2 kToolPadding{6.0f, 4.0f};
+constexpr float kGap = 4.0f, kGroupGap = 9.0f;  ///< screen units
+constexpr float kSliderWidth = 76.0f;
+const ImVec2 kToolPadding{5.0f, 4.0f};
 
 struct Menu {
     const char* label;
@@ -234,7 +234,7 @@ std::optional<UserCommand> drawToolbar(ViewSession& session, PictureLayers& laye
     if (session.paintObstacle().empty()) {
         offer(UserCommand::GrowMatte, "Grow", kGroupGap);
         offer(UserCommand::ShrinkMatte, "Shrink");
-        constexpr float kStepWidth = 66.0f;
+        constexpr float kStepWidth = 60.0f;
         flow.next(kStepWidth);
         ImGui::SetNextItemWidth(kStepWidth);
         ImGui::DragFloat("##step", &tools.step(), 0.2f, 1.0f, 200.0f, "by %.0f px",

@@ -18,6 +18,7 @@ public:
     /// Before each frame. A stroke, or another frame, takes the fills away: they are of the matte
     /// as it was.
     void update();
+    bool isEmpty() const { return best_.empty(); }
     /// In canonical units.
     void draw() const;
 

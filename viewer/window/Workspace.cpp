@@ -30,7 +30,8 @@ Progress Workspace::progress() const
     progress.isDrawing = picture.isDrawing();
     progress.isRendering = session->worker().state().isRendering;
     progress.isChoosing = session->search().state().isRunning;
-    progress.hasChosen = !session->variations().empty() || !session->listText().empty();
+    progress.hasChosen = session->hasList();
+    progress.hasFills = !session->variations().empty();
     progress.showsSource = picture.layers().layer() == Layer::Source;
     progress.obstacle = session->paintObstacle();
     progress.tool = picture.tools().kind();
