@@ -208,6 +208,8 @@ TEST_F(ChoiceSessionTest, EachVariationIsOneStep)
     session.undo();
     EXPECT_EQ(session.currentVariation(), 0u);
     EXPECT_EQ(saved(session), best);
+    session.paint([](MattePaint& paint) { clearMatte(paint); });
+    EXPECT_THROW(session.pickVariation(1), Render::UsageError);
 }
 
 TEST_F(ChoiceSessionTest, AStoppedSearchGivesTheBestSoFar)

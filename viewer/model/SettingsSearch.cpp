@@ -74,7 +74,7 @@ void SettingsSearch::run(const SearchJob& job, const Render::JobInputs& inputs)
     {
         const std::lock_guard lock(mutex_);
         outcome_ = std::move(outcome);
-        state_.isRunning = state_.isStopping = false;
+        state_ = {};
     }
     if (onChange_) onChange_();
 }

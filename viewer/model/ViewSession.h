@@ -127,7 +127,7 @@ public:
     const std::vector<Fill::Variation>& variations() const { return variations_; }
     /// The one in force.
     std::optional<std::size_t> currentVariation() const;
-    /// As one edit.
+    /// As one edit. Throws `UsageError` when the matte has none of their areas left.
     void pickVariation(std::size_t variation);
     /// Whether settings are in force that were chosen, or loaded for single areas.
     bool hasList() const { return listInForce() != nullptr; }
@@ -212,6 +212,7 @@ private:
     std::shared_ptr<const FillList> listOf(std::vector<Render::FillStep> steps,
                                            const Render::MatteAreas* areas) const;
     std::shared_ptr<const FillList> choose(const SearchOutcome& found);
+    bool servesMatte(const FillList& list) const;
     void tellChoice(const Fill::FillPlan& plan);
     std::string listCommand(const std::vector<Render::FillStep>& steps);
     void readMatte();

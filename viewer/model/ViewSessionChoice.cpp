@@ -132,8 +132,7 @@ bool ViewSession::takeChoice()
         return true;
     }
     const std::shared_ptr<const FillList> list = choose(*found);
-    if (matte_ && paintObstacle_.empty() &&
-        list->stepsFor(matteAreas(fillRegion()), nullptr).empty()) {
+    if (!servesMatte(*list)) {
         messages_.message(
             "The areas that settings were chosen for are gone; the settings are as "
             "they were.");
@@ -144,6 +143,7 @@ bool ViewSession::takeChoice()
     for (const std::string& name : changedMeanwhile_) kept.push_back({name, value(name)});
     takeList(list);
     apply(kept);
+    for (const auto& [name, value] : kept) overrideSteps(name, value);
     tellChoice(found->plan);
     return true;
 }
@@ -203,6 +203,13 @@ void ViewSession::tellChoice(const Fill::FillPlan& plan)
     }
 }
 
+/// Whether one of the list's areas is left, where the matte can have changed.
+bool ViewSession::servesMatte(const FillList& list) const
+{
+    if (!matte_ || !paintObstacle_.empty()) return true;
+    return !list.stepsFor(matteAreas(fillRegion()), nullptr).empty();
+}
+
 std::optional<std::size_t> ViewSession::currentVariation() const
 {
     const auto found = std::ranges::find(variationLists_, list_);
@@ -212,8 +219,11 @@ std::optional<std::size_t> ViewSession::currentVariation() const
 
 void ViewSession::pickVariation(std::size_t variation)
 {
-    const EditHistory::Group edit(history_);
-    takeList(variationLists_.at(variation));
+    const std::shared_ptr<const FillList>& list = variationLists_.at(variation);
+    if (!servesMatte(*list)) {
+        throw Render::UsageError("The areas that these fills are for are gone");
+    }
+    takeList(list);
 }
 
 std::string ViewSession::listText() const

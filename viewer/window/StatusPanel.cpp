@@ -12,6 +12,7 @@ namespace Tesseret::Viewer {
 namespace {
 
 constexpr float kProgressWidth = 240.0f;  ///< screen units
+constexpr const char* kWidestZoom = "00000 %";
 const ImVec4 kErrorColour{0.95f, 0.42f, 0.36f, 1.0f};
 const ImVec4 kMessageColour{0.96f, 0.80f, 0.45f, 1.0f};
 const ImVec4 kNoteColour{0.62f, 0.76f, 0.90f, 1.0f};
@@ -38,19 +39,23 @@ std::string stageText(const WorkerState& state)
     return text;
 }
 
-/// "Choosing settings: area 1 of 2, trial 12 of 40, best 0.93"
-std::string searchText(const SearchState& search)
+/// "Choosing settings: area 1 of 2, trial 12 of 40, best 0.93", or as much of it as fits.
+std::string searchText(const SearchState& search, float room)
 {
     const Fill::SearchProgress& progress = search.progress;
-    if (search.isStopping) return "Stopping with the best so far...";
+    if (search.isStopping) return "Stopping...";
     if (progress.done == 0) return "Choosing settings...";
-    std::string text = "Choosing settings: ";
-    if (progress.areas > 1) {
-        text += "area " + std::to_string(progress.area + 1) + " of " +
-                std::to_string(progress.areas) + ", ";
+    const std::string trial =
+        "trial " + std::to_string(progress.done) + " of " + std::to_string(progress.trials);
+    const std::string best = ", best " + Fill::scoreText(progress.best);
+    const std::string area = progress.areas > 1 ? "area " + std::to_string(progress.area + 1) +
+                                                      " of " + std::to_string(progress.areas) + ", "
+                                                : "";
+    for (const std::string& text :
+         {"Choosing settings: " + area + trial + best, area + trial + best, trial + best, trial}) {
+        if (ImGui::CalcTextSize(text.c_str()).x <= room) return text;
     }
-    return text + "trial " + std::to_string(progress.done) + " of " +
-           std::to_string(progress.trials) + ", best " + Fill::scoreText(progress.best);
+    return "";
 }
 
 }  // namespace
@@ -65,14 +70,15 @@ void StatusPanel::drawSearch(const SearchState& search) const
     ImGui::ProgressBar(float((double(progress.area) + share) / double(progress.areas)),
                        {width, 0.0f}, "");
     ImGui::SameLine();
-    ImGui::TextUnformatted(searchText(search).c_str());
+    const float room = ImGui::GetContentRegionAvail().x - ImGui::CalcTextSize(kWidestZoom).x;
+    ImGui::TextUnformatted(searchText(search, room).c_str());
 }
 
 StatusPanel::Choice StatusPanel::draw(double zoom, bool isPlaying)
 {
     const Choice choice = drawFrames(isPlaying);
     drawProgress();
-    ImGui::SameLine(ImGui::GetContentRegionMax().x - ImGui::CalcTextSize("00000 %").x);
+    ImGui::SameLine(ImGui::GetContentRegionMax().x - ImGui::CalcTextSize(kWidestZoom).x);
     ImGui::TextDisabled("%5.0f %%", zoom * 100.0);
     drawMessages();
     return choice;

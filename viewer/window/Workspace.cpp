@@ -29,7 +29,7 @@ Progress Workspace::progress() const
     progress.hasPaint = session->hasPaint();
     progress.isDrawing = picture.isDrawing();
     progress.isRendering = session->worker().state().isRendering;
-    progress.isChoosing = session->search().state().isRunning;
+    progress.isChoosing = session->search().isBusy();
     progress.hasChosen = session->hasList();
     progress.hasFills = !session->variations().empty();
     progress.showsSource = picture.layers().layer() == Layer::Source;
