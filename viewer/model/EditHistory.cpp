@@ -1,7 +1,6 @@
 #include "viewer/model/EditHistory.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 namespace Tesseret::Viewer {
@@ -92,11 +91,13 @@ Replay EditHistory::undo()
     undone_.push_back(std::move(done_.back()));
     done_.pop_back();
     Edit& edit = undone_.back();
-    for (const ValueChange& change : std::views::reverse(edit.values)) {
-        replay.values.push_back({change.name, change.before});
+    for (auto change = edit.values.rbegin(); change != edit.values.rend(); ++change) {
+        replay.values.push_back({change->name, change->before});
     }
     if (edit.list) replay.list = edit.list->before;
-    for (MattePatch& patch : std::views::reverse(edit.patches)) replay.patches.push_back(&patch);
+    for (auto patch = edit.patches.rbegin(); patch != edit.patches.rend(); ++patch) {
+        replay.patches.push_back(&*patch);
+    }
     return replay;
 }
 

@@ -24,7 +24,7 @@ void QuestionDialog::ask(const std::string& question, std::function<void()> save
 }
 
 /// The answer may ask the next question.
-void QuestionDialog::answer(std::function<void()> with)
+void QuestionDialog::answer(const std::function<void()>& with)
 {
     save_ = drop_ = nullptr;
     ImGui::CloseCurrentPopup();

@@ -15,7 +15,7 @@ public:
     void draw();
 
 private:
-    void answer(std::function<void()> with);
+    void answer(const std::function<void()>& with);
 
     std::string question_;
     std::function<void()> save_, drop_;

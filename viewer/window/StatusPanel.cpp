@@ -51,8 +51,9 @@ std::string searchText(const SearchState& search, float room)
     const std::string area = progress.areas > 1 ? "area " + std::to_string(progress.area + 1) +
                                                       " of " + std::to_string(progress.areas) + ", "
                                                 : "";
-    for (const std::string& text :
-         {"Choosing settings: " + area + trial + best, area + trial + best, trial + best, trial}) {
+    const std::string less = trial + best, most = area + less;
+    const std::string all = "Choosing settings: " + most;
+    for (const std::string& text : {all, most, less, trial}) {
         if (ImGui::CalcTextSize(text.c_str()).x <= room) return text;
     }
     return "";

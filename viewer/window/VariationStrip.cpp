@@ -1,6 +1,8 @@
 #include "viewer/window/VariationStrip.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <string>
 
 #include <imgui/imgui.h>
@@ -79,8 +81,8 @@ void VariationStrip::drawThumbnail(std::size_t variation, float height)
     const bool isHovered = ImGui::IsItemHovered();
     ImDrawList& list = *ImGui::GetWindowDrawList();
     const ImVec2 end{place.x + size.x, place.y + size.y};
-    const auto texture = static_cast<std::uintptr_t>(textures_[variation].name());
-    list.AddImage(reinterpret_cast<ImTextureID>(texture), place, end, {0.0f, 1.0f}, {1.0f, 0.0f});
+    const auto texture = std::bit_cast<ImTextureID>(std::uintptr_t{textures_[variation].name()});
+    list.AddImage(texture, place, end, {0.0f, 1.0f}, {1.0f, 0.0f});
     const std::string score = Fill::scoreText(shown.visibility.total);
     const ImVec2 text = ImGui::CalcTextSize(score.c_str());
     const ImVec2 corner{end.x - text.x - 8.0f, end.y - text.y - 4.0f};
