@@ -82,6 +82,12 @@ ViewSession::ViewSession(Render::RenderSettings settings)
         list_ = loadedList(settings_.parameterFile, /*isGiven=*/true);
 }
 
+ViewSession::~ViewSession()
+{
+    search_.stop();
+    search_.wait();
+}
+
 void ViewSession::readMatte()
 {
     if (!paintObstacle_.empty() && !inputs().has(Names::kMatte)) return;

@@ -31,6 +31,8 @@ public:
     /// Opens the inputs of `tesseret render`; the output may be empty. Throws `UsageError` or
     /// `FileError`.
     explicit ViewSession(Render::RenderSettings settings);
+    /// Stops a search and waits for it.
+    ~ViewSession() override;
     ViewSession(const ViewSession&) = delete;
     ViewSession& operator=(const ViewSession&) = delete;
 
