@@ -18,11 +18,13 @@ public:
     using Mattes = std::vector<std::shared_ptr<const PreparedMatte>>;
 
     /// At least one step. Textures are cut as each step says; the inputs' own crops do not count.
-    /// Throws `UsageError`. Session, listener and warnings outlive the object.
+    /// Throws `UsageError`. Session, listener and warnings outlive the object, and so does what
+    /// listens to the instances, which may be null.
     StepList(PluginSession& session, const JobInputs& inputs,
              const std::vector<RenderSettings>& steps, Depth depth, JobListener& listener,
              WarningFilter& warnings,
-             const std::shared_ptr<PaintedAreas>& painted = std::make_shared<PaintedAreas>());
+             const std::shared_ptr<PaintedAreas>& painted = std::make_shared<PaintedAreas>(),
+             Host::InstanceListener* instances = nullptr);
     StepList(const StepList&) = delete;
     StepList& operator=(const StepList&) = delete;
 
@@ -60,11 +62,13 @@ public:
     /// Throws as `FrameRenderer::render` does.
     Picture render(const Host::RenderRequest& request, FramePictures pictures,
                    const Mattes& mattes);
+    /// Makes the running render and every later one end with `Interrupted`. From any thread.
+    void abort();
 
 private:
     struct Step {
         Step(PluginSession& session, const JobInputs& all, const RenderSettings& own, Depth depth,
-             JobListener& listener, WarningFilter& warnings);
+             JobListener& listener, WarningFilter& warnings, Host::InstanceListener* instances);
 
         RenderSettings settings;
         JobInputs inputs;

@@ -157,8 +157,7 @@ CommandArguments minimalArguments(RenderSettings settings, const InstanceSetup& 
             const auto there = reached.find(name);
             if (there == reached.end() || value == there->second) continue;
             if (!added.insert(name).second) continue;
-            const std::string text = exactText(*description.parameter(name), value);
-            settings.parameters.push_back(std::string(name).append("=").append(text));
+            settings.parameters.push_back(assignmentText(*description.parameter(name), value));
             isComplete = false;
         }
     }
@@ -245,12 +244,20 @@ CommandLine lineOf(const RenderSettings& settings)
 
 }  // namespace
 
+std::string assignmentText(const ParameterDescription& parameter, const ParameterValue& value)
+{
+    return parameter.name + "=" + exactText(parameter, value);
+}
+
 std::string commandWithFile(const RenderSettings& settings)
 {
-    CommandLine line = lineOf(settings);
+    RenderSettings named = settings;
+    named.output = outputFor(settings);
+    CommandLine line = lineOf(named);
     const fs::path& file = settings.parameterFile;
     const bool isText = file.string().starts_with('{');
     line.option("--parameters", isText ? file.string() : fs::absolute(file).string());
+    for (const std::string& assignment : settings.parameters) line.word(assignment);
     return line.text();
 }
 
