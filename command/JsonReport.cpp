@@ -1,6 +1,7 @@
 #include "command/JsonReport.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "files/FileError.h"
 #include "render/FillSteps.h"
@@ -11,6 +12,12 @@ namespace Tesseret::Command {
 using Json = PictureReport::Json;
 
 namespace {
+
+/// To tenths of a millisecond.
+double rounded(double seconds)
+{
+    return std::round(seconds * 1e4) / 1e4;
+}
 
 constexpr const char* kWarnings = "warnings";
 constexpr const char* kMessages = "messages";
@@ -102,7 +109,7 @@ Json PictureReport::json() const
         json["stages"].push_back({{"name", stage.name},
                                   {"level", stage.level},
                                   {"count", stage.count},
-                                  {"seconds", stage.seconds}});
+                                  {"seconds", rounded(stage.seconds)}});
     }
     return json;
 }
@@ -147,9 +154,9 @@ void PictureReport::frameWritten(const Render::FrameResult& result)
     const std::lock_guard lock(mutex_);
     json_["files"].push_back({{"frame", result.frame},
                               {"file", Files::shownName(result.file)},
-                              {"readSeconds", result.readTime},
-                              {"renderSeconds", result.renderTime},
-                              {"writeSeconds", result.writeTime}});
+                              {"readSeconds", rounded(result.readTime)},
+                              {"renderSeconds", rounded(result.renderTime)},
+                              {"writeSeconds", rounded(result.writeTime)}});
 }
 
 void PictureReport::warning(const std::string& text)
