@@ -39,7 +39,8 @@ const char* channelsOf(Files::MatteFrom from)
 Json scoreJson(const Quality::Visibility& score)
 {
     return {{"total", score.total}, {"rim", score.rim},         {"inside", score.inside},
-            {"step", score.step},   {"repeats", score.repeats}, {"structure", score.structure}};
+            {"step", score.step},   {"repeats", score.repeats}, {"structure", score.structure},
+            {"sides", score.sides}};
 }
 
 }  // namespace
