@@ -1,8 +1,12 @@
 #include "command/CommandLine.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -12,6 +16,7 @@
 #include "command/FillCommand.h"
 #include "command/HostsCommand.h"
 #include "command/InspectCommand.h"
+#include "command/ParseMessage.h"
 #include "command/RenderCommand.h"
 #include "command/ViewCommand.h"
 #include "command/WedgeCommand.h"
@@ -22,26 +27,12 @@ namespace Tesseret::Command {
 
 namespace {
 
-int printError(const std::exception& error, int code)
-{
-    std::fprintf(stderr, "tesseret: %s\n", error.what());
-    return code;
-}
-
 int runAction(const Action& action)
 {
     try {
         return action();
-    } catch (const Render::Interrupted& error) {
-        return printError(error, kExitInterrupted);
-    } catch (const Render::UsageError& error) {
-        return printError(error, kExitUsage);
-    } catch (const Files::FileError& error) {
-        return printError(error, kExitUsage);
-    } catch (const std::invalid_argument& error) {
-        return printError(error, kExitUsage);
     } catch (const std::exception& error) {
-        return printError(error, kExitFailed);
+        return printFailure(error);
     }
 }
 
@@ -55,7 +46,9 @@ int run(int argc, const char* const* argv)
     } catch (const CLI::Success& request) {
         return app.exit(request);  // help or version
     } catch (const CLI::ParseError& error) {
-        return printError(error, kExitUsage);
+        const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+        std::fprintf(stderr, "tesseret: %s\n", parseMessage(error, app, words).c_str());
+        return kExitUsage;
     }
     return runAction(action);
 }
@@ -79,12 +72,25 @@ void buildApp(CLI::App& app, Action& action)
     addInspectCommand(app, action);
 }
 
+int printFailure(const std::exception& error)
+{
+    const auto is = [&]<typename... Errors>() {
+        return ((dynamic_cast<const Errors*>(&error) != nullptr) || ...);
+    };
+    const bool isUsage =
+        is.operator()<Render::UsageError, Files::FileError, std::invalid_argument>();
+    const bool isInterrupt = is.operator()<Render::Interrupted>();
+    const bool isMemory = is.operator()<std::bad_alloc>();
+    std::fprintf(stderr, "tesseret: %s\n", isMemory ? "out of memory" : error.what());
+    return isInterrupt ? kExitInterrupted : isUsage ? kExitUsage : kExitFailed;
+}
+
 int runCommandLine(int argc, const char* const* argv)
 {
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {
-        return printError(error, kExitFailed);
+        return printFailure(error);
     }
 }
 

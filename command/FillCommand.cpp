@@ -9,6 +9,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include "command/DryRun.h"
+#include "command/FileWords.h"
+#include "command/ManyStills.h"
 #include "command/ProcessMemory.h"
 #include "command/RenderOptions.h"
 #include "command/RenderReporter.h"
@@ -37,9 +40,10 @@ With --variations the output may be left out.
 
 Examples:
   tesseret fill --source photo.png --matte hole.png --output clean.png
-  tesseret fill --source photo.png --matte hole.png --output clean.png --effort best
-  tesseret fill --source photo.png --matte hole.png --variations 12 --sheet sheet.png
-  tesseret fill --source photo.png --matte hole.png --output clean.png --pick 7
+  tesseret fill photo.png hole.png clean.png --effort best
+  tesseret fill photo.png hole.png --variations 12 --sheet sheet.png
+  tesseret fill photo.png hole.png clean.png --pick 7
+  tesseret fill a.png b.png c.png --matte "mattes/{name}.png" --output "clean/{name}.png"
   tesseret fill --source plate.####.exr --matte hole.png --frames 1001-1100 \
       --output clean.####.exr temporalConsistancy=on)";
 
@@ -209,10 +213,11 @@ void showVariations(const CommandOptions& options, const Fill::FillPlan& plan,
 }
 
 void renderPlan(const CommandOptions& options, const Fill::FillPlan& plan, Render::RenderJob& job,
-                RenderReporter& reporter)
+                RenderReporter& reporter, PictureReport* report)
 {
     if (!options.render.settings.output.empty()) {
         reporter.begin(job);
+        if (report != nullptr) report->begin(job);
         job.run();
         reporter.finish();
     }
@@ -220,10 +225,16 @@ void renderPlan(const CommandOptions& options, const Fill::FillPlan& plan, Rende
     if (!options.quiet && !options.render.settings.output.empty()) printCommand(plan, job);
 }
 
-int fill(const CommandOptions& options)
+int fill(const CommandOptions& options, PictureReport* report)
 {
     const Render::RenderSettings settings = settingsFrom(options.render);
+    if (!options.quiet) printFrames(options.render, settings);
     check(options, settings);
+    if (options.render.dryRun) {
+        const auto plan = dryRun(settings, "chosen by trials, effort " + options.effort);
+        if (report != nullptr) report->planned(plan);
+        return 0;
+    }
     keepMemory();
     Files::useThreads(settings.threads);
     Render::catchInterrupts();
@@ -233,13 +244,15 @@ int fill(const CommandOptions& options)
                        search, std::max(options.variations, options.pick));
     search.report(best, options.pick);
     const Fill::FillPlan plan = picked(std::move(best), options.pick);
+    if (report != nullptr) report->searched(plan);
     if (plan.wasEnded) Render::forgetInterrupts();
     RenderReporter reporter(options.quiet     ? Verbosity::Quiet
                             : options.verbose ? Verbosity::Verbose
                                               : Verbosity::Normal);
-    Render::RenderJob job(plan.settings, reporter);
+    Render::JobListeners listeners{&reporter, report};
+    Render::RenderJob job(plan.settings, listeners);
     if (!options.saveParameters.empty()) save(options.saveParameters, plan, job.session());
-    renderPlan(options, plan, job, reporter);
+    renderPlan(options, plan, job, reporter, report);
     return 0;
 }
 
@@ -253,15 +266,28 @@ void addFillCommand(CLI::App& app, Action& action)
     command->footer(kFooter);
     addFileOptions(*command, options->render, /*isRender=*/true);
     addMatteOptions(*command, options->render);
-    command->get_option("--matte")->required();
-    command->get_option("--output")->required(false);  // without it a sheet is written
+    options->render.files = FilesWanted::Fill;
     for (const char* name : {"--fill-alpha", "--fill-alpha-inverted"}) {
         command->remove_option(command->get_option(name));
     }
     addResumeOptions(*command, options->render);
     addOwnOptions(*command, *options);
+    addReportOptions(*command, options->render);
     addPluginOptions(*command, options->render);
-    command->callback([options, &action] { action = [options] { return fill(*options); }; });
+    command->callback([options, &action] {
+        action = [options] {
+            RenderOptions files = options->render;
+            files.needsOutput = options->sheet.empty();
+            return forEachSource(
+                "fill", files, [&](const RenderOptions& single, PictureReport* report) {
+                    CommandOptions own = *options;
+                    own.render = single;
+                    own.saveParameters = named(own.saveParameters, single.settings.source);
+                    own.sheet = named(own.sheet, single.settings.source);
+                    return fill(own, report);
+                });
+        };
+    });
 }
 
 }  // namespace Tesseret::Command

@@ -4,6 +4,9 @@
 #include <memory>
 #include <optional>
 
+#include "command/DryRun.h"
+#include "command/FileWords.h"
+#include "command/ManyStills.h"
 #include "command/ProcessMemory.h"
 #include "command/RenderOptions.h"
 #include "command/RenderReporter.h"
@@ -24,6 +27,8 @@ lists them. File formats: PNG, JPEG, TIFF, DPX and EXR.
 Examples:
   tesseret render --source plate.png --output out.png blockSize=64 seed=7
   tesseret render --source plate.png --matte hole.png --matte-grow 10 --output out.png
+  tesseret render a.png b.png c.png out/ seed=7
+  decode | tesseret render - png:- | encode
   tesseret render --source wall.exr --output out.exr --sample-box 100,80,600,500
   tesseret render --source sky.png --texture1 grass.png --sample-box 0,0,512,512 \
       --output out.png numSamples=50
@@ -52,9 +57,15 @@ void addOwnOptions(CLI::App& command, CommandOptions& options)
         ->excludes(quiet);
 }
 
-int render(const CommandOptions& options)
+int render(const CommandOptions& options, PictureReport* report)
 {
     const Render::RenderSettings settings = settingsFrom(options.render);
+    if (!options.quiet) printFrames(options.render, settings);
+    if (options.render.dryRun) {
+        const auto plan = dryRun(settings, "");
+        if (report != nullptr) report->planned(plan);
+        return 0;
+    }
     keepMemory();
     Files::useThreads(settings.threads);
     Render::catchInterrupts();
@@ -63,10 +74,11 @@ int render(const CommandOptions& options)
                                               : Verbosity::Normal);
     std::optional<Render::DebugMaps> maps;
     if (!options.debugMaps.empty()) maps.emplace(options.debugMaps, reporter);
-    Render::JobListeners listeners{&reporter, maps ? &*maps : nullptr};
+    Render::JobListeners listeners{&reporter, report, maps ? &*maps : nullptr};
     Render::RenderJob job(settings, listeners);
-    if (maps) maps->begin(job.inputs());
+    if (maps) maps->begin(job.inputs(), settings.renderScale);
     reporter.begin(job);
+    if (report != nullptr) report->begin(job);
     job.run();
     reporter.finish();
     if (maps) maps->finish();
@@ -86,8 +98,19 @@ void addRenderCommand(CLI::App& app, Action& action)
     addResumeOptions(*command, options->render);
     addPictureOptions(*command, options->render);
     addOwnOptions(*command, *options);
+    addReportOptions(*command, options->render);
     addPluginOptions(*command, options->render);
-    command->callback([options, &action] { action = [options] { return render(*options); }; });
+    command->callback([options, &action] {
+        action = [options] {
+            return forEachSource("render", options->render,
+                                 [&](const RenderOptions& single, PictureReport* report) {
+                                     CommandOptions own = *options;
+                                     own.render = single;
+                                     own.debugMaps = named(own.debugMaps, single.settings.source);
+                                     return render(own, report);
+                                 });
+        };
+    });
 }
 
 }  // namespace Tesseret::Command

@@ -1,53 +1,26 @@
 #include "command/RenderOptions.h"
 
-#include <array>
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <optional>
-#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "command/BoxText.h"
+#include "command/FileWords.h"
+#include "effect/ParameterNames.h"
+#include "files/FileFormat.h"
+#include "files/PictureReader.h"
 #include "files/Sequence.h"
+#include "files/StandardStreams.h"
 #include "render/JobError.h"
 
 namespace Tesseret::Command {
 
 namespace {
-
-/// Numbers separated by commas; nullopt for any other text.
-template <std::size_t Count>
-std::optional<std::array<double, Count>> numbersFrom(const std::string& text)
-{
-    std::istringstream stream(text);
-    std::array<double, Count> numbers{};
-    for (std::size_t i = 0; i < Count; ++i) {
-        char comma = ',';
-        if (i > 0) stream >> comma;
-        stream >> numbers.at(i);
-        if (!stream || comma != ',' || !std::isfinite(numbers.at(i))) return std::nullopt;
-    }
-    if (stream.peek() != EOF) return std::nullopt;
-    return numbers;
-}
-
-std::optional<Render::ViewBox> boxFrom(const std::string& text, const std::string& option)
-{
-    if (text.empty()) return std::nullopt;
-    const auto edges = numbersFrom<4>(text);
-    if (!edges) throw Render::UsageError(option + " " + text + ": expected x1,y1,x2,y2");
-    const Render::ViewBox box{(*edges)[0], (*edges)[1], (*edges)[2], (*edges)[3]};
-    if (box.x1 < box.x2 && box.y1 < box.y2) return box;
-    throw Render::UsageError(option + " " + text + ": x1 must be left of x2, and y1 above y2");
-}
-
-std::optional<Render::LineSide> sideFrom(const std::string& text)
-{
-    if (text.empty()) return std::nullopt;
-    const auto numbers = numbersFrom<3>(text);
-    if (!numbers) throw Render::UsageError("--matte-side " + text + ": expected x,y,angle");
-    return Render::LineSide{(*numbers)[0], (*numbers)[1], (*numbers)[2]};
-}
 
 /// The areas by their numbers from 0; none for all and first.
 std::vector<std::size_t> areasFrom(const std::string& text)
@@ -66,18 +39,104 @@ std::vector<std::size_t> areasFrom(const std::string& text)
     }
 }
 
+/// The frames on disk of the first file that is a sequence; none for stills.
+std::vector<int> framesOnDisk(const Render::RenderSettings& settings)
+{
+    std::vector<std::filesystem::path> files{settings.source, settings.matte};
+    files.insert(files.end(), settings.textures.begin(), settings.textures.end());
+    for (const std::filesystem::path& file : files) {
+        const Files::SequencePattern pattern(file);
+        if (!pattern.isSequence()) continue;
+        std::vector<int> frames = pattern.found();
+        if (!frames.empty()) return frames;
+        throw Render::UsageError(file.string() + ": there is no frame of this sequence on disk");
+    }
+    return {};
+}
+
+/// The picture's size as its header has it, in a sequence the first frame's.
+OfxRectI sizeOf(const std::filesystem::path& file, const Render::RenderSettings& settings,
+                const std::string& option)
+{
+    if (file.empty()) throw Render::UsageError(option + ": per cent require --source");
+    const int frame = settings.frames.empty() ? 0 : settings.frames.front();
+    return Files::readInfo(Files::SequencePattern(file).file(frame)).displayWindow;
+}
+
+/// The picture that a sample box lies over: the first texture, or the source.
+const std::filesystem::path& sampledFile(const RenderOptions& options)
+{
+    const Render::RenderSettings& settings = options.settings;
+    for (std::size_t i = 0; i < settings.textures.size(); ++i) {
+        if (!settings.textures[i].empty()) return settings.textures[i];
+        if (!options.textureCrops[i].empty()) break;
+    }
+    return settings.source;
+}
+
+void takeBoxes(const RenderOptions& options, Render::RenderSettings& settings)
+{
+    const auto box = [&](const std::string& text, const std::string& option,
+                         const std::filesystem::path& file) {
+        return boxFrom(text, option, [&] { return sizeOf(file, settings, option); });
+    };
+    settings.window = box(options.window, "--window", settings.source);
+    settings.sampleBox = box(options.sampleBox, "--sample-box", sampledFile(options));
+    for (std::size_t i = 0; i < settings.textureCrops.size(); ++i) {
+        const std::filesystem::path& file = settings.textures[i];
+        settings.textureCrops[i] =
+            box(options.textureCrops[i], "--texture" + std::to_string(i + 1) + "-crop",
+                file.empty() ? settings.source : file);
+    }
+}
+
+/// Without a format of its own, standard output gets the source's.
+void takeStandardStreams(Render::RenderSettings& settings)
+{
+    std::vector<std::filesystem::path> files{settings.source, settings.matte};
+    files.insert(files.end(), settings.textures.begin(), settings.textures.end());
+    if (std::ranges::count_if(files, Files::isStandardInput) > 1) {
+        throw Render::UsageError("standard input can be only one of the pictures");
+    }
+    if (settings.output != "-") return;
+    const int frame = settings.frames.empty() ? 0 : settings.frames.front();
+    const auto first = Files::SequencePattern(settings.source).file(frame);
+    settings.output = Files::standardOutputIn(Files::formatByContent(first));
+}
+
+/// The choices that fill from a matte, by name or by number.
+void checkMatteGiven(const Render::RenderSettings& settings)
+{
+    if (!settings.matte.empty()) return;
+    for (const std::string& word : settings.parameters) {
+        const std::string start = std::string(Names::kFillRegion) + "=";
+        if (!word.starts_with(start)) continue;
+        const std::string value = word.substr(start.size());
+        for (const char* const choice : {Names::kMatteAlpha, Names::kMatteInvertedAlpha}) {
+            const auto place = std::ranges::find(Names::kFillRegions, std::string_view(choice));
+            const auto number = std::to_string(place - Names::kFillRegions.begin());
+            if (value != choice && value != number) continue;
+            throw Render::UsageError(std::string(Names::kFillRegion) + "=\"" + choice +
+                                     "\" needs a matte: give it with --matte FILE");
+        }
+    }
+}
+
 }  // namespace
 
 void addFileOptions(CLI::App& command, RenderOptions& options, bool isRender)
 {
     Render::RenderSettings& settings = options.settings;
-    command.add_option("-s,--source", settings.source, "Source picture")
-        ->required(isRender)
+    options.files = isRender ? FilesWanted::Render : FilesWanted::View;
+    command
+        .add_option("-s,--source", settings.source,
+                    "Source picture; the first word without a name does the same")
         ->type_name("FILE");
     command
         .add_option("-o,--output", settings.output,
-                    "File to write; its extension selects the format")
-        ->required(isRender)
+                    "File to write, also as the last word without a name; its extension selects "
+                    "the format. A folder keeps the source's name; {name} stands for it without "
+                    "its extension")
         ->type_name("FILE");
     for (std::size_t i = 0; i < settings.textures.size(); ++i) {
         const std::string number = std::to_string(i + 1);
@@ -94,14 +153,15 @@ void addFileOptions(CLI::App& command, RenderOptions& options, bool isRender)
             .add_option("--texture" + number + "-crop", options.textureCrops[i],
                         "Uses only this part of the texture, or without --texture" + number +
                             " this part of the source, as a texture: x1,y1,x2,y2 in pixels from "
-                            "the upper left corner, y downwards")
+                            "the upper left corner, y downwards, or in per cent")
             ->type_name("BOX");
     }
     command
         .add_option(
             "-f,--frames", options.frames,
-            "Frames of a sequence: 1001-1100, 1-9x2, 1,5,8. File names have #### or %04d in "
-            "place of the number; a file without it is used for every frame")
+            "Frames of a sequence: 1001-1100, 1-9x2, 1,5,8 (default: all on disk). File names have "
+            "####, @@@@ or %04d in place of the number; a file without it is used for every "
+            "frame")
         ->type_name("RANGE");
     command
         .add_option("--compression", settings.compression,
@@ -109,6 +169,16 @@ void addFileOptions(CLI::App& command, RenderOptions& options, bool isRender)
                     "95); TIFF: none, lzw, zip, packbits; EXR: none, rle, zip, zips, piz, pxr24, "
                     "b44, b44a, dwaa, dwab (default: the source's)")
         ->type_name("VALUE");
+}
+
+void addReportOptions(CLI::App& command, RenderOptions& options)
+{
+    command.add_flag("--dry-run", options.dryRun,
+                     "Prints the areas, blocks, frames, image memory and files of the render; "
+                     "renders and writes nothing");
+    command.add_flag("--json", options.json,
+                     "Prints a report as JSON on standard output, and everything else on "
+                     "standard error");
 }
 
 void addMatteOptions(CLI::App& command, RenderOptions& options)
@@ -197,7 +267,7 @@ void addPluginOptions(CLI::App& command, RenderOptions& options)
         .add_option("--sample-box", options.sampleBox,
                     "Box that blocks are taken from: x1,y1,x2,y2 in pixels from the upper left "
                     "corner, y downwards, of the first texture, or of the source when no texture "
-                    "is given")
+                    "is given; or in per cent of that picture: 10%,10%,50%,90%")
         ->type_name("BOX");
     command
         .add_option("--depth", options.depth,
@@ -225,14 +295,21 @@ void addPluginOptions(CLI::App& command, RenderOptions& options)
                     "JSON file with values for the plug-in's parameters, or such JSON itself; "
                     "options and name=value override it")
         ->type_name("FILE");
-    command.add_option("parameters", settings.parameters, "Values for the plug-in's parameters")
+    command
+        .add_option("parameters", settings.parameters,
+                    "Values for the plug-in's parameters; words without \"=\" are files")
         ->type_name("name=value");
 }
 
-Render::RenderSettings settingsFrom(const RenderOptions& options)
+Render::RenderSettings settingsFrom(const RenderOptions& given)
 {
+    RenderOptions options = given;
+    if (takeFileWords(options).size() > 1) {
+        throw Render::UsageError("several sources: this takes one picture or sequence");
+    }
     Render::RenderSettings settings = options.settings;
-    if (!options.frames.empty()) settings.frames = Files::parseFrames(options.frames);
+    settings.frames =
+        options.frames.empty() ? framesOnDisk(settings) : Files::parseFrames(options.frames);
     if (options.matteInverted) settings.mask = Render::MaskOption::MatteInverted;
     if (options.fillAlpha) settings.mask = Render::MaskOption::Alpha;
     if (options.fillAlphaInverted) settings.mask = Render::MaskOption::AlphaInverted;
@@ -244,13 +321,17 @@ Render::RenderSettings settingsFrom(const RenderOptions& options)
     if (options.depth == "byte") settings.depth = Depth::Byte;
     if (options.depth == "short") settings.depth = Depth::Short;
     if (options.depth == "float") settings.depth = Depth::Float;
-    settings.window = boxFrom(options.window, "--window");
-    settings.sampleBox = boxFrom(options.sampleBox, "--sample-box");
-    for (std::size_t i = 0; i < settings.textureCrops.size(); ++i) {
-        settings.textureCrops[i] =
-            boxFrom(options.textureCrops[i], "--texture" + std::to_string(i + 1) + "-crop");
-    }
+    takeStandardStreams(settings);
+    if (options.files == FilesWanted::Render) checkMatteGiven(settings);
+    takeBoxes(options, settings);
     return settings;
+}
+
+void printFrames(const RenderOptions& options, const Render::RenderSettings& settings)
+{
+    if (!options.frames.empty() || settings.frames.empty()) return;
+    std::printf("frames %s\n", Files::framesText(settings.frames).c_str());
+    std::fflush(stdout);
 }
 
 }  // namespace Tesseret::Command

@@ -4,7 +4,9 @@
 
 #include <sys/resource.h>
 
-#include "effect/ParameterNames.h"
+#include "files/FileError.h"
+#include "render/BlockAdvice.h"
+#include "render/DepthWord.h"
 
 namespace Tesseret::Command {
 
@@ -21,19 +23,6 @@ double peakMemory()
     rusage usage{};
     ::getrusage(RUSAGE_SELF, &usage);
     return static_cast<double>(usage.ru_maxrss) / 1024.0;  // kilobytes on Linux
-}
-
-const char* depthWord(Depth depth)
-{
-    switch (depth) {
-        case Depth::Byte:
-            return "byte";
-        case Depth::Short:
-            return "short";
-        case Depth::Float:
-            break;
-    }
-    return "float";
 }
 
 std::string fixed(double number, int digits)
@@ -82,12 +71,13 @@ void RenderReporter::printJob(Render::RenderJob& job)
                 effect.versionMajor, effect.versionMinor);
     const Files::PictureInfo& source = job.inputs().source();
     std::printf("source       %d x %d pixels, %s\n", source.displayWindow.x2,
-                source.displayWindow.y2, depthWord(source.depth));
+                source.displayWindow.y2, Render::depthWord(source.depth));
     const std::string& host = job.hostLike();
     if (!host.empty()) std::printf("host         like %s\n", host.c_str());
     std::printf("render       %s, %s, threads %u\n",
                 Render::shortContextName(job.instance().context()).c_str(),
-                depthWord(job.instance().outputFormat().depth), job.session().host().threads());
+                Render::depthWord(job.instance().outputFormat().depth),
+                job.session().host().threads());
 }
 
 void RenderReporter::finish()
@@ -165,7 +155,7 @@ void RenderReporter::frameWritten(const Render::FrameResult& result)
         return;
     }
     bar_.clear();
-    std::printf("%s", result.file.c_str());
+    std::printf("%s", Files::shownName(result.file).c_str());
     if (frameCount_ > 1) std::printf("  %zu of %zu", framesWritten_, frameCount_);
     std::printf("  %s s\n", fixed(elapsed(), 2).c_str());
     std::fflush(stdout);
@@ -199,7 +189,10 @@ void RenderReporter::message(const std::string& text)
 void RenderReporter::note(Host::Instance& /*instance*/, std::string_view text)
 {
     const std::lock_guard lock(mutex_);
-    if (notes_.emplace(text).second) printLine("note: ", std::string(text));
+    if (!notes_.emplace(text).second) return;
+    printLine("note: ", std::string(text));
+    const std::string advice = Render::adviceOnNote(text);
+    if (!advice.empty()) printLine("note: ", advice);
 }
 
 void RenderReporter::stageBegan(Host::Instance& /*instance*/, std::string_view stage)

@@ -1,43 +1,14 @@
 #include "command/SearchReporter.h"
 
-#include <algorithm>
 #include <cstdio>
 
+#include "fill/ChoiceText.h"
 #include "render/Interrupt.h"
 
 namespace Tesseret::Command {
 
-namespace {
-
-std::string scoreText(double score)
-{
-    char text[32];
-    std::snprintf(text, sizeof text, "%.2f", score);
-    return text;
-}
-
-std::string areasText(const Fill::AreaChoice& choice)
-{
-    if (choice.areas.size() > 1) return std::to_string(choice.areas.size()) + " small areas";
-    return "area " + std::to_string(choice.areas.front() + 1);
-}
-
-/// What might help where even the best fill shows.
-std::string adviceFor(const Quality::Visibility& visibility)
-{
-    const double worst = std::max({visibility.rim, visibility.inside, visibility.step,
-                                   visibility.repeats, visibility.structure});
-    if (visibility.repeats == worst) {
-        return "the same spot shows several times; give more texture with --texture1";
-    }
-    if (visibility.structure == worst || visibility.inside == worst) {
-        return "this method cannot continue a structure; a smaller matte, or texture from another "
-               "picture with --texture1, may help";
-    }
-    return "the border shows; a matte that ends on even ground, larger or smaller, may help";
-}
-
-}  // namespace
+using Fill::areasText;
+using Fill::scoreText;
 
 SearchReporter::SearchReporter(bool isQuiet) : isQuiet_(isQuiet), bar_(stderr, !isQuiet) {}
 
@@ -68,11 +39,8 @@ void SearchReporter::reportArea(const Fill::AreaChoice& choice) const
             choice.visibility ? "  score " + scoreText(choice.visibility->total) : "";
         std::printf("%s: %s%s\n", areas.c_str(), choice.caption.c_str(), score.c_str());
     }
-    if (choice.visibility && choice.visibility->total > Fill::kPoorScore) {
-        std::fprintf(stderr, "tesseret: note: %s: even the best fill is visible (score %s): %s\n",
-                     areas.c_str(), scoreText(choice.visibility->total).c_str(),
-                     adviceFor(*choice.visibility).c_str());
-    }
+    const std::string poor = Fill::poorNote(choice);
+    if (!poor.empty()) std::fprintf(stderr, "tesseret: note: %s\n", poor.c_str());
 }
 
 void SearchReporter::report(const Fill::FillPlan& plan, std::size_t picked)

@@ -19,7 +19,7 @@ namespace {
 constexpr const char* kFooter =
     R"(Files and parameters are the same as for "tesseret render". Without --source the
 window is empty, and a picture is opened there. Paint over what should go; the fill
-follows after each stroke.
+follows after each stroke. "Choose settings" looks for those whose fill shows least.
 
 Examples:
   tesseret view --source plate.png
@@ -30,6 +30,7 @@ Mouse and keys:)";
 struct ViewOptions {
     RenderOptions render;
     std::string size = "1280x800";
+    bool choosesNothing = false;
 };
 
 Viewer::WindowSize sizeFrom(const std::string& text)
@@ -60,6 +61,14 @@ void checkFiles(const Render::RenderSettings& settings)
     if (!settings.frames.empty()) throw Render::UsageError("--frames requires --source");
 }
 
+/// As `fill` does, unless the user has said how to fill.
+bool choosesSettings(const ViewOptions& options, const Render::RenderSettings& settings)
+{
+    const bool isFree =
+        settings.parameters.empty() && settings.parameterFile.empty() && !settings.sampleBox;
+    return isFree && !settings.matte.empty() && !options.choosesNothing;
+}
+
 int view(const ViewOptions& options)
 {
     const Viewer::WindowSize size = sizeFrom(options.size);
@@ -68,7 +77,7 @@ int view(const ViewOptions& options)
     Files::useThreads(settings.threads);
     std::unique_ptr<Viewer::ViewSession> session;
     if (!settings.source.empty()) session = std::make_unique<Viewer::ViewSession>(settings);
-    Viewer::Viewer viewer(std::move(session), settings, size);
+    Viewer::Viewer viewer(std::move(session), settings, size, choosesSettings(options, settings));
     viewer.run();
     return 0;
 }
@@ -84,6 +93,10 @@ void addViewCommand(CLI::App& app, Action& action)
     addFileOptions(*command, options->render, /*isRender=*/false);
     addMatteOptions(*command, options->render);
     addPluginOptions(*command, options->render);
+    command->add_flag("--no-choose", options->choosesNothing,
+                      "Starts with the plug-in's defaults. Without it settings are chosen for "
+                      "the matte as \"tesseret fill\" does, unless name=value, --parameters or "
+                      "--sample-box is given");
     command->add_option("--size", options->size, "Size of the window (default: 1280x800)")
         ->type_name("WxH");
     command->callback([options, &action] { action = [options] { return view(*options); }; });

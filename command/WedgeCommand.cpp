@@ -192,6 +192,7 @@ void addWedgeCommand(CLI::App& app, Action& action)
         command->remove_option(command->get_option(name));
     }
     addMatteOptions(*command, options->render);
+    options->render.files = FilesWanted::Wedge;
     addOwnOptions(*command, *options);
     addPluginOptions(*command, options->render);
     command->callback([options, &action] { action = [options] { return wedge(*options); }; });

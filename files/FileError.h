@@ -8,10 +8,18 @@
 
 namespace Tesseret::Files {
 
+/// What messages call a file: its name, or the standard stream that "-" or "png:-" stands for.
+inline std::string shownName(const std::filesystem::path& file)
+{
+    const std::string name = file.string();
+    if (name == "-") return "standard input";
+    return name.ends_with(":-") && !file.has_parent_path() ? "standard output" : name;
+}
+
 class FileError : public std::runtime_error {
 public:
     FileError(const std::filesystem::path& file, const std::string& reason)
-        : std::runtime_error(file.string() + ": " + reason)
+        : std::runtime_error(shownName(file) + ": " + reason)
     {}
 };
 

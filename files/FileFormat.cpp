@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "files/FileError.h"
+#include "files/StandardStreams.h"
 
 namespace Tesseret::Files {
 
@@ -37,10 +38,10 @@ std::string knownLabels()
     return known;
 }
 
-std::string firstBytes(const std::filesystem::path& file)
+std::string firstBytes(const std::filesystem::path& file, const std::filesystem::path& stored)
 {
     errno = 0;
-    std::ifstream stream(file, std::ios::binary);
+    std::ifstream stream(stored, std::ios::binary);
     if (!stream) throw FileError(file, std::string("cannot be read: ") + std::strerror(errno));
     std::array<char, 8> start{};
     stream.read(start.data(), start.size());
@@ -56,7 +57,8 @@ bool isPng(const FileFormat& format)
 
 const FileFormat& formatByName(const std::filesystem::path& file)
 {
-    std::string extension = file.extension().string();
+    const std::string stream(formatOfStandardOutput(file.string()));
+    std::string extension = stream.empty() ? file.extension().string() : "." + stream;
     std::ranges::transform(extension, extension.begin(),
                            [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     for (const FileFormat& format : fileFormats()) {
@@ -72,9 +74,10 @@ const FileFormat& formatByName(const std::filesystem::path& file)
 const FileFormat& formatByContent(const std::filesystem::path& file)
 {
     std::error_code ignored;
-    if (!std::filesystem::exists(file, ignored)) throw FileError(file, "no such file");
+    const std::filesystem::path stored = storedFile(file);
+    if (!std::filesystem::exists(stored, ignored)) throw FileError(file, "no such file");
     if (std::filesystem::is_directory(file, ignored)) throw FileError(file, "is a folder");
-    const std::string bytes = firstBytes(file);
+    const std::string bytes = firstBytes(file, stored);
     if (bytes.empty()) throw FileError(file, "is empty");
     const auto begins = [&](std::string_view signature) { return bytes.starts_with(signature); };
     for (const FileFormat& format : fileFormats()) {

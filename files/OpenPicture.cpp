@@ -12,9 +12,9 @@ void checkSize(const std::filesystem::path& file, int width, int height)
                               std::to_string(height) + " pixels");
 }
 
-void failDamaged(const std::filesystem::path& file, const std::string& reason)
+void failDamaged(const std::filesystem::path& file)
 {
-    throw FileError(file, "is damaged or truncated" + (reason.empty() ? "" : ": " + reason));
+    throw FileError(file, "is damaged or truncated");
 }
 
 }  // namespace Tesseret::Files

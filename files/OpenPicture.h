@@ -41,6 +41,6 @@ protected:
 /// Throws `FileError` for a picture that is too large.
 void checkSize(const std::filesystem::path& file, int width, int height);
 
-[[noreturn]] void failDamaged(const std::filesystem::path& file, const std::string& reason);
+[[noreturn]] void failDamaged(const std::filesystem::path& file);
 
 }  // namespace Tesseret::Files

@@ -31,8 +31,9 @@ public:
     /// Sets the number of threads that it reads and writes with.
     virtual void useThreads(unsigned count) = 0;
 
-    /// Opens a file of this format. Throws `FileError`.
+    /// Opens a file of this format, whose bytes are in `stored`. Throws `FileError`.
     virtual std::unique_ptr<OpenPicture> open(const std::filesystem::path& file,
+                                              const std::filesystem::path& stored,
                                               const FileFormat& format) = 0;
 
     /// The record of a picture that came from no file.

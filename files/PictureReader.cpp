@@ -9,6 +9,7 @@
 #include "files/PictureLibrary.h"
 #include "files/PngCheck.h"
 #include "files/PngReader.h"
+#include "files/StandardStreams.h"
 
 namespace Tesseret::Files {
 
@@ -168,7 +169,7 @@ std::unique_ptr<OpenPicture> openPng(const std::filesystem::path& file, const Fi
 {
     if (!isPng(format)) return nullptr;
     // libpng would print a line of its own.
-    if (!isWholePng(file)) failDamaged(file, "");
+    if (!isWholePng(storedFile(file))) failDamaged(file);
     return PngReader::open(file);
 }
 
@@ -178,7 +179,7 @@ PictureInfo readInfo(const std::filesystem::path& file)
 {
     const FileFormat& format = formatByContent(file);
     if (const auto png = openPng(file, format)) return png->info();
-    return pictureLibrary(file).open(file, format)->info();
+    return pictureLibrary(file).open(file, storedFile(file), format)->info();
 }
 
 PictureFile readPicture(const std::filesystem::path& file, ReadAs as, std::optional<Depth> depth)
@@ -188,7 +189,7 @@ PictureFile readPicture(const std::filesystem::path& file, ReadAs as, std::optio
         if (const auto png = openPng(file, format)) {
             if (auto read = readOpened(*png, as, depth)) return *std::move(read);
         }
-        return *readOpened(*pictureLibrary(file).open(file, format), as, depth);
+        return *readOpened(*pictureLibrary(file).open(file, storedFile(file), format), as, depth);
     } catch (const std::bad_alloc&) {
         throw FileError(file, "is too large for memory");
     } catch (const PictureError&) {

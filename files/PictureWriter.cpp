@@ -8,6 +8,7 @@
 #include "files/PictureLibrary.h"
 #include "files/PngEncoder.h"
 #include "files/PngHeader.h"
+#include "files/StandardStreams.h"
 #include "files/WholeFile.h"
 
 namespace Tesseret::Files {
@@ -20,20 +21,15 @@ Compression compressionFor(const FileFormat& format, const WriteOptions& options
                                        : parseCompression(format, options.compression);
 }
 
-/// As libpng would, in the words of OpenImageIO.
 void checkPngSize(const std::filesystem::path& file, const OfxRectI& window)
 {
     constexpr int kMost = 1'000'000;
     const int width = window.x2 - window.x1;
     const int height = window.y2 - window.y1;
-    if (width < 1 || height < 1) {
-        throw FileError(file,
-                        "cannot be written: Image resolution must be at least 1x1, you asked for " +
-                            std::to_string(width) + " x " + std::to_string(height));
-    }
-    if (width > kMost || height > kMost) {
-        throw FileError(file, "cannot be written: PNG write error: Invalid IHDR data");
-    }
+    if (width >= 1 && height >= 1 && width <= kMost && height <= kMost) return;
+    throw FileError(file, "cannot be written: a PNG has 1 to " + std::to_string(kMost) +
+                              " pixels a side, and this picture " + std::to_string(width) + " x " +
+                              std::to_string(height));
 }
 
 PngLayout layoutFor(const std::filesystem::path& file, const Picture& picture,
@@ -78,7 +74,7 @@ std::vector<std::string> lossTexts(const std::filesystem::path& file, const File
     std::vector<std::string> texts;
     texts.reserve(losses.size());
     for (const std::string& loss : losses) {
-        texts.push_back(file.string() + ": " + std::string(format.label) +
+        texts.push_back(shownName(file) + ": " + std::string(format.label) +
                         " cannot keep the source's " + loss);
     }
     return texts;
@@ -90,7 +86,7 @@ void checkTarget(const std::filesystem::path& file, const std::string& compressi
 {
     const FileFormat& format = formatByName(file);
     if (!compression.empty()) parseCompression(format, compression);
-    checkPlace(file);
+    isStandardOutput(file) ? checkStandardOutput(file) : checkPlace(file);
 }
 
 bool keepsDataWindow(const std::filesystem::path& file)
@@ -114,14 +110,19 @@ std::vector<std::string> writePicture(const std::filesystem::path& file, const P
     const FileFormat& format = formatByName(file);
     try {
         const EncodedPicture result = encoded(file, format, picture, record, options);
-        writeWhole(file, result.bytes);
+        if (isStandardOutput(file)) {
+            writeStandardOutput(file, result.bytes);
+        } else {
+            writeWhole(file, result.bytes);
+        }
         return lossTexts(file, format, result.losses);
     } catch (const std::bad_alloc&) {
         throw FileError(file, "cannot be written: too large for memory");
     }
 }
 
-void writeNewPicture(const std::filesystem::path& file, const Picture& picture, bool isColour)
+void writeNewPicture(const std::filesystem::path& file, const Picture& picture, bool isColour,
+                     const std::optional<OfxRectI>& page)
 {
     const FileFormat& format = formatByName(file);
     WriteOptions options;
@@ -129,6 +130,10 @@ void writeNewPicture(const std::filesystem::path& file, const Picture& picture, 
     if (isPng(format)) {
         PngRecord record;
         record.header = newPngHeader(picture, isColour);
+        if (page) {
+            record.header.metadata->left = picture.bounds().x1 - page->x1;
+            record.header.metadata->top = page->y2 - picture.bounds().y2;
+        }
         writePicture(file, picture, record, options);
     } else {
         const auto record = pictureLibrary(file).newRecord(format, picture, isColour);

@@ -41,7 +41,10 @@ OfxRectI writtenWindow(const std::filesystem::path& file, const OfxRectI& pictur
 std::vector<std::string> writePicture(const std::filesystem::path& file, const Picture& picture,
                                       const FileRecord& record, const WriteOptions& options = {});
 
-/// Writes R, G and B of a picture that came from no file, or R alone as grey. Throws `FileError`.
-void writeNewPicture(const std::filesystem::path& file, const Picture& picture, bool isColour);
+/// Writes R, G and B of a picture that came from no file, or R alone as grey. With a page, the
+/// display window of a larger picture in the same pixels, a PNG has its place on it. Throws
+/// `FileError`.
+void writeNewPicture(const std::filesystem::path& file, const Picture& picture, bool isColour,
+                     const std::optional<OfxRectI>& page = std::nullopt);
 
 }  // namespace Tesseret::Files

@@ -144,7 +144,7 @@ void writeChunks(png_structp png, png_infop info, ChunkWriter& writer)
     const PngMetadata& metadata = writer.metadata;
     png_set_IHDR(png, info, 1, 1, 8, kColourTypes[writer.layout.channels.size() - 1],
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    png_set_oFFs(png, info, 0, 0, PNG_OFFSET_PIXEL);
+    png_set_oFFs(png, info, metadata.left, metadata.top, PNG_OFFSET_PIXEL);
     if (metadata.fileGamma > 0.0) {
         png_set_gAMA(png, info, metadata.fileGamma);
     } else if (!metadata.colourSpace.empty()) {

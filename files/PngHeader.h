@@ -30,6 +30,7 @@ struct PngMetadata {
     double fileGamma = 0.0;  ///< 1 / gamma; 0 where the colour space is not one with a gamma
     std::optional<PngResolution> resolution;
     std::optional<png_time> time;
+    int left = 0, top = 0;  ///< the place on a page; written for pictures made here only
     std::vector<std::pair<std::string, std::string>> texts;
 };
 

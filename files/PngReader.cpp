@@ -5,6 +5,8 @@
 #include <cstring>
 #include <utility>
 
+#include "files/StandardStreams.h"
+
 namespace Tesseret::Files {
 
 namespace {
@@ -59,7 +61,7 @@ PngReader::~PngReader()
 bool PngReader::start()
 {
     stop();
-    stream_ = std::fopen(file_.c_str(), "rbe");
+    stream_ = std::fopen(storedFile(file_).c_str(), "rbe");
     if (stream_ == nullptr) return false;
     std::setvbuf(stream_, nullptr, _IOFBF, kBufferBytes);
     png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, leave, keepQuiet);

@@ -1,6 +1,7 @@
 #include "files/Sequence.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cstdlib>
 #include <set>
@@ -64,13 +65,23 @@ struct Mark {
     int digits;
 };
 
-std::optional<Mark> findHashes(std::string_view name)
+/// The last run of a character.
+std::optional<Mark> findRun(std::string_view name, char mark)
 {
-    const std::size_t last = name.rfind('#');
+    const std::size_t last = name.rfind(mark);
     if (last == std::string_view::npos) return std::nullopt;
-    const std::size_t before = name.find_last_not_of('#', last);
+    const std::size_t before = name.find_last_not_of(mark, last);
     const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
     return Mark{begin, last + 1, static_cast<int>(last + 1 - begin)};
+}
+
+/// A single '@' before a letter or digit belongs to the name: "icon@2x.png".
+std::optional<Mark> findAts(std::string_view name)
+{
+    const std::optional<Mark> run = findRun(name, '@');
+    const bool isWord = run && run->digits == 1 && run->end < name.size() &&
+                        std::isalnum(static_cast<unsigned char>(name[run->end])) != 0;
+    return isWord ? std::nullopt : run;
 }
 
 /// The last "%d" or "%0Nd".
@@ -123,7 +134,8 @@ std::string framesText(const std::vector<int>& frames)
 SequencePattern::SequencePattern(const std::filesystem::path& name)
     : name_(name), folder_(name.parent_path()), before_(name.filename().string())
 {
-    std::optional<Mark> mark = findHashes(before_);
+    std::optional<Mark> mark = findRun(before_, '#');
+    if (!mark) mark = findAts(before_);
     if (!mark) mark = findPrintf(before_);
     if (!mark) return;
     digits_ = mark->digits;
@@ -134,6 +146,27 @@ SequencePattern::SequencePattern(const std::filesystem::path& name)
 std::filesystem::path SequencePattern::file(int frame) const
 {
     return folder_ / (digits_ ? before_ + padded(frame, *digits_) + after_ : before_);
+}
+
+std::vector<int> SequencePattern::found() const
+{
+    std::vector<int> frames;
+    std::error_code error;
+    const std::filesystem::path folder = folder_.empty() ? "." : folder_;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+        const std::string name = entry.path().filename().string();
+        if (!name.starts_with(before_) || !name.ends_with(after_)) continue;
+        if (name.size() <= before_.size() + after_.size()) continue;
+        const std::string_view number = std::string_view(name).substr(
+            before_.size(), name.size() - before_.size() - after_.size());
+        int frame = 0;
+        const auto [end, fault] =
+            std::from_chars(number.data(), number.data() + number.size(), frame);
+        const bool isNumber = fault == std::errc() && end == number.data() + number.size();
+        if (isNumber && padded(frame, *digits_) == number) frames.push_back(frame);
+    }
+    std::ranges::sort(frames);
+    return frames;
 }
 
 std::vector<int> SequencePattern::missing(const std::vector<int>& frames) const

@@ -19,13 +19,14 @@ std::vector<int> parseFrames(std::string_view text);
 /// The shortest notation of ascending frames: {1, 2, 3, 7} is "1-3,7".
 std::string framesText(const std::vector<int>& frames);
 
-/// A file name with a place for the frame number: "plate.####.exr" or "plate.%04d.exr". The number
-/// is padded with zeros to the count of marks; longer numbers are not truncated. A name without a
-/// place denotes a still.
+/// A file name with a place for the frame number: "plate.####.exr", "plate.@@@@.exr" or
+/// "plate.%04d.exr". The number is padded with zeros to the count of marks; longer numbers are not
+/// truncated. A name without a place denotes a still.
 class SequencePattern {
 public:
-    /// Uses the last run of '#' in the file name, or else its last "%d" or "%0Nd". These characters
-    /// have no meaning in folder names.
+    /// Uses the last run of '#' in the file name, or else of '@', or else its last "%d" or "%0Nd".
+    /// These characters have no meaning in folder names, nor has a single '@' before a letter or
+    /// digit.
     explicit SequencePattern(const std::filesystem::path& name);
 
     /// The name as given.
@@ -35,6 +36,8 @@ public:
     /// The file of a frame; the name itself for a still.
     std::filesystem::path file(int frame) const;
 
+    /// The frames of a sequence that have a file, in their order.
+    std::vector<int> found() const;
     /// The frames whose file does not exist.
     std::vector<int> missing(const std::vector<int>& frames) const;
 

@@ -32,6 +32,13 @@ bool isSameButSeed(Choice a, const Choice& b)
            a.luminanceMatch == b.luminanceMatch && a.grow == b.grow;
 }
 
+Place joined(const Place& one, const Place& other)
+{
+    Place both{one.name + " and " + other.name, one.crops, std::min(one.room, other.room)};
+    both.crops.insert(both.crops.end(), other.crops.begin(), other.crops.end());
+    return both;
+}
+
 Choice withEdge(Choice choice, const Edge& edge)
 {
     choice.pathWidth = edge.pathWidth;
@@ -173,7 +180,7 @@ std::vector<Choice> AreaSearch::withEdges(const Choice& choice) const
 }
 
 /// One ground over the whole area, then the other over its side of the line, so that the cut
-/// between them is fitted like any other; in both orders.
+/// between them is fitted like any other; in both orders. Or both as textures of one fill.
 std::vector<Choice> AreaSearch::withTwoGrounds() const
 {
     constexpr std::size_t kPlaces = 2;
@@ -192,6 +199,9 @@ std::vector<Choice> AreaSearch::withTwoGrounds() const
             choices.push_back(
                 withBlock(choice, std::min(choice.blockSize, std::max(30, roomIn(choice)))));
         }
+    }
+    if (!places[0].empty() && !places[1].empty()) {
+        choices.push_back(in(joined(places[0].front(), places[1].front())));
     }
     return choices;
 }

@@ -94,6 +94,17 @@ std::vector<RenderSettings> settingsOf(const Choice& choice, const std::vector<s
     return steps;
 }
 
+std::vector<std::string> chosenParameters()
+{
+    std::vector<std::string> names{Names::kAvoidFillRegion, Names::kSampleCorner1,
+                                   Names::kSampleCorner2};
+    names.insert(names.end(), Names::kUseTextures.begin(), Names::kUseTextures.end());
+    Choice any;
+    any.parts.emplace_back();
+    for (const Assignment& assignment : assignmentsOf(any)) names.push_back(assignment.name);
+    return names;
+}
+
 std::string captionOf(const Choice& choice, const FixedValues& fixed)
 {
     std::string text;

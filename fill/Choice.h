@@ -61,6 +61,9 @@ std::vector<Render::RenderSettings> settingsOf(const Choice& choice,
                                                const Render::RenderSettings& base,
                                                const FixedValues& fixed);
 
+/// The parameters that a choice may set; what else a render has is left as it is.
+std::vector<std::string> chosenParameters();
+
 /// Its place and the main values that were chosen, for a line of progress or the caption of a
 /// picture.
 std::string captionOf(const Choice& choice, const FixedValues& fixed);

@@ -3,7 +3,10 @@
 /// How long to search for settings, and how the search is followed.
 
 #include <cstddef>
+#include <memory>
 #include <string>
+
+#include "picture/Picture.h"
 
 namespace Tesseret::Fill {
 
@@ -24,10 +27,11 @@ constexpr std::size_t trialsOf(Effort effort)
 }
 
 struct SearchProgress {
-    std::size_t area = 0, areas = 1;   ///< of those searched for
-    std::size_t done = 0, trials = 0;  ///< of this area
-    double best = 0.0;                 ///< the best score so far; 1 is invisible
-    std::string caption;               ///< its settings
+    std::size_t area = 0, areas = 1;         ///< of those searched for
+    std::size_t done = 0, trials = 0;        ///< of this area
+    double best = 0.0;                       ///< the best score so far; 1 is invisible
+    std::string caption;                     ///< its settings
+    std::shared_ptr<const Picture> picture;  ///< its fill of the area, with the surroundings
 };
 
 /// Follows a search.

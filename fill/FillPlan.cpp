@@ -39,31 +39,28 @@ OfxRectI windowRound(const OfxRectI& box, const OfxRectI& source)
 class Planner {
 public:
     Planner(const RenderSettings& settings, Effort effort, int frame, SearchListener& listener,
-            std::size_t variations)
+            const OpenFill& open, std::size_t variations)
         : settings_(settings),
           effort_(effort),
           variations_(variations),
           listener_(listener),
           fixed_(settings),
-          warnings_(silence_),
-          messages_(silence_, warnings_),
-          host_(settings.hostLike),
-          inputs_(settings),
-          session_(settings.plugin, host_.adapted(messages_.hostOptions(settings.threads))),
+          inputs_(open.inputs),
+          session_(open.session),
           polarity_(settings.mask == Render::MaskOption::MatteInverted ? Render::Polarity::Black
                                                                        : Render::Polarity::White),
           job_{session_,
                inputs_,
                settings_,
                fixed_,
-               host_.depthFor(settings.depth, inputs_.source().depth),
+               open.depth,
                frame,
-               {},
+               open.pictures,
                std::make_shared<Render::PaintedAreas>(),
-               session_.host().threads()}
+               session_.host().threads(),
+               open.messages}
     {
         session_.describe("General");
-        job_.pictures = inputs_.read(frame, job_.depth);
     }
 
     FillPlan plan();
@@ -83,12 +80,8 @@ private:
     std::size_t variations_;  ///< to keep
     SearchListener& listener_;
     FixedValues fixed_;
-    Render::JobListener silence_;
-    Render::WarningFilter warnings_;
-    Render::PluginMessages messages_;
-    Render::JobHost host_;
-    Render::JobInputs inputs_;
-    Render::PluginSession session_;
+    const Render::JobInputs& inputs_;
+    Render::PluginSession& session_;
     Render::Polarity polarity_;
     TrialJob job_;
     std::shared_ptr<Picture> current_;  ///< the source with the areas filled so far
@@ -258,7 +251,22 @@ void Planner::finishVariations(const MatteAreas& areas)
 FillPlan planFill(const RenderSettings& settings, Effort effort, int frame,
                   SearchListener& listener, std::size_t variations)
 {
-    return Planner(settings, effort, frame, listener, variations).plan();
+    Render::JobListener silence;
+    Render::WarningFilter warnings(silence);
+    Render::PluginMessages messages(silence, warnings);
+    Render::JobHost host(settings.hostLike);
+    Render::JobInputs inputs(settings);
+    Render::PluginSession session(settings.plugin,
+                                  host.adapted(messages.hostOptions(settings.threads)));
+    const Depth depth = host.depthFor(settings.depth, inputs.source().depth);
+    return planFill(settings, effort, frame, listener,
+                    {session, inputs, depth, inputs.read(frame, depth)}, variations);
+}
+
+FillPlan planFill(const RenderSettings& settings, Effort effort, int frame,
+                  SearchListener& listener, const OpenFill& open, std::size_t variations)
+{
+    return Planner(settings, effort, frame, listener, open, variations).plan();
 }
 
 }  // namespace Tesseret::Fill

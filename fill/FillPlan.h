@@ -60,10 +60,23 @@ struct FillPlan {
 /// Scores above this are told to the user.
 inline constexpr double kPoorScore = 1.15;
 
+/// The files and the plug-in of a caller that has them open already.
+struct OpenFill {
+    Render::PluginSession& session;
+    const Render::JobInputs& inputs;
+    Depth depth;
+    Render::FramePictures pictures;              ///< of the frame, with its matte
+    Host::InstanceListener* messages = nullptr;  ///< of the trials' instances; null: the host's
+};
+
 /// The frame is one of the settings' frames; 0 for a still. At most `variations` are kept; fewer
 /// where fewer differ visibly, none where no trials are made or the search was ended. Throws as
 /// `RenderJob` does.
 FillPlan planFill(const Render::RenderSettings& settings, Effort effort, int frame,
                   SearchListener& listener, std::size_t variations = 0);
+/// Likewise with what is open; the matte may be painted. On any thread: other threads may use other
+/// instances of the session.
+FillPlan planFill(const Render::RenderSettings& settings, Effort effort, int frame,
+                  SearchListener& listener, const OpenFill& open, std::size_t variations = 0);
 
 }  // namespace Tesseret::Fill

@@ -5,23 +5,9 @@
 
 namespace Tesseret::Fill {
 
-using Render::atDepth;
+using Render::eachMasked;
 
 namespace {
-
-/// Calls `mark(x, y)` for each masked pixel.
-void eachMasked(const Picture& matte, Render::Polarity polarity, const auto& mark)
-{
-    const OfxRectI bounds = matte.bounds();
-    atDepth(matte.depth(), [&]<typename Channel>(Channel) {
-        for (int y = bounds.y1; y < bounds.y2; ++y) {
-            const auto* value = matte.pixel<Channel>(bounds.x1, y);
-            for (int x = bounds.x1; x < bounds.x2; ++x, ++value) {
-                if (Render::isMasked(Render::masking(*value, polarity))) mark(x, y);
-            }
-        }
-    });
-}
 
 /// 255 for each masked pixel.
 Picture marked(const Picture& matte, Render::Polarity polarity, const OfxRectI& bounds)

@@ -79,7 +79,7 @@ Picture Trials::render(const Choice& choice) const
     const std::vector<Render::RenderSettings> steps =
         settingsOf(choice, {area_.number}, job_.top(), job_.base, job_.fixed);
     Render::StepList list(job_.session, job_.inputs, steps, job_.depth, silence, warnings,
-                          job_.painted);
+                          job_.painted, job_.messages);
     Host::RenderRequest request =
         Render::requestFor(job_.base, job_.inputs.isSequence(), job_.frame, job_.inputs.source());
     // What luminance match does depends on the window, so it gets the one of the final render.
@@ -117,12 +117,13 @@ void Trials::run(std::vector<Choice> choices)
     onThreads(job_.threads, fresh.size(), [&](std::size_t i) {
         if (listener_.wantsEnd()) return;
         try {
-            results[i] = scorer_.score(render(fresh[i]));
+            Picture filled = render(fresh[i]);
+            results[i] = scorer_.score(filled);
+            const std::lock_guard lock(mutex);
+            report(++done, fresh[i], *results[i], std::move(filled));
         } catch (const Render::Interrupted&) {
             return;
         }
-        const std::lock_guard lock(mutex);
-        report(++done, fresh[i], *results[i]);
     });
     for (std::size_t i = 0; i < fresh.size(); ++i) {
         if (results[i]) scored_.push_back({std::move(fresh[i]), *results[i]});
@@ -130,13 +131,16 @@ void Trials::run(std::vector<Choice> choices)
     if (listener_.wantsEnd()) hasEnded_ = true;
 }
 
-void Trials::report(std::size_t done, const Choice& choice, const Quality::Visibility& visibility)
+void Trials::report(std::size_t done, const Choice& choice, const Quality::Visibility& visibility,
+                    Picture picture)
 {
     if (visibility.total < bestTotal_) {
         bestTotal_ = visibility.total;
+        bestPicture_ = std::make_shared<const Picture>(std::move(picture));
         bestCaption_ = captionOf(choice, job_.fixed);
     }
-    listener_.searched({area_.place, area_.count, done, all_, bestTotal_, bestCaption_});
+    listener_.searched(
+        {area_.place, area_.count, done, all_, bestTotal_, bestCaption_, bestPicture_});
 }
 
 std::vector<Scored> Trials::ranked() const

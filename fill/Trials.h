@@ -25,6 +25,7 @@ struct TrialJob {
     Render::FramePictures pictures;  ///< the source as earlier areas left it
     std::shared_ptr<Render::PaintedAreas> painted;
     unsigned int threads;
+    Host::InstanceListener* messages;  ///< of the trials' instances; null: the host's
 
     int top() const { return inputs.source().displayWindow.y2; }
 };
@@ -70,7 +71,8 @@ private:
     using Key = std::vector<std::string>;
 
     Key keyOf(const Choice& choice) const;
-    void report(std::size_t done, const Choice& choice, const Quality::Visibility& visibility);
+    void report(std::size_t done, const Choice& choice, const Quality::Visibility& visibility,
+                Picture picture);
 
     const TrialJob& job_;
     TrialArea area_;
@@ -80,6 +82,7 @@ private:
     bool hasEnded_ = false;
     double bestTotal_ = std::numeric_limits<double>::infinity();
     std::string bestCaption_;
+    std::shared_ptr<const Picture> bestPicture_;
     std::vector<Key> tried_;
     std::vector<Scored> scored_;
 };

@@ -7,20 +7,6 @@ namespace Tesseret::Render {
 
 namespace {
 
-/// Calls `visit(x, y)` for each masked pixel, row by row.
-void eachMasked(const Picture& matte, Polarity polarity, const auto& visit)
-{
-    const OfxRectI bounds = matte.bounds();
-    atDepth(matte.depth(), [&]<typename Channel>(Channel) {
-        for (int y = bounds.y1; y < bounds.y2; ++y) {
-            const auto* value = matte.pixel<Channel>(bounds.x1, y);
-            for (int x = bounds.x1; x < bounds.x2; ++x, ++value) {
-                if (isMasked(masking(*value, polarity))) visit(x, y);
-            }
-        }
-    });
-}
-
 std::size_t indexIn(const OfxRectI& box, int x, int y)
 {
     return static_cast<std::size_t>(y - box.y1) * static_cast<std::size_t>(box.x2 - box.x1) +

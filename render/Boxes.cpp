@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "effect/ParameterNames.h"
+#include "files/FileError.h"
 #include "render/JobError.h"
 
 namespace Tesseret::Render {
@@ -39,7 +40,7 @@ void noteClipped(const char* option, const ViewBox& box, const PictureInfo& pict
     const std::string used = boxText(clipped(box, picture));
     if (used == given) return;
     notes.push_back(std::string(option) + ": the box " + given + " reaches beyond the pixels of " +
-                    picture.file.string() + "; " + used + " is used");
+                    Files::shownName(picture.file) + "; " + used + " is used");
 }
 
 bool hasTexture(const JobInputs& inputs)
@@ -107,7 +108,7 @@ OfxRectI boxInPicture(const std::string& option, const ViewBox& box, const Pictu
     const OfxRectI inside = intersection(asked, picture.dataWindow);
     if (!isEmpty(inside)) return inside;
     throw UsageError(option + ": the box " + boxText(box) + " lies outside " +
-                     picture.file.string() + ", which has " +
+                     Files::shownName(picture.file) + ", which has " +
                      std::to_string(picture.displayWindow.x2) + " x " +
                      std::to_string(picture.displayWindow.y2) + " pixels");
 }
@@ -199,7 +200,7 @@ void fitSampleBox(const ContextDescription& description, const JobInputs& inputs
         setCorners(middleOfTextures(inputs), inputs, values);
         return;
     }
-    throw UsageError(texture->file.string() + ": the sample box of " +
+    throw UsageError(Files::shownName(texture->file) + ": the sample box of " +
                      std::to_string(box.x2 - box.x1) + " x " + std::to_string(box.y2 - box.y1) +
                      " pixels reaches beyond this texture; choose a part of the texture with "
                      "--sample-box");

@@ -9,6 +9,7 @@
 #include "files/FileError.h"
 #include "files/PictureWriter.h"
 #include "render/JobError.h"
+#include "render/ParameterText.h"
 
 namespace Tesseret::Render {
 
@@ -43,8 +44,11 @@ DebugMaps::DebugMaps(fs::path folder, JobListener& listener)
     : folder_(std::move(folder)), listener_(listener)
 {}
 
-void DebugMaps::begin(const JobInputs& inputs)
+void DebugMaps::begin(const JobInputs& inputs, double renderScale)
 {
+    const OfxRectI& source = inputs.source().displayWindow;
+    page_ =
+        toPixels({0.0, 0.0, double(source.x2), double(source.y2)}, {renderScale, renderScale}, 1.0);
     isSequence_ = inputs.isSequence();
     makeFolder(folder_);
     for (const auto& entry : fs::directory_iterator(folder_)) {
@@ -122,10 +126,9 @@ void DebugMaps::reportGain(const TesseretMapV1& map)
 {
     const auto [least, greatest] = pictures_.usedRange(map);
     if (least > greatest) return;
-    std::array<char, 96> text{};
-    std::snprintf(text.data(), text.size(), ": gain %.3g to %.3g; blue is 1/4, grey 1, orange 4",
-                  static_cast<double>(least), static_cast<double>(greatest));
-    listener_.message(file(FillPictures::kGain).string() + text.data());
+    constexpr int kDigits = 3;
+    listener_.message(file(FillPictures::kGain).string() + ": gain " + roundedText(least, kDigits) +
+                      " to " + roundedText(greatest, kDigits) + "; blue is 1/4, grey 1, orange 4");
 }
 
 /// No exception may reach the plug-in, which calls from inside its render.
@@ -140,7 +143,7 @@ void DebugMaps::guarded(const std::function<void()>& work)
 
 void DebugMaps::write(const FillPicture& made)
 {
-    Files::writeNewPicture(file(made.name), *made.picture, made.isColour);
+    Files::writeNewPicture(file(made.name), *made.picture, made.isColour, page_);
     made_.insert(made.name);
 }
 

@@ -23,7 +23,7 @@ public:
     /// Before the first render: creates the folder when it is missing. Throws `FileError` when it
     /// is not writable, and `UsageError` when a map would replace a file that the job reads or
     /// writes.
-    void begin(const JobInputs& inputs);
+    void begin(const JobInputs& inputs, double renderScale);
     /// After the last frame. Throws `RenderFailure` when a picture could not be written.
     void finish();
 
@@ -44,6 +44,7 @@ private:
     std::filesystem::path folder_;
     JobListener& listener_;
     bool isSequence_ = false;
+    OfxRectI page_{0, 0, 0, 0};  ///< the source, in pixels of the render
     std::string framePrefix_, prefix_;
     bool hasBegun_ = false;
     std::set<std::string_view> made_;  ///< by the running fill

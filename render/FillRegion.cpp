@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "effect/ParameterNames.h"
+#include "files/FileError.h"
 #include "render/JobError.h"
 
 namespace Tesseret::Render {
@@ -53,8 +54,8 @@ void checkAlpha(const Request& request, const JobInputs& inputs)
     const bool wantsAlpha =
         request.choice == Names::kSourceAlpha || request.choice == Names::kSourceInvertedAlpha;
     if (!wantsAlpha || inputs.source().hasAlpha) return;
-    throw UsageError(inputs.source().file.string() + ": has no alpha, which " + request.option +
-                     " needs as its mask");
+    throw UsageError(Files::shownName(inputs.source().file) + ": has no alpha, which " +
+                     request.option + " needs as its mask");
 }
 
 /// The choice has to be the requested one; --matte alone allows the inverted matte too.

@@ -24,7 +24,7 @@ constexpr std::array kCrops{"texture1Crop", "texture2Crop", "texture3Crop"};
 
 [[noreturn]] void refuse(const char* key, const Json& value, const char* expected)
 {
-    throw UsageError(std::string("\"") + key + "\": " + value.dump() + " is not " + expected);
+    throw UsageError(std::string("\"") + key + "\": " + jsonText(value) + " is not " + expected);
 }
 
 template <std::size_t Count>

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "effect/ParameterNames.h"
+#include "files/FileError.h"
 #include "host/EmbeddedHost.h"
 #include "host/HostError.h"
 #include "render/Interrupt.h"
@@ -291,7 +292,7 @@ void FrameRenderer::renderOn(Slot& slot, const RenderRequest& request, Picture& 
 void FrameRenderer::remark(const RenderRequest& request, const PreparedMatte& matte,
                            std::size_t count)
 {
-    const std::string file = matte.file.string();
+    const std::string file = Files::shownName(matte.file);
     if (count == 0 && !std::exchange(reportedEmptyMatte_, true)) {
         warnings_.report(file + ": masks nothing, so nothing is filled");
     }
@@ -330,7 +331,7 @@ void FrameRenderer::followAreas(const RenderRequest& request, const PreparedMatt
         for (Slot& slot : slots_) slot.instance->purgeCaches();
         if (!std::exchange(reportedAreasChange_, true)) {
             warnings_.report(
-                matte.file.string() +
+                Files::shownName(matte.file) +
                 ": the areas differ from those of the frame before; whenever they change, "
                 "temporalConsistancy starts again");
         }
@@ -420,7 +421,7 @@ void FrameRenderer::checkCovered(const RenderRequest& request, const PreparedMat
         followsMatte_ ? "make the matte of that frame large enough, with --matte-grow for instance"
                       : "--follow moves the region with the matte";
     warnings_.report(
-        matte.file.string() + ": frame " + std::to_string(frameOf(request)) +
+        Files::shownName(matte.file) + ": frame " + std::to_string(frameOf(request)) +
         " masks more than the region recorded in frame " + std::to_string(recordedFrame_) +
         ", which temporalConsistancy fills again, so the rest stays as it is; " + advice);
 }

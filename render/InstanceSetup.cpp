@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "effect/ParameterNames.h"
+#include "files/FileError.h"
 #include "host/HostError.h"
 #include "render/Boxes.h"
 #include "render/JobError.h"
@@ -30,7 +31,7 @@ void checkClips(const ContextDescription& description, const JobInputs& inputs)
 {
     for (const auto& [name, info] : inputs.infos()) {
         if (description.clip(name) != nullptr) continue;
-        throw UsageError(info.file.string() + ": the context " +
+        throw UsageError(Files::shownName(info.file) + ": the context " +
                          shortContextName(description.context) + " has no clip " + name);
     }
 }

@@ -2,27 +2,11 @@
 
 #include <algorithm>
 
+#include "render/DepthWord.h"
 #include "render/JobError.h"
 #include "render/ParameterText.h"
 
 namespace Tesseret::Render {
-
-namespace {
-
-const char* shortDepthName(Depth depth)
-{
-    switch (depth) {
-        case Depth::Byte:
-            return "byte";
-        case Depth::Short:
-            return "short";
-        case Depth::Float:
-            break;
-    }
-    return "float";
-}
-
-}  // namespace
 
 JobHost::JobHost(const std::string& name)
 {
@@ -55,15 +39,15 @@ Depth JobHost::depthFor(std::optional<Depth> asked, Depth source) const
     }
     if (std::ranges::find(offered, *asked) != offered.end()) return *asked;
     std::string names;
-    for (const Depth depth : offered) appendItem(names, ", ", shortDepthName(depth));
-    throw UsageError(std::string("--depth ") + shortDepthName(*asked) + ": a host like " +
-                     known_->name + " renders in " + names);
+    for (const Depth depth : offered) appendItem(names, ", ", depthWord(depth));
+    throw UsageError(std::string("--depth ") + depthWord(*asked) + ": a host like " + known_->name +
+                     " renders in " + names);
 }
 
 std::string JobHost::depthNote(Depth chosen, Depth source) const
 {
-    return "a host like " + known_->name + " has no depth " + shortDepthName(source) +
-           ", so this renders in " + shortDepthName(chosen);
+    return "a host like " + known_->name + " has no depth " + depthWord(source) +
+           ", so this renders in " + depthWord(chosen);
 }
 
 }  // namespace Tesseret::Render

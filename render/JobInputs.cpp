@@ -29,8 +29,8 @@ void checkMatte(const PictureInfo& matte, const PictureInfo& source)
     const std::string mine = sizeText(matte.displayWindow);
     const std::string wanted = sizeText(source.displayWindow);
     if (mine == wanted) return;
-    throw UsageError(matte.file.string() + ": the matte is " + mine + ", but the source is " +
-                     wanted);
+    throw UsageError(Files::shownName(matte.file) + ": the matte is " + mine +
+                     ", but the source is " + wanted);
 }
 
 PictureInfo paintedMatteInfo(const std::filesystem::path& name, const OfxRectI& window)
@@ -182,7 +182,7 @@ ClipPicture JobInputs::readClip(const Input& input, int frame, Depth depth)
     const bool hasFullAlpha =
         file.info.hasAlpha && file.matteFrom && *file.matteFrom != Files::MatteFrom::Alpha;
     if (hasFullAlpha && !std::exchange(reportedFullAlpha_, true)) {
-        file.warnings.push_back(file.info.file.string() +
+        file.warnings.push_back(Files::shownName(file.info.file) +
                                 ": its alpha is full everywhere, so the matte is taken from its "
                                 "colours");
     }

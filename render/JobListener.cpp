@@ -21,6 +21,11 @@ void JobListeners::matteTaken(Files::MatteFrom from)
     notify(&JobListener::matteTaken, from);
 }
 
+void JobListeners::mattePrepared(std::size_t step, const PreparedMatte& matte, std::size_t count)
+{
+    notify(&JobListener::mattePrepared, step, matte, count);
+}
+
 void JobListeners::areaBegan(std::size_t area, std::size_t count)
 {
     notify(&JobListener::areaBegan, area, count);

@@ -13,6 +13,8 @@
 
 namespace Tesseret::Render {
 
+struct PreparedMatte;
+
 /// The result of one frame; times in seconds.
 struct FrameResult {
     int frame = 0;
@@ -27,6 +29,10 @@ public:
     virtual void frameBegan(int /*frame*/) {}
     /// The frame is filled from a matte made from these channels.
     virtual void matteTaken(Files::MatteFrom /*from*/) {}
+    /// A frame's matte as a step fills from it: the first `count` areas.
+    virtual void mattePrepared(std::size_t /*step*/, const PreparedMatte& /*matte*/,
+                               std::size_t /*count*/)
+    {}
     /// One of the areas of the frame's matte is about to be filled; they count from 0.
     virtual void areaBegan(std::size_t /*area*/, std::size_t /*count*/) {}
     /// From another thread, while the next frame renders.
@@ -64,6 +70,7 @@ public:
 
     void frameBegan(int frame) override;
     void matteTaken(Files::MatteFrom from) override;
+    void mattePrepared(std::size_t step, const PreparedMatte& matte, std::size_t count) override;
     void areaBegan(std::size_t area, std::size_t count) override;
     void frameWritten(const FrameResult& result) override;
     void frameFailed(int frame, const std::string& text) override;

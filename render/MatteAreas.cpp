@@ -43,6 +43,13 @@ std::size_t MatteAreas::cellAt(int x, int y) const
            static_cast<std::size_t>(x - bounds.x1 + kRing);
 }
 
+std::optional<std::size_t> MatteAreas::at(int x, int y) const
+{
+    if (!matte_->contains(x, y)) return std::nullopt;
+    const Label label = labels_[cellAt(x, y)];
+    return label > kOutside ? std::optional(static_cast<std::size_t>(label) - 1) : std::nullopt;
+}
+
 void MatteAreas::markMasked()
 {
     const OfxRectI bounds = matte_->bounds();

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "render/MatteValue.h"
@@ -21,6 +22,8 @@ public:
     std::size_t count() const { return boxes_.size(); }
     /// The smallest box round an area.
     const OfxRectI& box(std::size_t area) const { return boxes_[area]; }
+    /// The area of a pixel, holes included; nullopt where there is none.
+    std::optional<std::size_t> at(int x, int y) const;
     const Picture& matte() const { return *matte_; }
     Polarity polarity() const { return polarity_; }
 

@@ -63,4 +63,18 @@ auto atDepth(Depth depth, const Work& work)
     return work(float{});
 }
 
+/// Calls `visit(x, y)` for each pixel of a matte that the plug-in fills.
+void eachMasked(const Picture& matte, Polarity polarity, const auto& visit)
+{
+    const OfxRectI bounds = matte.bounds();
+    atDepth(matte.depth(), [&]<typename Channel>(Channel) {
+        for (int y = bounds.y1; y < bounds.y2; ++y) {
+            const auto* value = matte.pixel<Channel>(bounds.x1, y);
+            for (int x = bounds.x1; x < bounds.x2; ++x, ++value) {
+                if (isMasked(masking(*value, polarity))) visit(x, y);
+            }
+        }
+    });
+}
+
 }  // namespace Tesseret::Render

@@ -1,6 +1,7 @@
 #include "render/ParameterFile.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <span>
 #include <type_traits>
@@ -51,6 +52,22 @@ std::string readText(const fs::path& file)
     return text;
 }
 
+/// "line 3, column 7" of the byte at which the reader stopped; bytes count from 1.
+std::string placeText(const std::string& text, std::size_t byte)
+{
+    const std::size_t end = std::min(byte > 0 ? byte - 1 : 0, text.size());
+    const std::size_t lines = static_cast<std::size_t>(
+        std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), '\n'));
+    const std::size_t start = lines == 0 ? 0 : text.rfind('\n', end - 1) + 1;
+    const auto isLetterStart = [](char c) {
+        return (static_cast<unsigned char>(c) & 0xc0) != 0x80;
+    };
+    const auto column =
+        1 + std::count_if(text.begin() + static_cast<std::ptrdiff_t>(start),
+                          text.begin() + static_cast<std::ptrdiff_t>(end), isLetterStart);
+    return "line " + std::to_string(lines + 1) + ", column " + std::to_string(column);
+}
+
 bool hasParameters(const Json& json)
 {
     return json.is_object() && json.contains(kParameters) && json[kParameters].is_object();
@@ -89,12 +106,21 @@ const char* kindText(const ParameterDescription& parameter)
     return parameter.shape.type == Host::PropertyType::Int ? "an integer" : "a number";
 }
 
+/// A number with all its digits, and none that a person would not write.
+std::string exactText(const Json& value)
+{
+    if (!value.is_number_float()) return value.dump();
+    const auto number = value.get<double>();
+    const std::string text = numberText(number);
+    return std::strtod(text.c_str(), nullptr) == number ? text : value.dump();
+}
+
 std::string textOf(const Json& value)
 {
     if (value.is_string()) return value.get<std::string>();
-    if (!value.is_array()) return value.dump();
+    if (!value.is_array()) return exactText(value);
     std::string text;
-    for (const Json& item : value) appendItem(text, ",", item.dump());
+    for (const Json& item : value) appendItem(text, ",", exactText(item));
     return text;
 }
 
@@ -103,7 +129,7 @@ NamedValue understand(const std::string& name, const Json& value,
 {
     const ParameterDescription* const parameter = description.parameter(name);
     if (parameter != nullptr && parameter->shape.dimension > 0 && !isOfKind(*parameter, value)) {
-        throw UsageError(name + ": " + value.dump() + " is not " + kindText(*parameter));
+        throw UsageError(name + ": " + jsonText(value) + " is not " + kindText(*parameter));
     }
     return parseAssignment(name + "=" + textOf(value), description);
 }
@@ -128,10 +154,7 @@ Json readParameterFile(const fs::path& file)
     try {
         json = Json::parse(text);
     } catch (const Json::parse_error& error) {
-        const auto end =
-            text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
-        throw FileError(nameOf(file), "is invalid JSON at line " +
-                                          std::to_string(1 + std::count(text.begin(), end, '\n')));
+        throw FileError(nameOf(file), "is invalid JSON at " + placeText(text, error.byte));
     }
     if (!hasParameters(json) && !hasSteps(json)) {
         throw FileError(nameOf(file),
@@ -194,6 +217,15 @@ void writeJson(const fs::path& file, const Json& json)
 {
     const std::string text = json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
     Files::writeWhole(file, std::as_bytes(std::span(text)));
+}
+
+std::string jsonText(const Json& value)
+{
+    if (value.is_number_float()) return numberText(value.get<double>());
+    if (!value.is_array()) return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    std::string list;
+    for (const Json& item : value) appendItem(list, ", ", jsonText(item));
+    return "[" + list + "]";
 }
 
 Json valueJson(const ParameterValue& value)

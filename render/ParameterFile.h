@@ -40,6 +40,9 @@ void saveParameters(const std::filesystem::path& file, const std::string& plugin
 /// Writes JSON, indented. The file appears whole or not at all. Throws `FileError`.
 void writeJson(const std::filesystem::path& file, const nlohmann::ordered_json& json);
 
+/// JSON as text for a message, with numbers as a person writes them.
+std::string jsonText(const nlohmann::ordered_json& value);
+
 /// A parameter's value as JSON; null where a parameter has none.
 nlohmann::ordered_json valueJson(const Host::ParameterValue& value);
 

@@ -5,12 +5,14 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
-#include <numeric>
+#include <cstdio>
+#include <cstdlib>
 #include <optional>
 #include <utility>
 #include <vector>
 
 #include "render/JobError.h"
+#include "render/NearestName.h"
 #include "render/PluginSession.h"
 
 namespace Tesseret::Render {
@@ -34,22 +36,6 @@ std::string lowered(std::string_view text)
     return result;
 }
 
-/// The Levenshtein distance: how many letters to insert, delete or replace.
-std::size_t distance(std::string_view a, std::string_view b)
-{
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
-        }
-    }
-    return row.back();
-}
-
 bool isSettable(const ParameterDescription& parameter)
 {
     return parameter.shape.dimension > 0;
@@ -58,20 +44,16 @@ bool isSettable(const ParameterDescription& parameter)
 const ParameterDescription& findParameter(std::string_view name,
                                           const Host::ContextDescription& description)
 {
-    const ParameterDescription* nearest = nullptr;
-    std::size_t nearestDistance = 0;
+    std::vector<std::string> names;
     for (const ParameterDescription& parameter : description.parameters) {
         if (!isSettable(parameter)) continue;
         if (parameter.name == name) return parameter;
-        const std::size_t away = distance(lowered(name), lowered(parameter.name));
-        if (nearest == nullptr || away < nearestDistance) {
-            nearest = &parameter;
-            nearestDistance = away;
-        }
+        names.push_back(parameter.name);
     }
+    const std::string nearest = nearestName(name, names);
     throw UsageError("no parameter " + inQuotes(name) + " in the context " +
                      shortContextName(description.context) +
-                     (nearest == nullptr ? "" : "; did you mean " + inQuotes(nearest->name) + "?"));
+                     (nearest.empty() ? "" : "; did you mean " + inQuotes(nearest) + "?"));
 }
 
 template <typename Number>
@@ -211,6 +193,26 @@ struct ValueWriter {
     }
 };
 
+/// Without an exponent wherever a person would write none.
+template <typename Number>
+std::string shortestText(Number number)
+{
+    constexpr double kMostDigits = 1e15;
+    std::array<char, 64> text{};
+    char* const begin = text.data();
+    char* const end = begin + text.size();
+    const auto format = std::fabs(static_cast<double>(number)) < kMostDigits
+                            ? std::chars_format::fixed
+                            : std::chars_format::general;
+    const std::to_chars_result result = std::to_chars(begin, end, number, format);
+    std::string written =
+        result.ec == std::errc() ? std::string(begin, result.ptr) : std::to_string(number);
+    if (const std::size_t plus = written.find('+'); plus != std::string::npos) {
+        written.erase(plus, 1);
+    }
+    return written == "-0" ? "0" : written;
+}
+
 }  // namespace
 
 const Host::ParameterValue& valueOf(const std::string& name, const ParameterValues& values,
@@ -249,17 +251,18 @@ std::string rangeText(const std::vector<double>& min, const std::vector<double>&
 
 std::string numberText(double number)
 {
-    std::array<char, 64> text{};
-    char* const begin = text.data();
-    char* const end = begin + text.size();
-    const auto format =
-        std::fabs(number) < 1e15 ? std::chars_format::fixed : std::chars_format::general;
+    constexpr int kDigits = 12;  // what lies beyond is rounding
     // Plug-ins with float values report 0.2f, which has many digits in double precision.
     const auto single = static_cast<float>(number);
-    const std::to_chars_result result = static_cast<double>(single) == number
-                                            ? std::to_chars(begin, end, single, format)
-                                            : std::to_chars(begin, end, number, format);
-    return result.ec == std::errc() ? std::string(begin, result.ptr) : std::to_string(number);
+    if (static_cast<double>(single) == number) return shortestText(single);
+    return roundedText(number, kDigits);
+}
+
+std::string roundedText(double number, int digits)
+{
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%.*g", digits, number);
+    return shortestText(std::strtod(text.data(), nullptr));
 }
 
 void appendItem(std::string& list, std::string_view separator, std::string_view item)

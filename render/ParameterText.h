@@ -35,8 +35,10 @@ std::string valueText(const Host::ParameterDescription& parameter,
 /// "30 to 9000000", with a range for each dimension where they differ; empty when there is none.
 std::string rangeText(const std::vector<double>& min, const std::vector<double>& max);
 
-/// A number without superfluous digits.
+/// A number as a person writes it: no superfluous digits, no exponent below 1e15.
 std::string numberText(double number);
+/// The same of a number rounded to so many digits in all.
+std::string roundedText(double number, int digits);
 
 /// Adds an item to a list that is text, with a separator before all but the first.
 void appendItem(std::string& list, std::string_view separator, std::string_view item);

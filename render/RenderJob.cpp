@@ -11,6 +11,7 @@
 #include "files/Sequence.h"
 #include "files/WholeFile.h"
 #include "host/HostError.h"
+#include "render/BlockAdvice.h"
 #include "render/Boxes.h"
 #include "render/FillSteps.h"
 #include "render/FrameRequest.h"
@@ -131,6 +132,16 @@ void RenderJob::adoptLoaded()
 {
     steps_.adopt(loaded_->frame, std::move(loaded_->steps));
     loaded_.reset();
+}
+
+std::vector<FillStep> RenderJob::steps() const
+{
+    std::vector<FillStep> steps;
+    for (RenderSettings& settings : stepsOf(settings_)) {
+        const std::size_t step = steps.size();
+        steps.push_back({std::move(settings), steps_.setup(step).values()});
+    }
+    return steps;
 }
 
 void RenderJob::run()
@@ -277,11 +288,33 @@ RenderJob::ReadFrame RenderJob::readFrame(int frame)
     return read;
 }
 
+/// What can be known before the first frame renders.
+void RenderJob::advise(const ReadFrame& read)
+{
+    if (const std::string text = sampleBoxAdvice(settings_, setup()); !text.empty()) {
+        listener_.note(instance(), text);
+    }
+    for (std::size_t i = 0; i < read.mattes.size(); ++i) {
+        if (!read.mattes[i]) continue;
+        const MatteAreas& areas = read.mattes[i]->areas;
+        const std::size_t count = steps_.areasOf(i, *read.mattes[i]);
+        for (const std::string& text :
+             avoidanceAdvice(steps_.setup(i), areas, count, settings_.renderScale)) {
+            listener_.note(instance(), text);
+        }
+    }
+}
+
 RenderJob::RenderedFrame RenderJob::renderFrame(int frame, const ReadFrame& read)
 {
     if (isInterrupted()) throw Interrupted("interrupted");
     listener_.frameBegan(frame);
     if (read.mattes.front()) listener_.matteTaken(*read.pictures.at(Names::kMatte).matteFrom);
+    for (std::size_t i = 0; i < read.mattes.size(); ++i) {
+        if (!read.mattes[i]) continue;
+        listener_.mattePrepared(i, *read.mattes[i], steps_.areasOf(i, *read.mattes[i]));
+    }
+    if (!std::exchange(hasAdvised_, true)) advise(read);
     const ClipPicture& source = read.pictures.at(Names::kSource);
     const Host::RenderRequest request =
         requestFor(settings_, inputs_.isSequence(), frame, source.info);

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "files/PictureWriter.h"
+#include "render/FillSteps.h"
 #include "render/JobHost.h"
 #include "render/JobInputs.h"
 #include "render/JobListener.h"
@@ -46,6 +47,8 @@ public:
     const JobInputs& inputs() const { return inputs_; }
     const FillRegion& fillRegion() const { return steps_.setup(0).fillRegion(); }
     const InstanceSetup& setup() const { return steps_.setup(0); }  ///< of the first step
+    /// The settings and values of all steps.
+    std::vector<FillStep> steps() const;
     /// The first of them.
     Host::Instance& instance() { return steps_.instance(); }
     PluginSession& session() { return session_; }
@@ -88,6 +91,7 @@ private:
     /// Calls `work`, whose errors are the frame's, and returns whether it succeeded.
     bool attempt(const ShotFrame& frame, const std::function<void()>& work);
     void failAtEnd() const;
+    void advise(const ReadFrame& read);
     RenderedFrame renderFrame(int frame, const ReadFrame& read);
     void writeFrame(RenderedFrame rendered);
     [[noreturn]] void fail(int frame, const std::string& reason);
@@ -109,6 +113,7 @@ private:
     std::future<void> written_;  ///< waits for its work on an exception
     ShotFrame beingWritten_{};
     std::vector<FrameFailure> failures_;
+    bool hasAdvised_ = false;
 };
 
 }  // namespace Tesseret::Render

@@ -23,18 +23,21 @@ std::shared_ptr<Picture> workingCopy(const ClipPicture& source, const Host::Rend
 }  // namespace
 
 StepList::Step::Step(PluginSession& session, const JobInputs& all, const RenderSettings& own,
-                     Depth depth, JobListener& listener, WarningFilter& warnings)
+                     Depth depth, JobListener& listener, WarningFilter& warnings,
+                     Host::InstanceListener* instances)
     : settings(own),
       inputs(all.withCrops(own)),
-      frames(own, InstanceSetup(session, own, inputs, depth), listener, warnings)
+      frames(own, InstanceSetup(session, own, inputs, depth, instances), listener, warnings)
 {}
 
 StepList::StepList(PluginSession& session, const JobInputs& inputs,
                    const std::vector<RenderSettings>& steps, Depth depth, JobListener& listener,
-                   WarningFilter& warnings, const std::shared_ptr<PaintedAreas>& painted)
+                   WarningFilter& warnings, const std::shared_ptr<PaintedAreas>& painted,
+                   Host::InstanceListener* instances)
 {
     for (const RenderSettings& settings : steps) {
-        Step& step = steps_.emplace_back(session, inputs, settings, depth, listener, warnings);
+        Step& step =
+            steps_.emplace_back(session, inputs, settings, depth, listener, warnings, instances);
         const FillRegion& region = step.frames.setup().fillRegion();
         if (region.source != MaskSource::Matte) continue;
         step.mattes.emplace(settings, region.polarity, painted);
@@ -82,6 +85,11 @@ void StepList::adopt(int frame, std::vector<FillRecord> records)
 void StepList::forgetRecords()
 {
     for (Step& step : steps_) step.frames.forgetRecord();
+}
+
+void StepList::abort()
+{
+    for (Step& step : steps_) step.frames.abort();
 }
 
 void StepList::beginSequence(OfxRangeD frames, const Host::RenderRequest& first)

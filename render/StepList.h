@@ -18,16 +18,23 @@ public:
     using Mattes = std::vector<std::shared_ptr<const PreparedMatte>>;
 
     /// At least one step. Textures are cut as each step says; the inputs' own crops do not count.
-    /// Throws `UsageError`. Session, listener and warnings outlive the object.
+    /// Throws `UsageError`. Session, listener and warnings outlive the object, and so does what
+    /// listens to the instances, which may be null.
     StepList(PluginSession& session, const JobInputs& inputs,
              const std::vector<RenderSettings>& steps, Depth depth, JobListener& listener,
              WarningFilter& warnings,
-             const std::shared_ptr<PaintedAreas>& painted = std::make_shared<PaintedAreas>());
+             const std::shared_ptr<PaintedAreas>& painted = std::make_shared<PaintedAreas>(),
+             Host::InstanceListener* instances = nullptr);
     StepList(const StepList&) = delete;
     StepList& operator=(const StepList&) = delete;
 
     const InstanceSetup& setup(std::size_t step) const { return steps_[step].frames.setup(); }
     const RenderSettings& settings(std::size_t step) const { return steps_[step].settings; }
+    /// How many of the matte's areas a step fills.
+    std::size_t areasOf(std::size_t step, const PreparedMatte& matte) const
+    {
+        return steps_[step].frames.areasOf(matte);
+    }
     /// The first of them; the areas of a matte and further steps may have more.
     Host::Instance& instance() { return steps_.front().frames.instance(); }
 
@@ -55,11 +62,13 @@ public:
     /// Throws as `FrameRenderer::render` does.
     Picture render(const Host::RenderRequest& request, FramePictures pictures,
                    const Mattes& mattes);
+    /// Makes the running render and every later one end with `Interrupted`. From any thread.
+    void abort();
 
 private:
     struct Step {
         Step(PluginSession& session, const JobInputs& all, const RenderSettings& own, Depth depth,
-             JobListener& listener, WarningFilter& warnings);
+             JobListener& listener, WarningFilter& warnings, Host::InstanceListener* instances);
 
         RenderSettings settings;
         JobInputs inputs;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "effect/ParameterNames.h"
+#include "files/FileError.h"
 #include "render/Boxes.h"
 #include "render/JobError.h"
 
@@ -20,7 +21,7 @@ ClipPicture cutOut(ClipPicture from, const OfxRectI& box)
 {
     const Picture& whole = *from.picture;
     if (isEmpty(intersection(box, from.info.dataWindow))) {
-        throw UsageError(from.info.file.string() +
+        throw UsageError(Files::shownName(from.info.file) +
                          ": has no pixels where a texture is cut from it");
     }
     Picture part = whole.copied(intersection(scaledBox(box, from.scale), whole.bounds()), {});

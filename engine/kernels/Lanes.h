@@ -463,7 +463,7 @@ struct WideRoughSums {
             if constexpr (kMasked) {
                 const Ints ones = mask.parts[v * kPixels / kLanes];
                 const int first = v * kPixels % kLanes;
-                Ints spread;
+                Ints spread{};
                 for (int i = 0; i < kLanes; ++i) spread[i] = ones[first + i / 4];
                 d = keep(spread, d);
             }

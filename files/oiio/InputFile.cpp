@@ -8,16 +8,8 @@
 
 namespace Tesseret::Files {
 
-namespace {
-
-std::string firstLine(const std::string& text)
-{
-    return text.substr(0, text.find('\n'));
-}
-
-}  // namespace
-
-InputFile::InputFile(std::filesystem::path file, const FileFormat& format)
+InputFile::InputFile(std::filesystem::path file, const std::filesystem::path& stored,
+                     const FileFormat& format)
     : file_(std::move(file)),
       format_(format),
       input_(OIIO::ImageInput::create(std::string(format.name)))
@@ -27,8 +19,9 @@ InputFile::InputFile(std::filesystem::path file, const FileFormat& format)
     }
     OIIO::ImageSpec asStored, spec;
     asStored.attribute("oiio:UnassociatedAlpha", 1);
-    if (!input_->open(file_.string(), spec, asStored)) {
-        failDamaged(file_, firstLine(input_->geterror()));
+    if (!input_->open(stored.string(), spec, asStored)) {
+        input_->geterror();  // in the library's words; an error that is left is printed at its end
+        failDamaged(file_);
     }
     if (spec.deep) throw FileError(file_, "is a deep picture, which cannot be rendered");
     if (spec.width < 1 || spec.height < 1 || spec.depth > 1 || spec.nchannels < 1) {
@@ -89,16 +82,17 @@ bool InputFile::readExtra()
 /// For a truncated file a library may fill in pixels and only leave a message.
 bool InputFile::finish(bool succeeded, std::vector<std::string>& warnings)
 {
-    const std::string message = firstLine(input_->geterror());
+    const std::string message = input_->geterror();
     if (!succeeded || !message.empty()) {
         const auto isHarmless = hooksOf(format_).isHarmless;
         if (!succeeded || isHarmless == nullptr || !isHarmless(message)) {
-            failDamaged(file_, message);
+            failDamaged(file_);
         }
-        warnings.push_back(file_.string() + ": " + message);
+        warnings.push_back(shownName(file_) +
+                           ": has small faults; its pixels are used as they were read");
     }
     if (input_->seek_subimage(1, 0)) {
-        warnings.push_back(file_.string() + ": holds several pictures; only the first is used");
+        warnings.push_back(shownName(file_) + ": holds several pictures; only the first is used");
     }
     return true;
 }

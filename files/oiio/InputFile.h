@@ -8,8 +8,9 @@ namespace Tesseret::Files {
 /// A file that OpenImageIO reads.
 class InputFile final : public OpenPicture {
 public:
-    /// Throws `FileError`.
-    InputFile(std::filesystem::path file, const FileFormat& format);
+    /// The bytes of `file`, which messages name, are in `stored`. Throws `FileError`.
+    InputFile(std::filesystem::path file, const std::filesystem::path& stored,
+              const FileFormat& format);
 
     bool readChannels(int first, int last, Picture& picture, int target) override;
     bool readExtra() override;

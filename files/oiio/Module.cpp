@@ -53,9 +53,10 @@ public:
         OIIO::attribute("exr_threads", static_cast<int>(count));
     }
 
-    std::unique_ptr<OpenPicture> open(const fs::path& file, const FileFormat& format) override
+    std::unique_ptr<OpenPicture> open(const fs::path& file, const fs::path& stored,
+                                      const FileFormat& format) override
     {
-        return std::make_unique<InputFile>(file, format);
+        return std::make_unique<InputFile>(file, stored, format);
     }
 
     std::shared_ptr<const FileRecord> newRecord(const FileFormat& format, const Picture& picture,

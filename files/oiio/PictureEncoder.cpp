@@ -27,6 +27,14 @@ namespace {
     throw FileError(file, "cannot be written: " + reason.substr(0, reason.find('\n')));
 }
 
+/// Without the library's own words, which are taken since one that is left is printed at its end.
+[[noreturn]] void failToEncode(OIIO::ImageOutput& output, const fs::path& file,
+                               const FileFormat& format)
+{
+    output.geterror();
+    fail(file, "this picture cannot be stored as " + std::string(format.label));
+}
+
 /// The first of the picture's channels in the file's top left pixel.
 const std::byte* topLeft(const Picture& picture, int channel)
 {
@@ -218,7 +226,7 @@ std::vector<std::byte> encodeNamed(OIIO::ImageOutput& output, const fs::path& fi
         const SizeLimitWatch limit;
         const bool isWritten = encode(output, memory.path(), out, picture, record);
         if (limit.wasReached()) fail(file, std::strerror(EFBIG));
-        if (!isWritten) fail(file, output.geterror());
+        if (!isWritten) failToEncode(output, file, format);
     }
     checkEncoded(file, format, out, memory.path());
     return memory.read();
@@ -238,7 +246,7 @@ std::vector<std::byte> encodePicture(const fs::path& file, const FileFormat& for
     MemoryFile memory;
     output->set_ioproxy(&memory);
     const bool isWritten = encode(*output, file.filename().string(), out, picture, record);
-    if (!isWritten) fail(file, output->geterror());
+    if (!isWritten) failToEncode(*output, file, format);
     if (memory.isShort()) fail(file, std::strerror(ENOMEM));
     return memory.take();
 }

@@ -67,6 +67,9 @@ TEST_F(DebugMapsTest, ShowWhatTheFillWasMadeWith)
         const LoadedPicture picture = load(in("new/maps/" + name));
         EXPECT_EQ(picture.width, 200 + 2 * left) << name;
         EXPECT_EQ(picture.height, 150 + 2 * top) << name;
+        // Read as their place, which OpenImageIO takes from the offset.
+        EXPECT_EQ(picture.x, -left) << name;
+        EXPECT_EQ(picture.y, -top) << name;
     }
     EXPECT_EQ(mask.at(left + 40, top + 90, 0), 255);
     EXPECT_EQ(mask.at(left + 69, top + 119, 0), 255);
@@ -92,6 +95,7 @@ TEST_F(DebugMapsTest, OfSeveralAreasBearTheArea)
     EXPECT_EQ(namesIn("maps").size(), 10u);
     for (const char* name : {"maps/area1_fill-mask.png", "maps/area2_fill-mask.png"}) {
         EXPECT_EQ(load(in(name)).width, 30 + 2 * (1 + 15)) << name;  // the area's box
+        EXPECT_EQ(load(in(name)).x, 40 - (1 + 15)) << name;
     }
 }
 

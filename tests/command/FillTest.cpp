@@ -212,7 +212,7 @@ TEST_F(FillTest, RefusesWhatItCannotDo)
 {
     paintCase(stones(120), kThing);
     EXPECT_THAT(run({"fill", "--source", in("a.png"), "--output", in("o.png")}).err,
-                HasSubstr("--matte is required"));
+                HasSubstr("--matte is missing: tesseret fill --source"));
     const Outcome still = fill({"--choose-at", "3"});
     EXPECT_EQ(still.code, 2);
     EXPECT_THAT(still.err, HasSubstr("--choose-at"));

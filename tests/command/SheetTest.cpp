@@ -161,7 +161,7 @@ TEST_F(VariationsTest, RefuseWhatMakesNoSheet)
     expect({"--variations", "3", "--output", in("o.png")}, "--variations requires --sheet");
     expect({"--variations", "1", "--sheet", in("s.png")}, "--variations");
     expect({"--variations", "65", "--sheet", in("s.png")}, "--variations");
-    expect({"--pick", "2"}, "--pick requires --output");
+    expect({"--pick", "2"}, "--output is missing");
     expect({"--pick", "0", "--output", in("o.png")}, "--pick");
     expect({"--variations", "3", "--pick", "4", "--output", in("o.png")}, "--pick 4");
     expect({"--variations", "3", "--sheet", in("a.png")}, "input files");
@@ -263,7 +263,7 @@ TEST_F(WedgeTest, RefusesWithTheParameterAndItsRange)
     expect({"luminanceMatch=on,perhaps"}, "expected true or false");
     expect({"seed=1,2", "--matte", in("none.png")}, "none.png");
     EXPECT_THAT(run({"wedge", "--source", in("a.png"), "seed=1,2"}).err,
-                HasSubstr("--sheet is required"));
+                HasSubstr("--sheet is missing"));
     EXPECT_FALSE(std::filesystem::exists(in("s.png")));
 }
 

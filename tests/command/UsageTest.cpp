@@ -38,6 +38,8 @@ protected:
         paint("clear.png", 64, 48, [](int x, int y) { return std::vector{x, y, 0, x}; });
         std::ofstream("text.png") << "no picture";
         for (const char* name : {"p.1.png", "p.2.png", "p.5.png"}) paint(name, 64, 48, noise(1));
+        paint("seed=1.png", 64, 48, noise(1));
+        std::ofstream("broken.json") << "{\n  \"parameters\": {x}\n}\n";
         paint("cut.jpg", 64, 48, noise(1));
         fs::resize_file("cut.jpg", fs::file_size("cut.jpg") / 2);
     }
@@ -54,7 +56,8 @@ TEST_F(UsageTest, BadInputIsOneLineAndExitCodeTwo)
         {{"-s", "cut.jpg"}, {"cut.jpg: is damaged or truncated"}},
         {{"-s", "."}, {"is a folder"}},
         {{"-s", "p.#.png", "-f", "1-6"}, {"p.#.png: missing frames 3-4,6"}},
-        {{"-s", "p.#.png"}, {"p.#.png is a sequence", "--frames"}},
+        {{"-s", "q.#.png"}, {"q.#.png: there is no frame of this sequence on disk"}},
+        {{"-o", "o.#.png"}, {"o.#.png is a sequence", "--frames"}},
         {{"-f", "1-2"}, {"out.png: several frames need"}},
         {{"-f", "9-1"}, {"downwards"}},
         {{"-o", "out.gif"}, {"out.gif: unknown extension .gif", ".exr"}},
@@ -64,8 +67,9 @@ TEST_F(UsageTest, BadInputIsOneLineAndExitCodeTwo)
         {{"--matte-inverted"}, {"--matte-inverted requires --matte"}},
         {{"--areas", "first"}, {"--areas requires --matte"}},
         {{"--matte", "a.png", "--areas", "some"}, {"--areas", "expected all, first"}},
-        {{"--matte", "a.png", "--matte-window", "none"}, {"--matte-window", "area,full"}},
-        {{"--matte", "a.png", "--matte-grow", "1001"}, {"--matte-grow", "1000"}},
+        {{"--matte", "a.png", "--matte-window", "none"},
+         {"--matte-window", "expected area or full"}},
+        {{"--matte", "a.png", "--matte-grow", "1001"}, {"expected a number from 0 to 1000\n"}},
         {{"--matte", "a.png", "--matte-grow", "nan"}, {"--matte-grow"}},
         {{"--matte", "a.png", "--fill-alpha"}, {"--matte excludes --fill-alpha"}},
         {{"--fill-alpha-inverted", "--fill-alpha"}, {"--fill-alpha"}},
@@ -91,7 +95,7 @@ TEST_F(UsageTest, BadInputIsOneLineAndExitCodeTwo)
         {{"--sample-box", "9,0,9"}, {"expected x1,y1,x2,y2"}},
         {{"--sample-box", "0,0,9,9", "sampleCorner1=0,0"}, {"give only one of them"}},
         {{"--window", "-9,-9,0,0"}, {"--window: the box -9,-9,0,0 lies outside a.png", "64 x 48"}},
-        {{"--depth", "half"}, {"--depth", "byte,short,float"}},
+        {{"--depth", "half"}, {"--depth", "--depth half: expected byte, short or float"}},
         {{"--threads", "0"}, {"--threads"}},
         {{"--render-scale", "0"}, {"--render-scale"}},
         {{"--plugin", "none.ofx"}, {"none.ofx", "no such file"}},
@@ -110,8 +114,20 @@ TEST_F(UsageTest, BadInputIsOneLineAndExitCodeTwo)
         {{"sampleCorner1=0.5"}, {"expected 2 numbers"}},
         {{"avoidFillRegion=maybe"}, {"expected true or false"}},
         {{"fillRegion=All"}, {"\"Entire Image\" (0), \"Source->Alpha\" (1)"}},
-        {{"fillRegion=3"}, {"the choices are"}},
+        {{"fillRegion=3"}, {"fillRegion=\"Matte->Alpha\" needs a matte", "--matte"}},
+        {{"fillRegion=5"}, {"the choices are"}},
         {{"fillRegion"}, {"nor name=value"}},
+        {{"b.png"}, {"\"b.png\": all files are given by options already"}},
+        {{"seed=1.png"}, {"\"seed=1.png\" is name=value and the name of a file", "./seed=1.png"}},
+        {{"--sample-box", "10%,5%,9%,20%"}, {"x1 must be left of x2"}},
+        {{"--sample-box", "1%,2,3,4%%"}, {"expected x1,y1,x2,y2", "10%,10%,50%,90%"}},
+        {{"--threads"}, {"--threads: a value is missing: --threads COUNT"}},
+        {{"--threads", "1", "--threads", "2"}, {"--threads is given more than once"}},
+        {{"--sampel-box", "0,0,1,1"}, {"unknown option --sampel-box; did you mean --sample-box?"}},
+        {{"-s", "-", "-m", "-"}, {"standard input can be only one of the pictures"}},
+        {{"-o", "gif:-"}, {"standard output: unknown extension .gif"}},
+        {{"--parameters", "broken.json"}, {"broken.json: is invalid JSON at line 2, column 18\n"}},
+        {{"--parameters", R"({"parameters": {"seed": 0.30000000000000004}})"}, {"seed=0.3"}},
     };
     for (const WrongUse& use : uses) {
         std::vector<std::string> arguments{"render"};
@@ -130,7 +146,12 @@ TEST_F(UsageTest, BadInputIsOneLineAndExitCodeTwo)
         for (const std::string& part : use.message) EXPECT_THAT(outcome.err, HasSubstr(part));
         EXPECT_FALSE(fs::exists("out.png"));
     }
+    EXPECT_THAT(run({"rendr"}).err, HasSubstr("did you mean \"render\"?\n"));
+    EXPECT_THAT(run({"paint"}).err, HasSubstr("the commands are fill, render, wedge, view"));
     EXPECT_EQ(run({"paint"}).code, 2);
+    EXPECT_THAT(run({"render", "a.png"}).err,
+                HasSubstr("--output is missing: tesseret render --source plate.png --output"));
+    EXPECT_THAT(run({"inspect"}).err, HasSubstr("missing: tesseret inspect "));
     const Outcome program = runProgram({});
     EXPECT_EQ(program.code, 2);
     EXPECT_THAT(program.err, StartsWith("tesseret: "));

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "quality/FillScorer.h"
+#include "quality/TextureScale.h"
 #include "tests/quality/DrawnTextures.h"
 
 namespace Tesseret::Quality {
@@ -153,10 +154,13 @@ TEST(RepeatsTest, CountALandmarkThatIsCopiedSeveralTimes)
     EXPECT_GT(twice.repeats, none.repeats + 0.05);
 }
 
+// A smooth ground in place of a rough one looks like the picture; the line between them tells.
 TEST(TwoGroundsTest, TheWrongGroundIsVisible)
 {
     const Picture source = drawn(skyOverStones(160));
-    const FillScorer scorer(source, lostBox(), kArea);
+    const TextureScale scale(source, lostBox(), kArea);
+    ASSERT_TRUE(scale.grounds());
+    const FillScorer scorer(source, lostBox(), kArea, scale.grounds());
     const double own = scorer.score(source).total;
     const double allSky = scorer.score(filledBy(source, skyOverStones(0))).total;
     const double allStones = scorer.score(filledBy(source, skyOverStones(kSide))).total;

@@ -36,6 +36,12 @@ TEST(NextStep, ChangesWithTheState)
     EXPECT_THAT(nextStep(progress), StartsWith("Filling"));
     progress.isRendering = false;
     EXPECT_THAT(nextStep(progress), HasSubstr("Save it (Ctrl+S)"));
+    EXPECT_THAT(nextStep(progress), HasSubstr("choose settings (C)"));
+    progress.isChoosing = true;
+    EXPECT_THAT(nextStep(progress), HasSubstr("Escape stops"));
+    progress.isChoosing = false;
+    progress.hasChosen = progress.hasFills = true;
+    EXPECT_THAT(nextStep(progress), HasSubstr("another fill below"));
     progress.areas = 3;
     EXPECT_THAT(nextStep(progress), StartsWith("3 areas"));
     progress.isSaved = true;

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Uses `tesseret view` like a user, in a real window on a virtual screen: drags the sample box, types
 # a value, undoes it, saves, quits; then opens a picture in an empty window, paints a matte with the
-# pointer and saves matte and result. Screenshots and files stay in the folder.
+# pointer, lets it choose settings, picks another fill, and saves matte, result and parameters. Screenshots and files stay in the folder.
 # Usage: drive-viewer.sh TESSERET FOLDER
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/screen.sh"
@@ -39,6 +39,8 @@ value() { python3 -c 'import json, sys; print(json.load(open(sys.argv[1]))["para
 expect() { [[ $2 == "$3" ]] || fail "$1 is $2, not $3"; }
 
 gm convert -size 600x400 tile:granite: source.png
+# With stones large enough for fills that differ.
+gm convert -size 150x100 tile:granite: -filter Cubic -resize '600x400!' -normalize coarse.png
 start_viewer "$tesseret" 1280x800 --source source.png --output result.png
 
 xdotool key ctrl+s
@@ -89,12 +91,12 @@ rm -f display window
 start_viewer "$tesseret" 1280x800
 shot 8-empty
 changes 300x60+490+350 8-empty 9-open "the dialog for the picture" key ctrl+o
-xdotool type sourc
+xdotool type coars
 changes 460x40+410+420 9-open 10-wrong "the reason" key Return
 xdotool type e.png
 xdotool key Return
 has_title() { xdotool getwindowname "$(<window)" | grep -q "$1"; }
-until_true "the picture" has_title source.png
+until_true "the picture" has_title coarse.png
 shot 11-opened
 
 # A stroke of the brush, one of the lasso, and one of the eraser; the fill follows.
@@ -107,10 +109,34 @@ xdotool key e mousemove 400 330 mousedown 1 mousemove 420 335 mouseup 1
 save_as ctrl+m painted.png
 save_as ctrl+s filled.png
 shot 14-filled
-"$tesseret" render --source source.png --matte painted.png --output rendered.png >render.log
+"$tesseret" render --source coarse.png --matte painted.png --output rendered.png >render.log
 grep -q "2 areas to fill" render.log || fail "the matte has not two areas"
 cmp filled.png rendered.png || fail "the fill of what was painted is not that of the saved matte"
-! gm compare -metric mse source.png filled.png | grep -q "Total: 0.0000000000" || fail "nothing was filled"
+! gm compare -metric mse coarse.png filled.png | grep -q "Total: 0.0000000000" || fail "nothing was filled"
+
+# Settings are chosen; the panel says that each area has its own. Another fill is picked from the strip.
+panel=400x70+860+105
+strip=840x144+0+524
+changes $panel 14-filled 15-chosen "the chosen settings" key c
+save_as ctrl+e chosen.json
+save_as ctrl+shift+s chosen.png
+shot 16-strip
+changes $strip 16-strip 17-hover "the second fill" mousemove 205 600
+xdotool click 1 mousemove 420 300
+save_as ctrl+e picked.json
+save_as ctrl+shift+s picked.png
+shot 18-picked
+for name in chosen picked; do
+    "$tesseret" render --quiet --source coarse.png --matte painted.png --parameters $name.json --output rendered.png
+    cmp $name.png rendered.png || fail "the fill $name is not what its parameters give"
+done
+! cmp -s chosen.png picked.png || fail "the picked fill is the same"
+! cmp -s chosen.png filled.png || fail "the chosen fill is the same as before"
+"$tesseret" fill --quiet --source coarse.png --matte painted.png --output rendered.png
+cmp chosen.png rendered.png || fail "the viewer chooses something else than the command"
+xdotool key ctrl+z key ctrl+z
+save_as ctrl+shift+s again.png
+cmp again.png filled.png || fail "the choice was not one step"
 
 # One stroke less; then nothing is left, and nothing is filled.
 xdotool key ctrl+z key ctrl+shift+m
@@ -119,6 +145,29 @@ save_as ctrl+shift+m undone.png
 xdotool key Delete
 save_as ctrl+shift+m cleared.png
 save_as ctrl+shift+s unfilled.png
-"$tesseret" render --quiet --source source.png --matte cleared.png --output rendered.png
+"$tesseret" render --quiet --source coarse.png --matte cleared.png --output rendered.png
 cmp unfilled.png rendered.png || fail "an erased matte fills something"
+
+# Paint that is not saved is not lost without a question.
+xdotool key b mousemove 300 300 mousedown 1 mousemove 340 310 mouseup 1
+shot 19-unsaved
+changes 340x110+470+345 19-unsaved 20-question "the question" key ctrl+q
+xdotool key Escape
+save_as ctrl+shift+m last.png
+xdotool mousemove 300 400 mousedown 1 mousemove 340 410 mouseup 1
+shot 21-unsaved
+changes 340x110+470+345 21-unsaved 22-question "the question again" key ctrl+q
+xdotool mousemove 618 437 click 1
+drop_code=0
+wait "$viewer" || drop_code=$?
+expect "the exit code" "$drop_code" 0
+
+# With a matte settings are chosen at once, as by the command.
+unset viewer
+rm -f display window
+start_viewer "$tesseret" 1280x800 --source coarse.png --matte painted.png --output opened.png
+xdotool key ctrl+s
+until_true "the chosen fill" test -s opened.png
+shot 23-opened
+cmp opened.png chosen.png || fail "the first fill is not the chosen one"
 quit_viewer

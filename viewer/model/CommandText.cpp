@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "files/Sequence.h"
+#include "files/StandardStreams.h"
+#include "render/DepthWord.h"
 #include "render/ParameterText.h"
 
 namespace Tesseret::Viewer {
@@ -45,8 +47,10 @@ std::string quoted(const std::string& word)
 /// Enough digits to be read as the same number again.
 std::string exactText(double number)
 {
-    std::array<char, 64> text{};
-    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
+    std::array<char, 512> text{};  // the largest has 309 digits
+    return {text.data(),
+            std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed)
+                .ptr};
 }
 
 /// The value as text that `parseAssignment` reads as exactly this value.
@@ -66,12 +70,6 @@ std::string framesText(const std::vector<int>& frames)
     std::string text;
     for (const int frame : frames) Render::appendItem(text, ",", std::to_string(frame));
     return text;
-}
-
-const char* depthText(Depth depth)
-{
-    if (depth == Depth::Byte) return "byte";
-    return depth == Depth::Short ? "short" : "float";
 }
 
 std::string boxText(const Render::ViewBox& box)
@@ -159,8 +157,7 @@ CommandArguments minimalArguments(RenderSettings settings, const InstanceSetup& 
             const auto there = reached.find(name);
             if (there == reached.end() || value == there->second) continue;
             if (!added.insert(name).second) continue;
-            const std::string text = exactText(*description.parameter(name), value);
-            settings.parameters.push_back(std::string(name).append("=").append(text));
+            settings.parameters.push_back(assignmentText(*description.parameter(name), value));
             isComplete = false;
         }
     }
@@ -180,7 +177,8 @@ public:
     /// Paths are absolute, so that the command works in any folder.
     void file(const char* name, const fs::path& file)
     {
-        if (!file.empty()) option(name, fs::absolute(file).string());
+        if (file.empty()) return;
+        option(name, Files::isStandardOutput(file) ? file.string() : fs::absolute(file).string());
     }
     void addFiles(const RenderSettings& settings);
     void addMatte(const RenderSettings& settings);
@@ -226,7 +224,7 @@ void CommandLine::addRender(const RenderSettings& settings)
 {
     if (settings.window) option("--window", boxText(*settings.window));
     if (settings.renderScale != 1.0) option("--render-scale", exactText(settings.renderScale));
-    if (settings.depth) option("--depth", depthText(*settings.depth));
+    if (settings.depth) option("--depth", Render::depthWord(*settings.depth));
     if (!settings.context.empty()) option("--context", settings.context);
     if (settings.threads > 0) option("--threads", std::to_string(settings.threads));
     file("--plugin", settings.plugin);
@@ -246,12 +244,20 @@ CommandLine lineOf(const RenderSettings& settings)
 
 }  // namespace
 
+std::string assignmentText(const ParameterDescription& parameter, const ParameterValue& value)
+{
+    return parameter.name + "=" + exactText(parameter, value);
+}
+
 std::string commandWithFile(const RenderSettings& settings)
 {
-    CommandLine line = lineOf(settings);
+    RenderSettings named = settings;
+    named.output = outputFor(settings);
+    CommandLine line = lineOf(named);
     const fs::path& file = settings.parameterFile;
     const bool isText = file.string().starts_with('{');
     line.option("--parameters", isText ? file.string() : fs::absolute(file).string());
+    for (const std::string& assignment : settings.parameters) line.word(assignment);
     return line.text();
 }
 

@@ -12,7 +12,12 @@ namespace Tesseret::Viewer {
 std::string commandText(const Render::RenderSettings& settings, const Render::InstanceSetup& setup,
                         Render::PluginSession& session);
 
-/// Likewise for settings whose parameter file or text has all values, as it is.
+/// Likewise for settings whose parameter file or text has all values but those that `parameters`
+/// override.
 std::string commandWithFile(const Render::RenderSettings& settings);
+
+/// "name=value", which is read as exactly this value again.
+std::string assignmentText(const Host::ParameterDescription& parameter,
+                           const Host::ParameterValue& value);
 
 }  // namespace Tesseret::Viewer

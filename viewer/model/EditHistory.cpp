@@ -1,7 +1,6 @@
 #include "viewer/model/EditHistory.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 namespace Tesseret::Viewer {
@@ -38,6 +37,18 @@ void EditHistory::record(std::vector<ValueChange> changes)
     if (groups_ == 0) closeGroups();
 }
 
+void EditHistory::record(ListChange change)
+{
+    if (change.before == change.after) return;
+    undone_.clear();
+    if (open_.list) {
+        open_.list->after = std::move(change.after);
+    } else {
+        open_.list = std::move(change);
+    }
+    if (groups_ == 0) closeGroups();
+}
+
 void EditHistory::record(MattePatch patch)
 {
     if (patch.empty()) return;
@@ -56,6 +67,7 @@ void EditHistory::closeGroups()
     groups_ = 0;
     Edit edit = std::exchange(open_, {});
     std::erase_if(edit.values, isNothing);
+    if (edit.list && edit.list->before == edit.list->after) edit.list.reset();
     if (edit.empty()) return;
     done_.push_back(std::move(edit));
     forgetOldest();
@@ -79,10 +91,13 @@ Replay EditHistory::undo()
     undone_.push_back(std::move(done_.back()));
     done_.pop_back();
     Edit& edit = undone_.back();
-    for (const ValueChange& change : std::views::reverse(edit.values)) {
-        replay.values.push_back({change.name, change.before});
+    for (auto change = edit.values.rbegin(); change != edit.values.rend(); ++change) {
+        replay.values.push_back({change->name, change->before});
     }
-    for (MattePatch& patch : std::views::reverse(edit.patches)) replay.patches.push_back(&patch);
+    if (edit.list) replay.list = edit.list->before;
+    for (auto patch = edit.patches.rbegin(); patch != edit.patches.rend(); ++patch) {
+        replay.patches.push_back(&*patch);
+    }
     return replay;
 }
 
@@ -97,6 +112,7 @@ Replay EditHistory::redo()
     for (const ValueChange& change : edit.values) {
         replay.values.push_back({change.name, change.after});
     }
+    if (edit.list) replay.list = edit.list->after;
     for (MattePatch& patch : edit.patches) replay.patches.push_back(&patch);
     return replay;
 }

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <deque>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,13 +18,21 @@ struct ValueChange {
     Host::ParameterValue before, after;
 };
 
-/// What an undo or redo has to do, in this order.
-struct Replay {
-    std::vector<Render::NamedValue> values;  ///< to set
-    std::vector<MattePatch*> patches;        ///< to swap; kept by the history
+class FillList;
+
+/// The list of steps before and after an edit; null where there was none.
+struct ListChange {
+    std::shared_ptr<const FillList> before, after;
 };
 
-/// Undo and redo of parameter edits and painted strokes.
+/// What an undo or redo has to do, in this order.
+struct Replay {
+    std::vector<Render::NamedValue> values;               ///< to set
+    std::optional<std::shared_ptr<const FillList>> list;  ///< to set, null included
+    std::vector<MattePatch*> patches;                     ///< to swap; kept by the history
+};
+
+/// Undo and redo of parameter edits, lists of steps and painted strokes.
 class EditHistory {
 public:
     /// Keeps a group open for its lifetime.
@@ -45,10 +55,13 @@ public:
     /// Adds an edit, or within a group a part of one. Clears the redo list, unless it changes
     /// nothing.
     void record(std::vector<ValueChange> changes);
+    void record(ListChange change);
     void record(MattePatch patch);
     /// Everything added until the group ends is one edit. Groups may nest.
     void beginGroup() { ++groups_; }
     void endGroup();
+
+    bool isGroupOpen() const { return groups_ > 0; }
 
     bool canUndo() const { return !done_.empty() || !open_.empty(); }
     bool canRedo() const { return !undone_.empty(); }
@@ -59,8 +72,9 @@ public:
 private:
     struct Edit {
         std::vector<ValueChange> values;
+        std::optional<ListChange> list;
         std::vector<MattePatch> patches;
-        bool empty() const { return values.empty() && patches.empty(); }
+        bool empty() const { return values.empty() && !list && patches.empty(); }
         std::size_t bytes() const;
     };
 

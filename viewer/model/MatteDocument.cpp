@@ -65,6 +65,7 @@ void MatteDocument::setFile(const std::filesystem::path& file)
 {
     file_ = file;
     savedRevision_ = paint_.revision();
+    markKept();
 }
 
 void checkMatteName(const std::filesystem::path& file)

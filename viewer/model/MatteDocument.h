@@ -36,13 +36,21 @@ public:
     const std::filesystem::path& file() const { return file_; }
     /// Whether that file holds the matte as it is.
     bool isSaved() const { return !file_.empty() && savedRevision_ == paint_.revision(); }
+    /// The matte is in some file, though not byte for byte.
+    void markKept() { keptRevision_ = paint_.revision(); }
+    /// Whether something would be lost with the matte.
+    bool hasUnsavedPaint() const
+    {
+        const bool isKept = keptRevision_ == paint_.revision();
+        return !isKept && (!file_.empty() || !isEmpty(paint_.maskedBox()));
+    }
 
 private:
     MattePaint paint_;
     Depth depth_;
     bool follows_ = false;
     std::filesystem::path file_;
-    std::uint64_t savedRevision_ = 0;
+    std::uint64_t savedRevision_ = 0, keptRevision_ = 0;
     std::shared_ptr<const Picture> painted_;  ///< of paintedRevision_
     std::uint64_t paintedRevision_ = 0;
 };

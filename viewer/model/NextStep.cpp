@@ -29,7 +29,7 @@ std::string beforePainting(const Progress& progress)
     }
     const std::string rest =
         progress.showsSource ? " Result shows the whole picture filled with texture." : "";
-    return "Paint over what should go, with a margin round it." + rest;
+    return "Paint over what should go; then choose settings (C), and save (Ctrl+S)." + rest;
 }
 
 std::string filled(const Progress& progress)
@@ -38,9 +38,13 @@ std::string filled(const Progress& progress)
     if (progress.isSaved) return "Saved. Paint on, or open the next picture (Ctrl+O).";
     const std::string areas =
         progress.areas > 1 ? std::to_string(progress.areas) + " areas are filled. " : "";
+    if (progress.fillsMatte && !progress.hasChosen) {
+        return areas + "Good? Save it (Ctrl+S). Else let it choose settings (C).";
+    }
     return areas +
-           "Good? Save it (Ctrl+S). Else try the next seed (N), more samples, or a sample "
-           "box on clean ground (X).";
+           (progress.hasFills ? "Good? Save it (Ctrl+S). Else take another fill below, "
+                              : "Good? Save it (Ctrl+S). Else ") +
+           "try the next seed (N), or a sample box on clean ground (X).";
 }
 
 }  // namespace
@@ -49,6 +53,10 @@ std::string nextStep(const Progress& progress)
 {
     if (!progress.hasPicture) return "Open a picture (Ctrl+O), or drop its file here.";
     if (progress.isDrawing) return whileDrawing(progress.tool);
+    if (progress.isChoosing) {
+        return "Looking for the settings whose fill shows least... Escape stops with the best so "
+               "far; you can go on painting.";
+    }
     if (!progress.fillsRegion && progress.showsSource) return beforePainting(progress);
     if (progress.fillsMatte && !progress.hasPaint) {
         return "Nothing is painted, so nothing is filled: paint over what should go.";

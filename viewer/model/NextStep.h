@@ -16,7 +16,10 @@ struct Progress {
     bool isRendering = false;
     bool hasFailed = false;
     bool showsSource = false;
-    bool isSaved = false;  ///< the result that is shown
+    bool isChoosing = false;  ///< settings, by trials
+    bool hasChosen = false;   ///< settings are in force that were chosen
+    bool hasFills = false;    ///< to pick from
+    bool isSaved = false;     ///< the result that is shown
     std::size_t areas = 0;
     std::string obstacle;  ///< to painting
     ToolKind tool = ToolKind::Brush;

@@ -1,5 +1,7 @@
 #include "viewer/model/PictureCache.h"
 
+#include <utility>
+
 #include "effect/ParameterNames.h"
 
 namespace Tesseret::Viewer {
@@ -14,6 +16,19 @@ Render::RenderSettings paintedSettings(const Render::RenderSettings& settings)
         return text.starts_with(std::string(Names::kFillRegion) + "=");
     });
     return painted;
+}
+
+Render::FramePictures paintedPictures(const Render::FramePictures& read,
+                                      std::shared_ptr<const Picture> matte,
+                                      const Render::RenderSettings& settings)
+{
+    Render::ClipPicture painted;
+    painted.info = Render::paintedMatteInfo(paintedSettings(settings).matte, matte->bounds());
+    painted.picture = std::move(matte);
+    Render::checkMatte(painted.info, read.at(Names::kSource).info);
+    Render::FramePictures pictures = read;
+    pictures.insert_or_assign(Names::kMatte, std::move(painted));
+    return pictures;
 }
 
 PictureCache::PictureCache(const Render::RenderSettings& settings)

@@ -12,6 +12,12 @@ namespace Tesseret::Viewer {
 Render::RenderSettings paintedSettings(const Render::RenderSettings& settings);
 
 /// The files being viewed, with the pictures of the last frame read.
+/// A frame's pictures with a painted matte, as if it was read from a file. Throws `UsageError` for
+/// a matte of another size.
+Render::FramePictures paintedPictures(const Render::FramePictures& read,
+                                      std::shared_ptr<const Picture> matte,
+                                      const Render::RenderSettings& settings);
+
 class PictureCache {
 public:
     /// Throws as `JobInputs` does.

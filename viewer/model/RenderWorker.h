@@ -19,6 +19,7 @@
 
 namespace Tesseret::Viewer {
 
+class FillList;
 class RequestRenderer;
 class RenderWatch;
 
@@ -28,6 +29,7 @@ struct ViewRequest {
     Render::ParameterValues values;                  ///< of all parameters
     std::shared_ptr<const Picture> matte = nullptr;  ///< a painted one; null: the file's, if any
     bool wantsMaps = false;                          ///< they cost time and memory
+    std::shared_ptr<const FillList> list = nullptr;  ///< in place of the values, where it has them
     bool operator==(const ViewRequest&) const = default;
 };
 
@@ -42,7 +44,7 @@ struct RenderResult {
     /// What the fill was made with, by name ("fill-mask", "path-band", "blocks", "boundary-path",
     /// "composite-mask", "luminance-gain"): 8-bit RGBA over the whole picture, all areas in one.
     std::map<std::string, Picture> maps;
-    /// The boxes of the matte's areas in the order of filling, in pixels of the request's scale.
+    /// The boxes of the matte's areas, in their order, in pixels of the request's scale.
     std::vector<OfxRectI> areas;
 };
 

@@ -8,6 +8,7 @@
 #include "host/HostError.h"
 #include "render/FrameRequest.h"
 #include "render/JobError.h"
+#include "viewer/model/FillList.h"
 #include "viewer/model/WindowWording.h"
 
 namespace Tesseret::Viewer {
@@ -15,13 +16,27 @@ namespace Tesseret::Viewer {
 using Render::FramePictures;
 using Render::RenderSettings;
 
-RequestRenderer::Setup::Setup(const ViewRequest& given, RenderSettings scaled,
-                              Render::InstanceSetup setup, RenderWatch& watch)
-    : request(given),
-      settings(std::move(scaled)),
-      warnings(watch),
-      frames(settings, std::move(setup), watch, warnings)
-{}
+namespace {
+
+/// Of the areas that the steps fill, at this scale.
+std::vector<OfxRectI> boxesOf(const std::vector<Render::FillStep>& steps,
+                              const Render::MatteAreas& areas, double scale)
+{
+    std::vector<OfxRectI> boxes;
+    for (std::size_t area = 0; area < areas.count(); ++area) {
+        const bool isFilled = std::ranges::any_of(steps, [&](const Render::FillStep& step) {
+            const std::vector<std::size_t>& named = step.settings.areas;
+            return named.empty() || std::ranges::find(named, area) != named.end();
+        });
+        const OfxRectI& box = areas.box(area);
+        if (!isFilled) continue;
+        boxes.push_back(toPixels({double(box.x1), double(box.y1), double(box.x2), double(box.y2)},
+                                 {scale, scale}, 1.0));
+    }
+    return boxes;
+}
+
+}  // namespace
 
 RequestRenderer::RequestRenderer(Render::PluginSession& session, const RenderSettings& settings,
                                  PictureCache& pictures, RenderWatch& watch)
@@ -51,7 +66,7 @@ void RequestRenderer::abort()
 {
     const std::lock_guard lock(mutex_);
     isAborted_ = true;
-    if (current_) current_->frames.abort();
+    if (current_) current_->abort();
 }
 
 void RequestRenderer::stopIfAborted()
@@ -70,7 +85,7 @@ std::shared_ptr<RenderResult> RequestRenderer::render(const ViewRequest& request
     try {
         prepare(request);
         const int first = recordingFrame(request.frame);
-        const bool repeats = current_->frames.setup().repeatsBlocks();
+        const bool repeats = current_->instances().repeatsBlocks();
         if (repeats && first != request.frame && current_->recorded != first) {
             RenderResult recorded;
             recorded.request = request;
@@ -107,23 +122,54 @@ const Render::InstanceSetup& RequestRenderer::setupFor(const ViewRequest& reques
     return *paintedSetup_;
 }
 
+const Render::JobInputs& RequestRenderer::inputsFor(const ViewRequest& request)
+{
+    return request.matte ? pictures_.paintedInputs() : pictures_.inputs();
+}
+
 /// Reuses only instances that repeat the blocks of another frame; new ones report all their notes.
 void RequestRenderer::prepare(const ViewRequest& request)
 {
     const bool serves =
         current_ && current_->request.values == request.values &&
         current_->request.scale == request.scale && current_->request.matte == request.matte &&
-        current_->frames.setup().repeatsBlocks() && recordingFrame(request.frame) != request.frame;
+        current_->request.list == request.list && current_->instances().repeatsBlocks() &&
+        recordingFrame(request.frame) != request.frame;
     if (serves) return;
     RenderSettings scaled = settings_;
     scaled.renderScale = request.scale;
-    auto next = std::make_unique<Setup>(request, std::move(scaled),
-                                        setupFor(request).with(request.values), watch_);
+    auto next = std::make_unique<Setup>(request, std::move(scaled), watch_);
+    Render::InstanceSetup setup = setupFor(request).with(request.values);
+    prepareSteps(*next, setup.fillRegion());
+    if (!next->steps) {
+        next->frames.emplace(next->settings, std::move(setup), watch_, next->warnings);
+    }
     {
         const std::lock_guard lock(mutex_);
         std::swap(current_, next);
     }
     stopIfAborted();
+}
+
+/// Where the request has a list, and it has steps for the matte.
+void RequestRenderer::prepareSteps(Setup& next, const Render::FillRegion& region)
+{
+    const ViewRequest& request = next.request;
+    if (!request.list || region.source != Render::MaskSource::Matte) return;
+    const auto painted = std::make_shared<Render::PaintedAreas>();
+    const std::shared_ptr<const FramePictures> pictures = picturesOf(request, request.frame);
+    const Render::MatteAreas& areas =
+        painted->of(pictures->at(Names::kMatte).picture, region.polarity);
+    const std::vector<Render::FillStep> steps =
+        stepsInForce(*request.list, areas, settings_, request.values);
+    if (steps.empty()) return;
+    const RenderSettings base = request.matte ? paintedSettings(next.settings) : next.settings;
+    const std::string plugin = session_.effect().description().identifier;
+    next.steps.emplace(
+        session_, inputsFor(request),
+        Render::stepsOf(listSettings(base, plugin, session_.describe(setup_.context()), steps)),
+        pictures_.depth(), watch_, next.warnings, painted, &messages_);
+    stepAreas_ = boxesOf(steps, areas, request.scale);
 }
 
 /// The frame whose blocks a render of the whole sequence would repeat in this frame: the first
@@ -142,14 +188,7 @@ std::shared_ptr<const FramePictures> RequestRenderer::picturesOf(const ViewReque
 {
     std::shared_ptr<const FramePictures> read = pictures_.read(frame);
     if (!request.matte) return read;
-    auto pictures = std::make_shared<FramePictures>(*read);
-    Render::ClipPicture matte;
-    matte.picture = request.matte;
-    matte.info =
-        Render::paintedMatteInfo(paintedSettings(settings_).matte, request.matte->bounds());
-    Render::checkMatte(matte.info, pictures->at(Names::kSource).info);
-    (*pictures)[Names::kMatte] = std::move(matte);
-    return pictures;
+    return std::make_shared<FramePictures>(paintedPictures(*read, request.matte, settings_));
 }
 
 void RequestRenderer::renderFrame(int frame, RenderResult& result)
@@ -159,24 +198,40 @@ void RequestRenderer::renderFrame(int frame, RenderResult& result)
         for (const std::string& warning : picture.warnings) watch_.warning(warning);
     }
     stopIfAborted();
-    const std::shared_ptr<const Render::PreparedMatte> matte = matteOf(*pictures);
+    const Files::PictureInfo& source = pictures->at(Names::kSource).info;
+    const Host::RenderRequest request =
+        Render::requestFor(current_->settings, pictures_.inputs().isSequence(), frame, source);
+    if (result.request.wantsMaps) watch_.wantMaps(request.window);
+    result.picture = current_->steps ? renderSteps(request, *pictures)
+                                     : renderValues(request, *pictures, result);
+    if (current_->steps) result.areas = stepAreas_;
+}
+
+Picture RequestRenderer::renderValues(const Host::RenderRequest& request,
+                                      const FramePictures& pictures, RenderResult& result)
+{
+    const std::shared_ptr<const Render::PreparedMatte> matte = matteOf(pictures);
     stopIfAborted();
     const std::size_t count = matte ? matte->areas.count() : 0;
     for (std::size_t area = 0;
          area < (settings_.everyArea ? count : std::min<std::size_t>(count, 1)); ++area) {
         result.areas.push_back(matte->areas.box(area));
     }
-    const Files::PictureInfo& source = pictures->at(Names::kSource).info;
-    const Host::RenderRequest request =
-        Render::requestFor(current_->settings, pictures_.inputs().isSequence(), frame, source);
-    if (result.request.wantsMaps) watch_.wantMaps(request.window);
-    result.picture = current_->frames.render(request, *pictures, matte.get());
+    return current_->frames->render(request, pictures, matte.get());
+}
+
+Picture RequestRenderer::renderSteps(const Host::RenderRequest& request,
+                                     const FramePictures& pictures)
+{
+    const Render::StepList::Mattes mattes = current_->steps->prepare(pictures);
+    stopIfAborted();
+    return current_->steps->render(request, pictures, mattes);
 }
 
 /// Null when the fill region is not from the matte.
 std::shared_ptr<const Render::PreparedMatte> RequestRenderer::matteOf(const FramePictures& pictures)
 {
-    const Render::FillRegion& region = current_->frames.setup().fillRegion();
+    const Render::FillRegion& region = current_->instances().fillRegion();
     if (region.source != Render::MaskSource::Matte) return nullptr;
     const RenderSettings& settings = current_->settings;
     if (!mattes_ || matteScale_ != settings.renderScale || mattePolarity_ != region.polarity) {

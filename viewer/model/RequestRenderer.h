@@ -6,6 +6,7 @@
 
 #include "render/FrameRenderer.h"
 #include "render/PluginMessages.h"
+#include "render/StepList.h"
 #include "viewer/model/PictureCache.h"
 #include "viewer/model/RenderWatch.h"
 
@@ -29,21 +30,37 @@ public:
 private:
     /// Ready for all frames of a sequence with the same values and scale.
     struct Setup {
-        Setup(const ViewRequest& request, Render::RenderSettings scaled,
-              Render::InstanceSetup setup, RenderWatch& watch);
+        Setup(const ViewRequest& given, Render::RenderSettings scaled, RenderWatch& watch)
+            : request(given), settings(std::move(scaled)), warnings(watch)
+        {}
+        const Render::InstanceSetup& instances() const
+        {
+            return steps ? steps->setup(0) : frames->setup();
+        }
+        void abort()
+        {
+            if (frames) frames->abort();
+            if (steps) steps->abort();
+        }
 
         ViewRequest request;
         Render::RenderSettings settings;  ///< at the request's scale
         Render::WarningFilter warnings;
-        Render::FrameRenderer frames;
+        std::optional<Render::FrameRenderer> frames;  ///< without steps
+        std::optional<Render::StepList> steps;
         std::optional<int> recorded;  ///< the frame whose blocks are repeated
     };
 
     void forget();
     void prepare(const ViewRequest& request);
     const Render::InstanceSetup& setupFor(const ViewRequest& request);
+    const Render::JobInputs& inputsFor(const ViewRequest& request);
+    void prepareSteps(Setup& next, const Render::FillRegion& region);
     std::shared_ptr<const Render::FramePictures> picturesOf(const ViewRequest& request, int frame);
     void renderFrame(int frame, RenderResult& result);
+    Picture renderValues(const Host::RenderRequest& request, const Render::FramePictures& pictures,
+                         RenderResult& result);
+    Picture renderSteps(const Host::RenderRequest& request, const Render::FramePictures& pictures);
     std::shared_ptr<const Render::PreparedMatte> matteOf(const Render::FramePictures& pictures);
     int recordingFrame(int frame) const;
     void stopIfAborted();
@@ -63,6 +80,7 @@ private:
         mutex_;  ///< guards the flag and the pointer, which only the rendering thread changes
     std::unique_ptr<Setup> current_;
     bool isAborted_ = false;
+    std::vector<OfxRectI> stepAreas_;  ///< of the steps of current_
 };
 
 }  // namespace Tesseret::Viewer

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include <nlohmann/json.hpp>
+
 #include "effect/ParameterNames.h"
 #include "files/PictureWriter.h"
 #include "host/HostError.h"
@@ -11,6 +13,7 @@
 #include "render/JobError.h"
 #include "render/ParameterFile.h"
 #include "viewer/model/CommandText.h"
+#include "viewer/model/Raised.h"
 
 namespace Tesseret::Viewer {
 
@@ -20,18 +23,6 @@ using Render::NamedValue;
 using Render::ParameterValues;
 
 namespace {
-
-/// Sets a flag for its lifetime.
-class Raised {
-public:
-    explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Raised() { flag_ = false; }
-    Raised(const Raised&) = delete;
-    Raised& operator=(const Raised&) = delete;
-
-private:
-    bool& flag_;
-};
 
 /// Why a matte cannot be painted.
 std::string obstacle(const Render::RenderSettings& settings, Render::PluginSession& session)
@@ -76,6 +67,7 @@ ViewSession::ViewSession(Render::RenderSettings settings)
       setup_(session_, settings_, pictures_.inputs(), pictures_.depth()),
       description_(session_.describe(setup_.context())),
       pages_(panelPages(description_)),
+      search_(session_),
       ready_(setup_.make()),
       worker_(std::make_unique<RenderWorker>(session_, settings_, pictures_)),
       frame_(frames().front())
@@ -86,6 +78,14 @@ ViewSession::ViewSession(Render::RenderSettings settings)
     }
     setFrame(frame_);
     readMatte();
+    if (!settings_.parameterFile.empty())
+        list_ = loadedList(settings_.parameterFile, /*isGiven=*/true);
+}
+
+ViewSession::~ViewSession()
+{
+    search_.stop();
+    search_.wait();
 }
 
 void ViewSession::readMatte()
@@ -207,6 +207,10 @@ void ViewSession::replay(const Replay& replay)
 {
     const Raised replaying(isReplaying_);
     apply(replay.values);
+    if (replay.list) {
+        list_ = *replay.list;
+        hasChanged_ = true;
+    }
     for (MattePatch* const patch : replay.patches) matte_->paint().swap(*patch);
     if (!replay.patches.empty()) hasChanged_ = true;
 }
@@ -217,8 +221,10 @@ void ViewSession::parameterChanged(Host::Instance& /*instance*/,
     const std::string& name = change.parameter.name();
     const ParameterDescription& parameter = *description_.parameter(name);
     hasChanged_ = hasChanged_ || parameter.evaluateOnChange;
+    if (search_.isBusy()) changedMeanwhile_.insert(name);
     if (isReplaying_ || !parameter.canUndo) return;
     history_.record({{name, change.before, change.after}});
+    if (list_ && !isTakingList_) overrideSteps(name, change.after);
 }
 
 void ViewSession::editBegan(Host::Instance& /*instance*/, std::string_view /*label*/)
@@ -255,6 +261,7 @@ ViewRequest ViewSession::currentRequest(double scale) const
 {
     ViewRequest request{.frame = frame_, .scale = scale, .values = values(), .matte = nullptr};
     if (matte_ && paintObstacle_.empty()) request.matte = matte_->painted();
+    request.list = listInForce();
     return request;
 }
 
@@ -311,6 +318,8 @@ void ViewSession::saveResult(const std::filesystem::path& name)
 
 std::string ViewSession::commandText()
 {
+    const std::vector<Render::FillStep> steps = currentSteps();
+    if (!steps.empty()) return listCommand(steps);
     Render::RenderSettings settings = settings_;
     if (currentRequest(1.0).matte) {
         settings.matte = matteFile();
@@ -321,11 +330,19 @@ std::string ViewSession::commandText()
 
 void ViewSession::saveParameters(const std::filesystem::path& file)
 {
-    Render::saveParameters(file, effect().identifier, description_, values());
+    const std::vector<Render::FillStep> steps = currentSteps();
+    if (steps.empty()) {
+        return Render::saveParameters(file, effect().identifier, description_, values());
+    }
+    Render::writeJson(file, Render::stepsJson(effect().identifier, description_, steps));
 }
 
 void ViewSession::loadParameters(const std::filesystem::path& file)
 {
+    const std::shared_ptr<const FillList> list = loadedList(file, /*isGiven=*/false);
+    const EditHistory::Group edit(history_);
+    if (list) return takeList(list);
+    setList(nullptr);
     std::vector<NamedValue> values;
     for (auto& [name, value] : Render::loadParameters(file, effect().identifier, description_)) {
         values.push_back({name, value});

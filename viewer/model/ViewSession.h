@@ -8,17 +8,20 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "host/Interact.h"
 #include "render/InstanceSetup.h"
 #include "viewer/model/EditHistory.h"
+#include "viewer/model/FillList.h"
 #include "viewer/model/MatteDocument.h"
 #include "viewer/model/Messages.h"
 #include "viewer/model/PanelPages.h"
 #include "viewer/model/PictureCache.h"
 #include "viewer/model/RenderWorker.h"
+#include "viewer/model/SettingsSearch.h"
 
 namespace Tesseret::Viewer {
 
@@ -28,6 +31,8 @@ public:
     /// Opens the inputs of `tesseret render`; the output may be empty. Throws `UsageError` or
     /// `FileError`.
     explicit ViewSession(Render::RenderSettings settings);
+    /// Stops a search and waits for it.
+    ~ViewSession() override;
     ViewSession(const ViewSession&) = delete;
     ViewSession& operator=(const ViewSession&) = delete;
 
@@ -83,6 +88,8 @@ public:
     void loadMatte(const std::filesystem::path& file);
     /// Throws `FileError`, and `UsageError` for an input file or a name of another format.
     void saveMatte(const std::filesystem::path& file);
+    /// Whether paint would be lost with the session.
+    bool hasUnsavedMatte() const { return matte_ && matte_->hasUnsavedPaint(); }
     /// Where the matte is saved, or else would be.
     std::filesystem::path matteFile() const;
     /// Whether the printed command line needs the matte to be saved first.
@@ -102,6 +109,35 @@ public:
     bool usesSampleBox() const;
     /// Whether the box is not the plug-in's default.
     bool hasOwnBox() const;
+
+    // Settings chosen by trials, as `tesseret fill` does.
+
+    /// Why they cannot be chosen now, as a line for the user; empty when they can.
+    std::string chooseObstacle() const;
+    /// Begins a search for the matte as it is painted. What was given on the command line by name
+    /// stays, and a sample box in use. Throws `UsageError` where none can be made.
+    void startChoosing(Fill::Effort effort);
+    /// Progress, and `stop`, which ends the search with the best so far.
+    SettingsSearch& search() { return search_; }
+    const SettingsSearch& search() const { return search_; }
+    /// Applies what a search has found as one edit. Matte, frame and values may change while it
+    /// runs: an area that was searched for gets its settings as far as it is still there, and a
+    /// value that the user has set meanwhile stays. False while there is nothing to apply, or
+    /// another edit is going on.
+    bool takeChoice();
+    /// The fills to pick from, of the last search; their previews are thumbnails.
+    const std::vector<Fill::Variation>& variations() const { return variations_; }
+    /// The one in force.
+    std::optional<std::size_t> currentVariation() const;
+    /// As one edit. Throws `UsageError` when the matte has none of their areas left.
+    void pickVariation(std::size_t variation);
+    /// Whether settings are in force that were chosen, or loaded for single areas.
+    bool hasList() const { return listInForce() != nullptr; }
+    /// Areas may have settings of their own, which a parameter that is set overrides in all of
+    /// them. What they have, as a line for the user; empty when there is one setting for all.
+    std::string listText() const;
+    /// Back to one setting for all, as one edit.
+    void dropList();
 
     // Parameter values. What the plug-in sets in response belongs to the same edit.
 
@@ -164,6 +200,23 @@ private:
     void apply(const std::vector<Render::NamedValue>& values);
     void replay(const Replay& replay);
     ViewRequest currentRequest(double scale) const;
+    void setList(std::shared_ptr<const FillList> list);
+    void takeList(const std::shared_ptr<const FillList>& list);
+    void overrideSteps(const std::string& name, const Host::ParameterValue& value);
+    std::shared_ptr<const FillList> listInForce() const;
+    Render::MatteAreas matteAreas(const Render::FillRegion& region) const;
+    std::vector<Render::FillStep> currentSteps() const;
+    /// The given ones, for the matte as it is.
+    Render::RenderSettings matteSettings() const;
+    std::shared_ptr<const FillList> loadedList(const std::filesystem::path& file,
+                                               bool isGiven) const;
+    Render::RenderSettings searchSettings() const;
+    std::shared_ptr<const FillList> listOf(std::vector<Render::FillStep> steps,
+                                           const Render::MatteAreas* areas) const;
+    std::shared_ptr<const FillList> choose(const SearchOutcome& found);
+    bool servesMatte(const FillList& list) const;
+    void tellChoice(const Fill::FillPlan& plan);
+    std::string listCommand(const std::vector<Render::FillStep>& steps);
     void readMatte();
     void fillFromMatte();
     void useSampleBox();
@@ -179,14 +232,20 @@ private:
     Render::InstanceSetup setup_;
     const Host::ContextDescription& description_;
     std::vector<PanelPage> pages_;
-    EditHistory
-        history_;  ///< outlives the instance with the flags, which it changes until destroyed
-    bool isReplaying_ = false;  ///< while values come from the history
+    // These outlive the instance, which changes them until destroyed.
+    EditHistory history_;
+    SettingsSearch search_;
+    std::set<std::string> changedMeanwhile_;  ///< while a search runs
+    std::shared_ptr<const FillList> list_;    ///< null: one setting for all
+    bool isTakingList_ = false;               ///< while values come from a list
+    bool isReplaying_ = false;                ///< while values come from the history
     bool hasChanged_ = true;
     Render::ReadyInstance ready_;
     std::unique_ptr<Host::Interact> overlay_;
     bool hasTriedOverlay_ = false;
     std::unique_ptr<RenderWorker> worker_;
+    std::vector<Fill::Variation> variations_;
+    std::vector<std::shared_ptr<const FillList>> variationLists_;  ///< their states
     int frame_;
     std::shared_ptr<const Render::FramePictures> shown_;
     mutable std::optional<MatteDocument> matte_;  ///< its render picture is made when needed

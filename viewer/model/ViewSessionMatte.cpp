@@ -131,6 +131,7 @@ void ViewSession::loadMatte(const std::filesystem::path& file)
 {
     paint([&](MattePaint& /*paint*/) { matte_->load(file, inputs().source()); });
     fillFromMatte();  // even if it is the same matte
+    matte_->markKept();
     if (isExact(Files::readInfo(file))) matte_->setFile(file);
 }
 

@@ -19,6 +19,10 @@ constexpr auto kWordings = std::to_array<Wording>({
      "draw a smaller one with the tool Sample box"},
     {"--matte-grow joins areas that lie close together, --areas first fills only one",
      "Matte > Grow joins areas that lie close together"},
+    {"give more texture with --texture1",
+     "start with --texture1 and another picture to give more texture"},
+    {"texture from another picture with --texture1, may help",
+     "a sample box on other ground, may help"},
     {"whenever they change, temporalConsistancy starts again",
      "whenever they change, Temporal Consistency starts again"},
 });

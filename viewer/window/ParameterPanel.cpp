@@ -47,6 +47,7 @@ bool ParameterPanel::isDragging() const
 void ParameterPanel::draw()
 {
     isHeldNow_ = false;
+    drawList();
     if (ImGui::BeginTabBar("pages")) {
         for (const PanelPage& page : session_.pages()) {
             if (!ImGui::BeginTabItem(page.label.c_str())) continue;
@@ -56,6 +57,25 @@ void ParameterPanel::draw()
         ImGui::EndTabBar();
     }
     if (!isHeldNow_) letGo();
+}
+
+/// Says that the values below are not all there is.
+void ParameterPanel::drawList()
+{
+    const std::string text = session_.listText();
+    if (text.empty()) return;
+    ImGui::PushTextWrapPos(0.0f);
+    ImGui::TextColored(adviceColour(), "%s", text.c_str());
+    ImGui::PopTextWrapPos();
+    if (ImGui::Button("One setting for all", {-1.0f, 0.0f})) {
+        log_.attempt([&] { session_.dropList(); });
+    }
+    if (ImGui::IsItemHovered()) {
+        ImGui::SetTooltip(
+            "Fills every area with the values below, and nothing else.\n"
+            "A value that you change below is used for all areas in any case.");
+    }
+    ImGui::Spacing();
 }
 
 void ParameterPanel::drawPage(const PanelPage& page)

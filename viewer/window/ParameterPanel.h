@@ -22,6 +22,7 @@ public:
     bool isDragging() const;
 
 private:
+    void drawList();
     void drawPage(const PanelPage& page);
     void drawColumn(const std::vector<std::string>& column);
     void drawRow(const Host::ParameterDescription& parameter);

@@ -83,7 +83,11 @@ double firstSize(const OfxRectD& picture)
 }  // namespace
 
 PictureArea::PictureArea(ViewSession& session, MessageLog& log)
-    : session_(session), log_(log), overlay_(session), tools_(session, firstTool(session))
+    : session_(session),
+      log_(log),
+      trials_(session),
+      overlay_(session),
+      tools_(session, firstTool(session))
 {
     update();
     const OfxRectD& picture = view_.picture();
@@ -222,6 +226,8 @@ void PictureArea::draw(double windowHeight, double density)
     glMatrixMode(GL_MODELVIEW);
     glLoadIdentity();
     layers_.draw(view_, density);
+    trials_.update();
+    if (layers_.layer() == Layer::Result) trials_.draw();
     drawMatte();
     if (showsOverlay()) overlay_.draw(view_);
     drawShape();
@@ -240,6 +246,7 @@ bool PictureArea::showsTint() const
 {
     if (session_.fillRegion().polarity == Render::Polarity::Black) return false;
     if (layers_.layer() == Layer::Source || session_.isPainting()) return true;
+    if (layers_.layer() == Layer::Result && !trials_.isEmpty()) return false;
     const auto latest = session_.worker().latest();
     return !latest || latest->request.matte != session_.matte()->painted();
 }

@@ -8,6 +8,7 @@
 #include "viewer/window/OverlayLayer.h"
 #include "viewer/window/PictureLayers.h"
 #include "viewer/window/ToolBox.h"
+#include "viewer/window/TrialLayer.h"
 
 namespace Tesseret::Viewer {
 
@@ -64,6 +65,7 @@ private:
     MessageLog& log_;
     View view_;
     PictureLayers layers_;
+    TrialLayer trials_;
     MatteLayer matte_;
     OverlayLayer overlay_;
     ToolBox tools_;

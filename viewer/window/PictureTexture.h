@@ -20,6 +20,8 @@ public:
     /// / scale canonical units, across times the pixel aspect ratio.
     void show(std::shared_ptr<const Picture> picture, OfxPointD scale);
     bool isEmpty() const { return tiles_.empty(); }
+    /// Of OpenGL, for a picture of one tile; 0 without a picture.
+    unsigned int name() const { return tiles_.empty() ? 0 : tiles_.front().texture; }
 
     /// Draws in canonical units: sharp pixels when enlarged, averaged when made smaller.
     void draw() const;

@@ -5,11 +5,14 @@
 
 #include <imgui/imgui.h>
 
+#include "fill/ChoiceText.h"
+
 namespace Tesseret::Viewer {
 
 namespace {
 
 constexpr float kProgressWidth = 240.0f;  ///< screen units
+constexpr const char* kWidestZoom = "00000 %";
 const ImVec4 kErrorColour{0.95f, 0.42f, 0.36f, 1.0f};
 const ImVec4 kMessageColour{0.96f, 0.80f, 0.45f, 1.0f};
 const ImVec4 kNoteColour{0.62f, 0.76f, 0.90f, 1.0f};
@@ -36,13 +39,47 @@ std::string stageText(const WorkerState& state)
     return text;
 }
 
+/// "Choosing settings: area 1 of 2, trial 12 of 40, best 0.93", or as much of it as fits.
+std::string searchText(const SearchState& search, float room)
+{
+    const Fill::SearchProgress& progress = search.progress;
+    if (search.isStopping) return "Stopping...";
+    if (progress.done == 0) return "Choosing settings...";
+    const std::string trial =
+        "trial " + std::to_string(progress.done) + " of " + std::to_string(progress.trials);
+    const std::string best = ", best " + Fill::scoreText(progress.best);
+    const std::string area = progress.areas > 1 ? "area " + std::to_string(progress.area + 1) +
+                                                      " of " + std::to_string(progress.areas) + ", "
+                                                : "";
+    const std::string less = trial + best, most = area + less;
+    const std::string all = "Choosing settings: " + most;
+    for (const std::string& text : {all, most, less, trial}) {
+        if (ImGui::CalcTextSize(text.c_str()).x <= room) return text;
+    }
+    return "";
+}
+
 }  // namespace
+
+/// The search for settings goes before a render beside it.
+void StatusPanel::drawSearch(const SearchState& search) const
+{
+    const Fill::SearchProgress& progress = search.progress;
+    const double share =
+        progress.trials > 0 ? double(progress.done) / double(progress.trials) : 0.0;
+    const float width = std::min(kProgressWidth, ImGui::GetContentRegionAvail().x / 3.0f);
+    ImGui::ProgressBar(float((double(progress.area) + share) / double(progress.areas)),
+                       {width, 0.0f}, "");
+    ImGui::SameLine();
+    const float room = ImGui::GetContentRegionAvail().x - ImGui::CalcTextSize(kWidestZoom).x;
+    ImGui::TextUnformatted(searchText(search, room).c_str());
+}
 
 StatusPanel::Choice StatusPanel::draw(double zoom, bool isPlaying)
 {
     const Choice choice = drawFrames(isPlaying);
     drawProgress();
-    ImGui::SameLine(ImGui::GetContentRegionMax().x - ImGui::CalcTextSize("00000 %").x);
+    ImGui::SameLine(ImGui::GetContentRegionMax().x - ImGui::CalcTextSize(kWidestZoom).x);
     ImGui::TextDisabled("%5.0f %%", zoom * 100.0);
     drawMessages();
     return choice;
@@ -71,6 +108,8 @@ void StatusPanel::drawProgress() const
 {
     const WorkerState state = session_.worker().state();
     ImGui::AlignTextToFramePadding();
+    const SearchState search = session_.search().state();
+    if (search.isRunning) return drawSearch(search);
     if (state.isRendering) {
         const std::string text = stageText(state);
         const float width = std::min(kProgressWidth, ImGui::GetContentRegionAvail().x / 3.0f);
@@ -106,10 +145,15 @@ void StatusPanel::drawMessages()
                                                                      : textColour());
     }
     drawRenderNotes();
+    const SearchState search = session_.search().state();
+    if (search.isRunning && !search.progress.caption.empty()) {
+        drawLine("Best so far: " + search.progress.caption, kNoteColour);
+    }
     ImGui::PopTextWrapPos();
     const auto result = session_.worker().latest();
     const std::uint64_t render = result ? result->serial : 0;
-    if (shown_ != log_.count() || shownRender_ != render) ImGui::SetScrollHereY(1.0f);
+    const bool isNew = shown_ != log_.count() || shownRender_ != render;
+    if (isNew || search.isRunning) ImGui::SetScrollHereY(1.0f);
     shown_ = log_.count();
     shownRender_ = render;
     ImGui::EndChild();

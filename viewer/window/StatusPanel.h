@@ -24,6 +24,7 @@ public:
 private:
     Choice drawFrames(bool isPlaying) const;
     void drawProgress() const;
+    void drawSearch(const SearchState& search) const;
     void drawMessages();
     void drawRenderNotes() const;
 

@@ -10,9 +10,9 @@ namespace Tesseret::Viewer {
 
 namespace {
 
-constexpr float kGap = 4.0f, kGroupGap = 11.0f;  ///< screen units
-constexpr float kSliderWidth = 88.0f;
-const ImVec2 kToolPadding{6.0f, 4.0f};
+constexpr float kGap = 4.0f, kGroupGap = 9.0f;  ///< screen units
+constexpr float kSliderWidth = 76.0f;
+const ImVec2 kToolPadding{5.0f, 4.0f};
 
 struct Menu {
     const char* label;
@@ -45,6 +45,11 @@ bool isPossible(UserCommand command, const ViewSession* session)
         case UserCommand::SaveMatteAs:
         case UserCommand::ShowMatte:
             return session->matte() != nullptr;
+        case UserCommand::ChooseSettings:
+        case UserCommand::ChooseThoroughly:
+            return session->chooseObstacle().empty() && !session->search().isBusy();
+        case UserCommand::StopChoosing:
+            return session->search().state().isRunning;
         case UserCommand::Play:
             return session->frames().size() > 1;
         case UserCommand::PreviousFrame:
@@ -67,10 +72,13 @@ public:
         const float right = ImGui::GetWindowPos().x + ImGui::GetContentRegionMax().x;
         if (end <= right) ImGui::SameLine(0.0f, gap);
     }
-    bool button(const char* label, float gap = kGap)
+    /// As wide as its label, or as another one.
+    bool button(const char* label, float gap = kGap, const char* widest = nullptr)
     {
-        next(ImGui::CalcTextSize(label).x + 2.0f * ImGui::GetStyle().FramePadding.x, gap);
-        return ImGui::Button(label);
+        const float width = ImGui::CalcTextSize(widest != nullptr ? widest : label).x +
+                            2.0f * ImGui::GetStyle().FramePadding.x;
+        next(width, gap);
+        return ImGui::Button(label, {width, 0.0f});
     }
     /// A button that stays pressed while it is chosen.
     bool choice(const char* label, bool isChosen, float gap = kGap)
@@ -85,11 +93,12 @@ public:
         return isPressed;
     }
     std::optional<UserCommand> command(UserCommand command, const char* label,
-                                       const ViewSession& session, float gap)
+                                       const ViewSession& session, float gap,
+                                       const char* widest = nullptr)
     {
         const UserCommandRow& row = rowOf(command);
         ImGui::BeginDisabled(!isPossible(command, &session));
-        const bool isPressed = button(label, gap);
+        const bool isPressed = button(label, gap, widest);
         ImGui::EndDisabled();
         tip(row.label, row.keys);
         return isPressed ? std::optional(command) : std::nullopt;
@@ -133,6 +142,19 @@ void drawTools(Flow& flow, const ViewSession& session, ToolBox& tools)
     }
 }
 
+/// The button begins a search, and ends it.
+std::optional<UserCommand> drawChoice(Flow& flow, const ViewSession& session)
+{
+    constexpr const char* kChoose = "Choose settings";
+    const bool isRunning = session.search().state().isRunning;
+    ImGui::PushStyleColor(ImGuiCol_Button, ImGui::GetStyleColorVec4(ImGuiCol_TabActive));
+    const auto pressed =
+        isRunning ? flow.command(UserCommand::StopChoosing, "Stop", session, kGroupGap, kChoose)
+                  : flow.command(UserCommand::ChooseSettings, kChoose, session, kGroupGap);
+    ImGui::PopStyleColor();
+    return pressed;
+}
+
 void drawBrushSliders(Flow& flow, Brush& brush)
 {
     // The text stands over the grab.
@@ -169,7 +191,9 @@ std::optional<UserCommand> drawMenus(ViewSession* session, bool isPlaying)
          {UserCommand::OpenPicture, UserCommand::SaveResult, UserCommand::SaveResultAs,
           UserCommand::SaveParameters, UserCommand::LoadParameters, UserCommand::CopyCommandLine,
           UserCommand::Quit}},
-        {"Edit", {UserCommand::Undo, UserCommand::Redo, UserCommand::NextSeed}},
+        {"Edit",
+         {UserCommand::Undo, UserCommand::Redo, UserCommand::ChooseSettings,
+          UserCommand::ChooseThoroughly, UserCommand::StopChoosing, UserCommand::NextSeed}},
         {"Matte",
          {UserCommand::OpenMatte, UserCommand::SaveMatte, UserCommand::SaveMatteAs,
           UserCommand::GrowMatte, UserCommand::ShrinkMatte, UserCommand::ClearMatte,
@@ -210,12 +234,13 @@ std::optional<UserCommand> drawToolbar(ViewSession& session, PictureLayers& laye
     if (session.paintObstacle().empty()) {
         offer(UserCommand::GrowMatte, "Grow", kGroupGap);
         offer(UserCommand::ShrinkMatte, "Shrink");
-        constexpr float kStepWidth = 66.0f;
+        constexpr float kStepWidth = 60.0f;
         flow.next(kStepWidth);
         ImGui::SetNextItemWidth(kStepWidth);
         ImGui::DragFloat("##step", &tools.step(), 0.2f, 1.0f, 200.0f, "by %.0f px",
                          ImGuiSliderFlags_AlwaysClamp);
     }
+    if (const auto pressed = drawChoice(flow, session)) chosen = pressed;
     offer(UserCommand::Undo, "Undo", kGroupGap);
     offer(UserCommand::Redo, "Redo");
     ImGui::PopStyleVar();

@@ -57,10 +57,13 @@ float bottomHeight(const WindowSize& size, const ViewSession& session)
 }  // namespace
 
 Viewer::Viewer(std::unique_ptr<ViewSession> session, const Render::RenderSettings& settings,
-               WindowSize size)
+               WindowSize size, bool chooses)
     : window_("Tesseret", size), settings_(settings), parameters_(settings.parameterFile)
 {
-    if (session) show(std::move(session), settings.output);
+    if (!session) return;
+    show(std::move(session), settings.output);
+    if (!chooses || !work_->session->chooseObstacle().empty()) return;
+    work_->session->startChoosing(Fill::Effort::Normal);  // as `fill` does by itself
 }
 
 void Viewer::run()
@@ -68,6 +71,7 @@ void Viewer::run()
     while (!window_.isClosing()) {
         window_.wait(waitTime());
         frame();
+        if (window_.isClosing()) followClosing();
     }
 }
 
@@ -76,6 +80,7 @@ double Viewer::waitTime() const
     if (pendingFrames_ > 0) return kSoon;
     if (work_ && work_->playback.isPlaying()) return kWhilePlaying;
     if (work_ && work_->session->worker().state().isRendering) return kWhileRendering;
+    if (work_ && work_->session->search().isBusy()) return kWhileRendering;
     return ImGui::GetIO().WantTextInput ? kWhileTyping : kWhileIdle;
 }
 
@@ -91,6 +96,7 @@ void Viewer::frame()
     if (work_) {
         updateLog();
         log_.attempt([&] {
+            followSearch();
             work_->followRegion();
             work_->schedule(!wanted_.empty());
             writeWanted();
@@ -109,9 +115,10 @@ void Viewer::layOut()
     if (!work_) return;
     const WindowSize size = window_.size();
     const float top = ImGui::GetFrameHeight() + toolbarHeight_ + hintHeight_;
+    stripHeight_ = work_->variations.height(float(size.height));
     work_->picture.view().setArea(
         {0.0, double(top), double(float(size.width) - sideWidth(size)),
-         double(float(size.height) - top - bottomHeight(size, *work_->session))});
+         double(float(size.height) - top - stripHeight_ - bottomHeight(size, *work_->session))});
 }
 
 void Viewer::drawInterface()
@@ -125,12 +132,14 @@ void Viewer::drawInterface()
     if (work_) {
         drawTop();
         drawSide();
+        drawVariations();
         drawBottom();
     } else {
         drawInvitation();
     }
     drawKeys();
     dialog_.draw();
+    log_.attempt([&] { question_.draw(); });
     if (command) perform(*command);
 }
 
@@ -176,11 +185,22 @@ void Viewer::drawSide()
     ImGui::End();
 }
 
+void Viewer::drawVariations()
+{
+    if (stripHeight_ == 0.0f) return;
+    const ScreenArea& area = work_->picture.view().area();
+    ImGui::PushStyleVar(ImGuiStyleVar_WindowPadding, {8.0f, 2.0f});
+    beginPart("variations", {0.0f, float(area.y + area.height)}, {float(area.width), stripHeight_});
+    work_->variations.draw();
+    ImGui::End();
+    ImGui::PopStyleVar();
+}
+
 void Viewer::drawBottom()
 {
     const ScreenArea& area = work_->picture.view().area();
     const WindowSize size = window_.size();
-    beginPart("status", {0.0f, float(area.y + area.height)},
+    beginPart("status", {0.0f, float(area.y + area.height) + stripHeight_},
               {float(area.width), bottomHeight(size, *work_->session)});
     const StatusPanel::Choice choice =
         work_->status.draw(work_->picture.view().scale(), work_->playback.isPlaying());
@@ -250,6 +270,27 @@ void Viewer::updateLog()
         log_.add(MessageLog::Kind::Message, text);
     }
     if (work_->showLatest()) pendingFrames_ = kSettlingFrames;
+}
+
+/// What has been found is not applied in the middle of a drag.
+void Viewer::followSearch()
+{
+    if (work_->picture.isEditing() || work_->picture.isDrawing() || work_->panel.isDragging())
+        return;
+    if (work_->session->takeChoice()) pendingFrames_ = kSettlingFrames;
+}
+
+/// By the system's button, too.
+void Viewer::followClosing()
+{
+    if (!work_ || !work_->session->hasUnsavedMatte() || isLeaving_) return;
+    window_.keepOpen();
+    pendingFrames_ = kSettlingFrames;
+    if (question_.isAsking()) return;
+    afterMatteIsSafe("Save the painted matte before the window closes?", [this] {
+        isLeaving_ = true;
+        window_.close();
+    });
 }
 
 void Viewer::play()

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 #include "viewer/model/Messages.h"
 #include "viewer/window/PathDialog.h"
+#include "viewer/window/QuestionDialog.h"
 #include "viewer/window/UserCommand.h"
 #include "viewer/window/Window.h"
 #include "viewer/window/Workspace.h"
@@ -16,8 +18,9 @@ class Viewer {
 public:
     /// Opens the window with a session of the settings, or empty without one. Throws `UsageError`
     /// where there is no window system.
+    /// `chooses`: settings are chosen at once, for the matte of the session.
     Viewer(std::unique_ptr<ViewSession> session, const Render::RenderSettings& settings,
-           WindowSize size);
+           WindowSize size, bool chooses);
 
     /// Returns when the user closes the window.
     void run();
@@ -33,7 +36,10 @@ private:
     void drawBottom();
     void drawInvitation();
     void drawKeys();
+    void drawVariations();
     void updateLog();
+    void followSearch();
+    void followClosing();
     void followKeys();
     void followDrops();
     void play();
@@ -44,9 +50,11 @@ private:
     void performOnMatte(UserCommand command);
     void askPicture();
     void openPicture(const std::filesystem::path& file);
+    void openUnlessUnsaved(const std::filesystem::path& file);
+    void afterMatteIsSafe(const std::string& question, std::function<void()> then);
     void show(std::unique_ptr<ViewSession> session, const std::filesystem::path& output);
     void askMatte();
-    void saveMatte(bool asks);
+    void saveMatte(bool asks, std::function<void()> then = nullptr);
     void saveResult(bool asks);
     void askParameters(bool saves);
     void copyCommandLine();
@@ -60,10 +68,13 @@ private:
     MessageLog log_;
     std::unique_ptr<Workspace> work_;  ///< null while there is no picture
     PathDialog dialog_;
+    QuestionDialog question_;
     std::filesystem::path parameters_;  ///< proposed for saving and loading; may be empty
     std::filesystem::path wanted_;  ///< where the result goes once it is complete; empty: nowhere
+    float stripHeight_ = 0.0f;      ///< of the fills to pick from, screen units
     float topWidth_ = 0.0f, toolbarHeight_ = 44.0f, hintHeight_ = 27.0f;  ///< screen units
     bool showsKeys_ = false;
+    bool isLeaving_ = false;  ///< the user has decided about the matte
     int pendingFrames_ = 3;  ///< frames to draw without delay, until the user interface has settled
 };
 

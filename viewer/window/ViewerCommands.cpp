@@ -42,7 +42,7 @@ std::filesystem::path besideSource(const ViewSession& session, const char* befor
 
 void Viewer::followKeys()
 {
-    if (dialog_.isAsking()) return;
+    if (dialog_.isAsking() || question_.isAsking()) return;
     // In the frame after a text was confirmed the library still wants input for it.
     const bool isTyping = ImGui::GetIO().WantTextInput && ImGui::IsAnyItemActive();
     for (const KeyEvent& key : window_.keys()) {
@@ -61,7 +61,7 @@ void Viewer::followKeys()
 void Viewer::followDrops()
 {
     for (const std::string& file : window_.takeDrops()) {
-        log_.attempt([&] { openPicture(file); });
+        log_.attempt([&] { openUnlessUnsaved(file); });
     }
 }
 
@@ -103,6 +103,13 @@ void Viewer::performOnPicture(UserCommand command)
             return command == UserCommand::Undo ? session.undo() : session.redo();
         case UserCommand::NextSeed:
             return session.nextSeed();
+        case UserCommand::ChooseSettings:
+            return session.startChoosing(Fill::Effort::Normal);
+        case UserCommand::ChooseThoroughly:
+            return session.startChoosing(Fill::Effort::Best);
+        case UserCommand::StopChoosing:
+            if (work_->picture.isDrawing()) return work_->picture.cancelDrawing();
+            return session.search().stop();
         case UserCommand::Fit:
             return view.fit();
         case UserCommand::ActualSize:
@@ -164,17 +171,29 @@ void Viewer::askPicture()
 {
     std::filesystem::path folder;
     if (work_) folder = work_->session->inputs().source().file.parent_path() / "";
-    const bool losesPaint = work_ && work_->session->needsMatteFile();
-    const char* const question =
-        losesPaint ? "Open the picture (the painted matte is not saved)" : "Open the picture";
-    dialog_.ask(question, folder, [this](const std::filesystem::path& file) { openPicture(file); });
+    dialog_.ask("Open the picture", folder,
+                [this](const std::filesystem::path& file) { openUnlessUnsaved(file); });
 }
 
-/// The picture before stays until this one has been read.
+void Viewer::openUnlessUnsaved(const std::filesystem::path& file)
+{
+    PictureCache(settingsFor(file, settings_)).read(0);  // before the question, whether it can be
+    afterMatteIsSafe("Save the painted matte before another picture is opened?",
+                     [this, file] { openPicture(file); });
+}
+
+/// At once where nothing would be lost.
+void Viewer::afterMatteIsSafe(const std::string& question, std::function<void()> then)
+{
+    if (!work_ || !work_->session->hasUnsavedMatte()) return then();
+    question_.ask(
+        question, [this, then] { saveMatte(!work_->hasMatteName, then); }, then);
+}
+
+/// Has been read once.
 void Viewer::openPicture(const std::filesystem::path& file)
 {
     const Render::RenderSettings settings = settingsFor(file, settings_);
-    PictureCache(settings).read(0);
     wanted_.clear();
     work_.reset();  // one session at a time has the plug-in
     show(std::make_unique<ViewSession>(settings), {});
@@ -185,6 +204,7 @@ void Viewer::show(std::unique_ptr<ViewSession> session, const std::filesystem::p
     work_ = std::make_unique<Workspace>(std::move(session), log_);
     work_->output = output;
     work_->session->worker().setOnDone(&Window::wake);
+    work_->session->search().setOnChange(&Window::wake);
     window_.setTitle(work_->session->inputs().source().file.filename().string() + " - " +
                      work_->session->effect().label);
     pendingFrames_ = 3;
@@ -192,20 +212,27 @@ void Viewer::show(std::unique_ptr<ViewSession> session, const std::filesystem::p
 
 void Viewer::askMatte()
 {
+    const auto open = [this](const std::filesystem::path& file) {
+        work_->session->loadMatte(file);
+        work_->picture.showHole();
+        note("Opened " + file.string());
+    };
     dialog_.ask("Open the matte", besideSource(*work_->session, "").parent_path() / "",
-                [this](const std::filesystem::path& file) {
-                    work_->session->loadMatte(file);
-                    work_->picture.showHole();
-                    note("Opened " + file.string());
+                [this, open](const std::filesystem::path& file) {
+                    Files::readInfo(file);
+                    afterMatteIsSafe("Save the painted matte before another one takes its place?",
+                                     [open, file] { open(file); });
                 });
 }
 
-void Viewer::saveMatte(bool asks)
+/// `then` once it is saved.
+void Viewer::saveMatte(bool asks, std::function<void()> then)
 {
-    const auto save = [this](const std::filesystem::path& file) {
+    const auto save = [this, then](const std::filesystem::path& file) {
         work_->session->saveMatte(file);
         work_->hasMatteName = true;
         note("Saved " + file.string());
+        if (then) then();
     };
     if (!asks) return save(work_->session->matteFile());
     dialog_.ask("Save the matte as", work_->session->matteFile(), save);

@@ -171,6 +171,11 @@ void Window::close()
     glfwSetWindowShouldClose(window_, GLFW_TRUE);
 }
 
+void Window::keepOpen()
+{
+    glfwSetWindowShouldClose(window_, GLFW_FALSE);
+}
+
 void Window::setTitle(const std::string& title)
 {
     glfwSetWindowTitle(window_, title.c_str());

@@ -47,6 +47,8 @@ public:
     /// Whether the user has closed the window.
     bool isClosing() const;
     void close();
+    /// The user's wish to close it does not count.
+    void keepOpen();
     void setTitle(const std::string& title);
     void copyToClipboard(const std::string& text);
 

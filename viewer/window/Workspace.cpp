@@ -9,6 +9,7 @@ Workspace::Workspace(std::unique_ptr<ViewSession> opened, MessageLog& log)
     : session(std::move(opened)),
       picture(*session, log),
       panel(*session, log),
+      variations(*session, log),
       status(*session, log),
       scheduler(*session),
       filledRegion_(fillsRegion())
@@ -28,6 +29,9 @@ Progress Workspace::progress() const
     progress.hasPaint = session->hasPaint();
     progress.isDrawing = picture.isDrawing();
     progress.isRendering = session->worker().state().isRendering;
+    progress.isChoosing = session->search().isBusy();
+    progress.hasChosen = session->hasList();
+    progress.hasFills = !session->variations().empty();
     progress.showsSource = picture.layers().layer() == Layer::Source;
     progress.obstacle = session->paintObstacle();
     progress.tool = picture.tools().kind();
@@ -48,10 +52,12 @@ bool Workspace::showLatest()
     return true;
 }
 
-/// A picture that is only looked at costs no render.
+/// A picture that is only looked at costs no render. While the first settings are being chosen the
+/// trials are seen, not what a fill with other settings would be.
 void Workspace::schedule(bool wantsResult)
 {
     if (session->isPainting()) return;
+    if (session->search().isBusy() && !session->worker().latest()) return;
     const bool isIdle = picture.layers().layer() == Layer::Source && !fillsRegion();
     if (isIdle && !wantsResult) return;
     const bool wantsMaps = !mapName(picture.layers().layer()).empty();

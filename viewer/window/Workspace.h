@@ -8,6 +8,7 @@
 #include "viewer/window/ParameterPanel.h"
 #include "viewer/window/PictureArea.h"
 #include "viewer/window/StatusPanel.h"
+#include "viewer/window/VariationStrip.h"
 
 namespace Tesseret::Viewer {
 
@@ -30,6 +31,7 @@ struct Workspace {
     std::unique_ptr<ViewSession> session;
     PictureArea picture;
     ParameterPanel panel;
+    VariationStrip variations;
     StatusPanel status;
     RenderScheduler scheduler;
     Playback playback;
