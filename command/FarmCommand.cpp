@@ -96,7 +96,7 @@ int retry(const FarmOptions& options)
     acceptMended(job, missing);
     const std::string id = Farm::submitChunks(job, *queue, chunks);
     if (!id.empty()) std::fprintf(stream, "Slurm job %s: ", id.c_str());
-    std::fprintf(stream, "%zu frames in %zu chunks again\n", missing.size(), chunks.size());
+    std::fprintf(stream, "%s again\n", sizeText(missing.size(), chunks.size()).c_str());
     return 0;
 }
 

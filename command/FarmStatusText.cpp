@@ -50,6 +50,12 @@ std::string failureText(const Farm::Job& job, const Farm::ChunkStatus& failed)
 
 }  // namespace
 
+std::string sizeText(std::size_t frames, std::size_t chunks)
+{
+    return std::to_string(frames) + (frames == 1 ? " frame in " : " frames in ") +
+           std::to_string(chunks) + (chunks == 1 ? " chunk" : " chunks");
+}
+
 std::string farmProgressText(const Farm::JobStatus& status)
 {
     const std::string rate = rateText(status);
@@ -58,9 +64,8 @@ std::string farmProgressText(const Farm::JobStatus& status)
 
 std::string farmStatusText(const Farm::Job& job, const Farm::JobStatus& status)
 {
-    std::string text = std::to_string(status.frameCount()) + " frames in " +
-                       std::to_string(status.chunks.size()) + " chunks: " + countsText(status) +
-                       "\n";
+    std::string text = sizeText(status.frameCount(), status.chunks.size());
+    text.append(": ").append(countsText(status)).append("\n");
     const std::string rate = rateText(status);
     if (!rate.empty()) text += rate + "\n";
     if (!status.isQueueKnown && job.queue == "slurm")

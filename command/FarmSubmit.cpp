@@ -1,11 +1,17 @@
 #include "command/FarmSubmit.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <fstream>
 #include <memory>
 #include <numeric>
+#include <span>
+#include <string_view>
+#include <utility>
 
+#include "command/FarmStatusText.h"
+#include "command/FileWords.h"
 #include "command/RenderOptions.h"
 #include "command/RenderReporter.h"
 #include "command/RenderWords.h"
@@ -99,6 +105,13 @@ Farm::Job jobFrom(const SubmitOptions& options, const Render::RenderSettings& se
     job.version = TESSERET_VERSION;
     job.program = fs::read_symlink("/proc/self/exe");
     job.arguments = wordsOf(options.renderOptions);
+    for (const auto& [option, file] :
+         {std::pair("--source=", settings.source), std::pair("--matte=", settings.matte),
+          std::pair("--output=", settings.output)}) {
+        if (!file.empty()) job.arguments.push_back(option + absoluteName(file).string());
+    }
+    job.arguments.insert(job.arguments.end(), settings.parameters.begin(),
+                         settings.parameters.end());
     job.output = absoluteName(settings.output);
     job.folder = options.folder.empty() ? folderBeside(job.output) : absoluteName(options.folder);
     // "shot.farm/" is the same folder, and the job has its name.
@@ -164,9 +177,8 @@ void printPreview(const Farm::Job& job, const Farm::Queue& queue, const std::vec
 void printJob(const Farm::Job& job, const std::string& id, std::size_t existing)
 {
     std::FILE* const stream = job.queue == "print" ? stderr : stdout;
-    const std::size_t count = job.chunks().size();
     if (!id.empty()) std::fprintf(stream, "Slurm job %s: ", id.c_str());
-    std::fprintf(stream, "%zu frames in %zu chunks\n", job.frames.size(), count);
+    std::fprintf(stream, "%s\n", sizeText(job.frames.size(), job.chunks().size()).c_str());
     if (existing > 0) {
         std::fprintf(stream,
                      "%zu frames have their files already, which stay as they are; remove them to "
@@ -178,7 +190,12 @@ void printJob(const Farm::Job& job, const std::string& id, std::size_t existing)
 
 Render::RenderSettings shotSettings(const SubmitOptions& options)
 {
-    Render::RenderSettings settings = settingsFrom(options.render);
+    RenderOptions render = options.render;
+    const std::vector<fs::path> sources = takeFileWords(render);
+    if (sources.size() > 1) throw UsageError("several sources: a job renders one sequence");
+    Render::RenderSettings settings = settingsFrom(optionsFor(render, sources.front()));
+    if (settings.frames.empty())
+        throw UsageError(settings.source.string() + ": is no sequence; name it plate.####.png");
     std::ranges::sort(settings.frames);
     settings.skipsWhole = true;
     return settings;
@@ -287,11 +304,13 @@ void addFarmSubmit(CLI::App& farm, Action& action)
     addShotOptions(*command, options->render);
     addPictureOptions(*command, options->render);
     addPluginOptions(*command, options->render);
-    command->get_option("--frames")->required();
     command->remove_option(command->get_option("--save-fill"));
+    // The job has these itself, the files whichever way they are given.
+    constexpr std::array<std::string_view, 6> kOwn{"--help",   "--frames", "--load-fill",
+                                                   "--source", "--matte",  "--output"};
     for (const CLI::Option* const option : command->get_options()) {
         const std::string name = option->get_name();
-        const bool isOwn = name == "--help" || name == "--frames" || name == "--load-fill";
+        const bool isOwn = std::ranges::find(kOwn, name) != std::end(kOwn);
         if (!isOwn) options->renderOptions.push_back(option);
     }
     addJobOptions(*command, *options);

@@ -24,18 +24,13 @@ std::string valueOf(const CLI::Option& option)
 
 std::vector<std::string> wordsOf(const std::vector<const CLI::Option*>& options)
 {
-    std::vector<std::string> words, positional;
+    std::vector<std::string> words;
     for (const CLI::Option* const option : options) {
-        if (option->count() == 0) continue;
-        if (option->get_lnames().empty()) {
-            positional = option->results();
-            continue;
-        }
+        if (option->count() == 0 || option->get_lnames().empty()) continue;
         const std::string name = "--" + option->get_lnames().front();
         const bool isFlag = option->get_items_expected_max() == 0;
         words.push_back(isFlag ? name : name + "=" + valueOf(*option));
     }
-    words.insert(words.end(), positional.begin(), positional.end());
     return words;
 }
 

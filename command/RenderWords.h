@@ -9,7 +9,7 @@
 
 namespace Tesseret::Command {
 
-/// The words of the options that were given, positional ones last; files and folders by their
+/// The words of the options that were given, but for positional ones; files and folders by their
 /// absolute names.
 std::vector<std::string> wordsOf(const std::vector<const CLI::Option*>& options);
 

@@ -54,7 +54,7 @@ matches "the status" "$(<status.txt)" "chunk 1, frames 7: frame 7: "
 matches "the status" "$(<status.txt)" "plate.0007.png: "
 mv whole.png plate.0007.png
 "$tesseret" farm retry mended.farm >retried.txt
-matches "the second submission" "$(<retried.txt)" "1 frames in 1 chunks again"
+matches "the second submission" "$(<retried.txt)" "1 frame in 1 chunk again"
 expect "the exit code after a retry" "$(job_state mended.farm)" 3
 until_true 60 "the mended shot" has_ended mended.farm
 expect "the exit code of the mended shot" "$(job_state mended.farm)" 0
