@@ -13,6 +13,8 @@ namespace Orvane::Engine {
 namespace {
 
 constexpr const char* kCannotAvoid = "Cannot avoid matte!\n";
+/// Positions drawn between two polls for an abort; a millisecond or two.
+constexpr std::int64_t kPositionsBetweenPolls = 1 << 16;
 constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
 constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
 /// Runs of blocks in a step for each thread; more than one, so that the others make up for a slow
@@ -138,7 +140,11 @@ void Quilt<Pixel>::findAvoidFailure()
         for (int column = 0; column < grid_.columns() && row <= firstRow; ++column) {
             const BlockPlace place = grid_.at(row, column);
             CandidateDraw draw(candidates_, place, kNever, workspace(worker).choice.tried());
+            std::int64_t polledAt = 0;
             while (!draw.failedToAvoid() && draw.next()) {
+                if (draw.positionsDrawn() - polledAt < kPositionsBetweenPolls) continue;
+                polledAt = draw.positionsDrawn();
+                if (work_.stops()) return;
             }
             if (!draw.failedToAvoid()) continue;
             first[static_cast<std::size_t>(row)] = {grid_.index(row, column), draw.drawn()};
