@@ -23,6 +23,14 @@ constexpr int kRunsPerThread = 2;
 /// The largest sample box that is copied when it extends beyond its texture, pixels.
 constexpr std::int64_t kMaxUnfolded = 1 << 22;
 
+/// The column of a block where its vertical seam cuts. Far out, where floats are coarse, the cut is
+/// beside the seam; then it stays in the overlap, since nothing lies under the rest of the block.
+int cutIn(const BlockPlace& place, int seam, int blend)
+{
+    const int cut = cutAt(place.x, static_cast<float>(seam)) - place.x;
+    return std::min(cut, std::max(seam, place.overlapW - blend));
+}
+
 }  // namespace
 
 template <typename Pixel>
@@ -295,9 +303,7 @@ void Quilt<Pixel>::pasteBlock(const BlockPlace& place, const Rows<Pixel>& block,
         const Pixel* from = block.at(y);
         // Columns relative to the block's corner.
         const int cut =
-            place.firstInRow()
-                ? 0
-                : cutAt(place.x, static_cast<float>(seam[static_cast<std::size_t>(y)])) - place.x;
+            place.firstInRow() ? 0 : cutIn(place, seam[static_cast<std::size_t>(y)], blend);
         const int begin = std::clamp(cut - blend, to.begin, to.end);
         const int whole = std::clamp(cut + blend, to.begin, to.end);
         if (begin < whole) {

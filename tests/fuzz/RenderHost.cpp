@@ -22,8 +22,8 @@ void RenderHost::reported(const Host::Report& report)
 
 OfxStatus RenderHost::checkAllocation(const Host::EffectObject* /*effect*/, std::size_t bytes)
 {
-    const bool isLarge = bytes > std::size_t{kMemoryLimit} ||
-                         bytesLive + static_cast<long>(bytes) > kMemoryLimit;
+    const bool isLarge =
+        bytes > std::size_t{kMemoryLimit} || bytesLive + static_cast<long>(bytes) > kMemoryLimit;
     if (++allocations != refusedAllocation && !isLarge) return kOfxStatOK;
     wasRefused = true;
     return kOfxStatErrMemory;
