@@ -7,8 +7,8 @@ namespace {
 
 /// From this number of samples on, repeated positions are skipped.
 constexpr int kManySamples = 1000;
-/// Repetitions left out in a row; less than a millisecond's.
-constexpr int kMostLeftOut = 1 << 14;
+/// Repetitions left out in a row; some ten milliseconds.
+constexpr int kMostLeftOut = 1 << 20;
 
 /// The block's own seed: its candidates depend on its position and the user's seed only.
 std::uint32_t blockSeed(const BlockPlace& place, int seed)

@@ -9,7 +9,7 @@ namespace Tesseret::Fuzz {
 namespace {
 
 /// More than the cases need that end soon.
-constexpr long kMemoryLimit = 32L << 20;
+constexpr long kMemoryLimit = 4L << 20;
 /// Renders are aborted then, so that no case takes long.
 constexpr unsigned int kMostPolls = 400;
 
