@@ -10,6 +10,8 @@ namespace {
 constexpr std::size_t kMaxContenders = 256;
 /// Pixels compared between two polls for an abort; some milliseconds.
 constexpr std::int64_t kPixelsBetweenPolls = 1 << 21;
+/// A position drawn takes about as long as so many pixels compared.
+constexpr std::int64_t kPixelsPerPosition = 8;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// The columns [begin, end) that hold all positive weights of a row.
@@ -36,10 +38,11 @@ Candidate BlockChoice<Pixel>::best(CandidateDraw& draw, const BlockPlace& place,
                                    const std::function<bool()>& stops)
 {
     start(place, surroundings);
-    std::int64_t compared = 0;
+    std::int64_t compared = 0, drawn = 0;
     while (const std::optional<Candidate> candidate = draw.next()) {
         consider(*candidate);
-        compared += pixels_ + 1;
+        compared += pixels_ + kPixelsPerPosition * (draw.positionsDrawn() - drawn);
+        drawn = draw.positionsDrawn();
         if (compared < kPixelsBetweenPolls) continue;
         compared = 0;
         if (stops()) break;

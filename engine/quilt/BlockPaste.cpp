@@ -30,15 +30,17 @@ float share(int dx, int dy, const Blend& blend)
     return kNone;
 }
 
-/// Copies [x0, x1) from `shift` pixels further.
+/// Copies [x0, x1) from where a block's pixels come from.
 template <typename Pixel>
-void copyShifted(const RowReader<Pixel>& from, int x0, int x1, int shift, RowWriter<Pixel>& to)
+void copyFrom(const RowReader<Pixel>& from, int x0, int x1,
+              const typename BlockPaste<Pixel>::Block& block, RowWriter<Pixel>& to)
 {
     const int count = x1 - x0;
-    if (const Pixel* span = from.span(x0 + shift, count)) {
+    if (count <= 0) return;
+    if (const Pixel* span = from.span(block.sourceOf(x0), count)) {
         std::copy_n(span, count, to.from(x0));
     } else {
-        for (int x = x0; x < x1; ++x) to[x] = from[x + shift];
+        for (int x = x0; x < x1; ++x) to[x] = from[block.sourceOf(x)];
     }
 }
 
@@ -66,14 +68,17 @@ void BlockPaste<Pixel>::run(const Map<Pixel>& image, const Block& block, const R
     const int begin = std::max(rows.begin, region.y0), end = std::min(rows.end, region.y1);
     if (begin >= end || region.x0 >= region.x1) return;
     resolveSeam(block);
+    const Region stored = destination.storedExtent();
+    const Columns columns{std::max(region.x0, stored.x0), std::min(region.x1, stored.x1)};
+    if (columns.begin >= columns.end) return;
     const bool blends = blend_.width != 0 || blend_.height != 0;
     for (int y = begin; y < end; ++y) {
-        const RowReader from(image, block.srcY + y - region.y0);
+        const RowReader from(image, block.srcY + (y - region.y0));
         RowWriter to(destination, y);
         if (blends) {
-            blendRow(block, y, from, to);
+            blendRow(block, y, columns, from, to);
         } else {
-            cutRow(block, y, from, to);
+            cutRow(block, y, columns, from, to);
         }
     }
 }
@@ -93,47 +98,47 @@ void BlockPaste<Pixel>::resolveSeam(const Block& block)
 
 /// Pastes one row along hard cuts.
 template <typename Pixel>
-void BlockPaste<Pixel>::cutRow(const Block& block, int y, const RowReader<Pixel>& image,
-                               RowWriter<Pixel>& to)
+void BlockPaste<Pixel>::cutRow(const Block& block, int y, const Columns& columns,
+                               const RowReader<Pixel>& image, RowWriter<Pixel>& to)
 {
     const Region& region = block.region;
     const float seam = block.seams.vertical[static_cast<std::size_t>(y - region.y0)].x;
-    const int begin = std::max(cutAt(region.x0, seam), region.x0);
-    const int shift = block.srcX - region.x0;
-    if (begin >= region.x1 || y < lowestSeamY_) return;
+    const int begin = std::max(cutAt(region.x0, seam), columns.begin);
+    if (begin >= columns.end || y < lowestSeamY_) return;
     if (y >= highestSeamY_) {
-        copyShifted(image, begin, region.x1, shift, to);
+        copyFrom<Pixel>(image, begin, columns.end, block, to);
         return;
     }
-    const int* seamY = seamY_.data() - region.x0;
-    for (int x = begin; x < region.x1;) {
+    const auto isAbove = [&](int x) {
+        return y >= seamY_[static_cast<std::size_t>(x - region.x0)];
+    };
+    for (int x = begin; x < columns.end;) {
         const int first = x;
-        while (x < region.x1 && y >= seamY[x]) ++x;
-        if (first < x) copyShifted(image, first, x, shift, to);
-        while (x < region.x1 && y < seamY[x]) ++x;
+        while (x < columns.end && isAbove(x)) ++x;
+        copyFrom<Pixel>(image, first, x, block, to);
+        while (x < columns.end && !isAbove(x)) ++x;
     }
 }
 
 /// Pastes one row across blend bands.
 template <typename Pixel>
-void BlockPaste<Pixel>::blendRow(const Block& block, int y, const RowReader<Pixel>& image,
-                                 RowWriter<Pixel>& to)
+void BlockPaste<Pixel>::blendRow(const Block& block, int y, const Columns& columns,
+                                 const RowReader<Pixel>& image, RowWriter<Pixel>& to)
 {
     const Region& region = block.region;
     const int seamX =
         cutAt(region.x0, block.seams.vertical[static_cast<std::size_t>(y - region.y0)].x);
-    const int shift = block.srcX - region.x0;
     // From here on the block is copied whole.
-    int whole = region.x1;
+    int whole = columns.end;
     if (y - blend_.height >= highestSeamY_) {
-        whole = std::clamp(seamX + blend_.width, region.x0, region.x1);
-        copyShifted(image, whole, region.x1, shift, to);
+        whole = std::clamp(seamX + blend_.width, columns.begin, columns.end);
+        copyFrom<Pixel>(image, whole, columns.end, block, to);
     }
-    const int* seamY = seamY_.data();
-    for (int x = region.x0; x < whole; ++x, ++seamY) {
+    const int* seamY = seamY_.data() + (columns.begin - region.x0);
+    for (int x = columns.begin; x < whole; ++x, ++seamY) {
         const float t = share(x - seamX, y - *seamY, blend_);
         if (t == kNone) continue;
-        const Pixel s = image[x + shift];
+        const Pixel s = image[block.sourceOf(x)];
         to[x] = t == kFull ? s : mixed(to[x], s, t);
     }
 }

@@ -41,19 +41,30 @@ public:
         Region region;
         int srcX, srcY;  ///< the position in the image of the region's first pixel
         Seams seams;
+
+        /// The column of the image that belongs to one of the region. In this order, since the
+        /// distance between the two may not fit an int.
+        int sourceOf(int x) const { return srcX + (x - region.x0); }
     };
 
     explicit BlockPaste(const Blend& blend) : blend_(blend) {}
 
-    /// Pastes those rows of the block's region that lie in `rows`; they must lie in the
-    /// destination.
+    /// Pastes those rows of the block's region that lie in `rows`, which must lie in the
+    /// destination; and of them the columns that lie there. Far out, where floats are coarse, a
+    /// recorded block may lie beside its place.
     void run(const Map<Pixel>& image, const Block& block, const RowRange& rows,
              Map<Pixel>& destination);
 
 private:
     void resolveSeam(const Block& block);
-    void cutRow(const Block& block, int y, const RowReader<Pixel>& image, RowWriter<Pixel>& to);
-    void blendRow(const Block& block, int y, const RowReader<Pixel>& image, RowWriter<Pixel>& to);
+    struct Columns {
+        int begin, end;
+    };
+
+    void cutRow(const Block& block, int y, const Columns& columns, const RowReader<Pixel>& image,
+                RowWriter<Pixel>& to);
+    void blendRow(const Block& block, int y, const Columns& columns, const RowReader<Pixel>& image,
+                  RowWriter<Pixel>& to);
 
     Blend blend_;
     std::vector<int> seamY_;  ///< absolute, one for each column of the region

@@ -7,6 +7,8 @@ namespace {
 
 /// From this number of samples on, repeated positions are skipped.
 constexpr int kManySamples = 1000;
+/// Repetitions left out in a row; some ten milliseconds.
+constexpr int kMostLeftOut = 1 << 20;
 
 /// The block's own seed: its candidates depend on its position and the user's seed only.
 std::uint32_t blockSeed(const BlockPlace& place, int seed)
@@ -30,11 +32,11 @@ CandidateDraw::CandidateDraw(const CandidateSource& source, const BlockPlace& pl
 std::optional<Candidate> CandidateDraw::next()
 {
     const std::int64_t all = static_cast<std::int64_t>(source_->textures.size()) * source_->samples;
-    while (drawn_ < all) {
+    for (int leftOut = 0; drawn_ < all; ++leftOut) {
         if (drawn_ % source_->samples == 0) startTexture();
         const Candidate candidate = avoids() ? drawAvoiding() : draw();
         ++drawn_;
-        if (tried_->isNew(candidate.x, candidate.y)) return candidate;
+        if (tried_->isNew(candidate.x, candidate.y) || leftOut == kMostLeftOut) return candidate;
     }
     return {};
 }
@@ -57,6 +59,7 @@ void CandidateDraw::startTexture()
 Candidate CandidateDraw::draw()
 {
     const Region& box = source_->sampleBox;
+    ++positionsDrawn_;
     Candidate candidate{texture_, 0, 0};
     candidate.x = box.x0 + drawBelow(random_, std::int64_t{box.x1} - place_->width - box.x0);
     candidate.y = box.y0 + drawBelow(random_, std::int64_t{box.y1} - place_->height - box.y0);
@@ -70,6 +73,7 @@ Candidate CandidateDraw::drawAvoiding()
     const MapDomain& texture = *source_->textures[static_cast<std::size_t>(texture_)];
     Candidate candidate{texture_, 0, 0};
     for (int attempt = 0; attempt < kAvoidAttempts; ++attempt) {
+        ++positionsDrawn_;
         candidate.x = texture.xAxis().offset +
                       drawBelow(random_, std::int64_t{texture.width()} - place_->width);
         candidate.y = texture.yAxis().offset +

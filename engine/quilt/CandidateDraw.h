@@ -37,10 +37,13 @@ public:
     CandidateDraw(const CandidateSource& source, const BlockPlace& place, std::int64_t freeFrom,
                   TriedPositions& tried);
 
-    /// The next candidate, without known repetitions; none at the end.
+    /// The next candidate; none at the end. Known repetitions are left out, but for one in many, so
+    /// that the caller can poll between them.
     std::optional<Candidate> next();
     /// The number of candidates drawn so far, repetitions included.
     std::int64_t drawn() const { return drawn_; }
+    /// The number of positions drawn for them.
+    std::int64_t positionsDrawn() const { return positionsDrawn_; }
     /// Whether the last candidate touches the region to avoid.
     bool failedToAvoid() const { return failedToAvoid_; }
 
@@ -56,6 +59,7 @@ private:
     TriedPositions* tried_;
     Random random_;
     std::int64_t drawn_ = 0;
+    std::int64_t positionsDrawn_ = 0;
     int texture_ = 0;
     bool failedToAvoid_ = false;
 };

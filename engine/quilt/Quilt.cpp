@@ -13,6 +13,8 @@ namespace Orvane::Engine {
 namespace {
 
 constexpr const char* kCannotAvoid = "Cannot avoid matte!\n";
+/// Positions drawn between two polls for an abort; a millisecond or two.
+constexpr std::int64_t kPositionsBetweenPolls = 1 << 16;
 constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
 constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
 /// Runs of blocks in a step for each thread; more than one, so that the others make up for a slow
@@ -20,6 +22,14 @@ constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
 constexpr int kRunsPerThread = 2;
 /// The largest sample box that is copied when it extends beyond its texture, pixels.
 constexpr std::int64_t kMaxUnfolded = 1 << 22;
+
+/// The column of a block where its vertical seam cuts. Far out, where floats are coarse, the cut is
+/// beside the seam; then it stays in the overlap, since nothing lies under the rest of the block.
+int cutIn(const BlockPlace& place, int seam, int blend)
+{
+    const int cut = cutAt(place.x, static_cast<float>(seam)) - place.x;
+    return std::min(cut, std::max(seam, place.overlapW - blend));
+}
 
 }  // namespace
 
@@ -138,7 +148,11 @@ void Quilt<Pixel>::findAvoidFailure()
         for (int column = 0; column < grid_.columns() && row <= firstRow; ++column) {
             const BlockPlace place = grid_.at(row, column);
             CandidateDraw draw(candidates_, place, kNever, workspace(worker).choice.tried());
+            std::int64_t polledAt = 0;
             while (!draw.failedToAvoid() && draw.next()) {
+                if (draw.positionsDrawn() - polledAt < kPositionsBetweenPolls) continue;
+                polledAt = draw.positionsDrawn();
+                if (work_.stops()) return;
             }
             if (!draw.failedToAvoid()) continue;
             first[static_cast<std::size_t>(row)] = {grid_.index(row, column), draw.drawn()};
@@ -289,9 +303,7 @@ void Quilt<Pixel>::pasteBlock(const BlockPlace& place, const Rows<Pixel>& block,
         const Pixel* from = block.at(y);
         // Columns relative to the block's corner.
         const int cut =
-            place.firstInRow()
-                ? 0
-                : cutAt(place.x, static_cast<float>(seam[static_cast<std::size_t>(y)])) - place.x;
+            place.firstInRow() ? 0 : cutIn(place, seam[static_cast<std::size_t>(y)], blend);
         const int begin = std::clamp(cut - blend, to.begin, to.end);
         const int whole = std::clamp(cut + blend, to.begin, to.end);
         if (begin < whole) {

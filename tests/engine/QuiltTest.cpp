@@ -137,6 +137,50 @@ TYPED_TEST(QuiltStages, PasteAgreesWithTheReference)
     }
 }
 
+TYPED_TEST(QuiltStages, PastesFromAnywhereInTheIntegersAndOnlyIntoTheDestination)
+{
+    constexpr int kFar = 1'000'000'000, kEnd = std::numeric_limits<int>::max() - 40;
+    const auto from = noise<TypeParam>(12, 6, 3, kEnd, -kFar);
+    auto to = solid<TypeParam>(8, 3, 0.25f);
+    const auto untouched = to.at(0, 0);
+    to->placeAt(-kFar + 1, kFar);
+    const std::vector<PixelVec2f> horizontal(12), vertical(3);
+    // The destination begins a column behind the block and ends three before its end.
+    for (const int blend : {0, 1}) {
+        BlockPaste<TypeParam>({.width = blend, .height = 0})
+            .run(*from,
+                 {.region = {-kFar, kFar, -kFar + 12, kFar + 3},
+                  .srcX = kEnd,
+                  .srcY = -kFar + 2,
+                  .seams = {horizontal, vertical}},
+                 {kFar, kFar + 2}, *to);
+        for (int x = 0; x < 8; ++x) {
+            // The blend across the seam, at the block's first column, ends where the map begins.
+            EXPECT_EQ(to->read(-kFar + 1 + x, kFar), from->read(kEnd + 1 + x, -kFar + 2)) << x;
+            EXPECT_EQ(to->read(-kFar + 1 + x, kFar + 2), untouched) << x;
+        }
+    }
+}
+
+TEST(CandidateDraw, ReturnsNowAndThenWhereOnlyRepetitionsAreLeft)
+{
+    const auto texture = noise<PixelRGBA8>(8, 8, 1);
+    const MapDomain* const domain = &*texture;
+    const CandidateSource source{.sampleBox = {0, 0, 4, 4},
+                                 .textures = {&domain, 1},
+                                 .samples = std::numeric_limits<int>::max(),
+                                 .seed = 1};
+    BlockPlace place{};
+    place.width = place.height = 4;
+    TriedPositions tried;
+    CandidateDraw draw(source, place, 0, tried);
+    for (int i = 0; i < 3; ++i) {
+        const std::int64_t before = draw.positionsDrawn();
+        ASSERT_TRUE(draw.next());
+        EXPECT_LE(draw.positionsDrawn() - before, (1 << 20) + 1);
+    }
+}
+
 TYPED_TEST(QuiltStages, PasteRisesLinearlyAcrossTheVerticalSeam)
 {
     auto target = solid<TypeParam>(16, 1, 0.0f);
