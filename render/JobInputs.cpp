@@ -77,6 +77,7 @@ JobInputs::JobInputs(const RenderSettings& settings)
 JobInputs JobInputs::withCrops(const RenderSettings& settings) const
 {
     JobInputs other = *this;
+    other.stills_ = std::make_shared<FramePictures>();
     other.infos_ = read_;
     other.crops_ = TextureCrops(settings, read_);
     other.crops_.cut(other.infos_);
@@ -192,8 +193,8 @@ ClipPicture JobInputs::readClip(const Input& input, int frame, Depth depth)
 
 ClipPicture JobInputs::readOnce(const Input& input, int frame, Depth depth)
 {
-    const auto still = stills_.find(input.clip);
-    return still != stills_.end() ? still->second : readClip(input, frame, depth);
+    const auto still = stills_->find(input.clip);
+    return still != stills_->end() ? still->second : readClip(input, frame, depth);
 }
 
 FramePictures JobInputs::readMatte(int frame, Depth depth)
@@ -201,7 +202,7 @@ FramePictures JobInputs::readMatte(int frame, Depth depth)
     const auto matte = std::ranges::find(inputs_, std::string(Names::kMatte), &Input::clip);
     if (matte == inputs_.end() || !matte->pattern.missing({frame}).empty()) return {};
     ClipPicture picture = readOnce(*matte, frame, depth);
-    if (!matte->pattern.isSequence()) stills_.emplace(matte->clip, picture);
+    if (!matte->pattern.isSequence()) stills_->emplace(matte->clip, picture);
     checkMatte(picture.info, source());
     FramePictures pictures;
     pictures.emplace(matte->clip, std::move(picture));
@@ -216,7 +217,7 @@ FramePictures JobInputs::read(int frame, Depth depth)
     FramePictures pictures;
     for (std::size_t i = 0; i < inputs_.size(); ++i) {
         const Input& input = inputs_[i];
-        if (!input.pattern.isSequence() && isSequence_) stills_.emplace(input.clip, read[i]);
+        if (!input.pattern.isSequence() && isSequence_) stills_->emplace(input.clip, read[i]);
         pictures.emplace(input.clip, std::move(read[i]));
     }
     if (pictures.contains(Names::kMatte)) {

@@ -85,7 +85,8 @@ private:
     std::map<std::string, Files::PictureInfo> read_;   ///< as in the files
     std::map<std::string, Files::PictureInfo> infos_;  ///< with the textures cut
     TextureCrops crops_;
-    FramePictures stills_;
+    /// Shared by no copy, which can be made while this is filled on another thread.
+    std::shared_ptr<FramePictures> stills_ = std::make_shared<FramePictures>();
     bool reportedFullAlpha_ = false;
 };
 
